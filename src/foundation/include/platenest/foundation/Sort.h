@@ -1,0 +1,39 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace platenest {
+
+// Stable merge sort over a three-way comparer (negative, zero, positive). Defined for every comparer: tolerant ones are
+// no strict order, for which the standard sorts are undefined; here they only decide which neighbours change places,
+// and the result is the same on every machine. Equal elements keep their order. Cost: O(n log n) comparisons, one
+// buffer of n. If the comparer throws, the list holds its elements in an unspecified order, some of them moved from.
+template <class List, class Comparer>
+void SortBy(List& Items, Comparer Compare) {
+  using T = typename std::iterator_traits<decltype(std::begin(Items))>::value_type;
+  const std::size_t count = Items.size();
+  if (count < 2) return;
+  std::vector<T> source(std::make_move_iterator(std::begin(Items)), std::make_move_iterator(std::end(Items)));
+  std::vector<T> target(count);
+  for (std::size_t width = 1; width < count; width *= 2) {
+    for (std::size_t begin = 0; begin < count; begin += 2 * width) {
+      const std::size_t middle = std::min(begin + width, count);
+      const std::size_t end = std::min(begin + 2 * width, count);
+      std::size_t left = begin;
+      std::size_t right = middle;
+      for (std::size_t place = begin; place < end; ++place) {
+        const bool takeRight =
+            left == middle || (right < end && Compare(std::as_const(source[right]), std::as_const(source[left])) < 0);
+        target[place] = std::move(source[takeRight ? right++ : left++]);
+      }
+    }
+    source.swap(target);
+  }
+  std::move(source.begin(), source.end(), std::begin(Items));
+}
+
+}  // namespace platenest
