@@ -1,0 +1,111 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platenest/job/Job.h"
+
+// The answer to a job, in the caller's ids and units.
+namespace platenest {
+
+enum class ResultStatus : std::uint8_t {
+  Complete,   // all demand placed, or for kind One the plate is full
+  Partial,    // the search ended by itself with demand left
+  TimeLimit,  // the time limit ended it
+  Stopped,    // the host or the user ended it
+};
+
+using Box = std::array<double, 4>;  // left, bottom, right, top
+
+struct Placement {
+  std::string Part;
+  bool Rotated = false;
+  std::array<double, 2> Trans{0, 0};  // lower left corner of an unturned, lower right corner of a turned part
+  Box Bounds{0, 0, 0, 0};
+};
+
+// One arrangement and how many plates are cut by it.
+struct Layout {
+  std::string Plate;
+  double Width = 0;
+  double Height = 0;
+  int Copies = 1;
+  double Usage = 0;                    // part area over plate area
+  Box UsedBox{0, 0, 0, 0};
+  std::optional<double> MinClearance;  // measured; nothing with fewer than two parts
+  bool EdgeToEdge = false;             // straight cuts from edge to edge can part the layout
+  Box FreeBox{0, 0, 0, 0};             // the largest free rectangle, the offcut worth keeping
+  std::vector<Placement> Placements;
+};
+
+struct Bound {
+  std::string What;  // "plates", "count", "value"
+  std::string Kind;  // "area", "barnes", "stock": each holds without trust in a heuristic
+  double Value = 0;
+};
+
+struct PlateUse {
+  std::string Id;
+  int Used = 0;
+  std::optional<int> Count;  // nothing: as many as needed
+};
+
+struct PartUse {
+  std::string Id;
+  std::optional<int> Amount;  // nothing: without limit
+  int Placed = 0;
+  int Unplaced = 0;           // 0 without a limit
+  std::string Reason;         // beside unplaced copies: too_large, no_stock, time, left_by_method
+};
+
+struct Summary {
+  int Plates = 0;
+  double Usage = 0;
+  double PartArea = 0;
+  double PlateArea = 0;
+  double Cost = 0;
+};
+
+// What was in force.
+struct RunInfo {
+  std::string Method;
+  std::uint64_t Seed = 1;
+  int Threads = 1;
+  double TimeLimit = 60;
+  Int64 MemoryLimit = Int64{1} << 30;
+  bool Deterministic = false;
+  std::string Version;
+  double Seconds = 0;
+};
+
+struct Result {
+  std::string Name;
+  JobKind Kind = JobKind::One;
+  std::string Units;
+  double Gap = 0;
+  std::array<double, 4> Margin{0, 0, 0, 0};
+  ResultStatus Status = ResultStatus::Complete;
+  bool Proved = false;  // a bound is met
+  Summary Total;
+  std::vector<Bound> Bounds;
+  std::vector<Layout> Layouts;
+  std::vector<PlateUse> Plates;
+  std::vector<PartUse> Parts;
+  std::vector<std::string> Warnings;
+  RunInfo Run;
+};
+
+PLATENEST_API std::string_view StatusName(ResultStatus Status);
+
+// Reads a result in the form platenest-result/1; raises InputError or LimitError like ParseJob.
+PLATENEST_API Result ParseResult(std::string_view Json);
+
+// Keys in fixed order; a deterministic run leaves out seconds and threads, so that equal answers are equal bytes.
+PLATENEST_API std::string ResultToJson(const Result& AResult);
+
+PLATENEST_API std::string_view ResultSchema();
+
+}  // namespace platenest

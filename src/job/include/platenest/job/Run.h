@@ -1,0 +1,42 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platenest/foundation/StopToken.h"
+#include "platenest/job/Job.h"
+#include "platenest/job/JobErrors.h"
+#include "platenest/job/Result.h"
+
+namespace platenest {
+
+using StopToken = TStopToken;
+
+struct Progress {
+  double Seconds = 0;
+  std::string Phase;  // the method at work
+  int Plates = 0;
+  double Usage = 0;
+  Int64 Unplaced = 0;
+  std::optional<double> BoundValue;
+};
+
+struct RunHooks {
+  // Called on the thread of run() at each improvement; false stops the run with the best answer so far.
+  std::function<bool(const Progress&)> OnProgress;
+  const StopToken* Stop = nullptr;  // the caller's, settable from any thread
+};
+
+// Answers a job. Every answer has passed the independent checker. Raises JobError kinds only. Runs on the caller's thread
+// plus one watchdog thread; several runs may go on in parallel threads. Process-wide state is left as it was.
+PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
+
+// Verifies a result against its job with code that shares nothing with the nesters: positions, plate, margin, gap, amounts,
+// stock, turning locks, and every number that the result states about itself. Empty when all is right.
+PLATENEST_API std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult);
+
+// One SVG document for a layout of a result; real units, y up.
+PLATENEST_API std::string LayoutToSvg(const Result& AResult, int LayoutIndex);
+
+}  // namespace platenest
