@@ -36,7 +36,7 @@ class TDoor {
 
 TDoor<THostProc> hostProc;
 TDoor<TWarningSink> warningSink;
-TDoor<TFreeMemorySource> freeMemorySource;
+thread_local TFreeMemorySource freeMemorySource;
 
 // "MemAvailable" counts what can be had without swapping, page cache included.
 Int64 ReadAvailableMemory() {
@@ -79,7 +79,7 @@ void TCerr::Print(const char* Format, ...) noexcept {
 
 Int64 FreePhysicalMemory() noexcept {
   try {
-    if (const auto source = freeMemorySource.Get()) return (*source)();
+    if (freeMemorySource) return freeMemorySource();
     return ReadAvailableMemory();
   } catch (...) {
     return 0;
@@ -94,9 +94,10 @@ TWarningScope::TWarningScope(TWarningSink Sink) : FFormer(warningSink.Exchange(s
 TWarningScope::~TWarningScope() {
   warningSink.Exchange(std::move(FFormer));
 }
-TFreeMemoryScope::TFreeMemoryScope(TFreeMemorySource Source) : FFormer(freeMemorySource.Exchange(std::move(Source))) {}
+TFreeMemoryScope::TFreeMemoryScope(TFreeMemorySource Source)
+    : FFormer(std::exchange(freeMemorySource, std::move(Source))) {}
 TFreeMemoryScope::~TFreeMemoryScope() {
-  freeMemorySource.Exchange(std::move(FFormer));
+  freeMemorySource = std::move(FFormer);
 }
 
 }  // namespace platenest
