@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <type_traits>
 
 namespace platenest::detail {
 
@@ -21,18 +22,17 @@ std::uint64_t PackFlags(const std::array<std::uint8_t, kWordBits>& Flags) {
   return word;
 }
 
-// Count cells, at most a word's worth. The sources lie below the targets and may overlap them, so they are copied
-// first.
+// Count cells, at most a word's worth. The sources lie below the targets and may overlap them, so all are read before
+// any is written. Three plain loops over signs, because vector units of the baseline cannot compare 64-bit cells.
 template <class Cell>
 std::uint64_t TakeWhereBetter(const Cell* Source, Cell Value, Cell* Target, int Count) {
-  std::array<Cell, kWordBits> source;
+  using Bits = std::make_unsigned_t<Cell>;
+  constexpr int signBit = std::numeric_limits<Cell>::digits;
+  std::array<Cell, kWordBits> loss;
   std::array<std::uint8_t, kWordBits> flags{};
-  std::copy_n(Source, Count, source.data());
-  for (int i = 0; i < Count; ++i) {
-    const Cell taken = source[i] + Value;
-    flags[i] = taken > Target[i] ? 1 : 0;
-    Target[i] = std::max(Target[i], taken);
-  }
+  for (int i = 0; i < Count; ++i) loss[i] = Target[i] - (Source[i] + Value);
+  for (int i = 0; i < Count; ++i) Target[i] -= loss[i] & -static_cast<Cell>(static_cast<Bits>(loss[i]) >> signBit);
+  for (int i = 0; i < Count; ++i) flags[i] = static_cast<std::uint8_t>(static_cast<Bits>(loss[i]) >> signBit);
   return PackFlags(flags);
 }
 

@@ -174,7 +174,7 @@ TEST(Knapsack, BoundedAnswerIsTheStatedOneOfAllBestAnswers) {
 
 // Room for a few pieces, and for so many that the capacity plays no part in the search.
 TEST(Knapsack, UnboundedAnswerIsTheStatedOneOfAllBestAnswers) {
-  ForEachSeed(900, [](unsigned seed) {
+  ForEachSeed(360, [](unsigned seed) {
     TDice dice(seed);
     const Int64 scale = seed % 2 == 0 ? 1 : 1'000'000'000'000;
     const bool much = seed % 3 == 0;
@@ -199,7 +199,7 @@ TEST(Knapsack, BoundedValueMatchesTheFullTable) {
 }
 
 // Items of nearly equal value per weight, so that good answers mix many pieces. In every tenth round the capacity is a
-// million; then the best mix may be heavier than the capacity.
+// million, and the best mix regardless of the capacity may be heavier than that.
 TEST(Knapsack, UnboundedValueMatchesTheFullTable) {
   ForEachSeed(300, [](unsigned seed) {
     TDice dice(seed);
@@ -207,7 +207,7 @@ TEST(Knapsack, UnboundedValueMatchesTheFullTable) {
     TProblem p{{}, {}, {}, million ? 1'000'000 - dice.From(0, 5000) : dice.From(2500, 3500)};
     for (int i = million ? 3 : dice.From(3, 6); i > 0; --i) {
       p.Weights.push_back(million ? dice.From(1700, 7500) : dice.From(10, 75));
-      p.Values.push_back(20 * p.Weights.back() + dice.From(-20, 20));
+      p.Values.push_back(million ? p.Weights.back() + dice.From(-2, 2) : 20 * p.Weights.back() + dice.From(-20, 20));
     }
     const TAnswer answer = Solve(p);
     EXPECT_EQ(answer.Value, BestValueByTable(p));
