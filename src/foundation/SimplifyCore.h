@@ -14,6 +14,6 @@ struct TKeptPoints {
 };
 
 // Which of at least three points stay. Closed: they are a contour without repeated first point.
-TKeptPoints KeepPoints(std::span<const TPoint2D> Points, double Tol, bool Closed);
+PLATENEST_API TKeptPoints KeepPoints(std::span<const TPoint2D> Points, double Tol, bool Closed);
 
 }  // namespace platenest::detail
