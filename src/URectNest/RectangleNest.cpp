@@ -66,7 +66,7 @@ TRectangleNest::TRectangleNest(const TVRect2D& Plate, const TNestRect& PartRect,
   FPartY = std::min(part.Width(), part.Height());
   FUsable = std::isfinite(Gap) && HasPositiveSides(Plate) && HasPositiveSides(PartRect.BoundBox) &&
             HasPositiveSides(part) && HasPositiveSides(FPlate);
-  FPlainGrid = std::trunc((W() + H() - FPartY + kStripRoom) / FPartX) > kMostStrips;
+  FPlainGrid = FUsable && std::trunc((W() + H() - FPartY + kStripRoom) / FPartX) > kMostStrips;
 }
 
 int TRectangleNest::SingleNest(TNestedRects& ResultList, bool& IsFull) const {
@@ -89,7 +89,7 @@ double TRectangleNest::NestUsageRatio(const TVRect2D& Plate, const TNestRect& Pa
          ((Plate.Height() + Gap) * (Plate.Width() + Gap));
 }
 
-// Quotients without tolerance, unlike those of the strips: on this scale one column more or less hardly counts.
+// Plain quotients: a column that only rounding keeps from fitting is lost.
 TRectangleNest::TGrid TRectangleNest::PlanGrid() const {
   const TGrid alongX{Trunc(W() / FPartX), Trunc(H() / FPartY), FPartX, FPartY, FIsvertical};
   const TGrid alongY{Trunc(W() / FPartY), Trunc(H() / FPartX), FPartY, FPartX, !FIsvertical};
@@ -155,7 +155,7 @@ TRectangleNest::TSummary TRectangleNest::StripSummary() const {
   const detail::TStripLayout layout = PlanStrips();
   TSummary summary;
   summary.Count = summary.Placed = Counted(std::min<Int64>(layout.Count(), FMaxAmount));
-  int before = 0;
+  Int64 before = 0;
   for (const auto& column : layout.Columns()) {
     if (before >= summary.Placed) break;
     summary.Right = column.Right;

@@ -2,6 +2,7 @@
 
 // The rectangle model and the rectangle nesters.
 #include "platenest/URectNest/BarnesBound.h"
+#include "platenest/URectNest/CoEdge.h"
 #include "platenest/URectNest/Raster.h"
 #include "platenest/URectNest/RectFile.h"
 #include "platenest/URectNest/RectRecords.h"
