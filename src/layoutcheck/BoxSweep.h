@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Sort.h"
 #include "platenest/foundation/Types.h"
 #include "platenest/layoutcheck/PlacedBox.h"
@@ -17,12 +18,16 @@ struct TKeyed {
   int Index;
 };
 
-// Positions of the boxes, ascending by Key(box); equal keys keep list order.
+// Ascending; equal keys keep their order.
+inline void SortKeyed(std::vector<TKeyed>& Items) {
+  SortBy(Items, [](const TKeyed& A, const TKeyed& B) { return Sign(A.Key, B.Key); });
+}
+
 template <class KeyOf>
 std::vector<TKeyed> OrderBy(std::span<const TPlacedBox> Boxes, KeyOf Key) {
   std::vector<TKeyed> order(Boxes.size());
   for (int i = 0; i < Size(Boxes); ++i) order[i] = {Key(Boxes[i]), i};
-  SortBy(order, [](const TKeyed& A, const TKeyed& B) { return A.Key < B.Key ? -1 : (B.Key < A.Key ? 1 : 0); });
+  SortKeyed(order);
   return order;
 }
 

@@ -99,7 +99,7 @@ class TCutter {
     std::vector<TKeyed> order(Boxes.size());
     for (int side = 0; side < kSides; ++side) {
       for (int i = 0; i < Size(Boxes); ++i) order[i] = {Near(side, Boxes[i]), Boxes[i]};
-      SortBy(order, [](const TKeyed& A, const TKeyed& B) { return A.Key < B.Key ? -1 : (B.Key < A.Key ? 1 : 0); });
+      detail::SortKeyed(order);
       int tail = kEnd;
       piece.Head[side] = kEnd;
       for (const TKeyed& item : order) tail = Append(piece, side, tail, item.Index);
