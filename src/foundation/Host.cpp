@@ -2,41 +2,20 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 
 #include <unistd.h>
 
+#include "Door.h"
+
 namespace platenest {
 
 namespace {
 
-// A process-wide door: calls work on a copy of the function, so that a sink may be replaced while another thread is in
-// it.
-template <class Function>
-class TDoor {
- public:
-  Function Exchange(Function New) {
-    const std::lock_guard lock(FMutex);
-    Function former = FCurrent ? *FCurrent : Function();
-    FCurrent = New ? std::make_shared<Function>(std::move(New)) : nullptr;
-    return former;
-  }
-  std::shared_ptr<Function> Get() {
-    const std::lock_guard lock(FMutex);
-    return FCurrent;
-  }
-
- private:
-  std::mutex FMutex;
-  std::shared_ptr<Function> FCurrent;
-};
-
-TDoor<THostProc> hostProc;
-TDoor<TWarningSink> warningSink;
-TDoor<TFreeMemorySource> freeMemorySource;
+detail::TDoor<THostProc> hostProc;
+detail::TDoor<TWarningSink> warningSink;
+thread_local TFreeMemorySource freeMemorySource;
 
 // "MemAvailable" counts what can be had without swapping, page cache included.
 Int64 ReadAvailableMemory() {
@@ -79,7 +58,7 @@ void TCerr::Print(const char* Format, ...) noexcept {
 
 Int64 FreePhysicalMemory() noexcept {
   try {
-    if (const auto source = freeMemorySource.Get()) return (*source)();
+    if (freeMemorySource) return freeMemorySource();
     return ReadAvailableMemory();
   } catch (...) {
     return 0;
@@ -94,9 +73,10 @@ TWarningScope::TWarningScope(TWarningSink Sink) : FFormer(warningSink.Exchange(s
 TWarningScope::~TWarningScope() {
   warningSink.Exchange(std::move(FFormer));
 }
-TFreeMemoryScope::TFreeMemoryScope(TFreeMemorySource Source) : FFormer(freeMemorySource.Exchange(std::move(Source))) {}
+TFreeMemoryScope::TFreeMemoryScope(TFreeMemorySource Source)
+    : FFormer(std::exchange(freeMemorySource, std::move(Source))) {}
 TFreeMemoryScope::~TFreeMemoryScope() {
-  freeMemorySource.Exchange(std::move(FFormer));
+  freeMemorySource = std::move(FFormer);
 }
 
 }  // namespace platenest

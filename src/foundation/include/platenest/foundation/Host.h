@@ -61,6 +61,7 @@ class PLATENEST_API TWarningScope {
   TWarningSink FFormer;
 };
 
+// For this thread only.
 class PLATENEST_API TFreeMemoryScope {
  public:
   explicit TFreeMemoryScope(TFreeMemorySource Source);

@@ -8,13 +8,18 @@
 // library poll both where they poll at all; a relaxed read may lag a moment behind, which only delays the stop.
 namespace platenest {
 
-// Set once, from any thread or from a signal handler; never reset while a run may poll it.
+// Set once, from any thread or from a signal handler; never reset while a run may poll it. A token may stand below
+// another one, which must outlive it, and then counts as set as soon as either is.
 class TStopToken {
  public:
+  explicit TStopToken(const TStopToken* Parent = nullptr) noexcept : FParent(Parent) {}
   void RequestStop() noexcept { FStop.store(true, std::memory_order_relaxed); }
-  bool StopRequested() const noexcept { return FStop.load(std::memory_order_relaxed); }
+  bool StopRequested() const noexcept {
+    return FStop.load(std::memory_order_relaxed) || (FParent != nullptr && FParent->StopRequested());
+  }
 
  private:
+  const TStopToken* FParent;
   std::atomic<bool> FStop{false};
 };
 

@@ -1,0 +1,73 @@
+#include "OneSuite.h"
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "platenest/URectNest/URectNest.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
+
+namespace platenest::bench {
+
+namespace {
+
+struct TPalletJob {
+  double L = 0;
+  double W = 0;
+  double PartL = 0;
+  double PartW = 0;
+  double Best = 0;
+  double Bound = 0;
+};
+
+std::vector<TPalletJob> ReadPalletFile(const std::string& File) {
+  std::ifstream stream(File);
+  if (!stream) throw std::runtime_error("cannot read " + File);
+  const nlohmann::json all = nlohmann::json::parse(stream);
+  const auto column = [&all, &File](const char* name) {
+    const auto& names = all.at("columns");
+    for (std::size_t i = 0; i < names.size(); ++i)
+      if (names[i] == name) return i;
+    throw std::runtime_error(File + ": no column " + name);
+  };
+  const std::size_t l = column("L"), w = column("W"), a = column("l"), b = column("w");
+  const std::size_t best = column("best"), bound = column("bound");
+  std::vector<TPalletJob> jobs;
+  for (const auto& row : all.at("rows")) jobs.push_back({row[l], row[w], row[a], row[b], row[best], row[bound]});
+  return jobs;
+}
+
+std::string Text(double V) { return std::to_string(static_cast<long long>(V)); }
+
+TRow Solve(const TPalletJob& Job, int Repeat) {
+  const TVRect2D plate = TVRect2D::FromSize(Job.L, Job.W);
+  const TNestRect part(static_cast<int>(Job.Bound) + 1, 0, TVRect2D::FromSize(Job.PartL, Job.PartW));
+  TNestedRects layout;
+  TRow row;
+  row.Ms = MedianMs(Repeat, [&] {
+    layout.clear();
+    bool isFull = false;
+    TRectangleNest(plate, part, 0).SingleNest(layout, isFull);
+  });
+  row.Size = Text(Job.L) + "x" + Text(Job.W);
+  row.Id = row.Size + "/" + Text(Job.PartL) + "x" + Text(Job.PartW);
+  row.Result = layout.Count();
+  row.Best = Job.Best;
+  row.Bound = static_cast<double>(BarnesBound(static_cast<Int64>(Job.L), static_cast<Int64>(Job.W),
+                                              static_cast<Int64>(Job.PartL), static_cast<Int64>(Job.PartW)));
+  row.Fault = CheckRectLayout(layout, plate, 0, {part});
+  return row;
+}
+
+}  // namespace
+
+std::vector<TRow> RunOneSuite(const std::string& File, int Repeat, int MostRows) {
+  std::vector<TRow> rows;
+  for (const TPalletJob& job : ReadPalletFile(File)) {
+    if (MostRows > 0 && Size(rows) == MostRows) break;
+    rows.push_back(Solve(job, Repeat));
+  }
+  return rows;
+}
+
+}  // namespace platenest::bench

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace platenest::bench {
+
+// One solved instance. Counts and bounds are exact where times are noisy.
+struct TRow {
+  std::string Id;
+  std::string Size;
+  double Result = 0;
+  double Best = 0;   // best known value
+  double Bound = 0;  // proven upper bound
+  double Ms = 0;     // median of the repetitions
+  std::string Fault; // what the layout checker found, empty if nothing
+};
+
+// The median time of Repeat calls in milliseconds.
+double MedianMs(int Repeat, const std::function<void()>& Work);
+
+// The q-quantile, 0 <= q <= 1, of a list that is sorted inside.
+double Quantile(std::vector<double> Values, double Q);
+
+// Peak resident memory of the process in MiB.
+double PeakMemoryMiB();
+
+// Writes the rows as JSON, the form that scripts/compare_bench reads.
+void WriteJson(const std::string& Path, const std::string& Suite, const std::vector<TRow>& Rows);
+
+}  // namespace platenest::bench

@@ -1,0 +1,133 @@
+#include "Assembly.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+#include <span>
+#include <unordered_map>
+
+#include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/layoutcheck/Measures.h"
+
+namespace platenest::detail {
+
+namespace {
+
+Box ToBox(const TPlacedBox& B) { return {B.Left, B.Bottom, B.Right, B.Top}; }
+TPlacedBox ToPlacedBox(const Box& B) { return {B[0], B[1], B[2], B[3]}; }
+
+// Positions of ids, for look-up only; no order is taken from it.
+template <class List>
+std::unordered_map<std::string, int> PositionsById(const List& Items) {
+  std::unordered_map<std::string, int> positions;
+  for (int i = 0; i < Size(Items); ++i) positions.emplace(Items[i].Id, i);
+  return positions;
+}
+
+// Results that were read from a file may multiply to more than a count holds; the checks on stock and demand see the cap.
+int ToCount(Int64 Sum) { return static_cast<int>(std::min<Int64>(Sum, std::numeric_limits<int>::max())); }
+
+Placement AssemblePlacement(const Part& APart, const TScaledPlate& Scaled, const TNestedRect& Nested) {
+  const TScale& scale = Scaled.Scale;
+  // Sums are brought back to twelve digits before the way down, so that whole sizes give whole corners.
+  const auto down = [&scale](double V) { return scale.Down(RoundToTwelveDigits(V)); };
+  const double x = Nested.Trans.X + Scaled.MarginLeft;
+  const double y = Nested.Trans.Y + Scaled.MarginBottom;
+  const double w = scale.Up(APart.Width);
+  const double h = scale.Up(APart.Height);
+  Placement place;
+  place.Part = APart.Id;
+  place.Rotated = Nested.IsRotate;
+  place.Trans = {down(x), down(y)};
+  place.Bounds = Nested.IsRotate ? Box{down(x - h), down(y), down(x), down(y + w)}
+                                 : Box{down(x), down(y), down(x + w), down(y + h)};
+  return place;
+}
+
+}  // namespace
+
+TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate) : Scale(std::max(APlate.Width, APlate.Height)) {
+  Gap = Scale.Up(AJob.Gap);
+  MarginLeft = Scale.Up(AJob.Margin[0]);
+  MarginBottom = Scale.Up(AJob.Margin[1]);
+  Width = RoundToTwelveDigits(Scale.Up(APlate.Width) - MarginLeft - Scale.Up(AJob.Margin[2]));
+  Height = RoundToTwelveDigits(Scale.Up(APlate.Height) - MarginBottom - Scale.Up(AJob.Margin[3]));
+}
+
+Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested) {
+  Layout layout;
+  layout.Plate = APlate.Id;
+  layout.Width = APlate.Width;
+  layout.Height = APlate.Height;
+  layout.Placements.reserve(Nested.size());
+  for (const TNestedRect& placed : Nested)
+    layout.Placements.push_back(AssemblePlacement(AJob.Parts.at(placed.Part.Idx), Scaled, placed));
+  return layout;
+}
+
+void MeasureInto(Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
+  std::vector<TPlacedBox> boxes;
+  boxes.reserve(ALayout.Placements.size());
+  for (const Placement& place : ALayout.Placements) boxes.push_back(ToPlacedBox(place.Bounds));
+  const TPlacedBox plate{0, 0, ALayout.Width, ALayout.Height};
+  const TPlacedBox inner{Margin[0], Margin[1], ALayout.Width - Margin[2], ALayout.Height - Margin[3]};
+  const TLayoutMeasures measures = MeasureLayout(boxes, plate, inner, Gap);
+  ALayout.Usage = measures.Usage;
+  ALayout.UsedBox = measures.Used ? ToBox(*measures.Used) : Box{0, 0, 0, 0};
+  ALayout.MinClearance = measures.MinClearance;
+  ALayout.EdgeToEdge = measures.EdgeToEdge;
+  ALayout.FreeBox = measures.Free ? ToBox(*measures.Free) : Box{0, 0, 0, 0};
+}
+
+TNestedRects ToRecords(const Job& AJob, const Layout& ALayout) {
+  const auto positions = PositionsById(AJob.Parts);
+  TNestedRects records;
+  records.reserve(ALayout.Placements.size());
+  for (const Placement& place : ALayout.Placements) {
+    const auto known = positions.find(place.Part);
+    TNestRect part(1, -1, TVRect2D());
+    if (known != positions.end()) {
+      const Part& demand = AJob.Parts[known->second];
+      part = TNestRect(1, known->second, TVRect2D::FromSize(demand.Width, demand.Height));
+    }
+    records.emplace_back(part, place.Rotated, TPoint2D{place.Trans[0], place.Trans[1]});
+  }
+  return records;
+}
+
+std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
+  TNestRectList demand;
+  for (int i = 0; i < Size(AJob.Parts); ++i)  // amounts belong to the whole job and are counted over all layouts
+    demand.emplace_back(-1, i, TVRect2D::FromSize(AJob.Parts[i].Width, AJob.Parts[i].Height));
+  const TVRect2D plate =
+      TVRect2D::FromBounds(ALayout.Height - Margin[3], Margin[0], Margin[1], ALayout.Width - Margin[2]);
+  return CheckRectLayout(ToRecords(AJob, ALayout), plate, Gap, demand, {.NegativeAmountIsNoLimit = true});
+}
+
+void Account(const Job& AJob, Result& AResult) {
+  const auto partPositions = PositionsById(AJob.Parts);
+  const auto platePositions = PositionsById(AJob.Plates);
+  std::vector<Int64> placed(AJob.Parts.size()), used(AJob.Plates.size());
+  for (const Part& part : AJob.Parts) AResult.Parts.push_back({part.Id, part.Amount, 0, 0, ""});
+  for (const Plate& plate : AJob.Plates) AResult.Plates.push_back({plate.Id, 0, plate.Count});
+  for (const Layout& layout : AResult.Layouts) {
+    const int platePosition = platePositions.at(layout.Plate);
+    const Plate& plate = AJob.Plates[platePosition];
+    const double plateArea = layout.Width * layout.Height;
+    used[platePosition] += layout.Copies;
+    AResult.Total.PlateArea += plateArea * layout.Copies;
+    AResult.Total.Cost += plate.Cost.value_or(plateArea) * layout.Copies;
+    for (const Placement& place : layout.Placements) {
+      const int position = partPositions.at(place.Part);
+      placed[position] += layout.Copies;
+      AResult.Total.PartArea += AJob.Parts[position].Width * AJob.Parts[position].Height * layout.Copies;
+    }
+  }
+  for (int i = 0; i < Size(used); ++i) AResult.Plates[i].Used = ToCount(used[i]);
+  AResult.Total.Plates = ToCount(std::accumulate(used.begin(), used.end(), Int64{0}));
+  for (int i = 0; i < Size(placed); ++i) AResult.Parts[i].Placed = ToCount(placed[i]);
+  for (PartUse& part : AResult.Parts) part.Unplaced = part.Amount ? std::max(0, *part.Amount - part.Placed) : 0;
+  if (AResult.Total.PlateArea > 0) AResult.Total.Usage = AResult.Total.PartArea / AResult.Total.PlateArea;
+}
+
+}  // namespace platenest::detail

@@ -1,0 +1,100 @@
+#include "OneSize.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "Scale.h"
+#include "platenest/URectNest/URectNest.h"
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest::detail {
+
+namespace {
+
+// A plate side is handed over this much longer than it is, so that sums of doubles do not lose an exact fit. Where all
+// sizes are multiples of a decimal quantum it stays below that quantum and cannot make anything fit that does not.
+constexpr double kMostFitSlack = 1e-6;
+constexpr double kFitSlackWithoutQuantum = 5e-10;
+// The nester shortens every gap from 1.0 on by this much.
+constexpr double kGapShortfall = 1e-9;
+
+struct TPrepared {
+  TNestRect Part;
+  double PlateWidth = 0;
+  double PlateHeight = 0;
+  double Gap = 0;
+  std::optional<int> Decimals;
+};
+
+TPrepared Prepare(const TOneSize& S, int Amount) {
+  TPrepared job;
+  job.Decimals = CommonDecimals(std::array{S.PlateWidth, S.PlateHeight, S.PartWidth, S.PartHeight, S.Gap});
+  const double slack =
+      job.Decimals ? std::min(std::pow(10.0, -*job.Decimals) / 4, kMostFitSlack) : kFitSlackWithoutQuantum;
+  job.PlateWidth = S.PlateWidth + slack;
+  job.PlateHeight = S.PlateHeight + slack;
+  job.Gap = S.Gap >= 1 ? S.Gap + kGapShortfall : S.Gap;
+  job.Part = TNestRect(Amount, 0, TVRect2D::FromSize(S.PartWidth, S.PartHeight));
+  job.Part.Area = S.PartWidth * S.PartHeight;
+  return job;
+}
+
+// The plain grid of turned parts stands one gap to the right of where it could and may leave the plate there.
+void ShiftToLeftEdge(TNestedRects& Layout) {
+  if (Layout.empty()) return;
+  double left = Layout[0].BoundBox().Left;
+  for (const TNestedRect& placed : Layout) left = std::min(left, placed.BoundBox().Left);
+  for (TNestedRect& placed : Layout) placed.Trans.X -= left;
+}
+
+// Sums of doubles back to the multiples of the quantum that they stand for.
+void SnapToQuantum(TNestedRects& Layout, int Decimals) {
+  const double scale = std::pow(10.0, Decimals);
+  for (TNestedRect& placed : Layout) {
+    placed.Trans.X = RoundHalfEven(placed.Trans.X * scale) / scale + 0.0;
+    placed.Trans.Y = RoundHalfEven(placed.Trans.Y * scale) / scale + 0.0;
+  }
+}
+
+void Finish(TNestedRects& Layout, const TPrepared& Job) {
+  ShiftToLeftEdge(Layout);
+  if (Job.Decimals) SnapToQuantum(Layout, *Job.Decimals);
+}
+
+TOneSizeAnswer RunStrip(const TPrepared& Job) {
+  TOneSizeAnswer answer;
+  answer.Method = "strip";
+  bool isFull = false;
+  TRectangleNest(TVRect2D::FromSize(Job.PlateWidth, Job.PlateHeight), Job.Part, Job.Gap).SingleNest(answer.Layout, isFull);
+  Finish(answer.Layout, Job);
+  return answer;
+}
+
+// The trimming form shortens the list of part edges step by step; where all of them lie beyond a third of the plate it runs
+// off the list's end, and the plain nest answers.
+TOneSizeAnswer RunTrim(const TPrepared& Job) {
+  try {
+    TOneSizeAnswer answer;
+    answer.Method = "trim";
+    DynamicSingleRectNest(Job.Part, Job.PlateHeight, Job.PlateWidth, Job.Gap, answer.Layout);
+    Finish(answer.Layout, Job);
+    return answer;
+  } catch (const TRangeError&) {
+    TOneSizeAnswer answer = RunStrip(Job);
+    answer.Remark = "trim found no shorter plate length to try; the strip layout stands";
+    return answer;
+  }
+}
+
+}  // namespace
+
+std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes, int Amount) {
+  const TPrepared job = Prepare(Sizes, Amount);
+  const auto strip = [job] { return RunStrip(job); };
+  if (Method == "trim") return {[job] { return RunTrim(job); }, strip};
+  return {strip};
+}
+
+}  // namespace platenest::detail

@@ -1,0 +1,225 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "Assembly.h"
+#include "OneSizeBounds.h"
+#include "platenest/job/Run.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/layoutcheck/Measures.h"
+
+namespace platenest {
+
+namespace {
+
+using namespace detail;
+
+constexpr double kLengthTol = 1e-6;    // drawing units, as the layout promise has it
+constexpr double kRelativeTol = 1e-9;  // of ratios and sums
+
+bool AreClose(double A, double B) { return std::fabs(A - B) <= kRelativeTol * std::max({1.0, std::fabs(A), std::fabs(B)}); }
+
+bool AreClose(const Box& A, const Box& B) {
+  for (int i = 0; i < 4; ++i)
+    if (std::fabs(A[i] - B[i]) > kLengthTol) return false;
+  return true;
+}
+
+std::string Number(double V) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.12g", V);
+  return text;
+}
+
+// Gathers what is wrong; every test names the place in the result.
+class TResultCheck {
+ public:
+  TResultCheck(const Job& AJob, const Result& AResult) : FJob(AJob), FResult(AResult) {}
+
+  std::vector<Fault> Run() {
+    CheckHead();
+    for (int i = 0; i < Size(FResult.Layouts); ++i) CheckOneLayout(i);
+    if (FFaults.empty()) CheckCounts();  // counts are summed over known plates and parts only
+    if (FFaults.empty()) CheckVerdict();
+    return std::move(FFaults);
+  }
+
+ private:
+  void Add(std::string Place, std::string Text) {
+    if (Size(FFaults) < JobError::kMaxFaults) FFaults.push_back({"check", std::move(Place), std::move(Text), ""});
+  }
+  void Require(bool Holds, const std::string& Place, const std::string& Text) {
+    if (!Holds) Add(Place, Text);
+  }
+  void RequireNumber(double Stated, double True, const std::string& Place) {
+    Require(AreClose(Stated, True), Place, "states " + Number(Stated) + ", it is " + Number(True));
+  }
+
+  void CheckHead();
+  void CheckOneLayout(int Index);
+  void CheckPlacements(const Layout& ALayout, const std::string& Place);
+  void CheckMeasures(const Layout& ALayout, const std::string& Place);
+  void CheckFreeBox(const Layout& Stated, const Layout& Measured, const std::string& Place);
+  void CheckCounts();
+  void CheckStock(const Result& True);
+  void CheckDemand(const Result& True);
+  void CheckVerdict();
+  void CheckBounds();
+  void CheckStatus();
+
+  const Job& FJob;
+  const Result& FResult;
+  std::vector<Fault> FFaults;
+};
+
+void TResultCheck::CheckHead() {
+  Require(FResult.Kind == FJob.Kind, "/kind", "is not the kind of the job");
+  Require(FResult.Units == FJob.Units, "/units", "are not the units of the job");
+  Require(FResult.Gap >= FJob.Gap - kLengthTol, "/gap", "is smaller than the gap of the job, " + Number(FJob.Gap));
+  for (int i = 0; i < 4; ++i)
+    Require(FResult.Margin[i] >= FJob.Margin[i] - kLengthTol, "/margin/" + std::to_string(i),
+            "is smaller than the margin of the job, " + Number(FJob.Margin[i]));
+}
+
+void TResultCheck::CheckOneLayout(int Index) {
+  const Layout& layout = FResult.Layouts[Index];
+  const std::string place = "/layouts/" + std::to_string(Index);
+  const auto plate = std::ranges::find(FJob.Plates, layout.Plate, &Plate::Id);
+  if (plate == FJob.Plates.end()) return Add(place + "/plate", "names no plate of the job: " + layout.Plate);
+  const std::size_t before = FFaults.size();
+  RequireNumber(layout.Width, plate->Width, place + "/width");
+  RequireNumber(layout.Height, plate->Height, place + "/height");
+  Require(!layout.Placements.empty(), place + "/placements", "is empty: an unused plate is no layout");
+  CheckPlacements(layout, place);
+  if (FFaults.size() != before) return;
+  const std::string verdict = CheckLayout(FJob, layout, FResult.Gap, FResult.Margin);
+  if (!verdict.empty()) return Add(place, verdict);
+  CheckMeasures(layout, place);
+}
+
+void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Place) {
+  const TNestedRects records = ToRecords(FJob, ALayout);
+  for (int i = 0; i < records.Count(); ++i) {
+    const Placement& stated = ALayout.Placements[i];
+    const std::string place = Place + "/placements/" + std::to_string(i);
+    const int position = records[i].Part.Idx;
+    if (position < 0) {
+      Add(place + "/part", "names no part of the job: " + stated.Part);
+      continue;
+    }
+    Require(!stated.Rotated || FJob.Parts[position].Turn == Rotate::Any, place + "/rotated", "turns a part that may not turn");
+    const TPlacedBox box = PlacedBoxOf(records[i]);
+    Require(AreClose(stated.Bounds, Box{box.Left, box.Bottom, box.Right, box.Top}), place + "/box",
+            "does not follow from size, rotated and trans");
+  }
+}
+
+void TResultCheck::CheckMeasures(const Layout& ALayout, const std::string& Place) {
+  Layout measured = ALayout;
+  MeasureInto(measured, FResult.Gap, FResult.Margin);
+  RequireNumber(ALayout.Usage, measured.Usage, Place + "/usage");
+  Require(AreClose(ALayout.UsedBox, measured.UsedBox), Place + "/used_box", "is not the box around the parts");
+  Require(ALayout.EdgeToEdge == measured.EdgeToEdge, Place + "/edge_to_edge", "is wrong");
+  Require(ALayout.MinClearance.has_value() == measured.MinClearance.has_value() &&
+              (!ALayout.MinClearance || std::fabs(*ALayout.MinClearance - *measured.MinClearance) <= kLengthTol),
+          Place + "/min_clearance", "is not the least distance of two parts");
+  CheckFreeBox(ALayout, measured, Place);
+}
+
+// The stated rectangle must be free and as large as the largest one; several may be.
+void TResultCheck::CheckFreeBox(const Layout& Stated, const Layout& Measured, const std::string& Place) {
+  const Box& box = Stated.FreeBox;
+  const TPlacedBox placed{box[0], box[1], box[2], box[3]};
+  const double area = placed.Area();
+  const double largest = (Measured.FreeBox[2] - Measured.FreeBox[0]) * (Measured.FreeBox[3] - Measured.FreeBox[1]);
+  Require(placed.IsProper() && std::fabs(area - largest) <= kLengthTol * std::max(1.0, Stated.Width + Stated.Height),
+          Place + "/free_box", "is not a largest free rectangle");
+  for (const Placement& part : Stated.Placements) {
+    const TPlacedBox other{part.Bounds[0], part.Bounds[1], part.Bounds[2], part.Bounds[3]};
+    if (area > 0 && Clearance(placed, other) < FResult.Gap - kLengthTol)
+      return Add(Place + "/free_box", "is not free");
+  }
+}
+
+void TResultCheck::CheckCounts() {
+  Result truth;
+  truth.Layouts = FResult.Layouts;
+  Account(FJob, truth);
+  const Summary& stated = FResult.Total;
+  RequireNumber(stated.Plates, truth.Total.Plates, "/summary/plates");
+  RequireNumber(stated.Usage, truth.Total.Usage, "/summary/usage");
+  RequireNumber(stated.PartArea, truth.Total.PartArea, "/summary/part_area");
+  RequireNumber(stated.PlateArea, truth.Total.PlateArea, "/summary/plate_area");
+  RequireNumber(stated.Cost, truth.Total.Cost, "/summary/cost");
+  CheckStock(truth);
+  CheckDemand(truth);
+}
+
+void TResultCheck::CheckStock(const Result& True) {
+  Require(Size(FResult.Plates) == Size(True.Plates), "/plates", "does not list the plates of the job");
+  for (int i = 0; i < std::min(Size(FResult.Plates), Size(True.Plates)); ++i) {
+    const std::string place = "/plates/" + std::to_string(i);
+    const PlateUse& use = FResult.Plates[i];
+    Require(use.Id == True.Plates[i].Id, place + "/id", "is not the plate of the job at this place");
+    Require(use.Count == True.Plates[i].Count, place + "/count", "is not the stock of the job");
+    RequireNumber(use.Used, True.Plates[i].Used, place + "/used");
+    Require(!True.Plates[i].Count || True.Plates[i].Used <= *True.Plates[i].Count, place + "/used",
+            "more plates than there are in stock");
+  }
+  Require(FJob.Kind == JobKind::Job || True.Total.Plates <= 1, "/layouts", "uses more than one plate");
+}
+
+void TResultCheck::CheckDemand(const Result& True) {
+  Require(Size(FResult.Parts) == Size(True.Parts), "/parts", "does not list the parts of the job");
+  for (int i = 0; i < std::min(Size(FResult.Parts), Size(True.Parts)); ++i) {
+    const std::string place = "/parts/" + std::to_string(i);
+    const PartUse& use = FResult.Parts[i];
+    const PartUse& truth = True.Parts[i];
+    Require(use.Id == truth.Id, place + "/id", "is not the part of the job at this place");
+    Require(use.Amount == truth.Amount, place + "/amount", "is not the amount of the job");
+    RequireNumber(use.Placed, truth.Placed, place + "/placed");
+    RequireNumber(use.Unplaced, truth.Unplaced, place + "/unplaced");
+    Require(!truth.Amount || truth.Placed <= *truth.Amount, place + "/placed", "more copies than asked for");
+    Require(use.Reason.empty() == (truth.Unplaced == 0), place + "/reason",
+            use.Reason.empty() ? "is missing beside unplaced copies" : "stands beside no unplaced copy");
+  }
+}
+
+void TResultCheck::CheckVerdict() {
+  CheckStatus();
+  if (FJob.Kind == JobKind::One) CheckBounds();
+}
+
+void TResultCheck::CheckStatus() {
+  const bool isLeft = std::ranges::any_of(FResult.Parts, [](const PartUse& part) { return part.Unplaced > 0; });
+  Require(FResult.Status != ResultStatus::Complete || !isLeft, "/status", "says complete beside unplaced copies");
+}
+
+void TResultCheck::CheckBounds() {
+  const TScaledPlate scaled(FJob, FJob.Plates.at(0));
+  const Part& part = FJob.Parts.at(0);
+  const TOneSizeBounds truth =
+      BoundOneSize({scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height), scaled.Gap});
+  bool isMet = false;
+  for (int i = 0; i < Size(FResult.Bounds); ++i) {
+    const Bound& bound = FResult.Bounds[i];
+    const std::string place = "/bounds/" + std::to_string(i);
+    if (FResult.Gap == FJob.Gap && FResult.Margin == FJob.Margin) {  // else the run asked for less room than the job
+      if (bound.Kind == "area") RequireNumber(bound.Value, static_cast<double>(truth.Area), place + "/value");
+      if (bound.Kind == "barnes") RequireNumber(bound.Value, static_cast<double>(truth.Barnes), place + "/value");
+    }
+    Require(FResult.Parts[0].Placed <= bound.Value, place + "/value", "lies below the count that was placed");
+    isMet = isMet || FResult.Parts[0].Placed >= bound.Value;
+  }
+  Require(FResult.Proved == isMet, "/proved", isMet ? "is false although a bound is met" : "is true although no bound is met");
+}
+
+}  // namespace
+
+std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult) {
+  CheckJob(AJob);
+  return TResultCheck(AJob, AResult).Run();
+}
+
+}  // namespace platenest

@@ -1,0 +1,52 @@
+#include "RunControl.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace platenest::detail {
+
+namespace {
+
+// In a deterministic run each look at the clock counts as this many milliseconds.
+constexpr double kMsPerLook = 0.01;
+
+double RealMs() {
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+}  // namespace
+
+TRunControl::TRunControl(const Options& AOptions, const RunHooks& Hooks)
+    : FHooks(Hooks),
+      FToken(Hooks.Stop),
+      FStart(RealMs()),
+      FTokenScope(&FToken),
+      FMemoryScope([former = FreePhysicalMemory(), limit = AOptions.MemoryLimit] { return std::min(former, limit); }) {
+  if (AOptions.Deterministic) {
+    FClockScope.emplace([looks = Int64{0}]() mutable { return static_cast<double>(++looks) * kMsPerLook; });
+  } else if (AOptions.TimeLimit > 0) {
+    FDeadline.emplace(AOptions.TimeLimit, [this] {
+      FOutOfTime.store(true, std::memory_order_relaxed);
+      FToken.RequestStop();
+    });
+  }
+}
+
+TRunControl::~TRunControl() = default;
+
+bool TRunControl::StoppedByCaller() const {
+  return FRefused || (FHooks.Stop != nullptr && FHooks.Stop->StopRequested());
+}
+
+double TRunControl::Seconds() const { return (RealMs() - FStart) / 1000; }
+
+void TRunControl::Report(Progress Now) {
+  if (!FHooks.OnProgress) return;
+  Now.Seconds = Seconds();
+  if (FHooks.OnProgress(Now)) return;
+  FRefused = true;
+  FToken.RequestStop();
+}
+
+}  // namespace platenest::detail

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <optional>
+
+#include "platenest/foundation/Clock.h"
+#include "platenest/foundation/EventTimer.h"
+#include "platenest/foundation/Host.h"
+#include "platenest/foundation/StopToken.h"
+#include "platenest/job/Run.h"
+
+namespace platenest::detail {
+
+// Time and stop of one run: the deadline's watchdog, the run's stop token below the caller's, the memory cap and, in a
+// deterministic run, a counted clock. Everything it sets on this thread is put back when it goes.
+class TRunControl {
+ public:
+  TRunControl(const Options& AOptions, const RunHooks& Hooks);
+  ~TRunControl();
+  TRunControl(const TRunControl&) = delete;
+  TRunControl& operator=(const TRunControl&) = delete;
+
+  bool StoppedByCaller() const;
+  bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
+  double Seconds() const;
+  // Tells the caller of an improvement; a refusal stops the run.
+  void Report(Progress Now);
+
+ private:
+  const RunHooks& FHooks;
+  TStopToken FToken;
+  std::atomic<bool> FOutOfTime{false};
+  std::atomic<bool> FRefused{false};
+  double FStart;  // real milliseconds, whatever the run's clock is
+  TStopTokenScope FTokenScope;
+  TFreeMemoryScope FMemoryScope;
+  std::optional<TClockScope> FClockScope;
+  std::optional<TEventTimer> FDeadline;
+};
+
+}  // namespace platenest::detail

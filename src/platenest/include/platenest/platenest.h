@@ -1,0 +1,11 @@
+#pragma once
+
+// Everything that a host may use: the facade run(job) and the core classes below it.
+#include "platenest/URectNest/URectNest.h"
+#include "platenest/job/Convert.h"
+#include "platenest/job/Job.h"
+#include "platenest/job/JobErrors.h"
+#include "platenest/job/Result.h"
+#include "platenest/job/Run.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/version.h"

@@ -1,0 +1,158 @@
+#include "platenest/foundation/RTree.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <random>
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+using TTree = TRTree<int>;
+
+TVRect2D BoxAt(double X, double Y, double Width = 1, double Height = 1) {
+  return TVRect2D::FromSize(Width, Height).Translate({X, Y});
+}
+
+std::vector<int> DataBelow(const TRTreeNode<int>* Node) {
+  std::vector<int> result;
+  Node->Search(Node->Box(), result, 0);
+  return result;
+}
+
+// Depth of the data below Node, or -1 if a box, a parent or a child count is wrong.
+int CheckedHeight(const TRTreeNode<int>* Node, int MaxChildCount) {
+  if (Node->IsDataNode()) return 0;
+  int height = -2;
+  for (int i = 0; i < Node->ChildCount(); ++i) {
+    const TRTreeNode<int>* child = Node->Child(i);
+    const int below = CheckedHeight(child, MaxChildCount);
+    const bool covered = Node->Box().RelationWithRectangle(child->Box(), 0) == rrArgumentInside;
+    if (below < 0 || !covered || child->Parent() != Node || (height != -2 && height != below)) return -1;
+    height = below;
+  }
+  return Node->ChildCount() <= MaxChildCount ? height + 1 : -1;
+}
+
+TEST(RTree, EmptyTreeAnswersNothing) {
+  TTree tree(8);
+  EXPECT_TRUE(tree.Search(BoxAt(0, 0), 1e-6).empty());
+  EXPECT_FALSE(tree.MayIntersect(BoxAt(0, 0)));
+  EXPECT_EQ(tree.GetRandomData(), 0);
+  tree.Remove(3);
+  EXPECT_EQ(tree.Root(), nullptr);
+}
+
+//   2   3      The halves by left and by bottom cover the same area, and the box 4 in the middle enlarges both halves
+//     4        alike: the order by bottom wins, and the old node takes the box. Splitting after the box came would
+//   0   1      have put it beside 2 and 3.
+TEST(RTree, AFullRootSplitsBeforeTheNewBoxComes) {
+  TTree tree(4);
+  for (int i = 0; i < 4; ++i) tree.Insert(i, BoxAt(10 * (i % 2), 10 * (i / 2)));
+  EXPECT_TRUE(tree.Root()->IsLeaf());
+  tree.Insert(4, BoxAt(5, 5));
+  ASSERT_EQ(tree.Root()->ChildCount(), 2);
+  EXPECT_THAT(DataBelow(tree.Root()->Child(0)), ElementsAre(0, 1, 4));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(1)), ElementsAre(2, 3));
+  tree.Insert(5, BoxAt(5, 7.5));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(0)), ElementsAre(0, 1, 4, 5)) << "first of two equal growths";
+  tree.Insert(6, BoxAt(5, 9.5));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(1)), ElementsAre(2, 3, 6)) << "least growth";
+}
+
+TEST(RTree, SplitsAlongTheAxisOfLessAreaAndTheNearerHalfTakesTheBox) {
+  TTree tree(4);
+  for (const int i : {2, 0, 3, 1}) tree.Insert(i, BoxAt(10 * i, i % 2, 1, 5));
+  tree.Insert(4, BoxAt(40, 0));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(0)), ElementsAre(0, 1));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(1)), ElementsAre(2, 3, 4));
+}
+
+TEST(RTree, ContactCountsAndTheResultListIsAppendedTo) {
+  TTree tree(8);
+  tree.Insert(1, BoxAt(0, 0));
+  std::vector<int> found{99};
+  tree.Search(BoxAt(1, 1), found, 0);
+  EXPECT_THAT(found, ElementsAre(99, 1)) << "corner contact";
+  EXPECT_THAT(tree.Search(BoxAt(1 + 0.9e-6, 0), 1e-6), ElementsAre(1));
+  EXPECT_TRUE(tree.MayIntersect(BoxAt(1 + 0.9e-6, 0)));
+  EXPECT_TRUE(tree.Search(BoxAt(1 + 2e-6, 0), 1e-6).empty());
+  EXPECT_FALSE(tree.MayIntersect(BoxAt(1 + 2e-6, 0)));
+  const double inf = std::numeric_limits<double>::infinity();
+  EXPECT_THAT(tree.Search(TVRect2D::FromBounds(inf, -inf, -inf, inf), 0), ElementsAre(1));
+}
+
+TEST(RTree, RemovalKeepsTheBoxesAndEndsWithoutARoot) {
+  TTree tree(4);
+  for (int i = 0; i < 30; ++i) tree.Insert(i, BoxAt(2 * i, 0));
+  for (int i = 29; i > 0; --i) tree.Remove(i);
+  EXPECT_EQ(tree.Root()->Box().Right, 59) << "boxes above a removed one do not shrink";
+  EXPECT_TRUE(tree.Search(BoxAt(50, 0), 1e-6).empty());
+  tree.Remove(0);
+  EXPECT_EQ(tree.Root(), nullptr);
+  EXPECT_EQ(tree.Count(), 0);
+  tree.Insert(5, BoxAt(7, 7));
+  EXPECT_EQ(tree.Root()->Box().Left, 7) << "a new root starts with a new box";
+}
+
+TEST(RTree, ListsKeysInTheOrderOfInsertion) {
+  TTree tree(3);
+  for (const int i : {40, 7, 1000, -3, 12}) tree.Insert(i, BoxAt(i, i));
+  tree.Remove(40);
+  tree.Insert(1000, BoxAt(5, 5));
+  EXPECT_THAT(tree.GetAllData(), ElementsAre(7, -3, 12, 1000)) << "a key that moves comes last";
+  EXPECT_EQ(tree.GetRandomData(), 7);
+  EXPECT_THAT(tree.Search(BoxAt(5, 5), 0), ElementsAre(1000));
+  EXPECT_TRUE(tree.Search(BoxAt(1000, 1000), 0).empty());
+}
+
+TEST(RTree, RejectsWhatIsNoBox) {
+  EXPECT_THROW(TTree(1), TArgumentError);
+  TTree tree(4);
+  tree.Insert(1, BoxAt(0, 0));
+  EXPECT_THROW(tree.Insert(1, TVRect2D::InvalidRect), TArgumentError);
+  EXPECT_THROW(tree.Insert(1, BoxAt(0, 0, std::numeric_limits<double>::infinity())), TArgumentError);
+  EXPECT_EQ(tree.Search(BoxAt(0, 0), 0).size(), 1U) << "the key keeps its former box";
+  EXPECT_THROW(tree.Search(BoxAt(std::nan(""), 0), 0), TArgumentError);
+  EXPECT_THROW(tree.Root()->Child(0)->ChooseInsertLeaf(BoxAt(0, 0)), TAssertionError);
+}
+
+class RTreeModel : public testing::TestWithParam<int> {};
+
+TEST_P(RTreeModel, FindsWhatALinearSearchFinds) {
+  std::mt19937 random(1000 + GetParam());
+  const auto number = [&](int Below) { return static_cast<int>(random() % Below); };
+  TTree tree(GetParam());
+  std::map<int, TVRect2D> model;
+  for (int step = 0; step < 3000; ++step) {
+    const int key = number(400);
+    const bool growing = step / 500 % 2 == 0;
+    if (number(10) < (growing ? 7 : 2)) {
+      model.insert_or_assign(key, BoxAt(number(100), number(100), number(12), number(12)));
+      tree.Insert(key, model.at(key));
+    } else {
+      model.erase(key);
+      tree.Remove(key);
+    }
+    if (step % 50 != 0) continue;
+    ASSERT_EQ(tree.Count(), Size(model));
+    ASSERT_TRUE(tree.Root() == nullptr || CheckedHeight(tree.Root(), GetParam()) > 0) << "step " << step;
+    for (int query = 0; query < 10; ++query) {
+      const TVRect2D region = BoxAt(number(110), number(110), number(20), number(20));
+      std::vector<int> expected;
+      for (const auto& [data, box] : model) {
+        if (box.RelationWithRectangle(region, 1e-6) != rrDisjoint) expected.push_back(data);
+      }
+      ASSERT_THAT(tree.Search(region, 1e-6), testing::UnorderedElementsAreArray(expected)) << "step " << step;
+      ASSERT_EQ(tree.MayIntersect(region), !expected.empty());
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(MaxChildCount, RTreeModel, testing::Values(2, 3, 4, 8, 15));
+
+}  // namespace
+}  // namespace platenest
