@@ -5,6 +5,7 @@
 
 #include "JobForm.h"
 #include "Texts.h"
+#include "platenest/foundation/Rounding.h"
 #include "platenest/job/Convert.h"
 
 namespace platenest {
@@ -195,8 +196,8 @@ std::vector<std::string> Losses(const Job& AJob) {
 
 // As many copies as the plate's area could hold.
 int MostByArea(const Plate& APlate, const Part& APart) {
-  const double ratio = std::floor(APlate.Width * APlate.Height / (APart.Width * APart.Height));
-  return static_cast<int>(std::clamp<double>(ratio, 1, static_cast<double>(limits::kCopies)));
+  const double ratio = APlate.Width * APlate.Height / (APart.Width * APart.Height);
+  return Floor(std::clamp<double>(ratio, 1, static_cast<double>(limits::kCopies)));
 }
 
 }  // namespace
