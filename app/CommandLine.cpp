@@ -63,11 +63,23 @@ void RequirePositionals(const CommandLine& Line) {
                             std::to_string(count) + (count == 1 ? " word" : " words") + SeeHelp(row.Name));
 }
 
+// The parser finds values that are missing or too many, in a sentence that begins with the option's
+// name, a flag's without dashes.
+OptionError ParserFault(Command Id, const std::string& Text) {
+  const std::string name = Text.substr(0, Text.find_first_of(": "));
+  for (const OptionRow& row : OptionTable()) {
+    if (row.Name != name && row.Name != "--" + name) continue;
+    return WrongOption(std::string(row.Name), row.Value.empty() ? "takes no value" : "needs a value");
+  }
+  return WrongOption("", Text + SeeHelp(RowOf(Id).Name));
+}
+
 // Options are registered without types: numbers are read elsewhere, in one locale and with one kind of message.
 void ReadOptions(std::vector<std::string> Words, CommandLine& Line) {
   CLI::App parser;
   parser.set_help_flag();
   parser.allow_extras();
+  parser.option_defaults()->disable_flag_override();
   std::map<std::string_view, CLI::Option*> options;
   for (const OptionRow& row : OptionTable()) {
     if (!Takes(*Line.Id, row)) continue;
@@ -79,7 +91,7 @@ void ReadOptions(std::vector<std::string> Words, CommandLine& Line) {
   try {
     parser.parse(std::move(Words));
   } catch (const CLI::ParseError& error) {
-    throw WrongOption("", error.what() + SeeHelp(RowOf(*Line.Id).Name));
+    throw ParserFault(*Line.Id, error.what());
   }
   for (std::string& word : parser.remaining()) {
     if (IsOption(word)) throw UnknownOption(*Line.Id, word);

@@ -63,9 +63,9 @@ void RequireKindOne(const Job& AJob) {
 }
 
 void PrepareOutputs(const Arguments& Args) {
+  if (!Args.SvgFolder.empty()) RequireFolder(Args.SvgFolder);  // first: the files may be meant to lie in it
   RequireWritable(Args.Output);
   if (!Args.CsvFile.empty()) RequireWritable(Args.CsvFile);
-  if (!Args.SvgFolder.empty()) RequireFolder(Args.SvgFolder);
 }
 
 ProgressForm FormOf(const Arguments& Args) {

@@ -1,6 +1,7 @@
 #include "Files.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -170,7 +171,12 @@ void RequireFolder(const std::string& Path) {
 bool WriteAll(int Fd, std::string_view Text) noexcept {
   while (!Text.empty()) {
     const ssize_t count = ::write(Fd, Text.data(), Text.size());
-    if (count < 0 && errno != EINTR) return false;
+    if (count < 0 && errno == EAGAIN) {  // a stream that someone else made non-blocking
+      pollfd item = {Fd, POLLOUT, 0};
+      ::poll(&item, 1, -1);
+    } else if (count < 0 && errno != EINTR) {
+      return false;
+    }
     if (count > 0) Text.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;

@@ -110,9 +110,12 @@ Page PageOf(Command Id) {
 }
 
 std::string Column(std::string_view First, std::size_t Width, std::string_view Second) {
-  std::string line = "  " + std::string(First);
+  std::string line(2, ' ');
+  line += First;
   line.append(First.size() < Width ? Width - First.size() : 1, ' ');
-  return line + std::string(Second) + "\n";
+  line += Second;
+  line += '\n';
+  return line;
 }
 
 std::string OptionList(Command Id) {
@@ -122,7 +125,7 @@ std::string OptionList(Command Id) {
   for (const OptionRow& row : OptionTable()) {
     if (!Takes(Id, row)) continue;
     if (former == nullptr || former->Group != row.Group) {
-      text += "\n" + std::string(kTitles[static_cast<std::size_t>(row.Group)]) + ":\n";
+      text.append(1, '\n').append(kTitles[static_cast<std::size_t>(row.Group)]).append(":\n");
     }
     former = &row;
     text += Column(std::string(row.Name) + (row.Value.empty() ? "" : " ") + std::string(row.Value), 22, row.Text);

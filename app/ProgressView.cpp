@@ -74,7 +74,9 @@ void ProgressView::Finish() {
   const std::lock_guard guard(FLock);
   if (FForm == ProgressForm::Json && FHasNews) WriteLine();
   if (FForm == ProgressForm::Terminal && FShownLength > 0) {
-    WriteAll(STDERR_FILENO, "\r" + std::string(FShownLength, ' ') + "\r");
+    std::string blank(FShownLength + 2, ' ');
+    blank.front() = blank.back() = '\r';
+    WriteAll(STDERR_FILENO, blank);
     FShownLength = 0;
   }
 }

@@ -72,7 +72,7 @@ std::string Printable(std::string_view Text) {
 std::string_view NearestWord(std::string_view Word, std::span<const std::string_view> Candidates) {
   if (Word.size() > 64) return {};
   std::string_view nearest;
-  std::size_t best = std::min<std::size_t>(3, 1 + Word.size() / 3);
+  std::size_t best = Word.size() < 4 ? 2 : 3;
   for (const std::string_view candidate : Candidates) {
     const std::size_t distance = EditDistance(Word, candidate);
     if (distance >= best) continue;

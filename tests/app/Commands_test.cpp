@@ -85,7 +85,7 @@ TEST(Check, NamesTheFileThatIsWrong) {
   folder.Write("bad.json", Replaced(kJob, "\"gap\": 5", "\"gap\": \"5\""));
   const Outcome result = Execute({"check", "job.json", "result.json"}, folder.Path());
   EXPECT_EQ(result.Exit, 3);
-  EXPECT_THAT(result.Err, StartsWith("platenest: error: result.json: /"));
+  EXPECT_THAT(result.Err, StartsWith("platenest: error: result.json: "));
   const Outcome job = Execute({"check", "bad.json", "result.json"}, folder.Path());
   EXPECT_EQ(job.Exit, 3);
   EXPECT_THAT(job.Err, StartsWith("platenest: error: bad.json: /gap: "));
@@ -129,7 +129,7 @@ TEST(Convert, TurnsTablesIntoJobs) {
 TEST(Convert, FaultsNameLineAndColumnAndLeaveTheFormerFile) {
   const TempFolder folder;
   folder.Write("demand.csv", "id,width,height,amount\nside,720,560,2.5\n");
-  folder.Write("written.txt", "2440 1220 1\n300 200 60000 12\n");
+  folder.Write("written.txt", "2440.000000 1220.000000 1\n300.000000 200.000000 60000.000000 12\n");
   folder.Write("job.json", "former");
   const Outcome table = Execute({"convert", "demand.csv", "job.json", "--plate", "9x9"}, folder.Path());
   EXPECT_EQ(table.Exit, 3);

@@ -29,13 +29,13 @@ std::vector<std::string> SmallRun(const std::vector<std::string>& More) {
 
 TEST(Files, OutputsCarryTheirNamesAndNothingElseIsLeft) {
   const TempFolder folder;
-  const Outcome outcome = Execute(SmallRun({"-o", "r.json", "--svg", "a/b", "--csv", "p.csv"}), folder.Path());
+  const Outcome outcome = Execute(SmallRun({"-o", "r.json", "--svg", "a/b", "--csv", "a/b/p.csv"}), folder.Path());
   EXPECT_EQ(outcome.Exit, 0) << outcome.Err;
   EXPECT_EQ(outcome.Out, "");
-  EXPECT_THAT(folder.List(), ElementsAre("a", "p.csv", "r.json"));
+  EXPECT_THAT(folder.List(), ElementsAre("a", "r.json"));
   EXPECT_EQ(ParseResult(folder.Read("r.json")).Parts.front().Placed, 100);
   EXPECT_THAT(folder.Read("a/b/layout-001-x1.svg"), HasSubstr("<svg"));
-  const std::string table = folder.Read("p.csv");
+  const std::string table = folder.Read("a/b/p.csv");
   EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 101);
 }
 
@@ -114,6 +114,25 @@ TEST(Files, OverTheSizeLimitAreRefusedUnreadAndEndlessStreamsInTime) {
   Start start;
   start.Words = {"one", "/dev/zero"};
   EXPECT_EQ(Execute(start).Exit, 4);
+}
+
+TEST(Files, TooLargeForTheMemoryExitSix) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the sanitizer needs more address space than any limit leaves";
+#endif
+  const TempFolder folder;
+  folder.Write("big.json", "");
+  std::filesystem::resize_file(folder / "big.json", Int64{64} << 20);
+  Start start;
+  start.Words = {"one", "big.json"};
+  start.Folder = folder.Path();
+  start.Prepare = [] {
+    const rlimit limit = {Int64{64} << 20, Int64{64} << 20};
+    ::setrlimit(RLIMIT_AS, &limit);
+  };
+  const Outcome outcome = Execute(start);
+  EXPECT_EQ(outcome.Exit, 6);
+  EXPECT_EQ(outcome.Err, "platenest: error: big.json: not enough memory\n");
 }
 
 TEST(Input, FaultsNameTheFileAndThePlace) {
