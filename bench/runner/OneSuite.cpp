@@ -55,7 +55,7 @@ TRow Solve(const TPalletJob& Job, int Repeat) {
   row.Best = Job.Best;
   row.Bound = static_cast<double>(BarnesBound(static_cast<Int64>(Job.L), static_cast<Int64>(Job.W),
                                               static_cast<Int64>(Job.PartL), static_cast<Int64>(Job.PartW)));
-  row.Fault = CheckRectLayout(layout, plate, 0, {part}).value_or("");
+  row.Fault = CheckRectLayout(layout, plate, 0, {part});
   return row;
 }
 

@@ -74,7 +74,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
   throw CheckError({"check", "", "no answer passed the layout check", verdict});
 }
 
-void SetStatus(const Job& AJob, const TOneSizeBounds& Bounds, int FullCount, Result& AResult) {
+void SetStatus(const TOneSizeBounds& Bounds, int FullCount, Result& AResult) {
   PartUse& part = AResult.Parts[0];
   const double bound = static_cast<double>(std::min(Bounds.Area, Bounds.Barnes));
   AResult.Proved = part.Placed >= bound || (part.Amount && part.Placed >= *part.Amount);
@@ -112,7 +112,7 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
     result.Layouts.push_back(std::move(layout));
   }
   Account(AJob, result);
-  SetStatus(AJob, bounds, fullCount, result);
+  SetStatus(bounds, fullCount, result);
   if (Control.StoppedByCaller()) result.Status = ResultStatus::Stopped;
   Control.Report({.Phase = result.Run.Method,
                   .Plates = result.Total.Plates,
