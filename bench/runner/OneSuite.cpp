@@ -37,7 +37,9 @@ std::vector<TPalletJob> ReadPalletFile(const std::string& File) {
   return jobs;
 }
 
-std::string Text(double V) { return std::to_string(static_cast<long long>(V)); }
+std::string Text(double V) {
+  return std::to_string(static_cast<long long>(V));
+}
 
 TRow Solve(const TPalletJob& Job, int Repeat) {
   const TVRect2D plate = TVRect2D::FromSize(Job.L, Job.W);
