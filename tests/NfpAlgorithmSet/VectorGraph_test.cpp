@@ -1,0 +1,278 @@
+#include "platenest/NfpAlgorithmSet/VectorGraph.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <utility>
+
+#include "GraphFixtures.h"
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+int EdgeCount(const TVectorGraph& Graph) {
+  int count = 0;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id) count += Size(Graph.Successors(id));
+  return count;
+}
+
+// The chips of a closed way through the points.
+TChipList Loop(const std::vector<TPoint2D>& Points) {
+  TChipList chips;
+  for (std::size_t i = 0; i < Points.size(); ++i) chips.push_back({Points[i], Points[(i + 1) % Points.size()]});
+  return chips;
+}
+
+TChipList operator+(TChipList A, const TChipList& B) {
+  A.insert(A.end(), B.begin(), B.end());
+  return A;
+}
+
+TEST(Chip, ComparesBothEndsWithTheOthersStart) {
+  const TChip chip{{1, 1}, {2, 2}};
+  const TChip point{{1, 1}, {1, 1 + 5e-7}};
+  EXPECT_FALSE(chip.EqualWith(nullptr));
+  EXPECT_FALSE(chip.EqualWith(&chip)) << "a chip of some length is not equal to itself";
+  EXPECT_TRUE(point.EqualWith(&chip)) << "a mere point is, to whatever starts there";
+  EXPECT_FALSE(chip.EqualWith(&point));
+}
+
+TEST(PointCode, RoundsToElevenDecimalsAndCutsTowardZero) {
+  const TVectorGraph graph(0);
+  EXPECT_EQ(graph.GetPointCode({1.23456789, -0.5}), -5000000226544);
+  EXPECT_EQ(graph.GetPointCode({-0.000019, 0}), -1) << "not the floor";
+  EXPECT_EQ(graph.GetPointCode({0.000009, -0.000009}), 0) << "nor the nearest";
+  EXPECT_EQ(graph.GetPointCode({0.3 - 1e-13, 0}), 30000) << "below the last decimal";
+  EXPECT_EQ(graph.GetPointCode({0.3 - 1e-10, 0}), 29999);
+  std::mt19937_64 random(2);
+  std::uniform_real_distribution<double> coordinate(-5000, 5000);
+  for (int i = 0; i < 1000; ++i) {
+    const TPoint2D p{coordinate(random), coordinate(random)};
+    ASSERT_EQ(graph.GetPointCode(p),
+              Trunc(RoundTo(p.Y, -11) * 1e5) * TVectorGraph::KeyCoef + Trunc(RoundTo(p.X, -11) * 1e5));
+  }
+  EXPECT_THROW(graph.GetPointCode({std::nan(""), 0}), TRangeError);
+  EXPECT_NO_THROW(graph.GetPointCode({4e13, -4e13})) << "codes wrap around";
+}
+
+TEST(PointCode, LineCellsAreTenUnitsWideAndShiftedByOne) {
+  TVectorGraph graph(TVLine2DList{});
+  const std::pair<double, Int64> cases[] = {{0.0019, 2},   {0.0018, 1},   {0.00185, 1}, {0.00095, 1},
+                                            {-0.0018, -1}, {-0.0019, -2}, {-0.0009, -1}};
+  for (const auto& [x, cell] : cases) {
+    EXPECT_EQ(graph.GetPointCode2({x, 0}), cell) << x;
+    EXPECT_EQ(graph.GetPointCode2({0, x}), cell * TVectorGraph::KeyCoef) << x;
+  }
+}
+
+TEST(PointCode, PairsShareOneKeyAndTellTheirDirection) {
+  Int64 forth = 0;
+  Int64 back = 0;
+  EXPECT_EQ(TVectorGraph::KeyCount(3, 5, forth), 1);
+  EXPECT_EQ(TVectorGraph::KeyCount(5, 3, back), -1);
+  EXPECT_EQ(forth, back);
+}
+
+TEST(VectorGraph, BoldFactorIsTakenBetweenItsBoundsAndGoneAfterwards) {
+  const std::pair<Int64, Int64> cases[] = {{10, 100000}, {11, 11}, {1000, 1000}, {99999, 99999}, {100000, 100000}};
+  for (const auto& [bold, factor] : cases) {
+    const TBoldPointPrecScope scope(bold);
+    EXPECT_EQ(TVectorGraph(0).PointFactor(), factor);
+    EXPECT_EQ(TVectorGraph(TChipList{}, true).PointFactor(), factor);
+    EXPECT_EQ(TVectorGraph(TVLine2DList{}).PointFactor(), 10000) << "lines ignore it";
+  }
+  try {
+    const TBoldPointPrecScope scope(1000);
+    throw std::runtime_error("on the way out");
+  } catch (const std::runtime_error&) {
+  }
+  EXPECT_EQ(BoldPointPrec, 0);
+}
+
+TEST(VectorGraph, OppositeChipsCancelOnlyWithDxor) {
+  const TChipList chips = Loop({{0, 0}, {1, 0}});
+  EXPECT_EQ(EdgeCount(TVectorGraph(chips, true)), 0);
+  EXPECT_EQ(EdgeCount(TVectorGraph(chips, false)), 2);
+  for (const bool dxor : {false, true}) {
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0]}, dxor)), 1) << "multiplicity is lost";
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0], chips[1]}, dxor)), dxor ? 0 : 2);
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[1], chips[1]}, dxor)), dxor ? 1 : 2);
+  }
+}
+
+TEST(VectorGraph, ChipWithinACellLeavesAVertexAndNoEdge) {
+  const TVectorGraph graph({{{0.000001, 0}, {0.000009, 0}}}, false);
+  EXPECT_EQ(graph.VertexCount(), 1);
+  EXPECT_EQ(EdgeCount(graph), 0);
+}
+
+// A stride of cells further right and one row lower is another point with the same code.
+TEST(VectorGraph, FarPointsWithOneCodeAreTwoVertices) {
+  const TPoint2D near{0.5, 3.5};
+  const TPoint2D far{0.5 + TVectorGraph::KeyCoef * 1e-5 + 2e-6, 3.5 - 1e-5};
+  const TPoint2D other{7, 7};
+  const TVectorGraph graph({{near, other}, {far, other}, {other, near}, {other, far}}, false);
+  ASSERT_EQ(graph.GetPointCode(near), graph.GetPointCode(far));
+  EXPECT_EQ(graph.VertexCount(), 3);
+  EXPECT_THAT(graph.Successors(1), ElementsAre(0, 2));
+}
+
+TEST(VectorGraph, LinesFindVerticesAcrossCellBorders) {
+  const TPoint2D vertex{0.00182, 0.0001};
+  const auto verticesWith = [&](const TPoint2D& P) {
+    const TVectorGraph graph(TVLine2DList{{vertex, {5, 5}}, {P, {9, 9}}});
+    return graph.VertexCount() - 2;
+  };
+  EXPECT_EQ(verticesWith({0.00186, 0.0001}), 1) << "next cell, 4e-5 away";
+  EXPECT_EQ(verticesWith({0.0019, 0.0001}), 2) << "next cell, 8e-5 away";
+  EXPECT_EQ(verticesWith({0.00186, 0.00085}), 1) << "next column: only x is compared, so a far y is accepted";
+  EXPECT_EQ(verticesWith({0.00186, 0.00095}), 2) << "next cell in both: y is compared as well";
+  EXPECT_EQ(verticesWith({0.00186, -0.0001}), 1) << "the row beside zero is a double one";
+  const TVectorGraph twice(TVLine2DList{{vertex, {5, 5}}, {{5, 5}, vertex}, {vertex, {5, 5}}, {vertex, vertex}});
+  EXPECT_EQ(EdgeCount(twice), 2);
+}
+
+//   3
+//  / \      0 -> 1 -> 2 -> 3 -> 0
+// 0-1-2
+TEST(VectorGraph, StraightRunsCloseUpOnlyWhereTheWayGoesOn) {
+  TVectorGraph ring(Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}}), false);
+  ring.EliminateEdges(false);
+  EXPECT_EQ(EdgeCount(ring), 3);
+  EXPECT_THAT(ring.Successors(0), ElementsAre(2));
+  EXPECT_THAT(ring.Successors(1), IsEmpty());
+  TVectorGraph open({{{0, 0}, {5, 0}}, {{5, 0}, {10, 0}}}, false);
+  open.EliminateEdges(false);
+  EXPECT_EQ(EdgeCount(open), 2) << "the last vertex has no successor";
+}
+
+TEST(VectorGraph, StraightRunsAreShortenedTwiceFromOneVertex) {
+  std::vector<TPoint2D> points;
+  for (int i = 0; i <= 6; ++i) points.push_back({1.0 * i, 0});
+  points.push_back({3, 5});
+  TVectorGraph ring(Loop(points), false);
+  ring.EliminateEdges(false);
+  EXPECT_THAT(ring.Successors(0), ElementsAre(3));
+  EXPECT_THAT(ring.Successors(3), ElementsAre(6));
+  EXPECT_EQ(EdgeCount(ring), 4);
+}
+
+// A vertex that another way uses as well stays for that way.
+TEST(VectorGraph, StraightRunsSpareSharedVertices) {
+  //  0 -> 1 -> 2 -> 3 -> 0 and 4 -> 1, 2 -> 4
+  TVectorGraph graph(Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}}) + TChipList{{{10, 0}, {5, -8}}, {{5, -8}, {5, 0}}}, false);
+  graph.EliminateEdges(false);
+  EXPECT_THAT(graph.Successors(0), ElementsAre(2));
+  EXPECT_THAT(graph.Successors(1), ElementsAre(2));
+  EXPECT_THAT(graph.Successors(4), ElementsAre(1));
+}
+
+TEST(VectorGraph, CollinearDiamondsLoseTheirSecondWay) {
+  const TPoint2D v{0, 0}, a{4, 0}, b{6, 0}, c{10, 0}, top{5, 8};
+  TVectorGraph graph({{v, a}, {a, c}, {v, b}, {b, c}, {c, top}, {top, v}}, false);
+  graph.EliminateEdges(false);
+  EXPECT_EQ(EdgeCount(graph), 3) << "the way over b goes as a diamond, the one over a as a straight run";
+  EXPECT_THAT(graph.Successors(0), ElementsAre(2));
+  TVectorGraph bent({{v, {4, 1}}, {{4, 1}, c}, {v, b}, {b, c}, {c, top}, {top, v}}, false);
+  bent.EliminateEdges(false);
+  EXPECT_THAT(bent.Successors(0), ElementsAre(1, 3)) << "a diamond with an area stays";
+}
+
+using TUnit = std::pair<std::pair<int, int>, bool>;  // lower left end of a unit of the grid, and whether it is vertical
+
+// How often each unit of the grid is run along, to the right and upward counting positive.
+std::map<TUnit, int> UnitCounts(const TVectorGraph& Graph) {
+  std::map<TUnit, int> counts;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id)
+    for (const int end : Graph.Successors(id)) {
+      const TPoint2D from = Graph.GetVertex(id);
+      const TPoint2D to = Graph.GetVertex(end);
+      const bool vertical = from.X == to.X;
+      const int a = Round<int>(vertical ? from.Y : from.X);
+      const int b = Round<int>(vertical ? to.Y : to.X);
+      const int across = Round<int>(vertical ? from.X : from.Y);
+      for (int i = std::min(a, b); i < std::max(a, b); ++i)
+        counts[{vertical ? std::pair{across, i} : std::pair{i, across}, vertical}] += a < b ? 1 : -1;
+    }
+  return counts;
+}
+
+// What runs along a line more in one direction than in the other stays once, in that direction; the rest goes.
+TEST(VectorGraph, OverlapsCancelExactlyOnClosedWaysOverAGrid) {
+  std::mt19937 random(9);
+  for (int round = 0; round < 300; ++round) {
+    TChipList chips;
+    const int loops = 1 + static_cast<int>(random() % 5);
+    for (int i = 0; i < loops; ++i) {
+      const double x = static_cast<double>(random() % 6);
+      const double y = static_cast<double>(random() % 6);
+      const double w = 1.0 + static_cast<double>(random() % 6);
+      const double h = 1.0 + static_cast<double>(random() % 6);
+      const bool back = random() % 2 == 0;
+      chips = chips + (back ? Loop({{x, y}, {x, y + h}, {x + w, y + h}, {x + w, y}})
+                            : Loop({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}));
+    }
+    TVectorGraph graph(chips, random() % 2 == 0);
+    auto expected = UnitCounts(graph);
+    graph.EliminateEdges(true);
+    const auto found = UnitCounts(graph);
+    for (auto& [unit, count] : expected) {
+      const auto place = found.find(unit);
+      ASSERT_EQ(place == found.end() ? 0 : place->second, Sign(count, 0)) << "round " << round;
+    }
+    for (const auto& [unit, count] : found) ASSERT_TRUE(expected.contains(unit));
+  }
+}
+
+// Lines need not be exactly one: 3e-8 radian and 1e-4 apart still count as the same.
+TEST(VectorGraph, OverlapsAreFoundWithinTheToleranceOfALine) {
+  const auto edgesLeft = [](double Lift) {
+    const TPoint2D a{0, 0}, b{10, 0}, c{10, Lift}, d{0, Lift};
+    TVectorGraph graph(Loop({a, b, {5, 9}}) + Loop({c, d, {5, -9}}) + TChipList{{a, d}, {c, b}}, false);
+    graph.EliminateEdges(true);
+    return EdgeCount(graph);
+  };
+  EXPECT_EQ(edgesLeft(0.00005), 8) << "each keeps its own ends";
+  TVectorGraph same(Loop({{0, 0}, {10, 0}, {5, 9}}) + Loop({{10, 0}, {0, 0}, {5, -9}}), false);
+  same.EliminateEdges(true);
+  EXPECT_EQ(EdgeCount(same), 4) << "the shared edge goes with its opposite";
+}
+
+TEST(VectorGraph, BoundAndExtremaOfAComponent) {
+  std::vector<TPoint2D> points;
+  for (int i = 0; i < 20; ++i)
+    points.push_back({1.0 * i, i == 7 ? 0.1 : 0.004 * i});  // bottom, all but one within 0.09
+  points.push_back({25, 5});
+  points.push_back({25.05, 7});
+  points.push_back({10, 9});
+  points.push_back({-3, 4});
+  const TVectorGraph graph(Loop(points), false);
+  std::vector<int> scc;
+  for (int id = 0; id < graph.VertexCount(); ++id) scc.push_back(id);
+  const TVRect2D bound = graph.GetBound(scc);
+  EXPECT_EQ(bound.Left, -3);
+  EXPECT_EQ(bound.Right, 25.05);
+  EXPECT_EQ(bound.Bottom, 0);
+  EXPECT_EQ(bound.Top, 9);
+  EXPECT_FALSE(graph.GetBound({}).IsValid());
+
+  TVertexIdList extrema;
+  graph.GetExtrema(scc, extrema);
+  ASSERT_EQ(extrema.size(), 14u + 1 + 2 + 1 + 4);
+  const std::vector<int> sides(extrema.begin(), extrema.begin() + 18);
+  EXPECT_THAT(sides, ElementsAre(0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 22, 20, 21, 23));
+  for (const int id : extrema) EXPECT_TRUE(id >= 0 && id < graph.VertexCount());
+}
+
+}  // namespace
+}  // namespace platenest
