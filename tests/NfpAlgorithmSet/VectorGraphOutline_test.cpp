@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 
 #include "GraphFixtures.h"
@@ -73,6 +74,35 @@ TEST(OutlineWalk, FailsAtDeadEndsAloudAndInSideLoopsSilently) {
   EXPECT_FALSE(lost.Found);
   EXPECT_EQ(lost.Cycle.size(), 4u);
   EXPECT_THAT(lost.Warnings, IsEmpty());
+}
+
+// The way 0 1 2 3 4 5 2 6 comes to 2 a second time from the side, where the vertex that it took before would be the
+// outer one again.
+TEST(OutlineWalk, DoesNotTakeAVertexAgainWhereItHasAChoice) {
+  for (const bool takenFirst : {false, true}) {
+    std::vector<TPoint2D> points{{2, 8}, {5, 0}, {0, 0}, {0, -4}, {8, -4}, {3, 3}, {0, 5}};
+    for (int i = 0; i < 3; ++i) points.push_back({-9.0 - i, -9});  // only to let the walk be longer
+    TVectorGraph graph = VectorGraphOf(
+        points, {{0, 1}, {1, 2}, {2, takenFirst ? 3 : 6}, {2, takenFirst ? 6 : 3}, {3, 4}, {4, 5}, {5, 2}, {6, 0}});
+    const TWalkResult result = Walk(graph);
+    EXPECT_TRUE(result.Found);
+    EXPECT_THAT(result.Cycle, ElementsAre(0, 1, 2, 3, 4, 5, 2, 6));
+  }
+}
+
+// Far ends 8e-5 apart make one direction, 1.8e-4 make two.
+TEST(OutlineWalk, TellsLongEdgesApartByTheDistanceOfTheirEnds) {
+  for (const double turn : {4e-8, 9e-8}) {
+    const auto at = [](double Angle, double Length) {
+      return TPoint2D{Length * std::cos(Angle), Length * std::sin(Angle)};
+    };
+    TVectorGraph graph = VectorGraphOf({{0, 0}, at(-0.3, 3000), at(-0.3 + turn, 2000), {0, -2000}},
+                                       {{0, 1}, {0, 2}, {2, 3}, {1, 3}, {3, 0}});
+    const TWalkResult result = Walk(graph);
+    EXPECT_TRUE(result.Found);
+    EXPECT_EQ(graph.HasEdge(2, 1), turn == 4e-8);
+    EXPECT_EQ(result.Cycle.size(), turn == 4e-8 ? 4u : 3u);
+  }
 }
 
 // 0 -> 1 lies on 0 -> 2: the walk goes over 1 and on to 2, where the longer edge ends.

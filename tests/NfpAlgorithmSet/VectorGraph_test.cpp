@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "GraphFixtures.h"
+#include "platenest/foundation/PolygonBasicAlgo.h"
 #include "platenest/foundation/Rounding.h"
 
 namespace platenest {
@@ -18,7 +19,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 int EdgeCount(const TVectorGraph& Graph) {
   int count = 0;
@@ -127,17 +127,31 @@ TEST(VectorGraph, FarPointsWithOneCodeAreTwoVertices) {
   EXPECT_THAT(graph.Successors(1), ElementsAre(0, 2));
 }
 
+// One line from Vertex, one from P: does P find Vertex?
+bool FindsVertex(const TPoint2D& Vertex, const TPoint2D& P) {
+  return TVectorGraph(TVLine2DList{{Vertex, {5, 5}}, {P, {9, 9}}}).VertexCount() == 3;
+}
+
 TEST(VectorGraph, LinesFindVerticesAcrossCellBorders) {
-  const TPoint2D vertex{0.00182, 0.0001};
-  const auto verticesWith = [&](const TPoint2D& P) {
-    const TVectorGraph graph(TVLine2DList{{vertex, {5, 5}}, {P, {9, 9}}});
-    return graph.VertexCount() - 2;
+  const TPoint2D vertex{0.00182, 0.00184};
+  const std::pair<TPoint2D, bool> cases[] = {
+      {{0.00186, 0.0017}, true},    // next column, 4e-5 away
+      {{0.0019, 0.0017}, false},    // next column, 8e-5 away
+      {{0.00186, 0.0011}, true},    // next column: only x is compared, so a y far away is accepted
+      {{0.00188, 0.00188}, false},  // next column and row, 6e-5 away in x
+      {{0.00186, 0.0019}, false},   // near in x only
+      {{0.00186, 0.00188}, true},   // next column and row, near in both
+      {{0.0011, 0.00188}, true},    // next row: only y is compared
+      {{0.0011, 0.00192}, false},
   };
-  EXPECT_EQ(verticesWith({0.00186, 0.0001}), 1) << "next cell, 4e-5 away";
-  EXPECT_EQ(verticesWith({0.0019, 0.0001}), 2) << "next cell, 8e-5 away";
-  EXPECT_EQ(verticesWith({0.00186, 0.00085}), 1) << "next column: only x is compared, so a far y is accepted";
-  EXPECT_EQ(verticesWith({0.00186, 0.00095}), 2) << "next cell in both: y is compared as well";
-  EXPECT_EQ(verticesWith({0.00186, -0.0001}), 1) << "the row beside zero is a double one";
+  for (const double signX : {1.0, -1.0})
+    for (const double signY : {1.0, -1.0})
+      for (const auto& [p, found] : cases) {
+        EXPECT_EQ(FindsVertex({vertex.X * signX, vertex.Y * signY}, {p.X * signX, p.Y * signY}), found)
+            << p.X * signX << ' ' << p.Y * signY;
+        // The point that comes first makes the vertex; the search goes both ways over the border.
+        EXPECT_EQ(FindsVertex({p.X * signX, p.Y * signY}, {vertex.X * signX, vertex.Y * signY}), found);
+      }
   const TVectorGraph twice(TVLine2DList{{vertex, {5, 5}}, {{5, 5}, vertex}, {vertex, {5, 5}}, {vertex, vertex}});
   EXPECT_EQ(EdgeCount(twice), 2);
 }
@@ -167,14 +181,28 @@ TEST(VectorGraph, StraightRunsAreShortenedTwiceFromOneVertex) {
   EXPECT_EQ(EdgeCount(ring), 4);
 }
 
-// A vertex that another way uses as well stays for that way.
 TEST(VectorGraph, StraightRunsSpareSharedVertices) {
-  //  0 -> 1 -> 2 -> 3 -> 0 and 4 -> 1, 2 -> 4
+  //  0 -> 1 -> 2 -> 3 -> 0 and 2 -> 4 -> 1
   TVectorGraph graph(Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}}) + TChipList{{{10, 0}, {5, -8}}, {{5, -8}, {5, 0}}}, false);
   graph.EliminateEdges(false);
   EXPECT_THAT(graph.Successors(0), ElementsAre(2));
-  EXPECT_THAT(graph.Successors(1), ElementsAre(2));
+  EXPECT_THAT(graph.Successors(1), ElementsAre(2)) << "4 still comes this way";
   EXPECT_THAT(graph.Successors(4), ElementsAre(1));
+  //  0 -> 1 -> 2 and 4 -> 1, all on one line
+  TVectorGraph line(Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}}) + TChipList{{{5, 8}, {3, 0}}, {{3, 0}, {5, 0}}}, false);
+  line.EliminateEdges(false);
+  EXPECT_THAT(line.Successors(0), ElementsAre(2));
+  EXPECT_THAT(line.Successors(4), ElementsAre(2));
+  EXPECT_THAT(line.Successors(1), IsEmpty()) << "nobody comes this way any more";
+}
+
+TEST(VectorGraph, StraightRunsLeaveNoDuplicateAndNoSelfLoop) {
+  TVectorGraph withChord(Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}}) + TChipList{{{0, 0}, {10, 0}}}, false);
+  withChord.EliminateEdges(false);
+  EXPECT_THAT(withChord.Successors(0), ElementsAre(2));
+  TVectorGraph pair(Loop({{0, 0}, {5, 0}}), false);
+  pair.EliminateEdges(false);
+  EXPECT_THAT(pair.Successors(0), ElementsAre(1));
 }
 
 TEST(VectorGraph, CollinearDiamondsLoseTheirSecondWay) {
@@ -234,18 +262,73 @@ TEST(VectorGraph, OverlapsCancelExactlyOnClosedWaysOverAGrid) {
   }
 }
 
-// Lines need not be exactly one: 3e-8 radian and 1e-4 apart still count as the same.
+// Edges From -> To that have a way into From and out of To, the return over a point of their own each.
+TVectorGraph WithReturns(const TChipList& Chips) {
+  TVectorGraph graph(0);
+  double y = -100;
+  for (const TChip& chip : Chips) {
+    graph.AddChip(chip);
+    graph.AddChip({chip.Second(), {0.1 * y, y}});
+    graph.AddChip({{0.1 * y, y}, chip.First()});
+    y -= 37;
+  }
+  graph.EliminateEdges(true);
+  return graph;
+}
+
+bool HasEdge(const TVectorGraph& Graph, const TPoint2D& From, const TPoint2D& To) {
+  int from = -1;
+  int to = -1;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id) {
+    if (Graph.GetVertex(id) == From) from = id;
+    if (Graph.GetVertex(id) == To) to = id;
+  }
+  return from >= 0 && to >= 0 && Graph.HasEdge(from, to);
+}
+
+// a ------> b
+//      d <------ c      a tenth of a thousandth apart at most
 TEST(VectorGraph, OverlapsAreFoundWithinTheToleranceOfALine) {
-  const auto edgesLeft = [](double Lift) {
-    const TPoint2D a{0, 0}, b{10, 0}, c{10, Lift}, d{0, Lift};
-    TVectorGraph graph(Loop({a, b, {5, 9}}) + Loop({c, d, {5, -9}}) + TChipList{{a, d}, {c, b}}, false);
-    graph.EliminateEdges(true);
-    return EdgeCount(graph);
-  };
-  EXPECT_EQ(edgesLeft(0.00005), 8) << "each keeps its own ends";
-  TVectorGraph same(Loop({{0, 0}, {10, 0}, {5, 9}}) + Loop({{10, 0}, {0, 0}, {5, -9}}), false);
-  same.EliminateEdges(true);
-  EXPECT_EQ(EdgeCount(same), 4) << "the shared edge goes with its opposite";
+  for (const double lift : {0.0, 0.00009, -0.00009, 0.00012}) {
+    const TPoint2D a{0, 0}, b{10, 0}, c{15, lift}, d{5, lift};
+    const TVectorGraph graph = WithReturns({{a, b}, {c, d}});
+    const bool oneLine = std::fabs(lift) <= 0.0001;
+    EXPECT_EQ(HasEdge(graph, a, d), oneLine) << lift;
+    EXPECT_EQ(HasEdge(graph, c, b), oneLine) << lift;
+    EXPECT_EQ(HasEdge(graph, a, b), !oneLine) << lift;
+    EXPECT_FALSE(HasEdge(graph, b, d) || HasEdge(graph, d, b)) << "the common part cancels";
+  }
+  // Three units of angle apart is one direction, four is not.
+  for (const double angle : {3e-8, 4e-8}) {
+    const TPoint2D a{0, 0}, b{1000, 0}, c{1500, 1500 * angle}, d{500, 500 * angle};
+    EXPECT_EQ(HasEdge(WithReturns({{a, b}, {c, d}}), a, d), angle == 3e-8);
+  }
+}
+
+TEST(VectorGraph, EndsAtOnePlaceOfALineDoNotCutEachOthersEdges) {
+  const TPoint2D a{0, 0}, b{10, 0}, c{10, 0.00005}, d{0, 0.00005};
+  const TVectorGraph graph = WithReturns({{a, b}, {c, d}});
+  EXPECT_TRUE(HasEdge(graph, a, b));
+  EXPECT_TRUE(HasEdge(graph, c, d));
+}
+
+// p is a cut on a -> b, and p -> b runs along p -> q a second time; b -> p is too steep for that line but is the
+// opposite of the piece all the same.
+TEST(VectorGraph, EdgeOfNoLineCancelsAPieceBetweenItsEnds) {
+  const TPoint2D a{0, 0}, b{10, 0}, p{5, 0.00005}, q{15, 0.00005};
+  const TVectorGraph graph = WithReturns({{a, b}, {p, q}, {b, p}});
+  EXPECT_TRUE(HasEdge(graph, p, b)) << "two pieces against one edge";
+  EXPECT_FALSE(HasEdge(graph, b, p));
+}
+
+TEST(VectorGraph, OverlapsOfDeadEndsAreLeftAlone) {
+  const TPoint2D a{0, 0}, b{10, 0}, c{15, 0}, d{5, 0};
+  TVectorGraph noWayIn({{a, b}, {c, d}, {b, {10, 7}}, {d, {5, 7}}}, false);
+  noWayIn.EliminateEdges(true);
+  EXPECT_TRUE(HasEdge(noWayIn, a, b) && HasEdge(noWayIn, c, d));
+  TVectorGraph noWayOut({{a, b}, {c, d}, {{0, 7}, a}, {{15, 7}, c}}, false);
+  noWayOut.EliminateEdges(true);
+  EXPECT_TRUE(HasEdge(noWayOut, a, b) && HasEdge(noWayOut, c, d));
 }
 
 TEST(VectorGraph, BoundAndExtremaOfAComponent) {
@@ -254,6 +337,8 @@ TEST(VectorGraph, BoundAndExtremaOfAComponent) {
     points.push_back({1.0 * i, i == 7 ? 0.1 : 0.004 * i});  // bottom, all but one within 0.09
   points.push_back({25, 5});
   points.push_back({25.05, 7});
+  points.push_back({25.02, 8});
+  points.push_back({12, 8});
   points.push_back({10, 9});
   points.push_back({-3, 4});
   const TVectorGraph graph(Loop(points), false);
@@ -268,10 +353,18 @@ TEST(VectorGraph, BoundAndExtremaOfAComponent) {
 
   TVertexIdList extrema;
   graph.GetExtrema(scc, extrema);
-  ASSERT_EQ(extrema.size(), 14u + 1 + 2 + 1 + 4);
-  const std::vector<int> sides(extrema.begin(), extrema.begin() + 18);
-  EXPECT_THAT(sides, ElementsAre(0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 22, 20, 21, 23));
-  for (const int id : extrema) EXPECT_TRUE(id >= 0 && id < graph.VertexCount());
+  ASSERT_EQ(extrema.size(), 14u + 1 + 3 + 1 + 4);
+  const std::vector<int> sides(extrema.begin(), extrema.begin() + 19);
+  EXPECT_THAT(sides, ElementsAre(0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 24, 20, 21, 22, 25));
+  // Seen from a third of the way between 22 and 25, and from two thirds.
+  const TPoint2D inner[] = {{25.02 - 28.02 / 3, 8 - 4.0 / 3}, {25.02 - 2 * 28.02 / 3, 8 - 8.0 / 3}};
+  for (int i = 0; i < 2; ++i) {
+    int right = -1;
+    int left = -1;
+    TPolygonBasicAlgo::PointTangants(graph.Vertices(), inner[i], right, left);
+    EXPECT_EQ(extrema[19 + 2 * i], right);
+    EXPECT_EQ(extrema[20 + 2 * i], left);
+  }
 }
 
 }  // namespace
