@@ -66,13 +66,6 @@ TEST(InlineVector, CopiesDeepAndMovesBetweenInsideAndHeap) {
   EXPECT_EQ(self, large);
 }
 
-TEST(InlineVector, TakesAnElementOfItselfWhenItGrows) {
-  TList list{11, 2, 3, 4};
-  ASSERT_EQ(list.size(), list.capacity());
-  list.push_back(list.front());
-  EXPECT_EQ(list.back(), 11);
-}
-
 TEST(CodeMap, AgreesWithAHashMapOverManyGrowths) {
   std::mt19937_64 random(3);
   TCodeMap map;

@@ -28,17 +28,5 @@ TEST(PolygonBasicAlgo, TangentsHaveTheWholeListBetweenThem) {
   }
 }
 
-TEST(PolygonBasicAlgo, TangentsAreDefinedForEveryList) {
-  int right = 5;
-  int left = 5;
-  TPolygonBasicAlgo::PointTangants({}, {0, 0}, right, left);
-  EXPECT_EQ(right, -1);
-  EXPECT_EQ(left, -1);
-  const std::vector<TPoint2D> inLine{{2, 0}, {1, 0}, {3, 0}};
-  TPolygonBasicAlgo::PointTangants(inLine, {0, 0}, right, left);
-  EXPECT_EQ(right, 0) << "first of one direction";
-  EXPECT_EQ(left, 0);
-}
-
 }  // namespace
 }  // namespace platenest

@@ -76,14 +76,13 @@ class PLATENEST_API TVectorGraph : public TDirectedGraph<TPoint2D> {
   // TVRect2D::InvalidRect for an empty list.
   TVRect2D GetBound(std::span<const int> scc) const;
 
-  // Walks the outer face from the topmost vertex on, taking the outermost edge at each vertex, and leaves each vertex
-  // of the walk once in cycle. False, with the walk as far as it came, where it meets a dead end, too many overlapping
-  // edges (a warning tells which) or no way back to its start. Overlapping edges are joined on the way, so the graph
-  // may gain edges.
+  // Walks the outer face from the topmost vertex on, taking the outermost edge at each vertex. cycle becomes the way,
+  // its start not repeated at the end; clockwise on the graphs of outer convolutions. False, with the way as far as it
+  // came, at a dead end or too many overlapping edges (a warning tells which), and where the way gets as long as the
+  // graph has vertices without coming home. Overlapping edges are joined on the way, so the graph may gain edges.
   bool TryGetCcwCycle(TVertexIdList& cycle);
 
  private:
-  struct TCell;
   struct TEdge;
   class TOverlaps;
   class TOutlineWalk;
