@@ -13,18 +13,20 @@ int main() {
 
   try {
     platenest::StopToken stop;
-    const platenest::Result result = platenest::run(
-        job, {.OnProgress =
-                  [](const platenest::Progress& now) {
-                    std::printf("%s: use %.1f %%\n", now.Phase.c_str(), 100 * now.Usage);
-                    return true;
-                  },
-              .Stop = &stop});
+    const platenest::Result result =
+        platenest::run(job, {.OnProgress =
+                                 [](const platenest::Progress& now) {
+                                   std::printf("%s: use %.1f %%\n", now.Phase.c_str(), 100 * now.Usage);
+                                   return true;
+                                 },
+                             .Stop = &stop});
     for (const platenest::Placement& place : result.Layouts.at(0).Placements)
-      std::printf("%s at (%g, %g)%s\n", place.Part.c_str(), place.Bounds[0], place.Bounds[1], place.Rotated ? ", turned" : "");
+      std::printf("%s at (%g, %g)%s\n", place.Part.c_str(), place.Bounds[0], place.Bounds[1],
+                  place.Rotated ? ", turned" : "");
     return platenest::CheckResult(job, result).empty() ? 0 : 1;
   } catch (const platenest::JobError& error) {
-    for (const platenest::Fault& fault : error.Faults()) std::fprintf(stderr, "%s: %s\n", fault.Place.c_str(), fault.Text.c_str());
+    for (const platenest::Fault& fault : error.Faults())
+      std::fprintf(stderr, "%s: %s\n", fault.Place.c_str(), fault.Text.c_str());
     return 1;
   }
 }

@@ -37,7 +37,9 @@ std::vector<TPalletJob> ReadPalletFile(const std::string& File) {
   return jobs;
 }
 
-std::string Text(double V) { return std::to_string(static_cast<long long>(V)); }
+std::string Text(double V) {
+  return std::to_string(static_cast<long long>(V));
+}
 
 TRow Solve(const TPalletJob& Job, int Repeat) {
   const TVRect2D plate = TVRect2D::FromSize(Job.L, Job.W);
@@ -55,7 +57,7 @@ TRow Solve(const TPalletJob& Job, int Repeat) {
   row.Best = Job.Best;
   row.Bound = static_cast<double>(BarnesBound(static_cast<Int64>(Job.L), static_cast<Int64>(Job.W),
                                               static_cast<Int64>(Job.PartL), static_cast<Int64>(Job.PartW)));
-  row.Fault = CheckRectLayout(layout, plate, 0, {part}).value_or("");
+  row.Fault = CheckRectLayout(layout, plate, 0, {part});
   return row;
 }
 

@@ -11,10 +11,10 @@ struct TRow {
   std::string Id;
   std::string Size;
   double Result = 0;
-  double Best = 0;   // best known value
-  double Bound = 0;  // proven upper bound
-  double Ms = 0;     // median of the repetitions
-  std::string Fault; // what the layout checker found, empty if nothing
+  double Best = 0;    // best known value
+  double Bound = 0;   // proven upper bound
+  double Ms = 0;      // median of the repetitions
+  std::string Fault;  // what the layout checker found, empty if nothing
 };
 
 // The median time of Repeat calls in milliseconds.

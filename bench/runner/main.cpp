@@ -26,13 +26,20 @@ bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];
     const bool hasValue = i + 1 < argc;
-    if (word == "--json" && hasValue) Arguments.Json = argv[++i];
-    else if (word == "--repeat" && hasValue) Arguments.Repeat = std::stoi(argv[++i]);
-    else if (word == "--rows" && hasValue) Arguments.Rows = std::stoi(argv[++i]);
-    else if (word == "--quiet") Arguments.Quiet = true;
-    else if (place == 0 && ++place) Arguments.Suite = word;
-    else if (place == 1 && ++place) Arguments.File = word;
-    else return false;
+    if (word == "--json" && hasValue)
+      Arguments.Json = argv[++i];
+    else if (word == "--repeat" && hasValue)
+      Arguments.Repeat = std::stoi(argv[++i]);
+    else if (word == "--rows" && hasValue)
+      Arguments.Rows = std::stoi(argv[++i]);
+    else if (word == "--quiet")
+      Arguments.Quiet = true;
+    else if (place == 0 && ++place)
+      Arguments.Suite = word;
+    else if (place == 1 && ++place)
+      Arguments.File = word;
+    else
+      return false;
   }
   return place == 2 && Arguments.Suite == "one" && Arguments.Repeat > 0;
 }
@@ -49,8 +56,8 @@ int PrintSummary(const std::vector<TRow>& Rows) {
     total += row.Ms;
     times.push_back(row.Ms);
   }
-  std::printf("%zu jobs, %d at the best known value, %d at the bound, %d invalid layouts\n", Rows.size(), atBest, atBound,
-              faults);
+  std::printf("%zu jobs, %d at the best known value, %d at the bound, %d invalid layouts\n", Rows.size(), atBest,
+              atBound, faults);
   std::printf("time %.1f ms, median %.4f ms, p99 %.4f ms, worst %.4f ms, peak memory %.1f MiB\n", total,
               Quantile(times, 0.5), Quantile(times, 0.99), Quantile(times, 1), PeakMemoryMiB());
   return faults;

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <limits>
 
-#include "StripChoice.h"
+#include "StripLayout.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Rounding.h"
 
@@ -66,7 +66,7 @@ TRectangleNest::TRectangleNest(const TVRect2D& Plate, const TNestRect& PartRect,
   FPartY = std::min(part.Width(), part.Height());
   FUsable = std::isfinite(Gap) && HasPositiveSides(Plate) && HasPositiveSides(PartRect.BoundBox) &&
             HasPositiveSides(part) && HasPositiveSides(FPlate);
-  FPlainGrid = std::trunc((W() + H() - FPartY + kStripRoom) / FPartX) > kMostStrips;
+  FPlainGrid = FUsable && std::trunc((W() + H() - FPartY + kStripRoom) / FPartX) > kMostStrips;
 }
 
 int TRectangleNest::SingleNest(TNestedRects& ResultList, bool& IsFull) const {
@@ -89,7 +89,7 @@ double TRectangleNest::NestUsageRatio(const TVRect2D& Plate, const TNestRect& Pa
          ((Plate.Height() + Gap) * (Plate.Width() + Gap));
 }
 
-// Quotients without tolerance, unlike those of the strips: on this scale one column more or less hardly counts.
+// Plain quotients: a column that only rounding keeps from fitting is lost.
 TRectangleNest::TGrid TRectangleNest::PlanGrid() const {
   const TGrid alongX{Trunc(W() / FPartX), Trunc(H() / FPartY), FPartX, FPartY, FIsvertical};
   const TGrid alongY{Trunc(W() / FPartY), Trunc(H() / FPartX), FPartY, FPartX, !FIsvertical};
@@ -129,32 +129,21 @@ TRectangleNest::TSummary TRectangleNest::GridSummary() const {
   return summary;
 }
 
-std::vector<TRectangleNest::TStrip> TRectangleNest::PlanStrips() const {
-  std::vector<TStrip> strips;
-  double x = 0;
-  double y = 0;
-  for (const bool bottom : detail::BestStrips(W(), H(), FPartX, FPartY).NestArr) {
-    const double room = bottom ? W() - x : H() - y;
-    strips.push_back({x, y, bottom, bottom ? !FIsvertical : FIsvertical, Trunc<int>(room / FPartY)});
-    (bottom ? y : x) += FPartX;
-  }
-  return strips;
+detail::TStripLayout TRectangleNest::PlanStrips() const {
+  return {W(), H(), {FPartX, FPartY, FIsvertical, FInitPart.BoundBox.Width(), FInitPart.BoundBox.Height()}};
 }
 
 int TRectangleNest::NestByStrips(TNestedRects& ResultList, bool& IsFull) const {
-  const std::vector<TStrip> strips = PlanStrips();
-  Int64 count = 0;
-  for (const TStrip& strip : strips) count += strip.Count;
-  Reserve(ResultList, count);
-  for (const TStrip& strip : strips) {
-    for (int k = 0; k < strip.Count; ++k) {
-      const double along = k * FPartY;
-      ResultList.emplace_back(FInitPart, strip.Turned,
-                              strip.Bottom ? TPoint2D{strip.X + along, strip.Y} : TPoint2D{strip.X, strip.Y + along});
-    }
+  const detail::TStripLayout layout = PlanStrips();
+  const bool alone = ResultList.empty();
+  IsFull = Counted(Size(ResultList) + layout.Count()) <= FMaxAmount;
+  int wanted = alone && !IsFull ? FMaxAmount : static_cast<int>(layout.Count());
+  Reserve(ResultList, wanted);
+  for (const auto& column : layout.Columns()) {
+    for (int k = 0; k < column.Count && wanted > 0; ++k, --wanted)
+      ResultList.emplace_back(FInitPart, column.Turned, TPoint2D{column.X, layout.Y(column, k)});
   }
-  IsFull = Size(ResultList) <= FMaxAmount;
-  ResultList.Sort(CompareByRight);
+  if (!alone) ResultList.Sort(CompareByRight);
   if (!IsFull) ResultList.erase(ResultList.begin() + FMaxAmount, ResultList.end());
   for (TNestedRect& item : ResultList) {
     if (item.IsRotate) item.Trans.X += FInitPart.BoundBox.Height();
@@ -163,23 +152,15 @@ int TRectangleNest::NestByStrips(TNestedRects& ResultList, bool& IsFull) const {
 }
 
 TRectangleNest::TSummary TRectangleNest::StripSummary() const {
+  const detail::TStripLayout layout = PlanStrips();
   TSummary summary;
-  Int64 count = 0;
-  for (const TStrip& strip : PlanStrips()) {
-    if (strip.Count <= 0) continue;
-    count += strip.Count;
-    const double lastX = strip.Bottom ? strip.X + (strip.Count - 1) * FPartY : strip.X;
-    summary.Right = std::max(summary.Right, RightEdge(lastX, strip.Turned));
+  summary.Count = summary.Placed = Counted(std::min<Int64>(layout.Count(), FMaxAmount));
+  Int64 before = 0;
+  for (const auto& column : layout.Columns()) {
+    if (before >= summary.Placed) break;
+    summary.Right = column.Right;
+    before += column.Count;
   }
-  if (count <= FMaxAmount) {
-    summary.Count = summary.Placed = static_cast<int>(count);
-    return summary;
-  }
-  // Cut at Amount: only the order of all placements tells which one is the last.
-  TNestedRects list;
-  bool isFull = false;
-  summary.Count = summary.Placed = NestByStrips(list, isFull);
-  if (!list.empty()) summary.Right = list.Last().Trans.X + (list.Last().IsRotate ? 0 : FInitPart.BoundBox.Width());
   return summary;
 }
 

@@ -2,40 +2,19 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <memory>
-#include <mutex>
 #include <string>
 #include <utility>
 
 #include <unistd.h>
 
+#include "Door.h"
+
 namespace platenest {
 
 namespace {
 
-// A process-wide door: calls work on a copy of the function, so that a sink may be replaced while another thread is in
-// it.
-template <class Function>
-class TDoor {
- public:
-  Function Exchange(Function New) {
-    const std::lock_guard lock(FMutex);
-    Function former = FCurrent ? *FCurrent : Function();
-    FCurrent = New ? std::make_shared<Function>(std::move(New)) : nullptr;
-    return former;
-  }
-  std::shared_ptr<Function> Get() {
-    const std::lock_guard lock(FMutex);
-    return FCurrent;
-  }
-
- private:
-  std::mutex FMutex;
-  std::shared_ptr<Function> FCurrent;
-};
-
-TDoor<THostProc> hostProc;
-TDoor<TWarningSink> warningSink;
+detail::TDoor<THostProc> hostProc;
+detail::TDoor<TWarningSink> warningSink;
 thread_local TFreeMemorySource freeMemorySource;
 
 // "MemAvailable" counts what can be had without swapping, page cache included.

@@ -13,8 +13,12 @@ namespace platenest::detail {
 
 namespace {
 
-Box ToBox(const TPlacedBox& B) { return {B.Left, B.Bottom, B.Right, B.Top}; }
-TPlacedBox ToPlacedBox(const Box& B) { return {B[0], B[1], B[2], B[3]}; }
+Box ToBox(const TPlacedBox& B) {
+  return {B.Left, B.Bottom, B.Right, B.Top};
+}
+TPlacedBox ToPlacedBox(const Box& B) {
+  return {B[0], B[1], B[2], B[3]};
+}
 
 // Positions of ids, for look-up only; no order is taken from it.
 template <class List>
@@ -24,8 +28,11 @@ std::unordered_map<std::string, int> PositionsById(const List& Items) {
   return positions;
 }
 
-// Results that were read from a file may multiply to more than a count holds; the checks on stock and demand see the cap.
-int ToCount(Int64 Sum) { return static_cast<int>(std::min<Int64>(Sum, std::numeric_limits<int>::max())); }
+// Results that were read from a file may multiply to more than a count holds; the checks on stock and demand see the
+// cap.
+int ToCount(Int64 Sum) {
+  return static_cast<int>(std::min<Int64>(Sum, std::numeric_limits<int>::max()));
+}
 
 Placement AssemblePlacement(const Part& APart, const TScaledPlate& Scaled, const TNestedRect& Nested) {
   const TScale& scale = Scaled.Scale;

@@ -11,7 +11,8 @@
 
 namespace platenest::detail {
 
-// A job in the nester's units: scaled, margin taken off. Lengths of the job and of the nester never mix outside this record.
+// A job in the nester's units: scaled, margin taken off. Lengths of the job and of the nester never mix outside this
+// record.
 struct TScaledPlate {
   TScaledPlate(const Job& AJob, const Plate& APlate);
 
@@ -19,12 +20,12 @@ struct TScaledPlate {
   double Gap = 0;
   double MarginLeft = 0;
   double MarginBottom = 0;
-  double Width = 0;   // less the margin; 0 or below when the margin leaves nothing
+  double Width = 0;  // less the margin; 0 or below when the margin leaves nothing
   double Height = 0;
 };
 
-// The layout of a nester in the job's ids and units, with everything measured that a result states about it. Part.Idx of a
-// placement is the position in the job's list of parts.
+// The layout of a nester in the job's ids and units, with everything measured that a result states about it. Part.Idx
+// of a placement is the position in the job's list of parts.
 Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested);
 
 // What can be measured on the placements of a layout: usage, used box, clearance, edge-to-edge, free box.
@@ -33,7 +34,8 @@ void MeasureInto(Layout& ALayout, double Gap, const std::array<double, 4>& Margi
 // Placements as records for the checker. Part.Idx is the position in the job's list, -1 for an unknown id.
 TNestedRects ToRecords(const Job& AJob, const Layout& ALayout);
 
-// The checker's verdict on a layout, empty if it is valid: plate less margin, gap, convention, known parts of right size.
+// The checker's verdict on a layout, empty if it is valid: plate less margin, gap, convention, known parts of right
+// size.
 std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
 
 // Sums over all layouts: summary, plates and parts with their counts, without reasons.

@@ -67,13 +67,14 @@ TOneSizeAnswer RunStrip(const TPrepared& Job) {
   TOneSizeAnswer answer;
   answer.Method = "strip";
   bool isFull = false;
-  TRectangleNest(TVRect2D::FromSize(Job.PlateWidth, Job.PlateHeight), Job.Part, Job.Gap).SingleNest(answer.Layout, isFull);
+  TRectangleNest(TVRect2D::FromSize(Job.PlateWidth, Job.PlateHeight), Job.Part, Job.Gap)
+      .SingleNest(answer.Layout, isFull);
   Finish(answer.Layout, Job);
   return answer;
 }
 
-// The trimming form shortens the list of part edges step by step; where all of them lie beyond a third of the plate it runs
-// off the list's end, and the plain nest answers.
+// The trimming form shortens the list of part edges step by step; where all of them lie beyond a third of the plate it
+// runs off the list's end, and the plain nest answers.
 TOneSizeAnswer RunTrim(const TPrepared& Job) {
   try {
     TOneSizeAnswer answer;
@@ -90,7 +91,8 @@ TOneSizeAnswer RunTrim(const TPrepared& Job) {
 
 }  // namespace
 
-std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes, int Amount) {
+std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes,
+                                                            int Amount) {
   const TPrepared job = Prepare(Sizes, Amount);
   const auto strip = [job] { return RunStrip(job); };
   if (Method == "trim") return {[job] { return RunTrim(job); }, strip};

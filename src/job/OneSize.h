@@ -17,8 +17,9 @@ struct TOneSizeAnswer {
   std::string Remark;  // for the result's warnings; empty if there is nothing to say
 };
 
-// The methods behind a method name, best first; a later one stands in when an earlier answer fails the check. Amount is the
-// demand; more copies than that are never placed.
-std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes, int Amount);
+// The methods behind a method name, best first; a later one stands in when an earlier answer fails the check. Amount is
+// the demand; more copies than that are never placed.
+std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes,
+                                                            int Amount);
 
 }  // namespace platenest::detail

@@ -19,9 +19,9 @@ struct TOneSizeBounds {
   Int64 Grid = 0;    // no bound: what the better of the two plain grids holds
 };
 
-// Upper bounds on the number of copies, gap included by growing plate and part. Computed on whole numbers: exactly where
-// the sizes are decimal fractions of moderate length; elsewhere with the plate rounded up and the part rounded down at a
-// scale of 1e-8 of the plate or finer. Rounding therefore never makes a bound too low.
+// Upper bounds on the number of copies, gap included by growing plate and part. Computed on whole numbers: exactly
+// where the sizes are decimal fractions of moderate length; elsewhere with the plate rounded up and the part rounded
+// down at a scale of 1e-8 of the plate or finer. Rounding therefore never makes a bound too low.
 TOneSizeBounds BoundOneSize(const TOneSize& Sizes);
 
 }  // namespace platenest::detail

@@ -18,7 +18,9 @@ using namespace detail;
 constexpr double kLengthTol = 1e-6;    // drawing units, as the layout promise has it
 constexpr double kRelativeTol = 1e-9;  // of ratios and sums
 
-bool AreClose(double A, double B) { return std::fabs(A - B) <= kRelativeTol * std::max({1.0, std::fabs(A), std::fabs(B)}); }
+bool AreClose(double A, double B) {
+  return std::fabs(A - B) <= kRelativeTol * std::max({1.0, std::fabs(A), std::fabs(B)});
+}
 
 bool AreClose(const Box& A, const Box& B) {
   for (int i = 0; i < 4; ++i)
@@ -108,7 +110,8 @@ void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Pla
       Add(place + "/part", "names no part of the job: " + stated.Part);
       continue;
     }
-    Require(!stated.Rotated || FJob.Parts[position].Turn == Rotate::Any, place + "/rotated", "turns a part that may not turn");
+    Require(!stated.Rotated || FJob.Parts[position].Turn == Rotate::Any, place + "/rotated",
+            "turns a part that may not turn");
     const TPlacedBox box = PlacedBoxOf(records[i]);
     Require(AreClose(stated.Bounds, Box{box.Left, box.Bottom, box.Right, box.Top}), place + "/box",
             "does not follow from size, rotated and trans");
@@ -137,8 +140,7 @@ void TResultCheck::CheckFreeBox(const Layout& Stated, const Layout& Measured, co
           Place + "/free_box", "is not a largest free rectangle");
   for (const Placement& part : Stated.Placements) {
     const TPlacedBox other{part.Bounds[0], part.Bounds[1], part.Bounds[2], part.Bounds[3]};
-    if (area > 0 && Clearance(placed, other) < FResult.Gap - kLengthTol)
-      return Add(Place + "/free_box", "is not free");
+    if (area > 0 && Clearance(placed, other) < FResult.Gap - kLengthTol) return Add(Place + "/free_box", "is not free");
   }
 }
 
@@ -199,8 +201,8 @@ void TResultCheck::CheckStatus() {
 void TResultCheck::CheckBounds() {
   const TScaledPlate scaled(FJob, FJob.Plates.at(0));
   const Part& part = FJob.Parts.at(0);
-  const TOneSizeBounds truth =
-      BoundOneSize({scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height), scaled.Gap});
+  const TOneSizeBounds truth = BoundOneSize(
+      {scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height), scaled.Gap});
   bool isMet = false;
   for (int i = 0; i < Size(FResult.Bounds); ++i) {
     const Bound& bound = FResult.Bounds[i];
@@ -212,7 +214,8 @@ void TResultCheck::CheckBounds() {
     Require(FResult.Parts[0].Placed <= bound.Value, place + "/value", "lies below the count that was placed");
     isMet = isMet || FResult.Parts[0].Placed >= bound.Value;
   }
-  Require(FResult.Proved == isMet, "/proved", isMet ? "is false although a bound is met" : "is true although no bound is met");
+  Require(FResult.Proved == isMet, "/proved",
+          isMet ? "is false although a bound is met" : "is true although no bound is met");
 }
 
 }  // namespace

@@ -37,9 +37,11 @@ void RequireAnswerable(const Job& AJob) {
   if (AJob.Kind != JobKind::One)
     throw InputError({"choice", "/kind", "this version answers jobs of kind `one` only", ""});
   if (AJob.Run.Method == "fiveblock")
-    throw InputError({"choice", "/options/method", "this version knows the methods `auto`, `strip` and `trim` for kind `one`", ""});
+    throw InputError(
+        {"choice", "/options/method", "this version knows the methods `auto`, `strip` and `trim` for kind `one`", ""});
   if (AJob.Parts[0].Turn == Rotate::None)
-    throw InputError({"conflict", "/parts/0/rotate", "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});
+    throw InputError({"conflict", "/parts/0/rotate",
+                      "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});
 }
 
 // The bounds of a job of kind One in the order in which they are stated. The demand is one too: no more is asked for.
@@ -51,7 +53,8 @@ std::vector<Bound> StateBounds(const Job& AJob, const TOneSizeBounds& Bounds) {
 }
 
 // The first answer of the chain that passes the checker.
-Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneSize& Sizes, int Amount, Result& AResult) {
+Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneSize& Sizes, int Amount,
+                        Result& AResult) {
   std::string verdict;
   for (const auto& method : OneSizeMethods(AJob.Run.Method, Sizes, Amount)) {
     TOneSizeAnswer answer;
@@ -74,7 +77,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
   throw CheckError({"check", "", "no answer passed the layout check", verdict});
 }
 
-void SetStatus(const Job& AJob, const TOneSizeBounds& Bounds, int FullCount, Result& AResult) {
+void SetStatus(const TOneSizeBounds& Bounds, int FullCount, Result& AResult) {
   PartUse& part = AResult.Parts[0];
   const double bound = static_cast<double>(std::min(Bounds.Area, Bounds.Barnes));
   AResult.Proved = part.Placed >= bound || (part.Amount && part.Placed >= *part.Amount);
@@ -92,12 +95,15 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
   const TScaledPlate scaled(AJob, AJob.Plates[0]);
   if (scaled.Width <= 0 || scaled.Height <= 0)
     throw InputError({"range", "/margin", "leaves nothing of plate `" + AJob.Plates[0].Id + "`", ""});
-  const TOneSize sizes{scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height), scaled.Gap};
+  const TOneSize sizes{scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height),
+                       scaled.Gap};
   const TOneSizeBounds bounds = BoundOneSize(sizes);
   const Int64 most = std::min(bounds.Area, bounds.Barnes);
   if (!part.Amount && bounds.Grid > limits::kCopies)
     throw LimitError({"limit", "/parts/0/amount",
-                      std::to_string(bounds.Grid) + " copies fit, at most " + std::to_string(limits::kCopies) + " are placed; ask for an amount", ""});
+                      std::to_string(bounds.Grid) + " copies fit, at most " + std::to_string(limits::kCopies) +
+                          " are placed; ask for an amount",
+                      ""});
   // One copy more than can fit, so that the plate and not the amount ends the nest.
   const int amount = part.Amount.value_or(static_cast<int>(std::min<Int64>(most, 2 * limits::kCopies) + 1));
 
@@ -112,7 +118,7 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
     result.Layouts.push_back(std::move(layout));
   }
   Account(AJob, result);
-  SetStatus(AJob, bounds, fullCount, result);
+  SetStatus(bounds, fullCount, result);
   if (Control.StoppedByCaller()) result.Status = ResultStatus::Stopped;
   Control.Report({.Phase = result.Run.Method,
                   .Plates = result.Total.Plates,

@@ -39,7 +39,9 @@ bool TRunControl::StoppedByCaller() const {
   return FRefused || (FHooks.Stop != nullptr && FHooks.Stop->StopRequested());
 }
 
-double TRunControl::Seconds() const { return (RealMs() - FStart) / 1000; }
+double TRunControl::Seconds() const {
+  return (RealMs() - FStart) / 1000;
+}
 
 void TRunControl::Report(Progress Now) {
   if (!FHooks.OnProgress) return;

@@ -13,7 +13,8 @@ namespace {
 
 constexpr int kDigits = 12;
 
-// V times 10^Exponent by moving the decimal point of its text, which has Digits digits, or as few as read back the same.
+// V times 10^Exponent by moving the decimal point of its text, which has Digits digits, or as few as read back the
+// same.
 double ShiftDecimalPoint(double V, int Exponent, std::optional<int> Digits) {
   if (V == 0 || !std::isfinite(V)) return V;
   char text[64];
@@ -52,10 +53,16 @@ TScale::TScale(double LongestSide) : FExponent(0) {
   while (ShiftDecimalPoint(LongestSide, FExponent, kDigits) < 500) ++FExponent;
 }
 
-double TScale::Up(double Length) const { return ShiftDecimalPoint(Length, FExponent, kDigits); }
-double TScale::Down(double Length) const { return ShiftDecimalPoint(Length, -FExponent, std::nullopt); }
+double TScale::Up(double Length) const {
+  return ShiftDecimalPoint(Length, FExponent, kDigits);
+}
+double TScale::Down(double Length) const {
+  return ShiftDecimalPoint(Length, -FExponent, std::nullopt);
+}
 
-double RoundToTwelveDigits(double V) { return ShiftDecimalPoint(V, 0, kDigits); }
+double RoundToTwelveDigits(double V) {
+  return ShiftDecimalPoint(V, 0, kDigits);
+}
 
 std::optional<int> CommonDecimals(std::span<const double> Lengths) {
   int most = 0;

@@ -5,8 +5,8 @@
 
 namespace platenest::detail {
 
-// Shifts lengths by a power of ten so that the longest side of a job lies in [500, 5000): some nesters count in whole units
-// and use fixed constants. The shift is done on decimal digits, so metres and millimetres give the same doubles.
+// Shifts lengths by a power of ten so that the longest side of a job lies in [500, 5000): some nesters count in whole
+// units and use fixed constants. The shift is done on decimal digits, so metres and millimetres give the same doubles.
 class TScale {
  public:
   explicit TScale(double LongestSide);

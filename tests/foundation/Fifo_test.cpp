@@ -155,8 +155,11 @@ TEST(Fifo, EveryItemLeavesOnceUnderPushPopAndClear) {
     });
     threads.emplace_back([&fifo, &producing, &mine = taken[side]] {
       std::intptr_t item = 0;
-      while (producing > 0 || !fifo.Empty()) {
-        if (fifo.Pop(item)) mine.push_back(item);
+      for (bool last = false; !last;) {
+        last = producing == 0;
+        while (!fifo.Empty()) {  // asks while the other consumer frees nodes
+          if (fifo.Pop(item)) mine.push_back(item);
+        }
       }
     });
   }

@@ -1,10 +1,12 @@
 #pragma once
 
-#include <vector>
-
 #include "platenest/URectNest/RectRecords.h"
 
 namespace platenest {
+
+namespace detail {
+class TStripLayout;
+}
 
 // Fills one plate with copies of one rectangle, turned or not, by guillotine strips whose thickness is the long side of
 // the rectangle: along the left edge of what remains
@@ -22,7 +24,7 @@ namespace platenest {
 // leaves nothing of the rectangle hold no copy and raise nothing; an amount below 0 counts as 0. TRangeError is raised
 // when there are more copies than an int can count. Objects are independent of each other and may be used from several
 // threads at once.
-// Cost: below 600 strips O(strips^2) plus O(n log n) for n placements, otherwise O(n).
+// Cost: O(n) for n placements, and below 600 strips O(strips^2) for the table of remaining plates, a bit for each.
 class PLATENEST_API TRectangleNest {
  public:
   TRectangleNest(const TVRect2D& Plate, const TNestRect& PartRect, double Gap);
@@ -50,13 +52,6 @@ class PLATENEST_API TRectangleNest {
   static double NestUsageRatio(const TVRect2D& Plate, const TNestRect& PartRect, double Gap);
 
  private:
-  struct TStrip {
-    double X;  // lower left corner of the first copy
-    double Y;
-    bool Bottom;
-    bool Turned;
-    int Count;
-  };
   struct TGrid {
     Int64 Columns;
     Int64 Rows;
@@ -67,16 +62,13 @@ class PLATENEST_API TRectangleNest {
 
   double W() const { return FPlate.Width(); }
   double H() const { return FPlate.Height(); }
-  std::vector<TStrip> PlanStrips() const;
+  detail::TStripLayout PlanStrips() const;
   TGrid PlanGrid() const;
   TPoint2D GridTrans(const TGrid& Grid, Int64 Column, Int64 Row) const;
   int NestOnGrid(TNestedRects& ResultList, bool& IsFull) const;
   int NestByStrips(TNestedRects& ResultList, bool& IsFull) const;
   TSummary GridSummary() const;
   TSummary StripSummary() const;
-  double RightEdge(double X, bool Turned) const {
-    return X + (Turned ? FInitPart.BoundBox.Height() : FInitPart.BoundBox.Width());
-  }
 
   TVRect2D FPlate;      // grown by the gap to the right and to the top
   TNestRect FInitPart;  // as given

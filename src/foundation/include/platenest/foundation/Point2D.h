@@ -73,6 +73,7 @@ struct TPointL2D {
   Int64 X = 0;
   Int64 Y = 0;
 
+  TPointL2D operator-() const { return {-X, -Y}; }
   friend bool operator==(const TPointL2D&, const TPointL2D&) = default;
 };
 

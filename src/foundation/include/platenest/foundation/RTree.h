@@ -1,99 +1,17 @@
 #pragma once
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "platenest/foundation/Collection.h"
 #include "platenest/foundation/Errors.h"
+#include "platenest/foundation/RTreeNode.h"
 #include "platenest/foundation/Rect2D.h"
-#include "platenest/foundation/Sort.h"
-#include "platenest/foundation/TreeNode.h"
 #include "platenest/foundation/Types.h"
 
 namespace platenest {
-
-template <class T>
-class TRTreeNode;
-
-// Owns the nodes of one R-tree, while they refer to each other by plain pointers.
-template <class T>
-class TRTreeNodeStore {
- public:
-  template <class... Args>
-  TRTreeNode<T>* Create(Args&&... Arguments) {
-    FNodes.push_back(std::make_unique<TRTreeNode<T>>(*this, Size(FNodes), std::forward<Args>(Arguments)...));
-    return FNodes.back().get();
-  }
-  void Free(const TRTreeNode<T>* Node) {
-    const std::size_t place = Node->Place();
-    FNodes.back()->SetPlace(Node->Place());
-    FNodes[place].swap(FNodes.back());
-    FNodes.pop_back();
-  }
-  void Clear() { FNodes.clear(); }
-
- private:
-  std::vector<std::unique_ptr<TRTreeNode<T>>> FNodes;
-};
-
-// Node of an R-tree: a data node has no children and holds T, a leaf has data nodes as children, an inner node has
-// leaves or inner nodes. What has no children counts as a data node, a fresh node included, until its first child
-// comes. The box of a node covers all below it, and may be larger after a removal.
-template <class T>
-class TRTreeNode : public TTreeNode<T> {
- public:
-  using TStore = TRTreeNodeStore<T>;
-
-  // The store that owns the node, and the node's place in it.
-  TRTreeNode(TStore& Store, int Place) : FStore(Store), FPlace(Place) {}
-  TRTreeNode(TStore& Store, int Place, T Data, const TVRect2D& Box)
-      : TTreeNode<T>(std::move(Data)), FBox(Box), FStore(Store), FPlace(Place) {}
-  void ClearFreeChildNodes(bool DoesRecursive) = delete;  // the store frees
-
-  const TVRect2D& Box() const { return FBox; }
-  int ChildCount() const { return Size(this->ChildNodes()); }
-  TRTreeNode* Child(int Index) const { return static_cast<TRTreeNode*>(this->ChildNodes()[Index]); }
-  TRTreeNode* ParentNode() const { return static_cast<TRTreeNode*>(this->Parent()); }
-  int Place() const { return FPlace; }
-  void SetPlace(int Place) { FPlace = Place; }
-
-  bool IsDataNode() const { return this->ChildNodes().empty(); }
-  bool IsLeaf() const override { return !IsDataNode() && Child(0)->IsDataNode(); }
-  // Also expands the boxes of this node and of all above it.
-  void AddChildNode(TTreeNode<T>* ChildNode) override;
-
-  // Appends the data below this node whose boxes have no gap above Tol to the region, in the order of the children.
-  void Search(const TVRect2D& SearchRegion, std::vector<T>& Result, double Tol) const;
-  bool SearchFindsAny(const TVRect2D& SearchRegion, double Tol) const;
-
-  // The leaf that grows least on the way down, first of equals. Never on a data node: TAssertionError.
-  TRTreeNode* ChooseInsertLeaf(const TVRect2D& Box);
-  // Moves half of the children, at least two, to a new sibling; a root gets a new parent for the two. The result is
-  // the one of the two that AddBox enlarges less, this node on a tie or for an AddBox that is not valid.
-  TRTreeNode* Split(const TVRect2D& AddBox);
-  // A node without children leaves its parent and goes to RemovedNodes, which tries the parent in turn.
-  void RemoveFromParentIfEmpty(std::vector<TRTreeNode*>& RemovedNodes);
-  // The box becomes the union of the children's boxes.
-  void RefreshBox();
-
- private:
-  bool IsFarFrom(const TVRect2D& Region, double Tol) const {
-    return FBox.RelationWithRectangle(Region, Tol) == rrDisjoint;
-  }
-  double Growth(const TVRect2D& Box) const { return FBox.Expand(Box).Area() - FBox.Area(); }
-  std::vector<int> CalcGroup() const;
-  std::vector<int> OrderBy(double TVRect2D::*Bound) const;
-  double AreaOfHalves(const std::vector<int>& Order) const;
-
-  TVRect2D FBox = TVRect2D::InvalidRect;
-  TStore& FStore;
-  int FPlace;
-};
 
 // Index over axis-parallel boxes (drawing units), each under a key of type T: hashable, copyable, and unique in the
 // tree. Answers do not depend on hashes: searches report in the order of the tree, lists of keys in that of insertion.
@@ -104,7 +22,8 @@ class TRTree {
  public:
   using TNode = TRTreeNode<T>;
 
-  // MaxChildCount at least 2, else TArgumentError. With 2 the tree degenerates to a list, use 4 to 16.
+  // MaxChildCount at least 2, else TArgumentError. With 2 every split makes the tree a level deeper: for small trees
+  // only, 4 to 16 are good values.
   explicit TRTree(int MaxChildCount);
   TRTree(const TRTree&) = delete;
   TRTree& operator=(const TRTree&) = delete;
@@ -148,111 +67,6 @@ class TRTree {
   std::unordered_map<T, TNode*> FDataNodeDic;
   TCollection<T> FKeys;
 };
-
-template <class T>
-void TRTreeNode<T>::AddChildNode(TTreeNode<T>* ChildNode) {
-  TTreeNode<T>::AddChildNode(ChildNode);
-  const TRTreeNode* below = static_cast<TRTreeNode*>(ChildNode);
-  for (TRTreeNode* node = this; node != nullptr; below = node, node = node->ParentNode())
-    node->FBox.ExpandInPlace(below->FBox);
-}
-
-template <class T>
-void TRTreeNode<T>::Search(const TVRect2D& SearchRegion, std::vector<T>& Result, double Tol) const {
-  if (IsFarFrom(SearchRegion, Tol)) return;
-  if (IsDataNode()) return Result.push_back(this->Data());
-  for (int i = 0; i < ChildCount(); ++i) Child(i)->Search(SearchRegion, Result, Tol);
-}
-
-template <class T>
-bool TRTreeNode<T>::SearchFindsAny(const TVRect2D& SearchRegion, double Tol) const {
-  if (IsFarFrom(SearchRegion, Tol)) return false;
-  if (IsDataNode()) return true;
-  for (int i = 0; i < ChildCount(); ++i) {
-    if (Child(i)->SearchFindsAny(SearchRegion, Tol)) return true;
-  }
-  return false;
-}
-
-template <class T>
-TRTreeNode<T>* TRTreeNode<T>::ChooseInsertLeaf(const TVRect2D& Box) {
-  TRTreeNode* node = this;
-  NestAssert(!IsDataNode(), "[ERROR] TRTreeNode<T>.ChooseInsertLeaf: a data node has no leaf below it");
-  while (!node->IsLeaf()) {
-    TRTreeNode* best = node->Child(0);
-    double bestGrowth = best->Growth(Box);
-    for (int i = 1; i < node->ChildCount(); ++i) {
-      const double growth = node->Child(i)->Growth(Box);
-      if (!(growth < bestGrowth)) continue;
-      best = node->Child(i);
-      bestGrowth = growth;
-    }
-    node = best;
-  }
-  return node;
-}
-
-template <class T>
-TRTreeNode<T>* TRTreeNode<T>::Split(const TVRect2D& AddBox) {
-  NestAssert(ChildCount() >= 2);
-  const std::vector<int> order = CalcGroup();
-  typename TTreeNode<T>::TNodes kept;
-  TRTreeNode* const sibling = FStore.Create();
-  for (int i = 0; i < Size(order); ++i) {
-    if (i < Size(order) / 2)
-      kept.push_back(Child(order[i]));
-    else
-      sibling->AddChildNode(Child(order[i]));
-  }
-  this->Children().swap(kept);
-  RefreshBox();
-  if (this->IsRoot()) FStore.Create()->AddChildNode(this);
-  ParentNode()->AddChildNode(sibling);
-  if (!AddBox.IsValid()) return this;
-  return sibling->Growth(AddBox) < Growth(AddBox) ? sibling : this;
-}
-
-template <class T>
-void TRTreeNode<T>::RemoveFromParentIfEmpty(std::vector<TRTreeNode*>& RemovedNodes) {
-  if (!IsDataNode()) return;
-  RemovedNodes.push_back(this);
-  TRTreeNode* const parent = ParentNode();
-  if (parent == nullptr) return;
-  auto& siblings = parent->Children();
-  siblings.erase(std::find(siblings.begin(), siblings.end(), this));
-  this->SetParent(nullptr);
-  parent->RemoveFromParentIfEmpty(RemovedNodes);
-}
-
-template <class T>
-void TRTreeNode<T>::RefreshBox() {
-  FBox = TVRect2D::InvalidRect;
-  for (int i = 0; i < ChildCount(); ++i) FBox.ExpandInPlace(Child(i)->FBox);
-}
-
-// The order of the children whose two halves cover less area: by left bounds, or on a tie by bottom bounds.
-template <class T>
-std::vector<int> TRTreeNode<T>::CalcGroup() const {
-  std::vector<int> byLeft = OrderBy(&TVRect2D::Left);
-  std::vector<int> byBottom = OrderBy(&TVRect2D::Bottom);
-  return AreaOfHalves(byLeft) < AreaOfHalves(byBottom) ? byLeft : byBottom;
-}
-
-template <class T>
-std::vector<int> TRTreeNode<T>::OrderBy(double TVRect2D::*Bound) const {
-  std::vector<int> order(this->ChildNodes().size());
-  for (int i = 0; i < Size(order); ++i) order[i] = i;
-  SortBy(order, [this, Bound](int A, int B) { return Sign(Child(A)->FBox.*Bound, Child(B)->FBox.*Bound); });
-  return order;
-}
-
-template <class T>
-double TRTreeNode<T>::AreaOfHalves(const std::vector<int>& Order) const {
-  TVRect2D first = TVRect2D::InvalidRect;
-  TVRect2D second = TVRect2D::InvalidRect;
-  for (int i = 0; i < Size(Order); ++i) (i < Size(Order) / 2 ? first : second).ExpandInPlace(Child(Order[i])->FBox);
-  return first.Area() + second.Area();
-}
 
 template <class T>
 TRTree<T>::TRTree(int MaxChildCount) : FMinChildCount(MaxChildCount / 2), FMaxChildCount(MaxChildCount) {

@@ -10,8 +10,8 @@
 #include "platenest/foundation/Export.h"
 #include "platenest/foundation/Types.h"
 
-// A job as a person states it: text ids, one unit for all lengths, y up. The same record stands behind the job file, the
-// program's options and the C++ door.
+// A job as a person states it: text ids, one unit for all lengths, y up. The same record stands behind the job file,
+// the program's options and the C++ door.
 namespace platenest {
 
 enum class JobKind : std::uint8_t {
@@ -27,8 +27,10 @@ struct Plate {
   double Width = 0;
   double Height = 0;
   std::optional<int> Count = 1;  // nothing: as many as needed
-  std::optional<double> Cost;    // nothing: the plate's area
+  std::optional<double> Cost{};  // nothing: the plate's area
   bool Remnant = false;          // used first
+
+  friend bool operator==(const Plate&, const Plate&) = default;
 };
 
 struct Part {
@@ -37,53 +39,73 @@ struct Part {
   double Height = 0;
   std::optional<int> Amount = 1;  // nothing: without limit
   Rotate Turn = Rotate::Any;
-  std::optional<double> Value;    // worth of one copy; nothing: its area
-  std::string Label;
+  std::optional<double> Value{};  // worth of one copy; nothing: its area
+  std::string Label{};
+
+  friend bool operator==(const Part&, const Part&) = default;
 };
 
 struct Options {
   std::string Method = "auto";
-  double TimeLimit = 60;              // seconds; 0 for none
+  double TimeLimit = 60;  // seconds; 0 for none
   std::uint64_t Seed = 1;
-  int Threads = 0;                    // 0: up to 4
-  Int64 MemoryLimit = Int64{1} << 30; // bytes
+  int Threads = 0;                     // 0: up to 4
+  Int64 MemoryLimit = Int64{1} << 30;  // bytes
   bool Deterministic = false;
+
+  friend bool operator==(const Options&, const Options&) = default;
 };
 
 struct Job {
   std::string Name;
   JobKind Kind = JobKind::One;
-  std::string Units = "mm";                // a name for people: mm, cm, m, in, none; nothing is converted
-  double Gap = 0;                          // least distance between two parts
-  std::array<double, 4> Margin{0, 0, 0, 0};// left, bottom, right, top: kept free at the plate's edges
+  std::string Units = "mm";                  // a name for people: mm, cm, m, in, none; nothing is converted
+  double Gap = 0;                            // least distance between two parts
+  std::array<double, 4> Margin{0, 0, 0, 0};  // left, bottom, right, top: kept free at the plate's edges
   std::vector<Plate> Plates;
   std::vector<Part> Parts;
   Options Run;
+
+  friend bool operator==(const Job&, const Job&) = default;
 };
 
 // Limits on input, each a LimitError.
 namespace limits {
-inline constexpr Int64 kJobBytes = Int64{64} << 20;
+inline constexpr Int64 kJobBytes = Int64{64} << 20;      // a job file, in any of its forms
+inline constexpr Int64 kResultBytes = Int64{256} << 20;  // a result file
 inline constexpr int kNestingDepth = 32;
 inline constexpr int kPartKinds = 10000;
-inline constexpr Int64 kCopies = 1000000;   // demanded in total, and placed in one layout
+inline constexpr Int64 kCopies = 1000000;  // demanded in total, and placed in one layout
 inline constexpr int kPlateKinds = 1000;
 inline constexpr double kSmallestSize = 1e-3;
 inline constexpr double kLargestSize = 1e6;
-inline constexpr double kSizeRatio = 1e6;   // between the largest and the smallest size of a job
+inline constexpr double kSizeRatio = 1e6;  // between the largest and the smallest size of a job
 inline constexpr int kIdCharacters = 200;
+inline constexpr Int64 kPlates = 1000000;  // in stock of one kind
+inline constexpr double kWorth = 1e15;     // of one copy, and the cost of one plate
+inline constexpr double kTimeLimit = 1e8;  // seconds
+inline constexpr int kThreads = 1024;
 }  // namespace limits
 
 PLATENEST_API std::string_view KindName(JobKind Kind);
 
-// Reads a job in the form platenest-job/1. Raises InputError or LimitError with every fault found, up to 20.
-// In kind One an absent amount means as many as fit. Absent ids become "plate-1", "part-1", ... by position.
+// Reads a job in the form platenest-job/1. Every fault found is reported, up to 20, each with a JSON Pointer:
+// LimitError when all of them are limits, else InputError with the limits last. A text that is too large, too deeply
+// nested, not UTF-8 or not JSON is refused as a whole, at line and column. MemoryError when memory ran out. In kind One
+// an absent amount means as many as fit, elsewhere 1. Absent ids are given as by GiveIds; where that makes two equal
+// ids it is a fault like any other doubled id. Memory in use grows with the records read, not with what else a file may
+// hold. Safe on any thread.
 PLATENEST_API Job ParseJob(std::string_view Json);
 
-// The same checks on a job that was built in code. run() calls it first.
+// The same checks on a job that was built in code. run() calls it first. An empty id is a fault here: see GiveIds.
 PLATENEST_API void CheckJob(const Job& AJob);
 
-// The job in the form platenest-job/1, keys in fixed order, doubles in the shortest form that reads back the same.
+// Plates and parts with an empty id become "plate-1", "part-1", ... by their position, counted from 1.
+PLATENEST_API void GiveIds(Job& AJob);
+
+// The job in the form platenest-job/1, keys in fixed order, doubles in the shortest form that reads back the same;
+// members that hold their default may be left out. Reading the text back gives an equal job. Nothing is checked but
+// what JSON cannot hold: a number that is not finite and a text that is not UTF-8 raise InputError with their place.
 PLATENEST_API std::string JobToJson(const Job& AJob);
 
 // The JSON Schema (draft 2020-12) of the job form.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,8 @@ struct Placement {
   bool Rotated = false;
   std::array<double, 2> Trans{0, 0};  // lower left corner of an unturned, lower right corner of a turned part
   Box Bounds{0, 0, 0, 0};
+
+  friend bool operator==(const Placement&, const Placement&) = default;
 };
 
 // One arrangement and how many plates are cut by it.
@@ -33,32 +36,40 @@ struct Layout {
   double Width = 0;
   double Height = 0;
   int Copies = 1;
-  double Usage = 0;                    // part area over plate area
+  double Usage = 0;  // part area over plate area
   Box UsedBox{0, 0, 0, 0};
   std::optional<double> MinClearance;  // measured; nothing with fewer than two parts
   bool EdgeToEdge = false;             // straight cuts from edge to edge can part the layout
   Box FreeBox{0, 0, 0, 0};             // the largest free rectangle, the offcut worth keeping
   std::vector<Placement> Placements;
+
+  friend bool operator==(const Layout&, const Layout&) = default;
 };
 
 struct Bound {
   std::string What;  // "plates", "count", "value"
   std::string Kind;  // "area", "barnes", "stock": each holds without trust in a heuristic
   double Value = 0;
+
+  friend bool operator==(const Bound&, const Bound&) = default;
 };
 
 struct PlateUse {
   std::string Id;
   int Used = 0;
   std::optional<int> Count;  // nothing: as many as needed
+
+  friend bool operator==(const PlateUse&, const PlateUse&) = default;
 };
 
 struct PartUse {
   std::string Id;
   std::optional<int> Amount;  // nothing: without limit
   int Placed = 0;
-  int Unplaced = 0;           // 0 without a limit
-  std::string Reason;         // beside unplaced copies: too_large, no_stock, time, left_by_method
+  int Unplaced = 0;    // 0 without a limit
+  std::string Reason;  // beside unplaced copies: too_large, no_stock, time, left_by_method
+
+  friend bool operator==(const PartUse&, const PartUse&) = default;
 };
 
 struct Summary {
@@ -67,6 +78,8 @@ struct Summary {
   double PartArea = 0;
   double PlateArea = 0;
   double Cost = 0;
+
+  friend bool operator==(const Summary&, const Summary&) = default;
 };
 
 // What was in force.
@@ -79,6 +92,8 @@ struct RunInfo {
   bool Deterministic = false;
   std::string Version;
   double Seconds = 0;
+
+  friend bool operator==(const RunInfo&, const RunInfo&) = default;
 };
 
 struct Result {
@@ -96,14 +111,19 @@ struct Result {
   std::vector<PartUse> Parts;
   std::vector<std::string> Warnings;
   RunInfo Run;
+
+  friend bool operator==(const Result&, const Result&) = default;
 };
 
 PLATENEST_API std::string_view StatusName(ResultStatus Status);
 
-// Reads a result in the form platenest-result/1; raises InputError or LimitError like ParseJob.
+// Reads a result in the form platenest-result/1; raises InputError, LimitError or MemoryError like ParseJob. Only the
+// form is checked: what the numbers say is for CheckResult. In a deterministic run seconds and threads keep their
+// defaults.
 PLATENEST_API Result ParseResult(std::string_view Json);
 
-// Keys in fixed order; a deterministic run leaves out seconds and threads, so that equal answers are equal bytes.
+// Keys in fixed order, one placement a line; a deterministic run leaves out seconds and threads, so that equal answers
+// are equal bytes. Raises InputError, like JobToJson, for what JSON cannot hold.
 PLATENEST_API std::string ResultToJson(const Result& AResult);
 
 PLATENEST_API std::string_view ResultSchema();

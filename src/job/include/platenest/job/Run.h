@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,12 +29,12 @@ struct RunHooks {
   const StopToken* Stop = nullptr;  // the caller's, settable from any thread
 };
 
-// Answers a job. Every answer has passed the independent checker. Raises JobError kinds only. Runs on the caller's thread
-// plus one watchdog thread; several runs may go on in parallel threads. Process-wide state is left as it was.
+// Answers a job. Every answer has passed the independent checker. Raises JobError kinds only. Runs on the caller's
+// thread plus one watchdog thread; several runs may go on in parallel threads. Process-wide state is left as it was.
 PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
 
-// Verifies a result against its job with code that shares nothing with the nesters: positions, plate, margin, gap, amounts,
-// stock, turning locks, and every number that the result states about itself. Empty when all is right.
+// Verifies a result against its job with code that shares nothing with the nesters: positions, plate, margin, gap,
+// amounts, stock, turning locks, and every number that the result states about itself. Empty when all is right.
 PLATENEST_API std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult);
 
 // One SVG document for a layout of a result; real units, y up.

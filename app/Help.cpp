@@ -1,0 +1,156 @@
+#include "Help.h"
+
+#include <algorithm>
+
+namespace platenest {
+
+namespace {
+
+constexpr std::string_view kPlacementConvention = R"(
+Placement convention:
+  A rectangle is stored once, unrotated, from (0,0) to (width, height), y up.
+  "rotated" turns it a quarter turn counter-clockwise about the origin, then
+  "trans" = [tx, ty] moves it. "box" repeats the outcome as left, bottom, right,
+  top, for readers that want no convention.
+
+      y                                 y
+      ^                                 ^
+      |   +-----------+ (tx+w, ty+h)    |   +-------+ (tx, ty+w)
+      |   |           |                 |   |       |
+      |   |           | h               |   |       | w
+      |   | A         |                 |   |       |
+      |   o-----------+                 |   |     A |
+      |   trans   w                     |   +-------o
+      |                                 |     h     trans
+      +---------------------> x         +---------------------> x
+
+      unrotated: trans is the           rotated: trans is the
+      lower left corner                 lower right corner
+)";
+
+constexpr std::string_view kExitCodes = R"(
+Exit codes:
+  0    a checked result was written, complete or not (see its status)
+  1    the same, but --require-all was given and demand is left; or check found
+       faults
+  2    wrong options
+  3    wrong input: the message names the place
+  4    input over a limit
+  5    a file cannot be read or written
+  6    not enough memory
+  7    stopped before any result
+  70   internal fault: no answer passed the check; a reproduction file is named
+  130  second Ctrl-C
+)";
+
+constexpr std::string_view kOnePage = R"(
+Answers how many parts of one size one plate takes, and where they lie. JOB is a
+job file, - for standard input, or absent when --plate and --part say it all.
+Options win over the job file, and the result repeats what was in force.
+
+The result goes to standard output as JSON, and nothing else does. Ctrl-C stops
+the search and writes the best answer so far; a second one leaves at once.
+)";
+constexpr std::string_view kOneExamples = R"(
+Examples:
+  platenest one --plate 2440x1220 --part 300x200 --gap 5 --svg out/
+  platenest one job.json -o result.json
+)";
+
+constexpr std::string_view kCheckPage = R"(
+Verifies a result against its job by code of its own: plate, margin, gap, amounts,
+stock, locked turns, and every number that the result states about itself. Faults
+stand on standard error with their place in the result. An answer that was found
+with options that won over the job file is checked with the same options.
+)";
+constexpr std::string_view kCheckExamples = R"(
+Examples:
+  platenest check job.json result.json
+  platenest check job.json result.json --require-all
+)";
+
+constexpr std::string_view kConvertPage = R"(
+Reads INPUT and writes OUTPUT, in the forms that their endings name: .json for a
+job, .csv for a table of parts, .txt for the text rectangle file with two numbers
+on its first line. A list of one size becomes a job of kind one, of several sizes
+fill. Options go into the job that is written.
+)";
+constexpr std::string_view kConvertExamples = R"(
+Examples:
+  platenest convert demand.txt demand.json --gap 5
+  platenest convert demand.csv demand.json --plate 2440x1220
+)";
+
+constexpr std::string_view kSchemaPage = R"(
+Prints the JSON Schema (draft 2020-12) of the job form or of the result form.
+)";
+constexpr std::string_view kSchemaExamples = R"(
+Examples:
+  platenest schema job
+  platenest schema result -o result.schema.json
+)";
+
+struct Page {
+  std::string_view Text;
+  std::string_view Examples;
+};
+
+Page PageOf(Command Id) {
+  switch (Id) {
+    case Command::One:
+      return {kOnePage, kOneExamples};
+    case Command::Check:
+      return {kCheckPage, kCheckExamples};
+    case Command::Convert:
+      return {kConvertPage, kConvertExamples};
+    case Command::Schema:
+      return {kSchemaPage, kSchemaExamples};
+  }
+  return {};
+}
+
+std::string Column(std::string_view First, std::size_t Width, std::string_view Second) {
+  std::string line(2, ' ');
+  line += First;
+  line.append(First.size() < Width ? Width - First.size() : 1, ' ');
+  line += Second;
+  line += '\n';
+  return line;
+}
+
+std::string OptionList(Command Id) {
+  static constexpr std::string_view kTitles[] = {"The job", "The run", "Output", "Messages"};
+  std::string text;
+  const OptionRow* former = nullptr;
+  for (const OptionRow& row : OptionTable()) {
+    if (!Takes(Id, row)) continue;
+    if (former == nullptr || former->Group != row.Group) {
+      text.append(1, '\n').append(kTitles[static_cast<std::size_t>(row.Group)]).append(":\n");
+    }
+    former = &row;
+    text += Column(std::string(row.Name) + (row.Value.empty() ? "" : " ") + std::string(row.Value), 22, row.Text);
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string OverviewHelp() {
+  std::string text =
+      "Usage: platenest COMMAND [JOB] [options]\n\nTwo-dimensional nesting on sheet and plate.\n\nCommands:\n";
+  for (const CommandRow& row : CommandTable()) {
+    text += Column(std::string(row.Name) + " " + std::string(row.Positionals), 22, row.Purpose);
+  }
+  text += "\nplatenest COMMAND --help tells the options of a command. Numbers use a point in\nevery locale.\n";
+  return text.append(kOneExamples).append(kExitCodes).append(kPlacementConvention);
+}
+
+std::string CommandHelp(Command Id) {
+  const CommandRow& row = RowOf(Id);
+  const Page page = PageOf(Id);
+  std::string text = "Usage: platenest " + std::string(row.Name) + " " + std::string(row.Positionals) + " [options]\n";
+  text.append(page.Text).append(OptionList(Id)).append(page.Examples);
+  return text.append(kPlacementConvention);
+}
+
+}  // namespace platenest

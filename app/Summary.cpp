@@ -1,0 +1,79 @@
+#include "Summary.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "Text.h"
+
+namespace platenest {
+
+namespace {
+
+std::string Line(const std::string& Name, const std::string& Text) {
+  return "  " + Name + std::string(Name.size() < 11 ? 11 - Name.size() : 1, ' ') + Text + "\n";
+}
+
+std::string Counted(Int64 Count, const std::string& Noun) {
+  return std::to_string(Count) + " " + Noun + (Count == 1 ? "" : "s");
+}
+
+Int64 PlacedCopies(const Result& AResult) {
+  Int64 count = 0;
+  for (const PartUse& part : AResult.Parts) count += part.Placed;
+  return count;
+}
+
+std::string BoundsText(const Result& AResult) {
+  std::string text;
+  for (const Bound& bound : AResult.Bounds) {
+    if (!text.empty()) text += ", ";
+    text += bound.What + (bound.What == "plates" ? " at least " : " at most ") + Shortest(bound.Value) + " (" +
+            bound.Kind + ")";
+  }
+  return AResult.Proved ? text + ": proved best" : text;
+}
+
+// The first reason stands for all; the result lists every part with its own.
+std::string UnplacedText(const Result& AResult) {
+  const std::string text = Counted(UnplacedCopies(AResult), "part");
+  const auto first = std::find_if(AResult.Parts.begin(), AResult.Parts.end(),
+                                  [](const PartUse& part) { return part.Unplaced > 0 && !part.Reason.empty(); });
+  return first == AResult.Parts.end() ? text : text + " (" + first->Reason + ")";
+}
+
+std::optional<double> LeastClearance(const Result& AResult) {
+  std::optional<double> least;
+  for (const Layout& layout : AResult.Layouts) {
+    if (layout.MinClearance) least = std::min(least.value_or(*layout.MinClearance), *layout.MinClearance);
+  }
+  return least;
+}
+
+}  // namespace
+
+Int64 UnplacedCopies(const Result& AResult) {
+  Int64 count = 0;
+  for (const PartUse& part : AResult.Parts) count += part.Unplaced;
+  return count;
+}
+
+std::string SummaryText(const Result& AResult) {
+  const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
+  std::string text = (AResult.Name.empty() ? "" : Printable(AResult.Name) + ": ") +
+                     std::string(StatusName(AResult.Status)) + ", " + Counted(PlacedCopies(AResult), "part") + " on " +
+                     Counted(AResult.Total.Plates, "plate") + "\n";
+  text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %");
+  if (!AResult.Bounds.empty()) text += Line("bounds", BoundsText(AResult));
+  if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
+  if (const std::optional<double> clearance = LeastClearance(AResult)) {
+    text += Line("clearance", Fixed(*clearance, 3) + unit + " between the nearest two parts");
+  }
+  if (AResult.Layouts.size() == 1) {
+    const Box& free = AResult.Layouts.front().FreeBox;
+    text += Line("offcut", Fixed(free[2] - free[0], 1) + " x " + Fixed(free[3] - free[1], 1) + unit);
+  }
+  if (!AResult.Warnings.empty()) text += Line("warning", Printable(AResult.Warnings.front()));
+  return text + Line("method", AResult.Run.Method + ", " + Fixed(AResult.Run.Seconds, 2) + " s");
+}
+
+}  // namespace platenest

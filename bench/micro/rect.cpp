@@ -1,0 +1,59 @@
+#include <benchmark/benchmark.h>
+
+#include "platenest/URectNest/Raster.h"
+#include "platenest/URectNest/RectangleNest.h"
+
+namespace platenest {
+namespace {
+
+void BM_Raster(benchmark::State& State) {
+  TIntBoxList boxes;
+  for (int k = 0; k < 20; ++k) boxes.emplace_back(701 + 173 * k, 409 + 97 * k, k, static_cast<int>(State.range(0)), 0);
+  TRaster raster;
+  for (auto _ : State) {
+    raster.Initialize(30000, 15000, boxes, State.range(1) != 0, State.range(2) != 0);
+    benchmark::DoNotOptimize(raster.IndexInvL.data());
+  }
+  State.counters["points_l"] = raster.SizeL;
+  State.counters["points_w"] = raster.SizeW;
+}
+BENCHMARK(BM_Raster)
+    ->ArgNames({"copies", "rotate", "normal"})
+    ->Args({10, 1, 0})
+    ->Args({10, 0, 1})
+    ->Args({99999, 1, 0})
+    ->Unit(benchmark::kMicrosecond);
+
+// 599 strips, 301 by 301 remaining plates: with the list of 90000 placements, and the choice of strips alone.
+const TNestRect kPart(1'000'000, 0, TVRect2D::FromSize(100, 100));
+const TRectangleNest kNest(TVRect2D::FromSize(30000, 30000), kPart, 0);
+
+void BM_SingleNest(benchmark::State& State) {
+  int placed = 0;
+  for (auto _ : State) {
+    TNestedRects list;
+    bool isFull = false;
+    placed = kNest.SingleNest(list, isFull);
+    benchmark::DoNotOptimize(list.data());
+  }
+  State.counters["placed"] = placed;
+}
+BENCHMARK(BM_SingleNest)->Unit(benchmark::kMicrosecond);
+
+void BM_SingleNestTable(benchmark::State& State) {
+  for (auto _ : State) benchmark::DoNotOptimize(kNest.Summary().Count);
+  State.counters["cells"] = 301 * 301;
+}
+BENCHMARK(BM_SingleNestTable)->Unit(benchmark::kMicrosecond);
+
+// The narrowing search on a plate of 240 columns: about 160 trial plates.
+void BM_Trim(benchmark::State& State) {
+  const TNestRect part(1000000, 0, TVRect2D::FromSize(100, 70));
+  TNestedRects list;
+  for (auto _ : State) benchmark::DoNotOptimize(DynamicSingleRectNest(part, 20000, 24050, 5, list));
+  State.counters["placed"] = list.Count();
+}
+BENCHMARK(BM_Trim)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace platenest

@@ -1,0 +1,114 @@
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platenest/foundation/Errors.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/layoutcheck/Measures.h"
+#include "platenest/layoutcheck/Svg.h"
+
+// Boxes of any doubles go through every door of the layout checker. Nothing but TNestError may come out, and what the
+// sweeps answer must be what a look at all pairs answers.
+
+namespace {
+
+using namespace platenest;
+
+class TBytes {
+ public:
+  TBytes(const std::uint8_t* Data, std::size_t Size) : FData(Data), FSize(Size) {}
+  int Byte() { return FSize == 0 ? 0 : (--FSize, *FData++); }
+  // Mostly small whole numbers and halves, which make boxes touch; now and then any bits.
+  double Number() {
+    const int kind = Byte();
+    if (kind < 200) return kind / 2.0;
+    if (kind < 240) return -(kind - 200) / 4.0;
+    std::uint64_t bits = 0;
+    for (int i = 0; i < 8; ++i) bits = bits << 8 | static_cast<std::uint64_t>(Byte());
+    double value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+  }
+  std::string Text() {
+    std::string text(Byte() % 12, ' ');
+    for (char& c : text) c = static_cast<char>(Byte());
+    return text;
+  }
+  bool Empty() const { return FSize == 0; }
+
+ private:
+  const std::uint8_t* FData;
+  std::size_t FSize;
+};
+
+void Require(bool Holds) {
+  if (!Holds) std::abort();
+}
+
+void CompareWithAllPairs(const std::vector<TPlacedBox>& Boxes, double Gap) {
+  double least = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < Boxes.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j) least = std::min(least, Clearance(Boxes[i], Boxes[j]));
+  Require(FirstTooClose(Boxes, Gap).has_value() == (least < Gap - kDefaultTol));
+  Require(LeastClearance(Boxes).value_or(0) == (Boxes.size() < 2 ? 0 : std::max(least, 0.0)));
+}
+
+void CheckFreeBox(const std::vector<TPlacedBox>& Boxes, const TPlacedBox& Plate, double Gap) {
+  const std::optional<TPlacedBox> free = LargestFreeBox(Boxes, Plate, Gap);
+  if (!free) return;
+  for (const TPlacedBox& b : Boxes) {
+    const TPlacedBox grown{b.Left - Gap, b.Bottom - Gap, b.Right + Gap, b.Top + Gap};
+    const bool hasArea = grown.Left < grown.Right && grown.Bottom < grown.Top;
+    Require(!hasArea || free->Left >= grown.Right || free->Right <= grown.Left || free->Bottom >= grown.Top ||
+            free->Top <= grown.Bottom);
+  }
+}
+
+// The door of each function may refuse its arguments.
+template <class F>
+void Try(F Call) {
+  try {
+    Call();
+  } catch (const TNestError&) {
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  TBytes bytes(data, std::min<std::size_t>(size, 2000));
+  TLayoutPicture picture;
+  picture.Width = bytes.Number();
+  picture.Height = bytes.Number();
+  picture.Margin[0] = bytes.Number();
+  picture.Kinds = {{bytes.Text(), bytes.Text()}};
+  picture.Units = bytes.Text();
+  const double gap = bytes.Number();
+  TNestedRects layout;
+  std::vector<TPlacedBox> boxes;
+  const TNestRectList demand = {{30, 0, TVRect2D::FromSize(2, 3)}};
+  while (!bytes.Empty() && boxes.size() < 60) {
+    const double left = bytes.Number();
+    const double bottom = bytes.Number();
+    boxes.push_back({left, bottom, left + bytes.Number(), bottom + bytes.Number()});
+    picture.Parts.push_back({boxes.back(), 0, bytes.Byte() % 2 == 0});
+    layout.push_back({demand[0], picture.Parts.back().Turned, {left, bottom}});
+  }
+  const TPlacedBox plate{0, 0, picture.Width, picture.Height};
+  const TVRect2D plateRect = TVRect2D::FromSize(picture.Width, picture.Height);
+  if (CheckRectLayout(layout, plateRect, gap, demand).empty() && !layout.empty())
+    Require(!FirstOutside(PlacedBoxesOf(layout), plate) && layout.Count() <= 30);
+  Try([&] { CompareWithAllPairs(boxes, gap); });
+  Try([&] { CheckFreeBox(boxes, plate, gap); });
+  Try([&] { MeasureLayout(boxes, plate, plate, 0); });
+  picture.Free = plate;
+  Try([&] { Require(RectLayoutSvg(picture).ends_with("</svg>\n")); });
+  return 0;
+}

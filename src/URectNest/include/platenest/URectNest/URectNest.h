@@ -1,0 +1,10 @@
+#pragma once
+
+// The rectangle model and the rectangle nesters.
+#include "platenest/URectNest/BarnesBound.h"
+#include "platenest/URectNest/CoEdge.h"
+#include "platenest/URectNest/Raster.h"
+#include "platenest/URectNest/RectFile.h"
+#include "platenest/URectNest/RectRecords.h"
+#include "platenest/URectNest/RectangleNest.h"
+#include "platenest/URectNest/Strips.h"

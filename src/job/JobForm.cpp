@@ -1,0 +1,218 @@
+#include "JobForm.h"
+
+#include <array>
+#include <utility>
+
+#include "FormReader.h"
+#include "JsonWriter.h"
+#include "Texts.h"
+
+namespace platenest {
+
+namespace detail {
+
+template <>
+std::span<const Field<Plate>> FieldsOf<Plate>() {
+  static constexpr Field<Plate> fields[] = {
+      {"id", false,
+       [](Plate& r) -> Slot {
+         return TextAt{&r.Id, true};
+       }},
+      {"width", true, [](Plate& r) -> Slot { return NumberAt{&r.Width}; }},
+      {"height", true, [](Plate& r) -> Slot { return NumberAt{&r.Height}; }},
+      {"count", false,
+       [](Plate& r) -> Slot {
+         return WholeAt{&kPlateCountRule, &r.Count};
+       }},
+      {"cost", false, [](Plate& r) -> Slot { return NumberAt{&r.Cost}; }},
+      {"remnant", false, [](Plate& r) -> Slot { return FlagAt{&r.Remnant}; }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Part>> FieldsOf<Part>() {
+  static constexpr Field<Part> fields[] = {
+      {"id", false,
+       [](Part& r) -> Slot {
+         return TextAt{&r.Id, true};
+       }},
+      {"width", true, [](Part& r) -> Slot { return NumberAt{&r.Width}; }},
+      {"height", true, [](Part& r) -> Slot { return NumberAt{&r.Height}; }},
+      {"amount", false,
+       [](Part& r) -> Slot {
+         return WholeAt{&kAmountRule, &r.Amount};
+       }},
+      {"rotate", false,
+       [](Part& r) -> Slot {
+         return ChoiceAt{kRotateNames, &r.Turn};
+       }},
+      {"value", false, [](Part& r) -> Slot { return NumberAt{&r.Value}; }},
+      {"label", false, [](Part& r) -> Slot { return TextAt{&r.Label}; }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Options>> FieldsOf<Options>() {
+  static constexpr Field<Options> fields[] = {
+      {"method", false, [](Options& r) -> Slot { return TextAt{&r.Method}; }},
+      {"time_limit", false, [](Options& r) -> Slot { return NumberAt{&r.TimeLimit}; }},
+      {"seed", false,
+       [](Options& r) -> Slot {
+         return WholeAt{&kSeedRule, &r.Seed};
+       }},
+      {"threads", false,
+       [](Options& r) -> Slot {
+         return WholeAt{&kThreadsRule, &r.Threads};
+       }},
+      {"memory_limit", false,
+       [](Options& r) -> Slot {
+         return WholeAt{&kMemoryRule, &r.MemoryLimit};
+       }},
+      {"deterministic", false, [](Options& r) -> Slot { return FlagAt{&r.Deterministic}; }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Job>> FieldsOf<Job>() {
+  static constexpr Field<Job> fields[] = {
+      {"schema", true,
+       [](Job&) -> Slot {
+         return ChoiceAt{kJobSchemaNames, {}};
+       }},
+      {"name", false, [](Job& r) -> Slot { return TextAt{&r.Name}; }},
+      {"kind", true,
+       [](Job& r) -> Slot {
+         return ChoiceAt{kKindNames, &r.Kind};
+       }},
+      {"units", false,
+       [](Job& r) -> Slot {
+         return ChoiceAt{kUnitNames, &r.Units};
+       }},
+      {"gap", false, [](Job& r) -> Slot { return NumberAt{&r.Gap}; }},
+      {"margin", false,
+       [](Job& r) -> Slot {
+         return NumbersAt{r.Margin, true};
+       }},
+      {"plates", true,
+       [](Job& r) -> Slot {
+         return ListAt<Plate>{&r.Plates, limits::kPlateKinds};
+       }},
+      {"parts", true,
+       [](Job& r) -> Slot {
+         return ListAt<Part>{&r.Parts, limits::kPartKinds};
+       }},
+      {"options", false, [](Job& r) -> Slot { return ObjectAt<Options>{&r.Run}; }},
+  };
+  return fields;
+}
+
+void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind) {
+  for (Part& part : Parts) {
+    if (part.Amount != kAbsentAmount) continue;
+    part.Amount = Kind == JobKind::One ? std::nullopt : std::optional<int>(1);
+  }
+}
+
+namespace {
+
+void WritePlate(JsonWriter& Out, const Plate& APlate) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("id", APlate.Id);
+  Out.Member("width", APlate.Width);
+  Out.Member("height", APlate.Height);
+  Out.Member("count", APlate.Count);
+  if (APlate.Cost) Out.Member("cost", *APlate.Cost);
+  if (APlate.Remnant) Out.Member("remnant", true);
+  Out.EndObject();
+}
+
+void WritePart(JsonWriter& Out, const Part& APart) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("id", APart.Id);
+  Out.Member("width", APart.Width);
+  Out.Member("height", APart.Height);
+  Out.Member("amount", APart.Amount);
+  if (APart.Turn == Rotate::None) Out.Member("rotate", "none");
+  if (APart.Value) Out.Member("value", *APart.Value);
+  if (!APart.Label.empty()) Out.Member("label", APart.Label);
+  Out.EndObject();
+}
+
+void WriteOptions(JsonWriter& Out, const Options& Run) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("method", Run.Method);
+  Out.Member("time_limit", Run.TimeLimit);
+  Out.Member("seed", Run.Seed);
+  if (Run.Threads > 0) Out.Member("threads", Run.Threads);
+  if (Run.MemoryLimit != Options{}.MemoryLimit) Out.Member("memory_limit", Run.MemoryLimit);
+  if (Run.Deterministic) Out.Member("deterministic", true);
+  Out.EndObject();
+}
+
+void WriteMargin(JsonWriter& Out, const std::array<double, 4>& Margin) {
+  const bool same = Margin[0] == Margin[1] && Margin[0] == Margin[2] && Margin[0] == Margin[3];
+  if (same) return Out.Member("margin", Margin[0]);
+  Out.Member("margin", Margin);
+}
+
+}  // namespace
+
+}  // namespace detail
+
+using namespace detail;
+
+std::string_view KindName(JobKind Kind) {
+  const auto index = static_cast<std::size_t>(Kind);
+  return index < std::size(kKindNames) ? kKindNames[index] : "";
+}
+
+Job ParseJob(std::string_view Json) {
+  return WithMemoryError([&] {
+    Job job;
+    FaultList faults;
+    FormReader reader(ObjectAt<Job>{&job}, faults);
+    const bool isWhole = ReadJson(Json, limits::kJobBytes, reader, faults);
+    ResolveAmounts(job.Parts, job.Kind);
+    GiveIds(job);
+    if (isWhole) FindFaults(job, faults);
+    faults.Raise();
+    return job;
+  });
+}
+
+void GiveIds(Job& AJob) {
+  for (int i = 0; i < Size(AJob.Plates); ++i) {
+    if (AJob.Plates[i].Id.empty()) AJob.Plates[i].Id = Joined("plate-", i + 1);
+  }
+  for (int i = 0; i < Size(AJob.Parts); ++i) {
+    if (AJob.Parts[i].Id.empty()) AJob.Parts[i].Id = Joined("part-", i + 1);
+  }
+}
+
+std::string JobToJson(const Job& AJob) {
+  JsonWriter out;
+  out.BeginObject(JsonStyle::Block);
+  out.Member("schema", kJobSchemaNames[0]);
+  if (!AJob.Name.empty()) out.Member("name", AJob.Name);
+  out.Member("kind", KindName(AJob.Kind));
+  out.Member("units", AJob.Units);
+  out.Member("gap", AJob.Gap);
+  WriteMargin(out, AJob.Margin);
+  out.Key("plates");
+  out.BeginList(JsonStyle::Block);
+  for (const Plate& plate : AJob.Plates) WritePlate(out, plate);
+  out.EndList();
+  out.Key("parts");
+  out.BeginList(JsonStyle::Block);
+  for (const Part& part : AJob.Parts) WritePart(out, part);
+  out.EndList();
+  out.Key("options");
+  WriteOptions(out, AJob.Run);
+  out.EndObject();
+  return std::move(out).Text();
+}
+
+}  // namespace platenest

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Slots.h"
+
+namespace platenest::detail {
+
+inline constexpr std::string_view kJobSchemaNames[] = {"platenest-job/1"};
+inline constexpr std::string_view kResultSchemaNames[] = {"platenest-result/1"};
+
+template <>
+std::span<const Field<Plate>> FieldsOf<Plate>();
+template <>
+std::span<const Field<Part>> FieldsOf<Part>();
+
+// Gives a part that stated no amount the one that Kind means by it.
+void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind);
+
+// Finds every fault in a job, with JSON Pointers.
+void FindFaults(const Job& AJob, FaultList& Faults);
+void FindFaults(const std::vector<Plate>& Plates, FaultList& Faults);
+void FindFaults(const std::vector<Part>& Parts, FaultList& Faults);
+
+}  // namespace platenest::detail

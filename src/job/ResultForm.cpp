@@ -1,0 +1,356 @@
+#include <utility>
+
+#include "FormReader.h"
+#include "JobForm.h"
+#include "JsonWriter.h"
+
+namespace platenest {
+
+namespace detail {
+
+namespace {
+
+// Stand for absent members until it is known whether the run was deterministic.
+constexpr int kAbsentThreads = 0;
+constexpr double kAbsentSeconds = -1;
+
+NumberAt NotNegative(double& Target) {
+  return {&Target, false, 0};
+}
+
+}  // namespace
+
+template <>
+std::span<const Field<Summary>> FieldsOf<Summary>() {
+  static constexpr Field<Summary> fields[] = {
+      {"plates", true,
+       [](Summary& r) -> Slot {
+         return WholeAt{&kTallyRule, &r.Plates};
+       }},
+      {"usage", true, [](Summary& r) -> Slot { return NotNegative(r.Usage); }},
+      {"part_area", true, [](Summary& r) -> Slot { return NotNegative(r.PartArea); }},
+      {"plate_area", true, [](Summary& r) -> Slot { return NotNegative(r.PlateArea); }},
+      {"cost", true, [](Summary& r) -> Slot { return NotNegative(r.Cost); }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Bound>> FieldsOf<Bound>() {
+  static constexpr Field<Bound> fields[] = {
+      {"what", true, [](Bound& r) -> Slot { return TextAt{&r.What}; }},
+      {"kind", true, [](Bound& r) -> Slot { return TextAt{&r.Kind}; }},
+      {"value", true, [](Bound& r) -> Slot { return NumberAt{&r.Value}; }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Placement>> FieldsOf<Placement>() {
+  static constexpr Field<Placement> fields[] = {
+      {"part", true,
+       [](Placement& r) -> Slot {
+         return TextAt{&r.Part, true};
+       }},
+      {"rotated", true, [](Placement& r) -> Slot { return FlagAt{&r.Rotated}; }},
+      {"trans", true, [](Placement& r) -> Slot { return NumbersAt{r.Trans}; }},
+      {"box", true, [](Placement& r) -> Slot { return NumbersAt{r.Bounds}; }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Layout>> FieldsOf<Layout>() {
+  static constexpr Field<Layout> fields[] = {
+      {"plate", true,
+       [](Layout& r) -> Slot {
+         return TextAt{&r.Plate, true};
+       }},
+      {"width", true, [](Layout& r) -> Slot { return NotNegative(r.Width); }},
+      {"height", true, [](Layout& r) -> Slot { return NotNegative(r.Height); }},
+      {"copies", true,
+       [](Layout& r) -> Slot {
+         return WholeAt{&kCopiesRule, &r.Copies};
+       }},
+      {"usage", true, [](Layout& r) -> Slot { return NotNegative(r.Usage); }},
+      {"used_box", true, [](Layout& r) -> Slot { return NumbersAt{r.UsedBox}; }},
+      {"min_clearance", true,
+       [](Layout& r) -> Slot {
+         return NumberAt{&r.MinClearance, true};
+       }},
+      {"edge_to_edge", true, [](Layout& r) -> Slot { return FlagAt{&r.EdgeToEdge}; }},
+      {"free_box", true, [](Layout& r) -> Slot { return NumbersAt{r.FreeBox}; }},
+      {"placements", true,
+       [](Layout& r) -> Slot {
+         return ListAt<Placement>{&r.Placements, limits::kCopies};
+       }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<PlateUse>> FieldsOf<PlateUse>() {
+  static constexpr Field<PlateUse> fields[] = {
+      {"id", true,
+       [](PlateUse& r) -> Slot {
+         return TextAt{&r.Id, true};
+       }},
+      {"used", true,
+       [](PlateUse& r) -> Slot {
+         return WholeAt{&kTallyRule, &r.Used};
+       }},
+      {"count", true,
+       [](PlateUse& r) -> Slot {
+         return WholeAt{&kPlateCountRule, &r.Count};
+       }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<PartUse>> FieldsOf<PartUse>() {
+  static constexpr Field<PartUse> fields[] = {
+      {"id", true,
+       [](PartUse& r) -> Slot {
+         return TextAt{&r.Id, true};
+       }},
+      {"amount", true,
+       [](PartUse& r) -> Slot {
+         return WholeAt{&kAmountRule, &r.Amount};
+       }},
+      {"placed", true,
+       [](PartUse& r) -> Slot {
+         return WholeAt{&kTallyRule, &r.Placed};
+       }},
+      {"unplaced", true,
+       [](PartUse& r) -> Slot {
+         return WholeAt{&kTallyRule, &r.Unplaced};
+       }},
+      {"reason", false,
+       [](PartUse& r) -> Slot {
+         return ChoiceAt{kReasonNames, &r.Reason};
+       }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<RunInfo>> FieldsOf<RunInfo>() {
+  static constexpr Field<RunInfo> fields[] = {
+      {"method", true, [](RunInfo& r) -> Slot { return TextAt{&r.Method}; }},
+      {"seed", true,
+       [](RunInfo& r) -> Slot {
+         return WholeAt{&kSeedRule, &r.Seed};
+       }},
+      {"threads", false,
+       [](RunInfo& r) -> Slot {
+         return WholeAt{&kThreadsRule, &r.Threads};
+       }},
+      {"time_limit", true, [](RunInfo& r) -> Slot { return NotNegative(r.TimeLimit); }},
+      {"memory_limit", true,
+       [](RunInfo& r) -> Slot {
+         return WholeAt{&kMemoryRule, &r.MemoryLimit};
+       }},
+      {"deterministic", true, [](RunInfo& r) -> Slot { return FlagAt{&r.Deterministic}; }},
+      {"version", true, [](RunInfo& r) -> Slot { return TextAt{&r.Version}; }},
+      {"seconds", false, [](RunInfo& r) -> Slot { return NotNegative(r.Seconds); }},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<Result>> FieldsOf<Result>() {
+  static constexpr Field<Result> fields[] = {
+      {"schema", true,
+       [](Result&) -> Slot {
+         return ChoiceAt{kResultSchemaNames, {}};
+       }},
+      {"name", true, [](Result& r) -> Slot { return TextAt{&r.Name}; }},
+      {"kind", true,
+       [](Result& r) -> Slot {
+         return ChoiceAt{kKindNames, &r.Kind};
+       }},
+      {"units", true,
+       [](Result& r) -> Slot {
+         return ChoiceAt{kUnitNames, &r.Units};
+       }},
+      {"gap", true, [](Result& r) -> Slot { return NotNegative(r.Gap); }},
+      {"margin", true, [](Result& r) -> Slot { return NumbersAt{r.Margin}; }},
+      {"status", true,
+       [](Result& r) -> Slot {
+         return ChoiceAt{kStatusNames, &r.Status};
+       }},
+      {"proved", true, [](Result& r) -> Slot { return FlagAt{&r.Proved}; }},
+      {"summary", true, [](Result& r) -> Slot { return ObjectAt<Summary>{&r.Total}; }},
+      {"bounds", true,
+       [](Result& r) -> Slot {
+         return ListAt<Bound>{&r.Bounds, limits::kCopies};
+       }},
+      {"layouts", true,
+       [](Result& r) -> Slot {
+         return ListAt<Layout>{&r.Layouts, limits::kCopies};
+       }},
+      {"plates", true,
+       [](Result& r) -> Slot {
+         return ListAt<PlateUse>{&r.Plates, limits::kPlateKinds};
+       }},
+      {"parts", true,
+       [](Result& r) -> Slot {
+         return ListAt<PartUse>{&r.Parts, limits::kPartKinds};
+       }},
+      {"warnings", true,
+       [](Result& r) -> Slot {
+         return ListAt<std::string>{&r.Warnings, limits::kCopies};
+       }},
+      {"run", true, [](Result& r) -> Slot { return ObjectAt<RunInfo>{&r.Run}; }},
+  };
+  return fields;
+}
+
+namespace {
+
+// A deterministic run tells neither, so that its bytes do not depend on the machine.
+void ResolveTimes(RunInfo& Run, FaultList& Faults) {
+  if (!Run.Deterministic && Run.Threads == kAbsentThreads) Faults.AddMissing("/run", "threads");
+  if (!Run.Deterministic && Run.Seconds == kAbsentSeconds) Faults.AddMissing("/run", "seconds");
+  if (!Run.Deterministic) return;
+  Run.Threads = RunInfo{}.Threads;
+  Run.Seconds = RunInfo{}.Seconds;
+}
+
+template <class T>
+void WriteList(JsonWriter& Out, std::string_view Name, const std::vector<T>& Items,
+               void (*Write)(JsonWriter&, const T&)) {
+  Out.Key(Name);
+  Out.BeginList(JsonStyle::Block);
+  for (const T& item : Items) Write(Out, item);
+  Out.EndList();
+}
+
+void WriteBound(JsonWriter& Out, const Bound& ABound) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("what", ABound.What);
+  Out.Member("kind", ABound.Kind);
+  Out.Member("value", ABound.Value);
+  Out.EndObject();
+}
+
+void WritePlacement(JsonWriter& Out, const Placement& APlacement) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("part", APlacement.Part);
+  Out.Member("rotated", APlacement.Rotated);
+  Out.Member("trans", APlacement.Trans);
+  Out.Member("box", APlacement.Bounds);
+  Out.EndObject();
+}
+
+void WriteLayout(JsonWriter& Out, const Layout& ALayout) {
+  Out.BeginObject(JsonStyle::Block);
+  Out.Member("plate", ALayout.Plate);
+  Out.Member("width", ALayout.Width);
+  Out.Member("height", ALayout.Height);
+  Out.Member("copies", ALayout.Copies);
+  Out.Member("usage", ALayout.Usage);
+  Out.Member("used_box", ALayout.UsedBox);
+  Out.Member("min_clearance", ALayout.MinClearance);
+  Out.Member("edge_to_edge", ALayout.EdgeToEdge);
+  Out.Member("free_box", ALayout.FreeBox);
+  WriteList(Out, "placements", ALayout.Placements, WritePlacement);
+  Out.EndObject();
+}
+
+void WritePlateUse(JsonWriter& Out, const PlateUse& Use) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("id", Use.Id);
+  Out.Member("used", Use.Used);
+  Out.Member("count", Use.Count);
+  Out.EndObject();
+}
+
+void WritePartUse(JsonWriter& Out, const PartUse& Use) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("id", Use.Id);
+  Out.Member("amount", Use.Amount);
+  Out.Member("placed", Use.Placed);
+  Out.Member("unplaced", Use.Unplaced);
+  if (!Use.Reason.empty()) Out.Member("reason", Use.Reason);
+  Out.EndObject();
+}
+
+void WriteWarning(JsonWriter& Out, const std::string& Warning) {
+  Out.Value(Warning);
+}
+
+void WriteSummary(JsonWriter& Out, const Summary& Total) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("plates", Total.Plates);
+  Out.Member("usage", Total.Usage);
+  Out.Member("part_area", Total.PartArea);
+  Out.Member("plate_area", Total.PlateArea);
+  Out.Member("cost", Total.Cost);
+  Out.EndObject();
+}
+
+void WriteRun(JsonWriter& Out, const RunInfo& Run) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("method", Run.Method);
+  Out.Member("seed", Run.Seed);
+  if (!Run.Deterministic) Out.Member("threads", Run.Threads);
+  Out.Member("time_limit", Run.TimeLimit);
+  Out.Member("memory_limit", Run.MemoryLimit);
+  Out.Member("deterministic", Run.Deterministic);
+  Out.Member("version", Run.Version);
+  if (!Run.Deterministic) Out.Member("seconds", Run.Seconds);
+  Out.EndObject();
+}
+
+}  // namespace
+
+}  // namespace detail
+
+using namespace detail;
+
+std::string_view StatusName(ResultStatus Status) {
+  const auto index = static_cast<std::size_t>(Status);
+  return index < std::size(kStatusNames) ? kStatusNames[index] : "";
+}
+
+Result ParseResult(std::string_view Json) {
+  return WithMemoryError([&] {
+    Result result;
+    result.Run.Threads = kAbsentThreads;
+    result.Run.Seconds = kAbsentSeconds;
+    FaultList faults;
+    FormReader reader(ObjectAt<Result>{&result}, faults);
+    const bool isWhole = ReadJson(Json, limits::kResultBytes, reader, faults);
+    if (isWhole) ResolveTimes(result.Run, faults);
+    faults.Raise();
+    return result;
+  });
+}
+
+std::string ResultToJson(const Result& AResult) {
+  JsonWriter out;
+  out.BeginObject(JsonStyle::Block);
+  out.Member("schema", kResultSchemaNames[0]);
+  out.Member("name", AResult.Name);
+  out.Member("kind", KindName(AResult.Kind));
+  out.Member("units", AResult.Units);
+  out.Member("gap", AResult.Gap);
+  out.Member("margin", AResult.Margin);
+  out.Member("status", StatusName(AResult.Status));
+  out.Member("proved", AResult.Proved);
+  out.Key("summary");
+  WriteSummary(out, AResult.Total);
+  WriteList(out, "bounds", AResult.Bounds, WriteBound);
+  WriteList(out, "layouts", AResult.Layouts, WriteLayout);
+  WriteList(out, "plates", AResult.Plates, WritePlateUse);
+  WriteList(out, "parts", AResult.Parts, WritePartUse);
+  WriteList(out, "warnings", AResult.Warnings, WriteWarning);
+  out.Key("run");
+  WriteRun(out, AResult.Run);
+  out.EndObject();
+  return std::move(out).Text();
+}
+
+}  // namespace platenest

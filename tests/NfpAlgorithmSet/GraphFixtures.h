@@ -1,0 +1,54 @@
+#pragma once
+
+#include <random>
+#include <utility>
+#include <vector>
+
+#include "platenest/NfpAlgorithmSet/DirectedGraph.h"
+
+namespace platenest {
+
+using TIdGraph = TDirectedGraph<int>;
+
+inline TIdGraph GraphOf(int Count, const std::vector<std::pair<int, int>>& Edges) {
+  TIdGraph graph(Count);
+  for (const auto& [start, dest] : Edges) graph.AddEdgeNoErr(start, dest);
+  return graph;
+}
+
+inline TIdGraph CompleteGraph(int Count) {
+  TIdGraph graph(Count);
+  for (int a = 0; a < Count; ++a)
+    for (int b = 0; b < Count; ++b) graph.AddEdge(a, b);
+  return graph;
+}
+
+// First -> First + 1 -> ... -> First + Length - 1 -> First.
+inline void AddRing(TIdGraph& Graph, int First, int Length) {
+  for (int i = 0; i < Length; ++i) Graph.AddEdgeNoErr(First + i, First + (i + 1) % Length);
+}
+
+inline TIdGraph RandomGraph(int Count, int EdgeCount, bool Simple, std::mt19937& Random) {
+  TIdGraph graph(Count);
+  for (int i = 0; i < EdgeCount; ++i) {
+    const int start = static_cast<int>(Random() % Count);
+    const int dest = static_cast<int>(Random() % Count);
+    if (Simple)
+      graph.AddEdge(start, dest);
+    else
+      graph.AddEdgeNoErr(start, dest);
+  }
+  return graph;
+}
+
+inline std::vector<int> Ids(std::span<const int> List) {
+  return {List.begin(), List.end()};
+}
+
+inline std::vector<std::vector<int>> Lists(const TVertexIdLists& All) {
+  std::vector<std::vector<int>> lists;
+  for (int i = 0; i < All.Count(); ++i) lists.push_back(Ids(All[i]));
+  return lists;
+}
+
+}  // namespace platenest

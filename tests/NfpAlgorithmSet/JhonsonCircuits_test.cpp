@@ -1,0 +1,111 @@
+#include "platenest/NfpAlgorithmSet/JhonsonCircuits.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "GraphFixtures.h"
+
+namespace platenest {
+namespace {
+
+using TCircuits = std::vector<std::vector<int>>;
+
+TCircuits CircuitsOf(const TIdGraph& Graph, int Filter) {
+  TJhonsonCircuits<int> search(Graph, Filter);
+  search.FindCircuits();
+  TCircuits circuits;
+  for (int i = 0; i < search.CircuitCount(); ++i) circuits.push_back(Ids(search.GetCircuit(i)));
+  return circuits;
+}
+
+// Every simple way from Path's first vertex back to it over higher ids, in the order of the successor lists.
+void ExtendPath(const TIdGraph& Graph, std::vector<int>& Path, int Filter, TCircuits& Found) {
+  for (const int next : Graph.Successors(Path.back())) {
+    if (next == Path.front() && Size(Path) > Filter) Found.push_back(Path);
+    if (next <= Path.front() || std::ranges::find(Path, next) != Path.end()) continue;
+    Path.push_back(next);
+    ExtendPath(Graph, Path, Filter, Found);
+    Path.pop_back();
+  }
+}
+
+TCircuits CircuitsByTrial(const TIdGraph& Graph, int Filter) {
+  TCircuits found;
+  for (int start = Graph.LowestId(); start <= Graph.MaxVertexId(); ++start) {
+    std::vector<int> path{start};
+    ExtendPath(Graph, path, Filter, found);
+  }
+  return found;
+}
+
+TEST(JhonsonCircuits, CountsInCompleteGraphsByLengthAboveTheFilter) {
+  EXPECT_EQ(CircuitsOf(CompleteGraph(4), 1).size(), 20u);
+  EXPECT_EQ(CircuitsOf(CompleteGraph(4), 2).size(), 14u);
+  EXPECT_EQ(CircuitsOf(CompleteGraph(4), 3).size(), 6u);
+  EXPECT_EQ(CircuitsOf(CompleteGraph(4), 4).size(), 0u);
+  EXPECT_EQ(CircuitsOf(CompleteGraph(5), 2).size(), 74u);
+}
+
+TEST(JhonsonCircuits, FindsEveryCircuitInDepthFirstOrder) {
+  std::mt19937 random(5);
+  // Self loops and parallel edges in every other round.
+  for (int round = 0; round < 400; ++round) {
+    const int count = 1 + static_cast<int>(random() % 8);
+    TIdGraph graph = RandomGraph(count, static_cast<int>(random() % 24), round % 2 == 0, random);
+    if (round % 4 == 0) graph.SetLowestId(static_cast<int>(random() % count));
+    const int filter = static_cast<int>(random() % 4);
+    ASSERT_EQ(CircuitsOf(graph, filter), CircuitsByTrial(graph, filter)) << "round " << round;
+  }
+}
+
+using TIdCircuits = TJhonsonCircuits<int>;
+struct TProbe : TIdCircuits {
+  using TIdCircuits::BList, TIdCircuits::Stack, TIdCircuits::blocked, TIdCircuits::curGraph, TIdCircuits::startVertex;
+  using TIdCircuits::TIdCircuits, TIdCircuits::Circuit;
+};
+
+// 0 -> 1 -> a chain of diamonds -> 1, and 1 -> last -> 0. There are 2^40 ways along the chain, all of them dead ends
+// for a search from 0; blocking must walk it once.
+TEST(JhonsonCircuits, SearchesADeadEndOnce) {
+  constexpr int diamonds = 40;
+  constexpr int chainEnd = 3 * diamonds + 1;
+  constexpr int last = chainEnd + 1;
+  TIdGraph graph(last + 1);
+  for (int v = 1; v < chainEnd; v += 3)
+    for (const int middle : {v + 1, v + 2}) {
+      graph.AddEdge(v, middle);
+      graph.AddEdge(middle, v + 3);
+    }
+  for (const auto& [start, dest] : {std::pair{0, 1}, {chainEnd, 1}, {1, last}, {last, 0}}) graph.AddEdge(start, dest);
+  TProbe search(graph, 2);
+  search.curGraph = graph;
+  search.startVertex = 0;
+  search.blocked.Reset(last + 1);
+  search.BList.resize(last + 1);
+  EXPECT_TRUE(search.Circuit(0));
+  ASSERT_EQ(search.CircuitCount(), 1);
+  EXPECT_EQ(Ids(search.GetCircuit(0)), (std::vector<int>{0, 1, last}));
+  EXPECT_TRUE(search.Stack.empty());
+  for (int id = 0; id <= last; ++id) EXPECT_FALSE(search.blocked[id]) << id;
+}
+
+// 0 -> 1 -> 2 -> ... -> n -> 1, and 1 -> n + 1 -> 0. Recursion would need a stack frame per vertex on the way along the
+// ring, and again when the way home from 1 frees all of it from its far end.
+TEST(JhonsonCircuits, WalksAndFreesARingOfAMillionVertices) {
+  constexpr int n = 1'000'000;
+  TIdGraph graph(n + 2);
+  graph.AddEdgeNoErr(0, 1);
+  AddRing(graph, 1, n);
+  graph.AddEdgeNoErr(1, n + 1);
+  graph.AddEdgeNoErr(n + 1, 0);
+  TJhonsonCircuits<int> search(graph, 2);
+  search.FindCircuits();
+  ASSERT_EQ(search.CircuitCount(), 2);
+  EXPECT_EQ(Ids(search.GetCircuit(0)), (std::vector<int>{0, 1, n + 1}));
+  EXPECT_EQ(Size(search.GetCircuit(1)), n);
+}
+
+}  // namespace
+}  // namespace platenest

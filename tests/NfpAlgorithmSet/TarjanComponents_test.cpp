@@ -1,0 +1,111 @@
+#include "platenest/NfpAlgorithmSet/TarjanComponents.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "GraphFixtures.h"
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Reach[a][b]: there is a way from a to b, the empty one included (Warshall 1962).
+std::vector<std::vector<bool>> Reach(const TIdGraph& Graph) {
+  const int count = Graph.MaxVertexId() + 1;
+  std::vector<std::vector<bool>> reach(count, std::vector<bool>(count, false));
+  for (int a = Graph.LowestId(); a < count; ++a) {
+    reach[a][a] = true;
+    for (const int b : Graph.Successors(a))
+      if (b >= Graph.LowestId()) reach[a][b] = true;
+  }
+  for (int k = 0; k < count; ++k)
+    for (int a = 0; a < count; ++a)
+      for (int b = 0; b < count && reach[a][k]; ++b)
+        if (reach[k][b]) reach[a][b] = true;
+  return reach;
+}
+
+TEST(TarjanComponents, AgreeWithReachabilityOnRandomGraphs) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 300; ++round) {
+    const int count = 1 + static_cast<int>(random() % 14);
+    TIdGraph graph = RandomGraph(count, static_cast<int>(random() % 30), false, random);
+    graph.SetLowestId(static_cast<int>(random() % 3) % count);
+    const auto reach = Reach(graph);
+    const int minSize = static_cast<int>(random() % 4);
+    std::vector<std::vector<int>> expected;
+    for (int a = graph.LowestId(); a < count; ++a) {
+      std::vector<int> component;
+      for (int b = graph.LowestId(); b < count; ++b)
+        if (reach[a][b] && reach[b][a]) component.push_back(b);
+      if (component.front() == a && Size(component) >= minSize) expected.push_back(component);
+    }
+
+    TTarjanComponents search(graph, minSize);
+    auto found = Lists(search.GetStrongConnectedCompnents());
+    for (auto& component : found) std::ranges::sort(component);
+    std::ranges::sort(found);
+    ASSERT_EQ(found, expected) << "round " << round;
+    TVertexIdList lowest{-5};
+    const int lowestId = search.GetLowestIdComponent(lowest);
+    ASSERT_EQ(lowestId, expected.empty() ? -1 : expected.front().front());
+    std::ranges::sort(lowest);
+    ASSERT_EQ(Ids(lowest), expected.empty() ? std::vector<int>{} : expected.front());
+  }
+}
+
+TEST(TarjanComponents, ListARingAlongItsEdgesAndTheFirstOfTheLongest) {
+  TIdGraph graph(12);
+  AddRing(graph, 0, 2);
+  AddRing(graph, 2, 4);
+  AddRing(graph, 6, 4);
+  graph.AddEdge(0, 6);
+  TTarjanComponents search(graph, 2);
+  const TVertexIdLists& components = search.GetStrongConnectedCompnents();
+  EXPECT_THAT(Lists(components), ElementsAre(ElementsAre(6, 7, 8, 9), ElementsAre(0, 1), ElementsAre(2, 3, 4, 5)));
+  EXPECT_EQ(TTarjanComponents::GetLongestComponent(components), 0);
+  EXPECT_EQ(TTarjanComponents::GetLongestComponent({}), -1);
+  EXPECT_EQ(&search.Graph(), &graph);
+}
+
+TEST(TarjanComponents, SoleCircuitAllowsNothingBesideIt) {
+  const auto isSole = [](TIdGraph Graph) { return TTarjanComponents(Graph, 2).IsSoleCircuit(); };
+  TIdGraph ring(9);
+  AddRing(ring, 2, 5);
+  EXPECT_TRUE(isSole(ring)) << "vertices without edges do not count";
+  TIdGraph withTail = ring;
+  withTail.AddEdge(3, 8);
+  EXPECT_FALSE(isSole(withTail));
+  TIdGraph withChord = ring;
+  withChord.AddEdge(3, 5);
+  EXPECT_FALSE(isSole(withChord));
+  TIdGraph twoRings(8);
+  AddRing(twoRings, 0, 5);
+  AddRing(twoRings, 5, 3);
+  EXPECT_FALSE(isSole(twoRings));
+  EXPECT_EQ(TTarjanComponents(twoRings, 2).GetStrongConnectedCompnents().Count(), 2);
+  TIdGraph pair(2);
+  AddRing(pair, 0, 2);
+  EXPECT_FALSE(isSole(pair)) << "two vertices bound nothing";
+  EXPECT_FALSE(isSole(TIdGraph(3)));
+}
+
+// Recursion would need a stack frame per vertex here.
+TEST(TarjanComponents, PathAndRingOfAMillionVertices) {
+  constexpr int count = 1'000'000;
+  TIdGraph graph(count);
+  for (int i = 0; i + 1 < count; ++i) graph.AddEdgeNoErr(i, i + 1);
+  EXPECT_EQ(TTarjanComponents(graph, 0).GetStrongConnectedCompnents().Count(), count);
+  EXPECT_TRUE(TTarjanComponents(graph, 2).GetStrongConnectedCompnents().empty());
+  graph.AddEdgeNoErr(count - 1, 0);
+  TTarjanComponents search(graph, 2);
+  EXPECT_EQ(search.GetStrongConnectedCompnents().TotalSize(1), count);
+  EXPECT_TRUE(search.IsSoleCircuit());
+}
+
+}  // namespace
+}  // namespace platenest

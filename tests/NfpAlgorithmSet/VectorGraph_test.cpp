@@ -1,0 +1,314 @@
+#include "platenest/NfpAlgorithmSet/VectorGraph.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <random>
+#include <utility>
+
+#include "GraphFixtures.h"
+#include "platenest/foundation/PolygonBasicAlgo.h"
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+
+using TEdges = std::vector<std::pair<int, int>>;
+
+TEdges Edges(const TVectorGraph& Graph) {
+  TEdges edges;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id)
+    for (const int end : Graph.Successors(id)) edges.emplace_back(id, end);
+  return edges;
+}
+
+int EdgeCount(const TVectorGraph& Graph) {
+  return Size(Edges(Graph));
+}
+
+// The chips of a closed way through the points.
+TChipList Loop(const std::vector<TPoint2D>& Points) {
+  TChipList chips;
+  for (std::size_t i = 0; i < Points.size(); ++i) chips.push_back({Points[i], Points[(i + 1) % Points.size()]});
+  return chips;
+}
+
+TChipList operator+(TChipList A, const TChipList& B) {
+  A.insert(A.end(), B.begin(), B.end());
+  return A;
+}
+
+TEST(Chip, ComparesBothEndsWithTheOthersStart) {
+  const TChip chip{{1, 1}, {2, 2}};
+  const TChip point{{1, 1}, {1, 1 + 5e-7}};
+  EXPECT_FALSE(chip.EqualWith(nullptr));
+  EXPECT_FALSE(chip.EqualWith(&chip)) << "a chip of some length is not equal to itself";
+  EXPECT_TRUE(point.EqualWith(&chip)) << "a mere point is, to whatever starts there";
+  EXPECT_FALSE(chip.EqualWith(&point));
+}
+
+TEST(PointCode, RoundsToElevenDecimalsAndCutsTowardZero) {
+  const TVectorGraph graph(0);
+  EXPECT_EQ(graph.GetPointCode({1.23456789, -0.5}), -5000000226544);
+  EXPECT_EQ(graph.GetPointCode({-0.000019, 0}), -1) << "not the floor";
+  EXPECT_EQ(graph.GetPointCode({0.000009, -0.000009}), 0) << "nor the nearest";
+  EXPECT_EQ(graph.GetPointCode({0.3 - 1e-13, 0}), 30000) << "below the last decimal";
+  EXPECT_EQ(graph.GetPointCode({0.3 - 1e-10, 0}), 29999);
+  EXPECT_THROW(graph.GetPointCode({std::nan(""), 0}), TRangeError);
+  EXPECT_NO_THROW(graph.GetPointCode({4e13, -4e13})) << "codes wrap around";
+}
+
+TEST(PointCode, LineCellsAreTenUnitsWideAndShiftedByOne) {
+  TVectorGraph graph(TVLine2DList{});
+  const std::pair<double, Int64> cases[] = {{0.0019, 2},   {0.0018, 1},   {0.00185, 1}, {0.00095, 1},
+                                            {-0.0018, -1}, {-0.0019, -2}, {-0.0009, -1}};
+  for (const auto& [x, cell] : cases) {
+    EXPECT_EQ(graph.GetPointCode2({x, 0}), cell) << x;
+    EXPECT_EQ(graph.GetPointCode2({0, x}), cell * TVectorGraph::KeyCoef) << x;
+  }
+}
+
+TEST(VectorGraph, BoldFactorIsTakenBetweenItsBoundsAndGoneAfterwards) {
+  const std::pair<Int64, Int64> cases[] = {{10, 100000}, {11, 11}, {1000, 1000}, {99999, 99999}, {100000, 100000}};
+  for (const auto& [bold, factor] : cases) {
+    const TBoldPointPrecScope scope(bold);
+    EXPECT_EQ(TVectorGraph(0).PointFactor(), factor);
+    EXPECT_EQ(TVectorGraph(TChipList{}, true).PointFactor(), factor);
+    EXPECT_EQ(TVectorGraph(TVLine2DList{}).PointFactor(), 10000) << "lines ignore it";
+  }
+  EXPECT_EQ(BoldPointPrec, 0);
+}
+
+TEST(VectorGraph, ChipsCancelOnlyWithDxorAndCountOnce) {
+  const TChipList chips = Loop({{0, 0}, {1, 0}});
+  EXPECT_EQ(EdgeCount(TVectorGraph(chips, true)), 0);
+  EXPECT_EQ(EdgeCount(TVectorGraph(chips, false)), 2);
+  for (const bool dxor : {false, true}) {
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0]}, dxor)), 1) << "multiplicity is lost";
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0], chips[1]}, dxor)), dxor ? 0 : 2);
+    EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[1], chips[1]}, dxor)), dxor ? 1 : 2);
+    const TVectorGraph inOneCell({{{0.000001, 0}, {0.000009, 0}}}, dxor);
+    EXPECT_EQ(inOneCell.VertexCount(), 1);
+    EXPECT_EQ(EdgeCount(inOneCell), 0);
+  }
+}
+
+// A stride of cells further right and one row lower is another point with the same code.
+TEST(VectorGraph, FarPointsWithOneCodeAreTwoVertices) {
+  const TPoint2D near{0.5, 3.5};
+  const TPoint2D far{0.5 + TVectorGraph::KeyCoef * 1e-5 + 2e-6, 3.5 - 1e-5};
+  const TPoint2D other{7, 7};
+  const TVectorGraph graph({{near, other}, {far, other}, {other, near}, {other, far}}, false);
+  ASSERT_EQ(graph.GetPointCode(near), graph.GetPointCode(far));
+  EXPECT_EQ(graph.VertexCount(), 3);
+  EXPECT_THAT(graph.Successors(1), ElementsAre(0, 2));
+}
+
+// One line from Vertex, one from P: does P find Vertex?
+bool FindsVertex(const TPoint2D& Vertex, const TPoint2D& P) {
+  return TVectorGraph(TVLine2DList{{Vertex, {5, 5}}, {P, {9, 9}}}).VertexCount() == 3;
+}
+
+TEST(VectorGraph, LinesFindVerticesAcrossCellBorders) {
+  const TPoint2D vertex{0.00182, 0.00184};
+  const std::pair<TPoint2D, bool> cases[] = {
+      {{0.00186, 0.0017}, true},    // next column, 4e-5 away
+      {{0.0019, 0.0017}, false},    // next column, 8e-5 away
+      {{0.00186, 0.0011}, true},    // next column: only x is compared, so a y far away is accepted
+      {{0.00188, 0.00188}, false},  // next column and row, 6e-5 away in x
+      {{0.00186, 0.0019}, false},   // near in x only
+      {{0.00186, 0.00188}, true},   // next column and row, near in both
+      {{0.0011, 0.00188}, true},    // next row: only y is compared
+      {{0.0011, 0.00192}, false},
+  };
+  for (const double signX : {1.0, -1.0})
+    for (const double signY : {1.0, -1.0})
+      for (const auto& [p, found] : cases) {
+        EXPECT_EQ(FindsVertex({vertex.X * signX, vertex.Y * signY}, {p.X * signX, p.Y * signY}), found)
+            << p.X * signX << ' ' << p.Y * signY;
+        // The point that comes first makes the vertex; the search goes both ways over the border.
+        EXPECT_EQ(FindsVertex({p.X * signX, p.Y * signY}, {vertex.X * signX, vertex.Y * signY}), found);
+      }
+  const TVectorGraph twice(TVLine2DList{{vertex, {5, 5}}, {{5, 5}, vertex}, {vertex, {5, 5}}, {vertex, vertex}});
+  EXPECT_EQ(EdgeCount(twice), 2);
+}
+
+TEST(VectorGraph, StraightRunsAndDiamondsCloseUp) {
+  const TChipList ring = Loop({{0, 0}, {5, 0}, {10, 0}, {5, 8}});  // 0, 1 and 2 on one line
+  const TPoint2D v{0, 0}, a{4, 0}, b{6, 0}, c{10, 0}, top{5, 8}, aside{4, 1};
+  const struct {
+    const char* Name;
+    TChipList Chips;
+    TEdges Left;
+  } cases[] = {
+      {"ring", ring, {{0, 2}, {2, 3}, {3, 0}}},
+      {"the last vertex has no successor", {ring[0], ring[1]}, {{0, 1}, {1, 2}}},
+      {"there and back", Loop({{0, 0}, {5, 0}}), {{0, 1}, {1, 0}}},
+      {"twice from one vertex",
+       Loop({{0, 0}, {1, 0}, {2, 0}, {3, 0}, {4, 0}, {5, 0}, {6, 0}, {3, 5}}),
+       {{0, 3}, {3, 6}, {6, 7}, {7, 0}}},
+      {"the shortcut is there already", ring + TChipList{{v, c}}, {{0, 2}, {2, 3}, {3, 0}}},
+      {"1 is still on a way from 4",
+       ring + TChipList{{{10, 0}, {5, -8}}, {{5, -8}, {5, 0}}},
+       {{0, 2}, {1, 2}, {2, 3}, {2, 4}, {3, 0}, {4, 1}}},
+      {"1 is on two straight ways",
+       ring + TChipList{{top, {3, 0}}, {{3, 0}, {5, 0}}},
+       {{0, 2}, {2, 3}, {3, 0}, {3, 4}, {4, 2}}},
+      {"diamond, then run", {{v, a}, {a, c}, {v, b}, {b, c}, {c, top}, {top, v}}, {{0, 2}, {2, 4}, {4, 0}}},
+      {"diamond with an area",
+       {{v, aside}, {aside, c}, {v, b}, {b, c}, {c, top}, {top, v}},
+       {{0, 1}, {0, 3}, {1, 2}, {2, 4}, {3, 2}, {4, 0}}},
+  };
+  for (const auto& [name, chips, left] : cases) {
+    TVectorGraph graph(chips, false);
+    graph.EliminateEdges(false);
+    EXPECT_EQ(Edges(graph), left) << name;
+  }
+}
+
+using TUnit = std::pair<std::pair<int, int>, bool>;  // lower left end of a unit of the grid, and whether it is vertical
+
+// How often each unit of the grid is run along, to the right and upward counting positive.
+std::map<TUnit, int> UnitCounts(const TVectorGraph& Graph) {
+  std::map<TUnit, int> counts;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id)
+    for (const int end : Graph.Successors(id)) {
+      const TPoint2D from = Graph.GetVertex(id);
+      const TPoint2D to = Graph.GetVertex(end);
+      const bool vertical = from.X == to.X;
+      const int a = Round<int>(vertical ? from.Y : from.X);
+      const int b = Round<int>(vertical ? to.Y : to.X);
+      const int across = Round<int>(vertical ? from.X : from.Y);
+      for (int i = std::min(a, b); i < std::max(a, b); ++i)
+        counts[{vertical ? std::pair{across, i} : std::pair{i, across}, vertical}] += a < b ? 1 : -1;
+    }
+  return counts;
+}
+
+// What runs along a line more in one direction than in the other stays once, in that direction; the rest goes.
+TEST(VectorGraph, OverlapsCancelExactlyOnClosedWaysOverAGrid) {
+  std::mt19937 random(9);
+  for (int round = 0; round < 300; ++round) {
+    TChipList chips;
+    const int loops = 1 + static_cast<int>(random() % 5);
+    for (int i = 0; i < loops; ++i) {
+      const double x = static_cast<double>(random() % 6);
+      const double y = static_cast<double>(random() % 6);
+      const double w = 1.0 + static_cast<double>(random() % 6);
+      const double h = 1.0 + static_cast<double>(random() % 6);
+      const bool back = random() % 2 == 0;
+      chips = chips + (back ? Loop({{x, y}, {x, y + h}, {x + w, y + h}, {x + w, y}})
+                            : Loop({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}));
+    }
+    TVectorGraph graph(chips, random() % 2 == 0);
+    auto expected = UnitCounts(graph);
+    graph.EliminateEdges(true);
+    const auto found = UnitCounts(graph);
+    for (auto& [unit, count] : expected) {
+      const auto place = found.find(unit);
+      ASSERT_EQ(place == found.end() ? 0 : place->second, Sign(count, 0)) << "round " << round;
+    }
+    for (const auto& [unit, count] : found) ASSERT_TRUE(expected.contains(unit));
+  }
+}
+
+// Edges From -> To that have a way into From and out of To, the return over a point of their own each.
+TVectorGraph WithReturns(const TChipList& Chips) {
+  TVectorGraph graph(0);
+  double y = -100;
+  for (const TChip& chip : Chips) {
+    graph.AddChip(chip);
+    graph.AddChip({chip.Second(), {0.1 * y, y}});
+    graph.AddChip({{0.1 * y, y}, chip.First()});
+    y -= 37;
+  }
+  graph.EliminateEdges(true);
+  return graph;
+}
+
+bool HasEdge(const TVectorGraph& Graph, const TPoint2D& From, const TPoint2D& To) {
+  int from = -1;
+  int to = -1;
+  for (int id = 0; id <= Graph.MaxVertexId(); ++id) {
+    if (Graph.GetVertex(id) == From) from = id;
+    if (Graph.GetVertex(id) == To) to = id;
+  }
+  return from >= 0 && to >= 0 && Graph.HasEdge(from, to);
+}
+
+// a ------> b
+//      d <------ c      a tenth of a thousandth apart at most
+TEST(VectorGraph, OverlapsAreFoundWithinTheToleranceOfALine) {
+  for (const double lift : {0.0, 0.00009, -0.00009, 0.00012}) {
+    const TPoint2D a{0, 0}, b{10, 0}, c{15, lift}, d{5, lift};
+    const TVectorGraph graph = WithReturns({{a, b}, {c, d}});
+    const bool oneLine = std::fabs(lift) <= 0.0001;
+    EXPECT_EQ(HasEdge(graph, a, d), oneLine) << lift;
+    EXPECT_EQ(HasEdge(graph, c, b), oneLine) << lift;
+    EXPECT_EQ(HasEdge(graph, a, b), !oneLine) << lift;
+    EXPECT_FALSE(HasEdge(graph, b, d) || HasEdge(graph, d, b)) << "the common part cancels";
+  }
+  // Three units of angle apart is one direction, four is not.
+  for (const double angle : {3e-8, 4e-8}) {
+    const TPoint2D a{0, 0}, b{1000, 0}, c{1500, 1500 * angle}, d{500, 500 * angle};
+    EXPECT_EQ(HasEdge(WithReturns({{a, b}, {c, d}}), a, d), angle == 3e-8);
+  }
+}
+
+TEST(VectorGraph, OverlapsAtTheEdgesOfTheRule) {
+  const TPoint2D a{0, 0}, b{10, 0}, p{5, 0.00005}, q{15, 0.00005}, overA{0, 0.00005}, overB{10, 0.00005};
+  const TVectorGraph samePlaces = WithReturns({{a, b}, {overB, overA}});
+  EXPECT_TRUE(HasEdge(samePlaces, a, b) && HasEdge(samePlaces, overB, overA)) << "ends at one place do not cut";
+  // p cuts a -> b, and the piece p -> b runs along p -> q a second time. b -> p is too steep for that line.
+  const TVectorGraph steep = WithReturns({{a, b}, {p, q}, {b, p}});
+  EXPECT_TRUE(HasEdge(steep, p, b) && !HasEdge(steep, b, p)) << "two pieces against one edge between the same ends";
+  TVectorGraph noWayIn({{a, b}, {q, p}, {b, {10, 7}}, {p, {5, 7}}}, false);
+  noWayIn.EliminateEdges(true);
+  EXPECT_TRUE(HasEdge(noWayIn, a, b) && HasEdge(noWayIn, q, p)) << "dead ends are left alone";
+  TVectorGraph noWayOut({{a, b}, {q, p}, {{0, 7}, a}, {{15, 7}, q}}, false);
+  noWayOut.EliminateEdges(true);
+  EXPECT_TRUE(HasEdge(noWayOut, a, b) && HasEdge(noWayOut, q, p));
+}
+
+TEST(VectorGraph, BoundAndExtremaOfAComponent) {
+  std::vector<TPoint2D> points;
+  for (int i = 0; i < 20; ++i)
+    points.push_back({1.0 * i, i == 7 ? 0.1 : 0.004 * i});  // bottom, all but one within 0.09
+  points.push_back({25, 5});
+  points.push_back({25.05, 7});
+  points.push_back({25.02, 8});
+  points.push_back({12, 8});
+  points.push_back({10, 9});
+  points.push_back({-3, 4});
+  const TVectorGraph graph(Loop(points), false);
+  std::vector<int> scc;
+  for (int id = 0; id < graph.VertexCount(); ++id) scc.push_back(id);
+  const TVRect2D bound = graph.GetBound(scc);
+  EXPECT_EQ(bound.Left, -3);
+  EXPECT_EQ(bound.Right, 25.05);
+  EXPECT_EQ(bound.Bottom, 0);
+  EXPECT_EQ(bound.Top, 9);
+  EXPECT_FALSE(graph.GetBound({}).IsValid());
+
+  TVertexIdList extrema;
+  graph.GetExtrema(scc, extrema);
+  ASSERT_EQ(extrema.size(), 14u + 1 + 3 + 1 + 4);
+  const std::vector<int> sides(extrema.begin(), extrema.begin() + 19);
+  EXPECT_THAT(sides, ElementsAre(0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 24, 20, 21, 22, 25));
+  // Seen from a third of the way between 22 and 25, and from two thirds.
+  const TPoint2D inner[] = {{25.02 - 28.02 / 3, 8 - 4.0 / 3}, {25.02 - 2 * 28.02 / 3, 8 - 8.0 / 3}};
+  for (int i = 0; i < 2; ++i) {
+    int right = -1;
+    int left = -1;
+    TPolygonBasicAlgo::PointTangants(graph.Vertices(), inner[i], right, left);
+    EXPECT_EQ(extrema[19 + 2 * i], right);
+    EXPECT_EQ(extrema[20 + 2 * i], left);
+  }
+}
+
+}  // namespace
+}  // namespace platenest

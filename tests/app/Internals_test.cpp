@@ -1,0 +1,171 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <chrono>
+#include <new>
+#include <stdexcept>
+#include <thread>
+
+#include "Process.h"
+#include "Program.h"
+#include "ProgressView.h"
+#include "Text.h"
+
+// The program around runs that the library gives only on a bad day, or not at a chosen moment.
+namespace platenest {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+Start RunWith(const Runner& Answer, const std::vector<std::string>& More = {}) {
+  std::vector<std::string> words = {"one", "--plate", "100x100", "--part", "10x10", "--amount", "7"};
+  words.insert(words.end(), More.begin(), More.end());
+  Start start;
+  start.Body = [words, Answer] { return RunProgram(words, Answer); };
+  return start;
+}
+
+Progress At(double Seconds, const std::string& Phase, double Usage) {
+  return {Seconds, Phase, 1, Usage, 3, 8.0};
+}
+
+TEST(InternalFault, LeavesAFileThatShowsItAgain) {
+  const TempFolder folder;
+  Start start = RunWith([](const Job&, const RunHooks&) -> Result {
+    throw CheckError(Fault{"check", "/layouts/0", "no answer passed the check", ""});
+  });
+  start.Folder = folder.Path();
+  const Outcome outcome = Execute(start);
+  EXPECT_EQ(outcome.Exit, 70);
+  EXPECT_EQ(outcome.Out, "");
+  EXPECT_THAT(outcome.Err, HasSubstr("no answer passed the check; the job stands in platenest-reproduction.json\n"));
+  const Job job = ParseJob(folder.Read("platenest-reproduction.json"));
+  EXPECT_EQ(job.Parts.front().Amount, 7);
+}
+
+TEST(InternalFault, OfAnyOtherKindIsReportedTheSameWay) {
+  const TempFolder folder;
+  Start start = RunWith([](const Job&, const RunHooks&) -> Result { throw std::logic_error("unheard of"); });
+  start.Folder = folder.Path();
+  const Outcome outcome = Execute(start);
+  EXPECT_EQ(outcome.Exit, 70);
+  EXPECT_THAT(outcome.Err, HasSubstr("internal fault; the job stands in platenest-reproduction.json (unheard of)\n"));
+}
+
+TEST(ExitCodes, FollowTheErrorKind) {
+  const Fault fault{"x", "/parts/0", "text", ""};
+  const std::pair<Runner, int> cases[] = {
+      {[&](const Job&, const RunHooks&) -> Result { throw InputError(fault); }, 3},
+      {[&](const Job&, const RunHooks&) -> Result { throw LimitError(fault); }, 4},
+      {[&](const Job&, const RunHooks&) -> Result { throw FileError(fault); }, 5},
+      {[&](const Job&, const RunHooks&) -> Result { throw MemoryError(fault); }, 6},
+      {[](const Job&, const RunHooks&) -> Result { throw std::bad_alloc(); }, 6},
+      {[&](const Job&, const RunHooks&) -> Result { throw StoppedError(fault); }, 7},
+  };
+  for (const auto& [answer, code] : cases) {
+    const Outcome outcome = Execute(RunWith(answer));
+    EXPECT_EQ(outcome.Exit, code);
+    EXPECT_EQ(outcome.Out, "");
+    EXPECT_THAT(outcome.Err, StartsWith("platenest: error: "));
+  }
+}
+
+TEST(Stop, TheBestAnswerSoFarIsWritten) {
+  Process process(RunWith([](const Job& job, const RunHooks& hooks) {
+    hooks.OnProgress(At(0, "searching", 0.5));
+    while (!hooks.Stop->StopRequested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Result result = run(job, {});
+    result.Status = ResultStatus::Stopped;
+    return result;
+  }));
+  process.AwaitError("searching");
+  process.Signal(SIGINT);
+  const Outcome outcome = process.Finish();
+  EXPECT_EQ(outcome.Exit, 0);
+  EXPECT_EQ(ParseResult(outcome.Out).Status, ResultStatus::Stopped);
+}
+
+TEST(Stop, ASecondSignalLeavesARunThatDoesNotObey) {
+  Process process(RunWith([](const Job&, const RunHooks& hooks) -> Result {
+    hooks.OnProgress(At(0, "searching", 0.5));
+    while (true) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }));
+  process.AwaitError("searching");
+  process.Signal(SIGTERM);
+  process.Signal(SIGINT);
+  EXPECT_EQ(process.Finish().Exit, 130);
+}
+
+const Runner kThreeSteps = [](const Job& job, const RunHooks& hooks) {
+  for (int i = 1; i <= 3; ++i) hooks.OnProgress(At(0, "step", 0.25 * i));
+  return run(job, {});
+};
+
+TEST(ProgressLines, StandAtEachImprovementWhereNobodyWatches) {
+  const std::string err = Execute(RunWith(kThreeSteps)).Err;
+  EXPECT_THAT(err, StartsWith("step  0 s  plates 1  use 25.0 %  bound 8  unplaced 3\n"
+                              "step  0 s  plates 1  use 50.0 %  bound 8  unplaced 3\n"
+                              "step  0 s  plates 1  use 75.0 %  bound 8  unplaced 3\n"));
+  EXPECT_EQ(Execute(RunWith(kThreeSteps, {"--quiet"})).Err, "");
+}
+
+TEST(ProgressLines, ObjectsAreHeldBackButTheLastNewsComes) {
+  const Runner manySteps = [](const Job& job, const RunHooks& hooks) {
+    for (int i = 0; i < 1000; ++i) hooks.OnProgress(At(0, "step", 0.25));
+    hooks.OnProgress(At(0, "step", 0.75));
+    return run(job, {});
+  };
+  const std::string err = Execute(RunWith(manySteps, {"--json-progress"})).Err;
+  EXPECT_LE(std::count(err.begin(), err.end(), '\n'), 50);
+  EXPECT_THAT(err, StartsWith("{\"t\":0"));
+  EXPECT_THAT(err, HasSubstr(R"("phase":"step","plates":1,"usage":0.25,"unplaced":3,"bound":8})"));
+  EXPECT_THAT(err, HasSubstr(R"("usage":0.75)"));
+}
+
+TEST(ProgressLines, OneLineOfATerminalIsRewrittenAndLeftEmpty) {
+  Start start = RunWith(kThreeSteps);
+  start.TerminalErr = true;
+  start.Environment = {{"TERM", "xterm"}};
+  const std::string err = Execute(start).Err;
+  EXPECT_THAT(err, StartsWith("\rstep  0 s  plates 1  use 25.0 %"));
+  const std::string summary = err.substr(err.rfind('\r', err.find("complete")));
+  EXPECT_THAT(summary, StartsWith("\rcomplete, "));
+  EXPECT_EQ(err.find("\033"), std::string::npos);
+  start.Environment = {{"TERM", "dumb"}};
+  EXPECT_THAT(Execute(start).Err, StartsWith("step  0 s  plates 1  use 25.0 %"));
+}
+
+TEST(ProgressLines, PaceIsAtMostFiveASecondAndAtLeastOneInTwo) {
+  ProgressPace pace(1000);
+  EXPECT_FALSE(pace.IsDue(1001, false)) << "nothing to repeat yet";
+  EXPECT_TRUE(pace.IsDue(1001, true)) << "the first news";
+  for (const bool news : {true, false}) {
+    int lines = 0;
+    double longest = 0;
+    pace.LastMs = 0;
+    for (double now = 0; now < 60000; now += 10) {
+      if (!pace.IsDue(now, news)) continue;
+      longest = std::max(longest, now - pace.LastMs);
+      pace.LastMs = now;
+      ++lines;
+    }
+    EXPECT_LE(lines, 60 * 4) << "and one more at the end of a run";
+    EXPECT_LT(longest, 2000 - 50) << "the beat is 50 ms";
+  }
+}
+
+TEST(Texts, NumbersAreWholeAndFiniteAndWordsFindTheirLike) {
+  EXPECT_EQ(ParseNumber("-1.5e3"), -1500);
+  for (const char* text : {"", " 1", "1 ", "1,5", "0x10", "inf", "nan", "1e999", "+1"}) {
+    EXPECT_FALSE(ParseNumber(text)) << text;
+  }
+  constexpr std::string_view kNames[] = {"--gap", "--svg", "--csv"};
+  EXPECT_EQ(NearestWord("--gpa", kNames), "--gap");
+  EXPECT_EQ(NearestWord("--something", kNames), "");
+  EXPECT_EQ(Printable("a\n\x1b[1m\xC2\x9B\xC3\xA9"), "a\\x0a\\x1b[1m\xC2\\x9b\xC3\xA9");
+}
+
+}  // namespace
+}  // namespace platenest

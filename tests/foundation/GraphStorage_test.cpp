@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platenest/foundation/CodeMap.h"
+#include "platenest/foundation/InlineVector.h"
+
+namespace platenest {
+namespace {
+
+using TList = TInlineVector<int, 4>;
+static_assert(sizeof(TList) == 24, "hundreds of thousands of these stand in one graph");
+
+std::vector<int> Content(const TList& List) {
+  return {List.begin(), List.end()};
+}
+
+TEST(InlineVector, AgreesWithAVectorThroughRandomChanges) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 200; ++round) {
+    TList list;
+    std::vector<int> model;
+    const int changes = round % 25;
+    for (int i = 0; i < changes; ++i) {
+      if (random() % 3 == 0 && !model.empty()) {
+        const auto place = random() % model.size();
+        const auto next = list.erase(list.begin() + place);
+        EXPECT_EQ(next - list.begin(), static_cast<std::ptrdiff_t>(place));
+        model.erase(model.begin() + static_cast<std::ptrdiff_t>(place));
+      } else {
+        list.push_back(i);
+        model.push_back(i);
+      }
+      ASSERT_EQ(Content(list), model);
+    }
+  }
+}
+
+TEST(InlineVector, CopiesDeepAndMovesBetweenInsideAndHeap) {
+  const TList small{1, 2};
+  const TList large{1, 2, 3, 4, 5, 6};
+  for (const TList& from : {small, large})
+    for (const TList& to : {small, large}) {
+      TList copy(to);
+      copy = from;
+      EXPECT_EQ(copy, from);
+      copy.back() = 99;
+      EXPECT_NE(copy, from);
+      TList moved(to);
+      moved = TList(from);
+      EXPECT_EQ(moved, from);
+      TList emptied(from);
+      const TList taken(std::move(emptied));
+      EXPECT_EQ(taken, from);
+      EXPECT_TRUE(emptied.empty());
+      emptied.push_back(1);
+      EXPECT_EQ(emptied.front(), 1);
+    }
+  TList self(large);
+  const TList& alias = self;
+  self = alias;
+  EXPECT_EQ(self, large);
+}
+
+TEST(CodeMap, AgreesWithAHashMapOverManyGrowths) {
+  std::mt19937_64 random(3);
+  TCodeMap map;
+  std::unordered_map<Int64, int> model;
+  EXPECT_EQ(map.Find(0), TCodeMap::kNone);
+  for (int i = 0; i < 20000; ++i) {
+    // Neighbouring cells of a few rows, as a drawing gives them, and codes from the whole range.
+    const Int64 code = i % 2 == 0 ? 100000007 * static_cast<Int64>(random() % 50) + static_cast<Int64>(random() % 300)
+                                  : static_cast<Int64>(random());
+    if (model.emplace(code, i).second) map.Add(code, i);
+  }
+  for (const Int64 code : {Int64{-1}, std::numeric_limits<Int64>::min(), std::numeric_limits<Int64>::max()})
+    if (model.emplace(code, 1).second) map.Add(code, 1);
+  EXPECT_EQ(map.Count(), Size(model));
+  for (const auto& [code, index] : model) {
+    ASSERT_EQ(map.Find(code), index);
+    const auto neighbour = model.find(code ^ 1);
+    ASSERT_EQ(map.Find(code ^ 1), neighbour == model.end() ? TCodeMap::kNone : neighbour->second);
+  }
+}
+
+TEST(CodeMap, KeepsEntriesOfOneCodeInOrderThroughGrowth) {
+  TCodeMap map;
+  for (int i = 0; i < 300; ++i) map.Add(i % 3, i);
+  for (int code = 0; code < 3; ++code) {
+    EXPECT_EQ(map.Find(code), code);
+    EXPECT_EQ(map.Find(code, [](int index) { return index >= 200; }), 200 + (code + 1) % 3);
+    EXPECT_EQ(map.Find(code, [](int index) { return index >= 300; }), TCodeMap::kNone);
+  }
+}
+
+}  // namespace
+}  // namespace platenest

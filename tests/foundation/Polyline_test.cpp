@@ -1,0 +1,288 @@
+#include "platenest/foundation/Polyline.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <set>
+#include <utility>
+
+#include "platenest/foundation/Random.h"
+
+namespace platenest {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
+  return TVPolyline2D(TVRect2D(TPoint2D{Left, Bottom}, TPoint2D{Right, Top}));
+}
+
+TVPolyline2D Turned(TVPolyline2D Contour, double Angle) {
+  for (TPoint2D& point : Contour) point = point.RotateBy(Angle);
+  return Contour;
+}
+
+TVPolyline2D Repeated(TVPolyline2D Contour) {
+  const TPoint2D first = Contour.First();
+  Contour.push_back(first);
+  return Contour;
+}
+
+TVPolyline2D GridContour(int Count, int Range) {
+  TVPolyline2D contour;
+  for (int i = 0; i < Count; ++i) contour.push_back(Point2D(Random(Range), Random(Range)));
+  return contour;
+}
+
+std::set<std::pair<double, double>> AsSet(const TVPoint2DList& Points) {
+  std::set<std::pair<double, double>> result;
+  for (const TPoint2D& point : Points) result.emplace(std::round(point.X * 1e5) / 1e5, std::round(point.Y * 1e5) / 1e5);
+  return result;
+}
+
+TEST(Line, NearestPointOfASegmentStaysOnIt) {
+  double t = -1;
+  EXPECT_DOUBLE_EQ((TVLine2D{{0, 0}, {10, 0}}.SegmentDistanceTo({12, 1}, t)), std::sqrt(5));
+  EXPECT_EQ(t, 1);
+  EXPECT_DOUBLE_EQ((TVLine2D{{0, 0}, {10, 0}}.SegmentDistanceTo({4, -3}, t)), 3);
+  EXPECT_DOUBLE_EQ(t, 0.4);
+  EXPECT_DOUBLE_EQ((TVLine2D{{2, 2}, {2, 2}}.SegmentDistanceTo({5, 6}, t)), 5);
+  EXPECT_EQ(t, 0);
+  const TVLine2D line{{0.1, 0.7}, {0.3, -0.9}};
+  EXPECT_EQ(line.EvalPoint(1).X, 0.3);
+  EXPECT_EQ(line.EvalPoint(1).Y, -0.9);
+}
+
+TEST(Circle, MeetsALineInNoneOneOrTwoPointsAlongTheLine) {
+  const TCircle2D circle{{3, 4}, 2};
+  const TIntersectPoint2D two = circle.Intersect({{-100, 4}, {-99, 4}});
+  ASSERT_EQ(two.Count, 2);
+  EXPECT_EQ(two.Points[0], (TPoint2D{1, 4}));
+  EXPECT_EQ(two.Points[1], (TPoint2D{5, 4}));
+  for (const double height : {6.0, 6.0 + 0.9e-6, 6.0 - 1e-13}) {
+    const TIntersectPoint2D touch = circle.Intersect({{9, height}, {0, height}});
+    ASSERT_EQ(touch.Count, 1) << height;
+    EXPECT_EQ(touch.Points[0], (TPoint2D{3, height}));
+  }
+  EXPECT_EQ(circle.Intersect({{0, 6 + 2e-6}, {1, 6 + 2e-6}}).Count, 0);
+  EXPECT_EQ(circle.Intersect({{3, 4}, {3, 4}}).Count, 0) << "a line of one point has no direction";
+}
+
+TEST(Polyline, DirectionAndHalfTurn) {
+  TVPolyline2D box = Box(1, 2, 5, 4);
+  EXPECT_EQ(box[0], (TPoint2D{1, 4})) << "box contours are clockwise from the top left";
+  EXPECT_EQ(box.Area(), -8);
+  box.SetIsClockwise(false);
+  EXPECT_EQ(box.Area(), 8);
+  box.Mirror();
+  EXPECT_EQ(box.Area(), 8) << "a half turn, no reflection";
+  EXPECT_EQ(box.BoundBox().Left, -5);
+  EXPECT_EQ(box.BoundBox().Top, -2);
+  TVPolyline2D flat{{0, 0}, {1, 1}, {2, 2}};
+  flat.SetIsClockwise(true);
+  EXPECT_EQ(flat[0], (TPoint2D{0, 0})) << "no area, no direction";
+  EXPECT_FALSE(TVPolyline2D().BoundBox().IsValid());
+  const TVPolyline2D far{{1e8, 1e8}, {1e8 + 0.25, 1e8}, {1e8 + 0.25, 1e8 + 0.25}};
+  EXPECT_EQ(far.Area(), 0.03125) << "far from the origin no digit is lost";
+}
+
+TEST(Polyline, ConvexContoursTurnOneWayRoundOnce) {
+  TVPolyline2D star;
+  for (int i = 0; i < 5; ++i) star.push_back(TPoint2D{1, 0}.RotateBy(i * 4 * kPi / 5));
+  const std::pair<TVPolyline2D, bool> cases[] = {
+      {Box(0, 0, 3, 1), true},
+      {{{0, 0}, {1, 0}, {2, 0}, {2, 0}, {2, 2}}, true},       // vertex on an edge, point twice
+      {Turned({{0, 0}, {1, 0}, {2, 0}, {2, 2}}, 0.3), true},  // the same with rounded coordinates
+      {{{0, 0}, {2, 0}, {2, 2}, {1, 2}, {1, 1}, {0, 1}}, false},
+      {{{0, 0}, {2, 0}, {2, 2}, {1, 1.9999}, {0, 2}}, false},        // a shallow dent
+      {{{0, 0}, {2, 2}, {2, 0}, {0, 2}}, false},                     // crosses itself
+      {star, false},                                                 // turns one way, but twice round
+      {{{0, 0}, {4, 0}, {2, 0}, {2, 2}}, false},                     // folds back
+      {{{0, 0}, {1, 0}, {-1, 2}, {-1, 1}, {0, 1}, {-1, 1}}, false},  // the same on its second way round
+      {{{0, 0}, {4, 0}, {2, 0}}, false},
+      {{{0, 0}, {4, 0}}, false},
+      {{}, false}};
+  for (const auto& [contour, expected] : cases) {
+    TVPolyline2D other = contour;
+    EXPECT_EQ(contour.IsConvexPolygon(), expected) << &contour - &cases[0].first;
+    other.Reverse();
+    EXPECT_EQ(other.IsConvexPolygon(), expected);
+  }
+}
+
+TEST(Polyline, RectanglesAreStrictOnlyParallelToTheAxes) {
+  const TVPolyline2D box = Box(-3, 2, 5, 4);
+  for (const TVPolyline2D& contour : {box, Repeated(box), Turned(box, kPi / 2)}) {
+    EXPECT_TRUE(contour.IsRect(true));
+    EXPECT_TRUE(contour.IsRect(false));
+    TVPolyline2D other = contour;
+    other.Reverse();
+    EXPECT_TRUE(other.IsRect(true));
+  }
+  EXPECT_TRUE(Turned(box, 0.4).IsRect(false));
+  EXPECT_FALSE(Turned(box, 0.4).IsRect(true));
+  EXPECT_FALSE(Turned(box, 1e-6).IsRect(true)) << "off by more than the tolerance at its far end";
+  EXPECT_FALSE((TVPolyline2D{{0, 0}, {4, 0}, {5, 3}, {1, 3}}.IsRect(false))) << "parallelogram";
+  EXPECT_FALSE((TVPolyline2D{{0, 0}, {1, 2}, {0, 4}, {-1, 2}}.IsRect(false))) << "rhombus";
+  EXPECT_FALSE((TVPolyline2D{{0, 0}, {2, 2}, {2, 0}, {0, 2}}.IsRect(false))) << "corners in the wrong order";
+  EXPECT_FALSE((TVPolyline2D{{0, 0}, {1, 0}, {2, 0}, {2, 2}, {0, 2}}.IsRect(false))) << "five different points";
+  EXPECT_FALSE(Box(0, 0, 5, 0).IsRect(true)) << "no second side";
+}
+
+// A pair of points bounds the hull if all others lie left of it or on it; the hull's vertices are the ends of the
+// longest such pairs.
+std::set<std::pair<double, double>> HullByPairs(const TVPolyline2D& Points) {
+  TVPoint2DList corners;
+  for (const TPoint2D& a : Points)
+    for (const TPoint2D& b : Points) {
+      if (a == b) continue;
+      const bool isSide = std::ranges::all_of(Points, [&](const TPoint2D& c) {
+        const double side = TPoint2DUtils::IsLeft(a, b, c);
+        return side > 0 || (side == 0 && (c - a).DotMul(c - b) <= 0);
+      });
+      if (isSide) corners.AddRange(std::vector{a, b});
+    }
+  return AsSet(corners);
+}
+
+TEST(ConvexHull, EqualsTheHullOfAllPairsAndRunsCounterClockwise) {
+  const TRandomScope seed(5);
+  for (int round = 0; round < 400; ++round) {
+    const TVPolyline2D points = GridContour(3 + Random(12), 1 + Random(8));
+    TVPolyline2D hull;
+    points.ConvexHull(hull);
+    if (AsSet(points).size() < 2) continue;
+    EXPECT_EQ(AsSet(hull), HullByPairs(points));
+    EXPECT_EQ(AsSet(hull).size(), hull.size()) << "no corner twice";
+    if (hull.size() < 3) continue;
+    EXPECT_GT(hull.Area(), 0);
+    EXPECT_TRUE(hull.IsConvexPolygon());
+  }
+}
+
+TEST(ConvexHull, OfFewOrFlatPoints) {
+  TVPolyline2D hull = Box(0, 0, 1, 1);
+  TVPolyline2D().ConvexHull(hull);
+  EXPECT_TRUE(hull.empty());
+  TVPolyline2D{{3, 3}, {1, 1}}.ConvexHull(hull);
+  EXPECT_EQ(hull[0], (TPoint2D{3, 3}));
+  TVPolyline2D{{3, 3}, {1, 1}, {2, 2}, {3, 3}}.ConvexHull(hull);
+  EXPECT_EQ(hull.size(), 2u);
+  hull = Repeated(Box(0, 0, 1, 1));
+  hull.ConvexHull(hull);
+  EXPECT_EQ(hull.size(), 4u) << "into itself";
+}
+
+TEST(Polyline, DistanceCountsTheClosingEdge) {
+  TPoint2D nearest;
+  EXPECT_DOUBLE_EQ(Box(0, 0, 10, 10).DistTo({-2, 5}, nearest), 2);
+  EXPECT_EQ(nearest, (TPoint2D{0, 5}));
+  EXPECT_DOUBLE_EQ(Box(0, 0, 10, 10).DistTo({5, 4}, nearest), 4) << "inside the distance is that to the line";
+  EXPECT_DOUBLE_EQ((TVPolyline2D{{1, 1}}.DistTo({4, 5}, nearest)), 5);
+  EXPECT_TRUE(std::isinf(TVPolyline2D().DistTo({4, 5}, nearest)));
+}
+
+struct TCrossings {
+  TVPoint2DList Points;
+  TVLine2DList Lines;
+};
+
+TCrossings Cross(const TVPolyline2D& A, const TVPolyline2D& B) {
+  TCrossings result;
+  A.CrossWith(B, result.Points, result.Lines);
+  return result;
+}
+
+//   +---+          points in the order of the receiver, which runs clockwise from its top left corner
+//   | +-1-+
+//   +-2-+ |
+//     +---+
+TEST(CrossWith, GivesCrossingsInOrderAlongTheReceiver) {
+  const TCrossings found = Cross(Box(0, 0, 2, 2), Box(1, -1, 3, 1));
+  ASSERT_EQ(found.Points.size(), 2u);
+  EXPECT_EQ(found.Points[0], (TPoint2D{2, 1}));
+  EXPECT_EQ(found.Points[1], (TPoint2D{1, 0}));
+  EXPECT_TRUE(found.Lines.empty());
+  const TCrossings closing = Cross(Box(0, 0, 2, 2), Box(-1, 0.5, 1, 1.5));
+  ASSERT_EQ(closing.Points.size(), 2u) << "on the closing edge";
+  EXPECT_EQ(closing.Points[0], (TPoint2D{0, 0.5}));
+}
+
+TEST(CrossWith, OverlapsAreLinesAndTheirEndsNoPoints) {
+  const TCrossings beside = Cross(Box(0, 0, 2, 2), Box(2, 1, 4, 5));
+  EXPECT_TRUE(beside.Points.empty());
+  ASSERT_EQ(beside.Lines.size(), 1u);
+  EXPECT_EQ(beside.Lines[0].StartPoint, (TPoint2D{2, 2}));
+  EXPECT_EQ(beside.Lines[0].EndPoint, (TPoint2D{2, 1})) << "in the direction of the receiver";
+  const TCrossings same = Cross(Box(0, 0, 2, 2), Box(0, 0, 2, 2));
+  EXPECT_TRUE(same.Points.empty());
+  EXPECT_EQ(same.Lines.size(), 4u);
+  const TCrossings both = Cross(Box(0, 0, 4, 4), TVPolyline2D{{1, 4}, {3, 4}, {2, -1}});
+  EXPECT_EQ(both.Lines.size(), 1u);
+  EXPECT_EQ(both.Points.size(), 2u);
+  const TCrossings tilted = Cross(TVPolyline2D{{5, 0}, {5.01, 5e-7}, {5, 1}}, Box(0, -9, 1000, 0));
+  EXPECT_EQ(tilted.Lines.size(), 1u) << "a short edge within the tolerance of a long one";
+  EXPECT_EQ(Cross(Turned(Box(0, 0, 2, 2), 0.7), Turned(Box(2, 1, 4, 5), 0.7)).Lines.size(), 1u);
+}
+
+TEST(CrossWith, TouchesCountOnce) {
+  EXPECT_EQ(Cross(Box(0, 0, 2, 2), Box(2, 2, 4, 4)).Points.size(), 1u) << "corner to corner";
+  EXPECT_EQ(Cross(Box(0, 0, 2, 2), TVPolyline2D{{2, 1}, {4, 0}, {4, 2}}).Points.size(), 1u) << "corner to edge";
+  EXPECT_EQ(Cross(Box(0, 0, 2, 2), TVPolyline2D{{0, 2}, {1, -1}, {-3, 2.5}}).Points.size(), 2u)
+      << "at its first corner";
+  EXPECT_TRUE(Cross(Box(0, 0, 2, 2), Box(2 + 2e-6, 0, 4, 4)).Points.empty());
+  EXPECT_TRUE(Cross(Box(0, 0, 9, 9), Box(1, 1, 2, 2)).Points.empty()) << "one inside the other";
+  EXPECT_TRUE(Cross(Box(0, 0, 9, 9), TVPolyline2D()).Points.empty());
+}
+
+TEST(CrossWith, IsTheSameFromBothSides) {
+  const TRandomScope seed(8);
+  int points = 0;
+  int lines = 0;
+  for (int round = 0; round < 400; ++round) {
+    const TVPolyline2D a = GridContour(3 + Random(4), 7);
+    const TVPolyline2D b = GridContour(3 + Random(4), 7);
+    const TCrossings ab = Cross(a, b);
+    const TCrossings ba = Cross(Repeated(b), a);
+    EXPECT_EQ(AsSet(ab.Points), AsSet(ba.Points)) << round;
+    EXPECT_EQ(ab.Lines.size(), ba.Lines.size()) << round;
+    TPoint2D nearest;
+    for (const TPoint2D& point : ab.Points) {
+      EXPECT_LT(a.DistTo(point, nearest), 1e-6);
+      EXPECT_LT(b.DistTo(point, nearest), 1e-6);
+    }
+    points += Size(ab.Points);
+    lines += Size(ab.Lines);
+  }
+  EXPECT_GT(points, 400);
+  EXPECT_GT(lines, 20);
+}
+
+TEST(HPolygon, HolesRunAgainstTheOuterContour) {
+  TVHPolygon polygon{Box(0, 0, 9, 9), Box(1, 1, 2, 2), Box(3, 3, 4, 4)};
+  polygon.SetIsClockwise(false);
+  EXPECT_GT(polygon[0].Area(), 0);
+  EXPECT_LT(polygon[1].Area(), 0);
+  EXPECT_LT(polygon[2].Area(), 0);
+  polygon.SetIsClockwise(true);
+  EXPECT_LT(polygon[0].Area(), 0);
+  EXPECT_GT(polygon[2].Area(), 0);
+}
+
+TEST(HPolygon, CentroidHasTheHolesTakenOut) {
+  const TVPolyline2D corner{{0, 0}, {4, 0}, {4, 2}, {2, 2}, {2, 4}, {0, 4}};  // 12 = 16 - 4
+  EXPECT_EQ(TVHPolygon{corner}.Gravity(), (TPoint2D{(16 * 2 - 4 * 3) / 12.0, (16 * 2 - 4 * 3) / 12.0}));
+  TVHPolygon withHole{Box(0, 0, 4, 4), Box(2, 2, 4, 4)};
+  for (const bool clockwise : {false, true}) {
+    withHole[1].SetIsClockwise(clockwise);
+    EXPECT_EQ(withHole.Gravity(), (TPoint2D{20.0 / 12, 20.0 / 12})) << "whatever the direction of the hole";
+  }
+  EXPECT_EQ(TVHPolygon{Repeated(corner)}.Gravity(), TVHPolygon{corner}.Gravity());
+  EXPECT_EQ((TVHPolygon{TVPolyline2D{{0, 0}, {0.3, 0.1}, {3, 1}}}.Gravity()), (TPoint2D{1.5, 0.5})) << "flat";
+  EXPECT_EQ(TVHPolygon().Gravity(), Origin2D);
+}
+
+}  // namespace
+}  // namespace platenest

@@ -1,0 +1,115 @@
+#include "platenest/foundation/Simplify.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "SimplifyCore.h"
+#include "platenest/foundation/Random.h"
+
+namespace platenest {
+namespace {
+
+TVPoint2DList Wavy(int Count, double Noise, bool Repeat) {
+  TVPoint2DList points;
+  for (int i = 0; i < Count; ++i) {
+    const double angle = 2 * 3.14159265358979 * i / Count;
+    const double radius = 5 + 2 * std::cos(3 * angle) + Noise * Random(1000) / 1000;
+    points.push_back({radius * std::cos(angle), radius * std::sin(angle)});
+  }
+  if (Repeat) points.push_back(TPoint2D(points[0]));
+  return points;
+}
+
+// Every point of the input lies within Tol of the edge that bridges it, and what stays are input points in order.
+void ExpectValid(const TVPoint2DList& Input, const TVPoint2DList& Result, double Tol, bool Flag) {
+  std::size_t next = 0;
+  double t = 0;
+  for (std::size_t i = 0; i < Input.size(); ++i) {
+    const bool isKept = next < Result.size() && Input[i].X == Result[next].X && Input[i].Y == Result[next].Y;
+    if (isKept) {
+      ++next;
+      continue;
+    }
+    ASSERT_GT(next, 0u) << "the first point stays";
+    const bool closes = next == Result.size();
+    ASSERT_TRUE(!closes || Flag);
+    const TVLine2D edge{Result[next - 1], Result[closes ? 0 : next]};
+    EXPECT_LE(edge.SegmentDistanceTo(Input[i], t), Tol * (1 + 1e-12));
+  }
+  EXPECT_EQ(next, Result.size());
+}
+
+TEST(Simplify, KeepsWhatExceedsTheTolerance) {
+  const TVPoint2DList points{{0, 0}, {1, 0.1}, {2, -0.1}, {3, 5}, {4, 6}, {5, 7}};
+  EXPECT_EQ(DPSimplify(points, 0.05, false).size(), 5u) << "three points on a line";
+  EXPECT_EQ(DPSimplify(points, 1.0, false).size(), 4u);
+  EXPECT_EQ(DPSimplify(points, 9.0, false).size(), 2u);
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{0, 0}, {5, 0.5}, {10, 0}}, 0.5, false).size(), 2u) << "the bound itself may go";
+  EXPECT_EQ(DPSimplify(points, -1.0, false).size(), 5u);
+  EXPECT_EQ(DPSimplify(points, std::nan(""), false).size(), 5u);
+}
+
+TEST(Simplify, ClosedFormAlsoCleansTheClosingEdge) {
+  const TVPoint2DList box{{0, 0}, {5, 0}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 5}};
+  EXPECT_EQ(DPSimplify(box, 0.01).size(), 4u);
+  EXPECT_EQ(DPSimplify(box, 0.01, false).size(), 5u) << "an open line keeps its end";
+  TVPoint2DList repeated = box;
+  repeated.push_back({0, 0});
+  const TVPoint2DList result = DPSimplify(repeated, 0.01);
+  ASSERT_EQ(result.size(), 5u);
+  EXPECT_EQ(result.First(), result.Last());
+}
+
+TEST(Simplify, ClosedContoursKeepThreePoints) {
+  const TVPoint2DList box{{0, 0}, {10, 0}, {10, 1}, {0, 1}};
+  EXPECT_EQ(DPSimplify(box, 100).size(), 3u);
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{0, 0}, {10, 0}, {4, 0}, {2, 0}}, 1).size(), 3u);
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{1, 1}, {1, 1}, {1, 1}, {1, 1}, {1, 1}}, 1).size(), 4u) << "and the closing one";
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{0, 0}, {1, 1}}, 100).size(), 2u);
+  EXPECT_TRUE(DPSimplify(TVPoint2DList{}, 1).empty());
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{nan, 0}, {nan, 1}, {nan, 2}, {nan, 3}}, nan).size(), 3u) << "ends at all";
+}
+
+TEST(Simplify, StaysWithinTheToleranceOfTheInput) {
+  const TRandomScope seed(3);
+  for (int round = 0; round < 200; ++round) {
+    const bool flag = Random(2) == 0;
+    const double tol = std::pow(10.0, -Random(5)) * (1 + Random(9));
+    const TVPoint2DList points = Wavy(3 + Random(200), 0.2 * Random(3), Random(2) == 0);
+    const TVPoint2DList result = DPSimplify(points, tol, flag);
+    ExpectValid(points, result, tol, flag);
+    EXPECT_EQ(points.First() == points.Last(), result.First() == result.Last());
+    EXPECT_GE(result.size(), flag ? 3u : 2u);
+  }
+  EXPECT_LT(DPSimplify(Wavy(3000, 0, true), 0.01).size(), 150u) << "and does drop points";
+}
+
+TEST(Simplify, PathsTakeTheToleranceInDrawingUnits) {
+  const TPath path = TPathUtils::CreatePath(Wavy(500, 0.05, false), kPathScale);
+  const TVPolyline2D units = TPathUtils::CreatePolyline(path, 1);
+  for (const bool flag : {true, false})
+    EXPECT_EQ(DPSimplify(path, 0.02, flag), TPathUtils::CreatePath(DPSimplify(units, 2000, flag), 1));
+  const Int64 far = Int64{1} << 60;
+  const TPath distant{{far, far}, {far + 100, far + 1}, {far + 200, far}, {far + 100, far + 200}};
+  EXPECT_EQ(DPSimplify(distant, 0.000005).size(), 4u) << "half a unit";
+  EXPECT_EQ(DPSimplify(distant, 0.00001).size(), 3u) << "one unit";
+}
+
+// Growing teeth make every split cut off one point, so the plain method would test all pairs.
+TEST(Simplify, LopsidedInputCostsNoMoreThanItsBound) {
+  std::vector<TPoint2D> teeth;
+  const int count = 20000;
+  for (int i = 0; i < count; ++i) teeth.push_back({i * 1e-3, (i % 2 == 0 ? 1.0 : -1.0) * i});
+  const auto result = detail::KeepPoints(teeth, 0.5, false);
+  EXPECT_LT(result.DistanceTests, 40LL * count * 15);
+  EXPECT_EQ(std::count(result.Kept.begin(), result.Kept.end(), 1), count);
+  const TVPoint2DList wave = Wavy(count, 0, false);
+  const auto arc = detail::KeepPoints(std::span(wave.data(), wave.size()), 1e-4, true);
+  EXPECT_LT(arc.DistanceTests, 60LL * count) << "ordinary lines stay far below";
+}
+
+}  // namespace
+}  // namespace platenest

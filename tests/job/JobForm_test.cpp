@@ -1,0 +1,270 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "FaultText.h"
+
+namespace platenest {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// A job with one part whose members are given.
+std::string WithPart(const std::string& Members) {
+  return R"({"schema":"platenest-job/1","kind":"job","plates":[{"width":1000,"height":500}],"parts":[{)" + Members +
+         "}]}";
+}
+
+// A job whose members beyond schema, plates and parts are given.
+std::string WithHead(const std::string& Members) {
+  return R"({"schema":"platenest-job/1",)" + Members +
+         R"(,"plates":[{"width":1000,"height":500}],"parts":[{"width":300,"height":200}]})";
+}
+
+std::string ParseFaults(const std::string& Json) {
+  return FaultsOf([&] { ParseJob(Json); });
+}
+
+std::string ParseText(const std::string& Json) {
+  return FirstText([&] { ParseJob(Json); });
+}
+
+TEST(JobForm, TestFilesAreReadOrRefused) {
+  for (const auto& file : DataFiles("jobs/good")) EXPECT_EQ(ParseFaults(FileText(file)), "none") << file;
+  for (const auto& file : DataFiles("jobs/bad")) EXPECT_NE(ParseFaults(FileText(file)), "none") << file;
+}
+
+TEST(JobForm, WritingGivesTheSameBytesAndReadingThemTheSameJob) {
+  for (const auto& file : DataFiles("jobs/good")) {
+    const Job job = ParseJob(FileText(file));
+    const std::string written = JobToJson(job);
+    EXPECT_EQ(ParseJob(written), job) << file;
+    if (!file.filename().string().ends_with("-written.json")) continue;
+    EXPECT_EQ(written, FileText(file)) << file;
+  }
+}
+
+TEST(JobForm, AbsentMembersTakeTheirDefaults) {
+  const Job one = ParseJob(WithHead(R"("kind":"one")"));
+  EXPECT_EQ(one.Parts[0].Amount, std::nullopt);
+  const Job fill = ParseJob(WithHead(R"("kind":"fill","margin":[1,2,3,4])"));
+  EXPECT_EQ(fill.Parts[0].Amount, 1);
+  EXPECT_EQ(fill.Parts[0].Id, "part-1");
+  EXPECT_EQ(fill.Plates[0].Id, "plate-1");
+  EXPECT_EQ(fill.Margin, (std::array<double, 4>{1, 2, 3, 4}));
+  EXPECT_EQ(fill.Run, Options{});
+}
+
+TEST(JobForm, FaultsHaveTheirCodeAndPlace) {
+  const std::string size = R"("width":3,"height":2)";
+  const std::pair<std::string, std::string> cases[] = {
+      {WithPart(size + R"(,"amont":3)"), "InputError: unknown-key /parts/0/amont"},
+      {WithPart(size + R"(,"amount":3,"amount":3)"), "InputError: duplicate-key /parts/0/amount"},
+      {WithPart(size + R"(,"a/b~":{"c":[{}]})"), "InputError: unknown-key /parts/0/a~1b~0"},
+      {WithPart(R"("width":3)"), "InputError: missing /parts/0"},
+      {WithPart(R"("width":null,"height":"2")"), "InputError: type /parts/0/width, type /parts/0/height"},
+      {WithPart(R"("width":[3],"height":{})"), "InputError: type /parts/0/width, type /parts/0/height"},
+      {WithPart(R"("width":0,"height":-0.0)"), "InputError: range /parts/0/width, range /parts/0/height"},
+      {WithPart(size + R"(,"amount":0)"), "InputError: range /parts/0/amount"},
+      {WithPart(size + R"(,"amount":1.5)"), "InputError: type /parts/0/amount"},
+      {WithPart(size + R"(,"value":0)"), "InputError: range /parts/0/value"},
+      {WithPart(size + R"(,"rotate":"left")"), "InputError: choice /parts/0/rotate"},
+      {WithPart(size + R"(,"id":"")"), "InputError: id /parts/0/id"},
+      {WithPart(size + R"(,"id":"a\u0085")"), "InputError: id /parts/0/id"},
+      {WithPart(size + R"(},7,{"width":1)"), "InputError: type /parts/1, missing /parts/2"},
+      {WithPart(size + R"(,"id":"x"},{"id":"x",)" + size), "InputError: duplicate-id /parts/1/id"},
+      {WithPart(size + R"(},{"id":"part-1",)" + size), "InputError: duplicate-id /parts/1/id"},
+      {WithHead(R"("kind":"all")"), "InputError: choice /kind"},
+      {WithHead(R"("kind":"job","units":"ft")"), "InputError: choice /units"},
+      {WithHead(R"("kind":"job","gap":-1,"margin":-1)"), "InputError: range /gap, range /margin"},
+      {WithHead(R"("kind":"job","margin":[1,2,-3,4])"), "InputError: range /margin/2"},
+      {WithHead(R"("kind":"job","margin":[1,2,3])"), "InputError: entries /margin"},
+      {WithHead(R"("kind":"job","margin":[1,2,"3",4,5])"), "InputError: type /margin/2, entries /margin"},
+      {WithHead(R"("kind":"job","options":{"seed":-1,"threads":0,"deterministic":0})"),
+       "InputError: range /options/seed, range /options/threads, type /options/deterministic"},
+      {WithHead(R"("kind":"job","options":{"method":"strip"})"), "InputError: choice /options/method"},
+      {WithHead(R"("kind":"one","gap":1e999,"oops":1)"), "InputError: range /gap"},
+      {"[]", "InputError: type "},
+      {"{}", "InputError: missing , missing , missing , missing "},
+  };
+  for (const auto& [json, expected] : cases) EXPECT_EQ(ParseFaults(json), expected) << json;
+}
+
+TEST(JobForm, TextsSayWhatIsWantedAndFound) {
+  const std::string size = R"("width":3,"height":2)";
+  const std::pair<std::string, std::string> cases[] = {
+      {WithPart(size + R"(,"amount":-2)"), "must be a whole number of at least 1, found -2"},
+      {WithPart(size + R"(,"amount":"many\n")"), R"(must be a whole number of at least 1, found "many\n")"},
+      {WithPart(size + R"(,"Amount":2)"), "is no key of this form, did you mean `amount`?"},
+      {WithPart(size + R"(,"qty":2)"), "is no key of this form"},
+      {WithPart(R"("width":3,"heigth":2)"), "is no key of this form, did you mean `height`?"},
+      {WithPart(R"("width":0.5e-3,"height":2)"), "must be at least 0.001, found 0.0005"},
+      {WithHead(R"("kind":"one","options":{"method":"stirp"})"),
+       R"(must be one of auto, strip, fiveblock, trim, found "stirp", did you mean `strip`?)"},
+      {WithHead(R"("kind":"job","margin":[1])"), "must be a number or a list of 4 numbers, found a list of 1"},
+      {WithHead(R"("kind":"one","gap":-1e999)"), "must be a finite number, found -1e999"},
+  };
+  for (const auto& [json, expected] : cases) EXPECT_EQ(ParseText(json), expected) << json;
+}
+
+TEST(JobForm, WhatIsNoJsonIsToldByLineAndColumn) {
+  EXPECT_EQ(ParseFaults("{\"schema\": \"platenest-job/1\",\n \"kind\" \"one\"}"), "InputError: syntax ");
+  EXPECT_THAT(ParseText("{\"schema\": \"platenest-job/1\",\n \"kind\" \"one\"}"),
+              StartsWith("is not JSON at line 2, column 13: "));
+  EXPECT_THAT(ParseText(""), HasSubstr("line 1, column 1"));
+  EXPECT_THAT(ParseText("\xEF\xBB\xBF{\"name\":\"\xC3\xA9\" 1}"), HasSubstr("line 1, column 13"));
+  EXPECT_THAT(ParseText(R"({"name":"\ud800"})"), HasSubstr("surrogate"));
+  EXPECT_EQ(ParseFaults("{\"name\":\"ab\xE9 c\"}"), "InputError: encoding ");
+  EXPECT_EQ(ParseText("{\n\"name\":\"ab\xE9 c\"}"), "is not UTF-8 at line 2, column 11");
+  EXPECT_LT(ParseText("{\"name\":\"" + std::string(100000, 'x')).size(), 200u);
+}
+
+TEST(JobForm, AtMostTwentyFaultsWithLimitsLast) {
+  std::string parts;
+  for (int i = 0; i < 15; ++i) parts += R"("width":2e6,"height":0,"x":1},{)";
+  const std::string faults = ParseFaults(WithPart(parts + R"("width":1,"height":1)"));
+  EXPECT_THAT(faults, StartsWith("InputError: unknown-key /parts/0/x, "));
+  EXPECT_EQ(std::count(faults.begin(), faults.end(), ','), JobError::kMaxFaults - 1);
+  EXPECT_THAT(faults, EndsWith("range /parts/4/height"));
+  EXPECT_EQ(ParseFaults(WithPart(R"("width":2e6,"height":0)")),
+            "InputError: range /parts/0/height, limit /parts/0/width");
+  EXPECT_EQ(ParseFaults(WithPart(R"("width":2e6,"height":1)")), "LimitError: limit /parts/0/width");
+}
+
+// Each pair: at the limit, one beyond it.
+TEST(JobForm, LimitsHoldExactly) {
+  const auto parts = [](int count, const std::string& more) {
+    std::string text = R"("width":3,"height":2)" + more;
+    for (int i = 1; i < count; ++i) text += R"(},{"width":3,"height":2)" + more;
+    return WithPart(text);
+  };
+  const auto nested = [](int depth) { return WithPart(R"("x":)" + std::string(depth, '[') + std::string(depth, ']')); };
+  const auto padded = [](Int64 bytes) {
+    std::string text = WithPart(R"("width":3,"height":2)");
+    return text + std::string(static_cast<std::size_t>(bytes) - text.size(), ' ');
+  };
+  std::string plates = WithPart(R"("width":3,"height":2)");
+  for (int i = 1; i < limits::kPlateKinds; ++i)
+    plates.insert(plates.find(R"({"width":1000)"), R"({"width":9,"height":9},)");
+  std::string tooManyPlates = plates;
+  tooManyPlates.insert(plates.find(R"({"width":1000)"), R"({"width":9,"height":9},)");
+  const std::string id(limits::kIdCharacters - 1, 'x');
+
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {parts(10000, ""), parts(10001, ""), "/parts"},
+      {parts(2, R"(,"amount":500000)"), parts(2, R"(,"amount":500001)"), "/parts"},
+      {parts(1, R"(,"amount":1000000)"), parts(1, R"(,"amount":1000001)"), "/parts/0/amount"},
+      {parts(1, R"(,"amount":null)"), parts(1, R"(,"amount":4294967297)"), "/parts/0/amount"},
+      {parts(1, R"(,"amount":1e6)"), parts(1, R"(,"amount":1e300)"), "/parts/0/amount"},
+      {parts(1, R"(,"id":"é)" + id + "\""), parts(1, R"(,"id":"é)" + id + "x\""), "/parts/0/id"},
+      {parts(1, R"(,"value":1e15)"), parts(1, R"(,"value":1.1e15)"), "/parts/0/value"},
+      {plates, tooManyPlates, "/plates"},
+      {WithPart(R"("width":0.001,"height":1000)"), WithPart(R"("width":0.0009999,"height":1)"), "/parts/0/width"},
+      {WithPart(R"("width":1,"height":1e6)"), WithPart(R"("width":1,"height":1000000.1)"), "/parts/0/height"},
+      {WithPart(R"("width":1,"height":1e6)"), WithPart(R"("width":0.999999,"height":1e6)"), "/parts/0/width"},
+      {WithHead(R"("kind":"job","options":{"threads":1024})"), WithHead(R"("kind":"job","options":{"threads":1025})"),
+       "/options/threads"},
+      {WithHead(R"("kind":"job","options":{"seed":18446744073709551615})"),
+       WithHead(R"("kind":"job","options":{"seed":18446744073709551616})"), "/options/seed"},
+      {WithHead(R"("kind":"job","gap":1000000)"), WithHead(R"("kind":"job","gap":1000001)"), "/gap"},
+      {padded(limits::kJobBytes), padded(limits::kJobBytes + 1), ""},
+  };
+  for (const auto& [good, bad, place] : cases) {
+    EXPECT_EQ(ParseFaults(good), "none") << good.substr(0, 300);
+    EXPECT_EQ(ParseFaults(bad), "LimitError: limit " + place) << bad.substr(0, 300);
+  }
+  EXPECT_THAT(ParseFaults(nested(29)), StartsWith("InputError"));  // below root, list and part
+  EXPECT_EQ(ParseFaults(nested(30)), "LimitError: limit ");
+  EXPECT_EQ(ParseFaults(std::string(10000000, '[')), "LimitError: limit ");
+  EXPECT_THAT(ParseFaults(R"({"name":")" + std::string(100, '[') + R"(\"[[["})"), StartsWith("InputError: missing"));
+}
+
+TEST(JobForm, KindsSayWhatTheyTake) {
+  const auto faults = [](JobKind kind, int plates, int parts) {
+    Job job = SmallJob();
+    job.Kind = kind;
+    job.Plates.resize(plates);
+    job.Parts.resize(parts);
+    return FaultsOf([&] { CheckJob(job); });
+  };
+  EXPECT_EQ(faults(JobKind::One, 1, 1), "none");
+  EXPECT_EQ(faults(JobKind::One, 2, 2), "InputError: entries /plates, entries /parts");
+  EXPECT_EQ(faults(JobKind::Fill, 1, 2), "none");
+  EXPECT_EQ(faults(JobKind::Fill, 2, 0), "InputError: entries /plates, entries /parts");
+  EXPECT_EQ(faults(JobKind::Job, 2, 2), "none");
+  EXPECT_EQ(faults(JobKind::Job, 0, 0), "InputError: entries /plates, entries /parts");
+}
+
+// A wish to leave parts unturned is kept or refused, never dropped.
+TEST(JobForm, MethodsThatTurnPartsAreRefusedForLockedOnes) {
+  const auto faults = [](JobKind kind, const std::string& method, bool lockBoth) {
+    Job job = SmallJob();
+    job.Kind = kind;
+    job.Plates.resize(1);
+    job.Parts.resize(kind == JobKind::One ? 1 : 2);
+    job.Parts.front().Turn = Rotate::None;
+    if (lockBoth) job.Parts.back().Turn = Rotate::None;
+    job.Run.Method = method;
+    return FaultsOf([&] { CheckJob(job); });
+  };
+  const std::string refused = "InputError: conflict /options/method";
+  EXPECT_EQ(faults(JobKind::One, "auto", true), "none");
+  EXPECT_EQ(faults(JobKind::One, "trim", true), refused);
+  EXPECT_EQ(faults(JobKind::Fill, "smart", false), "none");
+  EXPECT_EQ(faults(JobKind::Fill, "rskf", true), "none");
+  EXPECT_EQ(faults(JobKind::Fill, "rskf", false), refused);
+  EXPECT_EQ(faults(JobKind::Fill, "strips", true), refused);
+}
+
+TEST(JobForm, JobsBuiltInCodePassTheSameChecks) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const std::pair<void (*)(Job&, double), std::string> cases[] = {
+      {[](Job& job, double) { job.Parts[1].Id.clear(); }, "InputError: id /parts/1/id"},
+      {[](Job& job, double) { job.Parts[1].Id = "a"; }, "InputError: duplicate-id /parts/1/id"},
+      {[](Job& job, double) { job.Parts[1].Id = "\xFF"; }, "InputError: encoding /parts/1/id"},
+      {[](Job& job, double) { job.Parts[1].Label = "\xFF"; }, "InputError: encoding /parts/1/label"},
+      {[](Job& job, double) { job.Parts[0].Amount = -3; }, "InputError: range /parts/0/amount"},
+      {[](Job& job, double bad) { job.Parts[0].Width = bad; }, "InputError: range /parts/0/width"},
+      {[](Job& job, double bad) { job.Margin[3] = bad; }, "InputError: range /margin/3"},
+      {[](Job& job, double bad) { job.Run.TimeLimit = bad; }, "InputError: range /options/time_limit"},
+      {[](Job& job, double) { job.Plates[0].Count = 0; }, "InputError: range /plates/0/count"},
+      {[](Job& job, double) { job.Units = "yard"; }, "InputError: choice /units"},
+      {[](Job& job, double) { job.Kind = static_cast<JobKind>(9); }, "InputError: choice /kind"},
+      {[](Job& job, double) { job.Run.Threads = -1; }, "InputError: range /options/threads"},
+      {[](Job& job, double) { job.Run.MemoryLimit = 0; }, "InputError: range /options/memory_limit"},
+      {[](Job& job, double) { job.Plates[1].Count = job.Parts[1].Amount = std::nullopt; },
+       "InputError: conflict /parts/1/amount"},
+  };
+  for (const auto& [spoil, expected] : cases) {
+    Job job = SmallJob();
+    spoil(job, nan);
+    EXPECT_EQ(FaultsOf([&] { CheckJob(job); }), expected);
+  }
+}
+
+TEST(JobForm, WhatJsonCannotHoldIsRefusedWithItsPlace) {
+  Job job = SmallJob();
+  job.Parts[1].Height = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(FaultsOf([&] { JobToJson(job); }), "InputError: range /parts/1/height");
+  job = SmallJob();
+  job.Margin = {1, 2, std::numeric_limits<double>::quiet_NaN(), 4};
+  EXPECT_EQ(FaultsOf([&] { JobToJson(job); }), "InputError: range /margin/2");
+  job = SmallJob();
+  job.Name = "\xC3";
+  EXPECT_EQ(FaultsOf([&] { JobToJson(job); }), "InputError: encoding /name");
+}
+
+TEST(JobErrors, TheFirstFaultStandsInWhat) {
+  const std::vector<Fault> many(30, Fault{"range", "/gap", "must be at least 0, found -1", ""});
+  const LimitError error(many);
+  EXPECT_STREQ(error.what(), "/gap: must be at least 0, found -1");
+  EXPECT_EQ(Size(error.Faults()), JobError::kMaxFaults);
+  EXPECT_STREQ(static_cast<const TNestError&>(error).ClassName(), "LimitError");
+}
+
+}  // namespace
+}  // namespace platenest

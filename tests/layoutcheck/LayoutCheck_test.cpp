@@ -1,0 +1,169 @@
+#include "platenest/layoutcheck/LayoutCheck.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+#include "platenest/foundation/Errors.h"
+
+namespace platenest {
+namespace {
+
+using ::testing::HasSubstr;
+
+constexpr double kGap = 2;
+const TVRect2D kPlate = TVRect2D::FromSize(22, 12);
+const TNestRectList kDemand = {{3, 7, TVRect2D::FromSize(10, 5)}, {1, 4, TVRect2D::FromSize(5, 4)}};
+
+//   +--------------------+
+//   |  1: 7      3: 7    |     gap 2 everywhere; the outer parts touch the plate's edges, 2 has room to its right
+//   |  0: 7      2: 4    |     and is turned
+//   +--------------------+
+TNestedRects FullPlate() {
+  return {{kDemand[0], false, {0, 0}},
+          {kDemand[0], false, {0, 7}},
+          {kDemand[1], true, {16, 0}},
+          {kDemand[0], false, {12, 7}}};
+}
+
+TEST(CheckRectLayout, TellsEachFaultFromAValidLayout) {
+  ASSERT_EQ(CheckRectLayout(FullPlate(), kPlate, kGap, kDemand), "");
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    const char* Name;
+    std::function<void(TNestedRects&)> Spoil;
+    const char* Text;
+  } cases[] = {
+      {"gap", [](TNestedRects& L) { L[1].Trans.Y -= 2e-6; }, "placements 0 and 1 are 1.999997"},
+      {"overlap", [](TNestedRects& L) { L[1].Trans.Y = 4; }, "placements 0 and 1 overlap by 1, the gap is 2"},
+      {"same place", [](TNestedRects& L) { L[1].Trans = L[0].Trans; }, "placements 0 and 1 overlap by 5"},
+      {"left", [](TNestedRects& L) { L[0].Trans.X = -2e-6; }, "placement 0 of part 7 box [-0.000002, 0, 9.999998, 5]"},
+      {"top", [](TNestedRects& L) { L[3].Trans.Y = 8.5; }, "reaches 1.5 beyond the top of [0, 0, 22, 12]"},
+      {"lower left corner", [](TNestedRects& L) { L[2].Trans.X -= 4; }, "placements 0 and 2 overlap by 2"},
+      {"turned, not told",
+       [](TNestedRects& L) {
+         L[2] = {kDemand[1], false, {22, 0}};
+       },
+       "5 beyond the right of"},
+      {"stored turned",
+       [](TNestedRects& L) {
+         L[2] = {{1, 4, TVRect2D::FromSize(4, 5)}, false, {12, 0}};
+       },
+       "placement 2 of part 4 has size 4 x 5, but the demand says 5 x 4"},
+      {"too many", [](TNestedRects& L) { L.push_back(L[2]); }, "placement 4 of part 4 is copy 2 of 1 wanted"},
+      {"unknown part", [](TNestedRects& L) { L[2].Part.Idx = 1; }, "placement 2 of part 1 is no part of the demand"},
+      {"no number", [nan](TNestedRects& L) { L[1].Trans.Y = nan; }, "placement 1 of part 7 has a size or position"},
+      {"no size", [](TNestedRects& L) { L[1].Part.BoundBox = TVRect2D::FromSize(10, 0); }, "which is not positive"},
+  };
+  for (const auto& spoiled : cases) {
+    TNestedRects layout = FullPlate();
+    spoiled.Spoil(layout);
+    EXPECT_THAT(CheckRectLayout(layout, kPlate, kGap, kDemand), HasSubstr(spoiled.Text)) << spoiled.Name;
+  }
+}
+
+TEST(CheckRectLayout, AllowsOneMillionthAndNoMore) {
+  TNestedRects layout = FullPlate();
+  layout[1].Trans.Y += 0.9e-6;  // out of the plate
+  layout[2].Trans.X -= 0.9e-6;  // into the gap
+  EXPECT_EQ(CheckRectLayout(layout, kPlate, kGap, kDemand), "");
+  EXPECT_NE(CheckRectLayout(layout, kPlate, kGap, kDemand, {.Tol = 1e-7}), "");
+}
+
+TEST(CheckRectLayout, CornersMayBeNearOnBothAxes) {
+  const TNestRectList demand = {{2, 0, TVRect2D::FromSize(1, 1)}};
+  const auto diagonal = [&](double step) {
+    return CheckRectLayout({{demand[0], false, {0, 0}}, {demand[0], false, {1 + step, 1 + step}}},
+                           TVRect2D::FromSize(9, 9), 5, demand);
+  };
+  EXPECT_EQ(diagonal(5 / std::sqrt(2.0)), "") << "5 apart as the crow flies, 3.54 on each axis";
+  EXPECT_THAT(diagonal(3.53), HasSubstr("placements 0 and 1 are 4.99"));
+}
+
+TEST(CheckRectLayout, PlateAndPartMayLieAnywhere) {
+  const TVRect2D plate = TVRect2D::FromBounds(0, -6, -4, 0);
+  const TNestRectList demand = {{1, 0, TVRect2D::FromBounds(104, 100, 100, 106)}};
+  EXPECT_EQ(CheckRectLayout({{demand[0], false, {-6, -4}}}, plate, 0, demand), "");
+  EXPECT_NE(CheckRectLayout({{demand[0], false, {0, 0}}}, plate, 0, demand), "");
+}
+
+TEST(CheckRectLayout, ReadsAmounts) {
+  const TVRect2D size = TVRect2D::FromSize(1, 1);
+  const TNestedRects three = {
+      {{0, 5, size}, false, {0, 0}}, {{0, 5, size}, false, {2, 0}}, {{0, 5, size}, true, {5, 0}}};
+  const TVRect2D plate = TVRect2D::FromSize(5, 1);
+  EXPECT_EQ(CheckRectLayout(three, plate, 1, {{1, 5, size}, {9, 6, size}, {2, 5, size}}), "") << "entries add up";
+  EXPECT_NE(CheckRectLayout(three, plate, 1, {{1, 5, size}, {-9, 5, size}, {1, 5, size}}), "");
+  EXPECT_NE(CheckRectLayout(three, plate, 1, {{-1, 5, size}}), "");
+  EXPECT_EQ(CheckRectLayout(three, plate, 1, {{-1, 5, size}}, {.NegativeAmountIsNoLimit = true}), "");
+}
+
+TEST(CheckRectLayout, NothingPlacedIsValidOnAnyPlate) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_EQ(CheckRectLayout({}, TVRect2D::InvalidRect, nan, {}), "");
+  EXPECT_NE(CheckRectLayout(FullPlate(), TVRect2D::FromSize(22, nan), kGap, kDemand), "");
+  EXPECT_NE(CheckRectLayout(FullPlate(), kPlate, nan, kDemand), "");
+}
+
+TEST(CheckTolerance, GivesWayOnlyWhereDoublesAreCoarser) {
+  EXPECT_EQ(CheckTolerance({0, 0, 1e6, 1e6}), 1e-6);
+  EXPECT_GT(CheckTolerance({-1e12, 0, 1, 1}), 1e-4);
+  // Sums of positions and sizes near 1e12 are off by 1e-4; a layout made of them is still accepted.
+  const TNestRectList demand = {{2, 0, TVRect2D::FromSize(0.1, 0.1)}};
+  const TVRect2D plate = TVRect2D::FromBounds(1e12 + 1, 1e12, 1e12, 1e12 + 1);
+  EXPECT_EQ(
+      CheckRectLayout({{demand[0], false, {1e12, 1e12}}, {demand[0], false, {1e12 + 0.1, 1e12}}}, plate, 0, demand),
+      "");
+}
+
+// Boxes on a small grid, of sizes from 0 up, so that touching, equal and degenerate ones are frequent.
+std::vector<TPlacedBox> RandomBoxes(std::mt19937_64& Random, int Count, int Grid) {
+  const auto upTo = [&](int Most) { return static_cast<double>(Random() % (Most + 1)); };
+  std::vector<TPlacedBox> boxes(Count);
+  for (TPlacedBox& box : boxes) {
+    box.Left = upTo(Grid);
+    box.Bottom = upTo(Grid);
+    box.Right = box.Left + upTo(3);
+    box.Top = box.Bottom + upTo(3);
+  }
+  return boxes;
+}
+
+TEST(FirstTooClose, FindsAPairWheneverThereIsOne) {
+  int found = 0;
+  for (int seed = 1; seed <= 2000; ++seed) {
+    std::mt19937_64 random(seed);
+    const std::vector<TPlacedBox> boxes = RandomBoxes(random, 2 + seed % 12, 14);
+    for (const double gap : {-1.5, 0.0, 1.0, 3.3}) {
+      bool exists = false;
+      for (std::size_t i = 0; i < boxes.size(); ++i)
+        for (std::size_t j = 0; j < i; ++j) exists |= Clearance(boxes[i], boxes[j]) < gap - 1e-6;
+      const std::optional<TBoxPair> pair = FirstTooClose(boxes, gap);
+      ASSERT_EQ(pair.has_value(), exists) << "seed " << seed << " gap " << gap;
+      if (!pair) continue;
+      ++found;
+      EXPECT_LT(pair->First, pair->Second);
+      EXPECT_EQ(pair->Clearance, Clearance(boxes[pair->First], boxes[pair->Second]));
+      EXPECT_LT(pair->Clearance, gap - 1e-6);
+    }
+  }
+  EXPECT_GT(found, 1000);
+  EXPECT_LT(found, 7000);
+}
+
+TEST(FirstOutside, CountsEverythingThatIsNoBoxWithinThePlate) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const TPlacedBox plate{0, 0, 9, 9};
+  EXPECT_EQ(FirstOutside(std::vector<TPlacedBox>{{0, 0, 9, 9}, {2, 2, 1, 3}}, plate), 1) << "turned inside out";
+  EXPECT_EQ(FirstOutside(std::vector<TPlacedBox>{{0, 0, 1, nan}}, plate), 0);
+  EXPECT_EQ(FirstOutside(std::vector<TPlacedBox>{{0, 0, 1, 1}}, {0, 0, nan, 9}), 0);
+  EXPECT_EQ(FirstOutside(std::vector<TPlacedBox>{{-1e-6, 0, 1, 9 + 1e-6}}, plate), std::nullopt);
+  EXPECT_THROW(FirstTooClose(std::vector<TPlacedBox>{{0, 0, 1, nan}}, 0), TArgumentError);
+}
+
+}  // namespace
+}  // namespace platenest

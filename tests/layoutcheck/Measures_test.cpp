@@ -1,0 +1,251 @@
+#include "platenest/layoutcheck/Measures.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "platenest/foundation/Errors.h"
+
+namespace platenest {
+namespace {
+
+using TBoxes = std::vector<TPlacedBox>;
+
+class TRandom {
+ public:
+  explicit TRandom(int Seed) : FEngine(Seed) {}
+  int Below(int Limit) { return static_cast<int>(FEngine() % Limit); }
+  double Between(double Low, double High) {
+    return Low + (High - Low) * static_cast<double>(FEngine() >> 11) * 0x1p-53;
+  }
+
+ private:
+  std::mt19937_64 FEngine;
+};
+
+TBoxes OnGrid(TRandom& Random, int Count, int Grid, int Largest) {
+  TBoxes boxes;
+  for (int i = 0; i < Count; ++i) {
+    const double x = Random.Below(Grid);
+    const double y = Random.Below(Grid);
+    boxes.push_back({x, y, x + 1 + Random.Below(Largest), y + 1 + Random.Below(Largest)});
+  }
+  return boxes;
+}
+
+TBoxes Anywhere(TRandom& Random, int Count, double Largest) {
+  TBoxes boxes;
+  for (int i = 0; i < Count; ++i) {
+    const double x = Random.Between(0, 100);
+    const double y = Random.Between(0, 100);
+    boxes.push_back({x, y, x + Random.Between(0, Largest), y + Random.Between(0, Largest)});
+  }
+  return boxes;
+}
+
+// Two chains of small boxes that face each other across a band: the shape with the most maximal free rectangles.
+TBoxes FacingStairs(TRandom& Random, int Count) {
+  TBoxes boxes;
+  for (int i = 0; i < Count; ++i) {
+    const double x = Random.Between(0, 50);
+    const double lift = Random.Between(0, 3);
+    boxes.push_back(i % 2 == 0 ? TPlacedBox{x, 50 - x - lift, x + 0.5, 50.5 - x - lift}
+                               : TPlacedBox{x + 45, 95 - x + lift, x + 45.5, 95.5 - x + lift});
+  }
+  return boxes;
+}
+
+// Bars from side to side and pillars of most heights across them: the free cells between are held by both.
+TBoxes Grating(TRandom& Random, int Count) {
+  TBoxes boxes;
+  for (int i = 0; i < Count; ++i) {
+    const double at = Random.Between(0, 100);
+    boxes.push_back(i % 2 == 0 ? TPlacedBox{-10, at, 110, at + 0.5}
+                               : TPlacedBox{at, Random.Between(-10, 20), at + 0.5, Random.Between(60, 110)});
+  }
+  return boxes;
+}
+
+double NaiveClearance(const TBoxes& Boxes) {
+  double least = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < Boxes.size(); ++i)
+    for (std::size_t j = 0; j < i; ++j) least = std::min(least, std::max(0.0, Clearance(Boxes[i], Boxes[j])));
+  return least;
+}
+
+TEST(LeastClearance, EqualsAllPairsTested) {
+  for (int seed = 1; seed <= 1500; ++seed) {
+    TRandom random(seed);
+    const int count = 2 + random.Below(30);
+    const TBoxes boxes = seed % 3 == 0 ? OnGrid(random, count, 60, 4) : Anywhere(random, count, seed % 3 == 1 ? 3 : 15);
+    ASSERT_EQ(LeastClearance(boxes), NaiveClearance(boxes)) << "seed " << seed;
+  }
+  EXPECT_EQ(LeastClearance(TBoxes{{0, 0, 1, 1}}), std::nullopt);
+  EXPECT_EQ(LeastClearance(TBoxes{{0, 0, 1, 1}, {4, 5, 5, 6}}), 5) << "3 and 4 on the axes";
+}
+
+// Tries every line along an edge, both axes, and every order of cuts.
+bool NaiveEdgeToEdge(const TBoxes& Boxes) {
+  if (Boxes.size() < 2) return true;
+  for (const bool isVertical : {true, false})
+    for (const TPlacedBox& edge : Boxes) {
+      const double line = isVertical ? edge.Right : edge.Top;
+      TBoxes before;
+      TBoxes behind;
+      for (const TPlacedBox& b : Boxes) {
+        if ((isVertical ? b.Right : b.Top) <= line) before.push_back(b);
+        if ((isVertical ? b.Left : b.Bottom) >= line) behind.push_back(b);
+      }
+      if (behind.empty() || before.size() + behind.size() != Boxes.size()) continue;
+      if (NaiveEdgeToEdge(before) && NaiveEdgeToEdge(behind)) return true;
+    }
+  return false;
+}
+
+TBoxes Disjoint(const TBoxes& Boxes) {
+  TBoxes kept;
+  for (const TPlacedBox& box : Boxes)
+    if (std::ranges::all_of(kept, [&](const TPlacedBox& other) { return Clearance(box, other) >= 0; }))
+      kept.push_back(box);
+  return kept;
+}
+
+TEST(IsEdgeToEdge, EqualsTheSearchOverAllCuts) {
+  int parted = 0;
+  int locked = 0;
+  for (int seed = 1; seed <= 3000; ++seed) {
+    TRandom random(seed);
+    const TBoxes boxes = Disjoint(OnGrid(random, 40, 7, 4));
+    const bool expected = NaiveEdgeToEdge(boxes);
+    ++(expected ? parted : locked);
+    ASSERT_EQ(IsEdgeToEdge(boxes), expected) << "seed " << seed;
+  }
+  EXPECT_GT(parted, 100);
+  EXPECT_GT(locked, 100);
+}
+
+// Cuts a plate and then all its pieces at random, the oldest piece first. Neighbours stand Kerf apart.
+TBoxes CutUp(TRandom& Random, int Count, double Kerf) {
+  std::deque<TPlacedBox> pieces = {{0, 0, 1e4, 1e4}};
+  while (static_cast<int>(pieces.size()) < Count) {
+    TPlacedBox first = pieces.front();
+    TPlacedBox second = first;
+    if (first.Width() > first.Height()) {
+      first.Right = Random.Between(first.Left + first.Width() / 4, first.Right - first.Width() / 4);
+      second.Left = first.Right + Kerf;
+    } else {
+      first.Top = Random.Between(first.Bottom + first.Height() / 4, first.Top - first.Height() / 4);
+      second.Bottom = first.Top + Kerf;
+    }
+    pieces.pop_front();
+    pieces.push_back(first);
+    pieces.push_back(second);
+  }
+  return {pieces.begin(), pieces.end()};
+}
+
+TEST(IsEdgeToEdge, PartsLargeCutPlatesAndStopsAtOnePinwheel) {
+  for (const double kerf : {0.0, 3.0, -0.9e-6}) {
+    TRandom random(5);
+    TBoxes boxes = CutUp(random, 2000, kerf);
+    EXPECT_TRUE(IsEdgeToEdge(boxes)) << kerf;
+    //   a a c      four boxes around a hole, none of which a straight cut can part
+    //   b   c
+    //   b d d
+    const TPlacedBox at = boxes.back();
+    boxes.pop_back();
+    const auto part = [&](double l, double b, double r, double t) {
+      boxes.push_back({at.Left + l * at.Width() / 3, at.Bottom + b * at.Height() / 3, at.Left + r * at.Width() / 3,
+                       at.Bottom + t * at.Height() / 3});
+    };
+    part(0, 2, 2, 3), part(0, 0, 1, 2), part(2, 1, 3, 3), part(1, 0, 3, 1);
+    EXPECT_FALSE(IsEdgeToEdge(boxes)) << kerf;
+  }
+  EXPECT_FALSE(IsEdgeToEdge(TBoxes{{0, 0, 2, 2}, {1, 1, 3, 3}}));
+}
+
+// Every pair of vertical limits, and the highest gap between the obstacles in between.
+double NaiveFreeArea(TBoxes Boxes, const TPlacedBox& Area, double Clearance) {
+  std::vector<double> lines = {Area.Left, Area.Right};
+  for (TPlacedBox& b : Boxes) {
+    b = {b.Left - Clearance, b.Bottom - Clearance, b.Right + Clearance, b.Top + Clearance};
+    lines.insert(lines.end(), {std::clamp(b.Left, Area.Left, Area.Right), std::clamp(b.Right, Area.Left, Area.Right)});
+  }
+  std::ranges::sort(Boxes, {}, &TPlacedBox::Bottom);
+  double best = 0;
+  for (const double left : lines)
+    for (const double right : lines) {
+      if (right <= left) continue;
+      double from = Area.Bottom;
+      for (const TPlacedBox& b : Boxes) {
+        if (b.Right <= left || b.Left >= right) continue;
+        best = std::max(best, (std::min(b.Bottom, Area.Top) - from) * (right - left));
+        from = std::max(from, b.Top);
+      }
+      best = std::max(best, (Area.Top - from) * (right - left));
+    }
+  return best;
+}
+
+void ExpectLargestFree(const TBoxes& Boxes, const TPlacedBox& Area, double Gap, int Seed) {
+  const double expected = NaiveFreeArea(Boxes, Area, Gap);
+  const std::optional<TPlacedBox> free = LargestFreeBox(Boxes, Area, Gap);
+  ASSERT_EQ(free.has_value(), expected > 1e-6) << "seed " << Seed;
+  if (!free) return;
+  ASSERT_NEAR(free->Area(), expected, 1e-9 * expected) << "seed " << Seed;
+  EXPECT_GE(free->Left, Area.Left);
+  EXPECT_GE(free->Bottom, Area.Bottom);
+  EXPECT_LE(free->Right, Area.Right);
+  EXPECT_LE(free->Top, Area.Top);
+  for (const TPlacedBox& b : Boxes)
+    EXPECT_TRUE(free->Left >= b.Right + Gap || free->Right <= b.Left - Gap || free->Bottom >= b.Top + Gap ||
+                free->Top <= b.Bottom - Gap)
+        << "seed " << Seed;
+}
+
+TEST(LargestFreeBox, EqualsTheSearchOverAllRectangles) {
+  for (int seed = 1; seed <= 1200; ++seed) {
+    TRandom random(seed);
+    const int count = random.Below(40);
+    ExpectLargestFree(OnGrid(random, count, 12, 4), {1, 0, 12, 13}, seed % 3 == 0 ? 1 : 0, seed);
+    ExpectLargestFree(Anywhere(random, count, seed % 2 == 0 ? 10 : 2), {0, 0, 100, 100}, seed % 5, seed);
+    ExpectLargestFree(FacingStairs(random, 2 * count), {0, 0, 95, 95}, seed % 2 * 0.1, seed);
+    ExpectLargestFree(Grating(random, count), {0, 0, 100, 100}, 0, seed);
+    TBoxes bars = Anywhere(random, count, 3);
+    for (std::size_t i = 0; i < bars.size(); i += 2) bars[i].Right = bars[i].Left + random.Between(20, 100);
+    for (std::size_t i = 0; i < bars.size(); i += 5) bars[i].Top = bars[i].Bottom + random.Between(20, 100);
+    ExpectLargestFree(bars, {-5, -5, 110, 90}, 0, seed);
+  }
+}
+
+TEST(LargestFreeBox, KeepsTheClearanceAndNamesTheOffcutExactly) {
+  //   +--------+--+
+  //   |  part  |  |   the part grown by 4 leaves [34.1, 0, 40, 20], not 34.1 - 1e-15 from some sum
+  //   +--------+--+
+  const TPlacedBox area{0, 0, 40, 20};
+  EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 30.1, 20}}, area, 4), (TPlacedBox{30.1 + 4, 0, 40, 20}));
+  EXPECT_EQ(LargestFreeBox(TBoxes{}, area, 4), area);
+  EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 36, 20}}, area, 4), std::nullopt);
+  EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 40 - 1e-7, 20}}, area, 0), std::nullopt) << "a sliver is no offcut";
+  EXPECT_THROW(LargestFreeBox(TBoxes{}, area, -1), TArgumentError);
+  EXPECT_THROW(LargestFreeBox(TBoxes{{3, 0, 2, 1}}, area, 0), TArgumentError);
+}
+
+TEST(MeasureLayout, GathersEverything) {
+  const TBoxes boxes = {{1, 1, 5, 4}, {7, 1, 9, 9}};
+  const TLayoutMeasures m = MeasureLayout(boxes, {0, 0, 20, 10}, {1, 1, 19, 9}, 2);
+  EXPECT_EQ(m.PartArea, 28);
+  EXPECT_EQ(m.Usage, 0.14);
+  EXPECT_EQ(m.Used, (TPlacedBox{1, 1, 9, 9}));
+  EXPECT_EQ(m.MinClearance, 2);
+  EXPECT_TRUE(m.EdgeToEdge);
+  EXPECT_EQ(m.Free, (TPlacedBox{11, 1, 19, 9}));
+  EXPECT_THROW(MeasureLayout(boxes, {0, 0, 0, 10}, {0, 0, 0, 10}, 0), TArgumentError);
+}
+
+}  // namespace
+}  // namespace platenest
