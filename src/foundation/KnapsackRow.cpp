@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <ranges>
 #include <type_traits>
 
 namespace platenest::detail {
@@ -52,8 +53,8 @@ void RunPassOn(std::vector<Cell>& Cells, Int64 Weight, Cell Value, std::vector<s
 
 }  // namespace
 
-TKnapsackRow::TKnapsackRow(Int64 Cells, Int64 HighestValue) : FCellCount(Cells) {
-  if (HighestValue <= std::numeric_limits<std::int32_t>::max() / 2)
+TKnapsackRow::TKnapsackRow(Int64 Cells, const TKnapsackScale& Scale) : FCellCount(Cells), FScale(Scale) {
+  if (Scale.Highest - Scale.Lowest <= std::numeric_limits<std::int32_t>::max() / 2)
     FCells.emplace<0>(Cells);
   else
     FCells.emplace<1>(Cells);
@@ -62,24 +63,28 @@ TKnapsackRow::TKnapsackRow(Int64 Cells, Int64 HighestValue) : FCellCount(Cells) 
 void TKnapsackRow::Fill(Int64 From, Int64 To, Int64 Value) {
   std::visit(
       [&]<class Cell>(std::vector<Cell>& cells) {
-        std::fill(cells.begin() + From, cells.begin() + To, static_cast<Cell>(Value));
+        for (Int64 cell = From; cell < To; ++cell)
+          cells[cell] = static_cast<Cell>(std::max<Int64>(0, Value - ValueOf(cell, 0)));
       },
       FCells);
 }
 
 void TKnapsackRow::RunPass(Int64 Weight, Int64 Value) {
   std::vector<std::uint64_t>& taken = FTaken.emplace_back((FCellCount + kWordBits - 1) / kWordBits);
-  std::visit([&]<class Cell>(std::vector<Cell>& cells) { RunPassOn(cells, Weight, static_cast<Cell>(Value), taken); },
+  const Int64 gain = Value - FScale.Slope * Weight;
+  std::visit([&]<class Cell>(std::vector<Cell>& cells) { RunPassOn(cells, Weight, static_cast<Cell>(gain), taken); },
              FCells);
 }
 
 Int64 TKnapsackRow::BestValue() const {
-  return std::visit([](const auto& cells) { return static_cast<Int64>(cells.back()); }, FCells);
+  return std::visit([&](const auto& cells) { return ValueOf(FCellCount - 1, cells.back()); }, FCells);
 }
 
 Int64 TKnapsackRow::BestCell() const {
-  return std::visit(
-      [](const auto& cells) -> Int64 { return std::ranges::lower_bound(cells, cells.back()) - cells.begin(); }, FCells);
+  const Int64 best = BestValue();
+  const auto isBelow = [&](const auto& cells) { return [&](Int64 cell) { return ValueOf(cell, cells[cell]) < best; }; };
+  const auto all = std::views::iota(Int64{0}, FCellCount);
+  return std::visit([&](const auto& cells) { return *std::ranges::partition_point(all, isBelow(cells)); }, FCells);
 }
 
 bool TKnapsackRow::Taken(int Pass, Int64 Cell) const {

@@ -74,6 +74,7 @@ TKnapsackSearch::TKnapsackSearch(std::vector<TKnapsackItem> Items, Int64 Capacit
 Int64 TKnapsackSearch::Run() {
   FReachable = GreedyValue();
   DropItems();
+  DropRoom();
   DivideByCommonWeight(FItems, FCapacity);
   FUpperBound = static_cast<Int64>(FractionalValue(FItems, FCapacity));
   FStates.push_back({0, 0, -1});
@@ -126,6 +127,13 @@ void TKnapsackSearch::DropItems() {
   FItems.swap(kept);
 }
 
+// What no piece can fill.
+void TKnapsackSearch::DropRoom() {
+  TWide total = 0;
+  for (const TKnapsackItem& item : FItems) total += TWide{item.Limit} * item.Weight;
+  FCapacity = static_cast<Int64>(std::min<TWide>(FCapacity, total));
+}
+
 Int64 TKnapsackSearch::WantedValue() const {
   return std::max(FReachable, FBest + 1);
 }
@@ -152,7 +160,7 @@ void TKnapsackSearch::RunPass(const TPass& Pass, Int64 PiecesLeft) {
     return;
   }
   MergeStates(Pass, PiecesLeft);
-  if (Size(FStates) > room / kCellsPerState) SwitchToRow();
+  if (Size(FStates) > room / kCellsPerState) SwitchToRow(FItems[Pass.Item]);
 }
 
 // Both lists, the states as they are and those that take the pass as well, in rising weight. At equal weight and value
@@ -186,20 +194,30 @@ void TKnapsackSearch::MergeStates(const TPass& Pass, Int64 PiecesLeft) {
   FStates.swap(FMerged);
 }
 
-void TKnapsackSearch::SwitchToRow() {
+void TKnapsackSearch::SwitchToRow(const TKnapsackItem& Item) {
   const Int64 base = FStates.front().Weight;
   const Int64 cells = FCapacity - base + 1;
   CheckMemory(0, cells, 0);
-  FRow.emplace(cells, FUpperBound);
+  FRow.emplace(cells, ScaleFrom(Item, cells));
   FFirstRowPass = Size(FPasses);
   for (std::size_t i = 0; i < FStates.size(); ++i)
     FRow->Fill(FStates[i].Weight - base, i + 1 < FStates.size() ? FStates[i + 1].Weight - base : cells,
                FStates[i].Value);
 }
 
+// Pieces from Item on are worth at most Item's value per weight. Over the whole row that is the spread more than the
+// slope counts, so whoever falls short of the wanted value by more than the spread does not reach it.
+TKnapsackScale TKnapsackSearch::ScaleFrom(const TKnapsackItem& Item, Int64 Cells) const {
+  const Int64 slope = FItems.back().Value / FItems.back().Weight;
+  const TWide spread = (TWide{Item.Value} * Cells + Item.Weight - 1) / Item.Weight - TWide{slope} * Cells;
+  const TWide lowest = WantedValue() - spread - 1;
+  if (lowest <= 0) return {0, 0, FUpperBound};
+  return {slope, static_cast<Int64>(lowest), FUpperBound};
+}
+
 // At the end of an item only, so that which of its passes reached the value first plays no part.
 void TKnapsackSearch::NoteBest() {
-  if (FRow && FRow->BestValue() > FBest) {
+  if (FRow && FRow->BestValue() >= WantedValue()) {
     FBest = FRow->BestValue();
     FBestCell = FRow->BestCell();
     FBestRowPasses = FRow->PassCount();

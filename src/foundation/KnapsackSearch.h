@@ -63,12 +63,14 @@ class TKnapsackSearch {
   Int64 GreedyValueAfterOne(int First) const;
   bool CanWin(const TKnapsackItem& Item) const;
   void DropItems();
+  void DropRoom();
   // The least value that still matters: one known to be reachable, and above the best answer found so far.
   Int64 WantedValue() const;
   void RunItem(int Item);
   void RunPass(const TPass& Pass, Int64 PiecesLeft);
   void MergeStates(const TPass& Pass, Int64 PiecesLeft);
-  void SwitchToRow();
+  void SwitchToRow(const TKnapsackItem& Item);
+  TKnapsackScale ScaleFrom(const TKnapsackItem& Item, Int64 Cells) const;
   void NoteBest();
   void CheckMemory(Int64 States, Int64 Cells, Int64 Passes) const;
 
