@@ -180,7 +180,7 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {
   for (const OptionPlace& row : kOptionPlaces) {
-    if (!IsAtOrBelow(AFault.Place, row.Place) || !row.Given(*this)) continue;
+    if (!IsAtOrBelow(AFault.Place, row.Place) || !(AreTheJob || row.Given(*this))) continue;
     return {AFault.Code, std::string(row.Option), std::string(row.Subject) + AFault.Text, AFault.Detail};
   }
   return AFault;
@@ -192,6 +192,7 @@ Arguments ReadArguments(const CommandLine& Line) {
   result.Id = Line.Id.value();
   result.Positionals = Line.Positionals;
   result.Job = ReadJobOverrides(reader);
+  result.Job.AreTheJob = Line.Positionals.empty();
   result.PlatesFile = reader.Read("--plates", ParseText, "the name of a file").value_or("");
   result.Output = reader.Read("-o", ParseText, "the name of a file").value_or("-");
   result.SvgFolder = reader.Read("--svg", ParseText, "the name of a folder").value_or("");

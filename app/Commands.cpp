@@ -31,6 +31,7 @@ std::string Ended(std::string Text) {
 
 std::string ReadSource(const std::string& Path, Int64 Limit, Messages& Out) {
   Out.SetSource(Path == "-" ? "standard input" : Path);
+  Out.SetReading(true);
   return ReadInput(Path, Limit);
 }
 
@@ -51,6 +52,7 @@ Job JobOfOptions(const JobOverrides& Overrides) {
 Job LoadJob(const Arguments& Args, Messages& Out) {
   if (Args.Positionals.empty()) return JobOfOptions(Args.Job);
   Job job = ReadJob(Args.Positionals.front(), Out);
+  Out.SetReading(false);
   Args.Job.ApplyTo(job);
   return job;
 }
@@ -160,6 +162,7 @@ int RunCheck(const Arguments& Args, Messages& Out) {
   const std::string& resultPath = Args.Positionals[1];
   if (jobPath == "-" && resultPath == "-") throw WrongWord("check can take one of JOB and RESULT as -, not both");
   Job job = ReadJob(jobPath, Out);
+  Out.SetReading(false);
   Args.Job.ApplyTo(job);
   CheckJob(job);
   const Result result = ParseResult(ReadSource(resultPath, limits::kResultBytes, Out));
@@ -214,6 +217,7 @@ Converted ToForm(const Job& AJob, FileForm Form) {
 int RunConvert(const Arguments& Args, Messages& Out) {
   const FileForm to = FormOfFile(Args.Positionals[1], "OUTPUT");
   Job job = ReadAnyForm(Args, Out);
+  Out.SetReading(false);
   Args.Job.ApplyTo(job);
   CheckJob(job);
   const Converted converted = ToForm(job, to);

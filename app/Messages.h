@@ -22,6 +22,10 @@ class Messages {
   void SetSource(std::string Source) { FSource = std::move(Source); }
   const std::string& Source() const { return FSource; }
 
+  // While a document is being read its faults are its own, whatever options would replace in it later.
+  void SetReading(bool Reading) { FReading = Reading; }
+  bool IsReading() const { return FReading; }
+
   const Style& GetStyle() const { return FStyle; }
 
   // platenest: error: job.json: /parts/3/amount: must be ..., found -2
@@ -35,6 +39,7 @@ class Messages {
 
   Style FStyle;
   std::string FSource;
+  bool FReading = false;
 };
 
 // Whether standard error is a terminal that takes colours and rewritten lines.

@@ -47,7 +47,7 @@ int CodeOf(const JobError& Error) {
 int Report(const JobError& Error, const JobOverrides& Overrides, const Messages& Out) {
   bool fromOptions = true;
   for (const Fault& fault : Error.Faults()) {
-    const Fault shown = Overrides.AtOption(fault);
+    const Fault shown = Out.IsReading() ? fault : Overrides.AtOption(fault);
     fromOptions &= shown.Place.starts_with("--");
     Out.Error(shown);
   }

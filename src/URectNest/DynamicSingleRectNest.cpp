@@ -48,7 +48,7 @@ double DynamicSingleRectNest(const TNestRect& PartRect, double PlateHeight, doub
   double lastX = lengths.Last();
   double prevX = lastX;
   TTrimmed best{use(count, PlateHeight, lastX), count, std::nullopt};
-  while (lastX * kLeastLengthDivisor > PlateWidth) {
+  while (lastX * kLeastLengthDivisor > PlateWidth && !RectNestStopped()) {
     lengths.pop_back();
     --count;
     lastX = lengths.Last();

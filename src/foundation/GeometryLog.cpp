@@ -171,7 +171,8 @@ void TGeometryLog::Put(const std::string& Text, std::ostream& File) {
 }
 
 void TGeometryLog::PutFile(const std::string& Text, std::string_view FileName) {
-  const fs::path target = BaseFolder() / "TestLog" / "MetaGeo" / (std::string(FileName) + ".xdr");
+  // Joined as text: a name that begins with a separator stays below the folder.
+  const fs::path target = (BaseFolder() / "TestLog" / "MetaGeo" / "").string() + std::string(FileName) + ".xdr";
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
   if (error) RaiseFileError(target, error.message());

@@ -135,7 +135,8 @@ TPath TPathUtils::CreatePath(const TVPoint2DList& Polyline, double Scale) {
   TPath path;
   path.reserve(Polyline.size());
   for (const TPoint2D& point : Polyline) path.push_back(CreateIntPoint(point, Scale));
-  if (path.size() > 1 && (path.front() == path.back() || Polyline.front() == Polyline.back())) path.pop_back();
+  if (path.size() > 1 && Polyline.front() == Polyline.back()) path.pop_back();
+  while (path.size() > 1 && path.front() == path.back()) path.pop_back();
   return path;
 }
 

@@ -20,6 +20,7 @@ TVRect2D TVRect2D::Inflate(double Margin) const {
 }
 
 TVRect2D TVRect2D::Rotate(double Angle) const {
+  if (!IsValid()) return *this;
   TVRect2D box = InvalidRect;
   for (const TPoint2D& corner : {GetTopLeft(), GetTopRight(), GetBottomRight(), GetBottomLeft()})
     box.ExpandInPlace(TVRect2D(corner.RotateBy(Angle)));

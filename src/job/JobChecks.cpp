@@ -173,9 +173,9 @@ void CheckMethod(const Job& AJob, const KindRule& Rule, FaultList& Faults) {
   const auto locked = std::ranges::find_if(AJob.Parts, isLocked);
   if (locked == AJob.Parts.end()) return;
   if (KeepsLocks(AJob.Kind, method, std::ranges::all_of(AJob.Parts, isLocked))) return;
-  Faults.AddInput("conflict", "/options/method",
-                  Joined(Quoted(method), " turns parts, but /parts/", locked - AJob.Parts.begin(),
-                         " asks for `rotate` none; \"auto\" finds a method that keeps it"));
+  Faults.AddInput(
+      "conflict", "/options/method",
+      Joined(Quoted(method), " turns parts, but /parts/", locked - AJob.Parts.begin(), " asks for `rotate` none"));
 }
 
 // Without limit on both sides a job would never end.

@@ -16,7 +16,7 @@ namespace {
 // A plate side is handed over this much longer than it is, so that sums of doubles do not lose an exact fit. Where all
 // sizes are multiples of a decimal quantum it stays below that quantum and cannot make anything fit that does not.
 constexpr double kMostFitSlack = 1e-6;
-constexpr double kFitSlackWithoutQuantum = 5e-10;
+constexpr double kFitSlackWithoutQuantum = 2.5e-10;
 // The nester shortens every gap from 1.0 on by this much.
 constexpr double kGapShortfall = 1e-9;
 
@@ -33,9 +33,10 @@ TPrepared Prepare(const TOneSize& S, int Amount) {
   job.Decimals = CommonDecimals(std::array{S.PlateWidth, S.PlateHeight, S.PartWidth, S.PartHeight, S.Gap});
   const double slack =
       job.Decimals ? std::min(std::pow(10.0, -*job.Decimals) / 4, kMostFitSlack) : kFitSlackWithoutQuantum;
-  job.PlateWidth = S.PlateWidth + slack;
-  job.PlateHeight = S.PlateHeight + slack;
-  job.Gap = S.Gap >= 1 ? S.Gap + kGapShortfall : S.Gap;
+  const double gapAllowance = S.Gap >= 1 ? kGapShortfall : 0;  // the nester grows its plate by the gap it is given
+  job.PlateWidth = S.PlateWidth + slack - gapAllowance;
+  job.PlateHeight = S.PlateHeight + slack - gapAllowance;
+  job.Gap = S.Gap + gapAllowance;
   job.Part = TNestRect(Amount, 0, TVRect2D::FromSize(S.PartWidth, S.PartHeight));
   job.Part.Area = S.PartWidth * S.PartHeight;
   return job;

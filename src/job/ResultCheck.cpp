@@ -1,10 +1,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <span>
 #include <string>
 
 #include "Assembly.h"
-#include "OneSizeBounds.h"
+#include "OneSizeVerdict.h"
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/Measures.h"
@@ -67,8 +68,8 @@ class TResultCheck {
   void CheckStock(const Result& True);
   void CheckDemand(const Result& True);
   void CheckVerdict();
-  void CheckBounds();
-  void CheckStatus();
+  void CheckReasons();
+  void CheckBoundsAndStatus();
 
   const Job& FJob;
   const Result& FResult;
@@ -78,9 +79,10 @@ class TResultCheck {
 void TResultCheck::CheckHead() {
   Require(FResult.Kind == FJob.Kind, "/kind", "is not the kind of the job");
   Require(FResult.Units == FJob.Units, "/units", "are not the units of the job");
-  Require(FResult.Gap >= FJob.Gap - kLengthTol, "/gap", "is smaller than the gap of the job, " + Number(FJob.Gap));
+  Require(FResult.Name == FJob.Name, "/name", "is not the name of the job");
+  Require(FResult.Gap >= FJob.Gap, "/gap", "is smaller than the gap of the job, " + Number(FJob.Gap));
   for (int i = 0; i < 4; ++i)
-    Require(FResult.Margin[i] >= FJob.Margin[i] - kLengthTol, "/margin/" + std::to_string(i),
+    Require(FResult.Margin[i] >= FJob.Margin[i], "/margin/" + std::to_string(i),
             "is smaller than the margin of the job, " + Number(FJob.Margin[i]));
 }
 
@@ -90,8 +92,8 @@ void TResultCheck::CheckOneLayout(int Index) {
   const auto plate = std::ranges::find(FJob.Plates, layout.Plate, &Plate::Id);
   if (plate == FJob.Plates.end()) return Add(place + "/plate", "names no plate of the job: " + layout.Plate);
   const std::size_t before = FFaults.size();
-  RequireNumber(layout.Width, plate->Width, place + "/width");
-  RequireNumber(layout.Height, plate->Height, place + "/height");
+  Require(layout.Width == plate->Width, place + "/width", "is not that of the plate, " + Number(plate->Width));
+  Require(layout.Height == plate->Height, place + "/height", "is not that of the plate, " + Number(plate->Height));
   Require(!layout.Placements.empty(), place + "/placements", "is empty: an unused plate is no layout");
   CheckPlacements(layout, place);
   if (FFaults.size() != before) return;
@@ -136,6 +138,9 @@ void TResultCheck::CheckFreeBox(const Layout& Stated, const Layout& Measured, co
   const TPlacedBox placed{box[0], box[1], box[2], box[3]};
   const double area = placed.Area();
   const double largest = (Measured.FreeBox[2] - Measured.FreeBox[0]) * (Measured.FreeBox[3] - Measured.FreeBox[1]);
+  const TPlacedBox room{FResult.Margin[0], FResult.Margin[1], Stated.Width - FResult.Margin[2],
+                        Stated.Height - FResult.Margin[3]};
+  if (area != 0 && FirstOutside(std::span(&placed, 1), room)) return Add(Place + "/free_box", "is not on the plate");
   Require(placed.IsProper() && std::fabs(area - largest) <= kLengthTol * std::max(1.0, Stated.Width + Stated.Height),
           Place + "/free_box", "is not a largest free rectangle");
   for (const Placement& part : Stated.Placements) {
@@ -189,33 +194,39 @@ void TResultCheck::CheckDemand(const Result& True) {
 }
 
 void TResultCheck::CheckVerdict() {
-  CheckStatus();
-  if (FJob.Kind == JobKind::One) CheckBounds();
-}
-
-void TResultCheck::CheckStatus() {
+  CheckReasons();
+  if (FJob.Kind == JobKind::One) return CheckBoundsAndStatus();
   const bool isLeft = std::ranges::any_of(FResult.Parts, [](const PartUse& part) { return part.Unplaced > 0; });
   Require(FResult.Status != ResultStatus::Complete || !isLeft, "/status", "says complete beside unplaced copies");
 }
 
-void TResultCheck::CheckBounds() {
-  const TScaledPlate scaled(FJob, FJob.Plates.at(0));
-  const Part& part = FJob.Parts.at(0);
-  const TOneSizeBounds truth = BoundOneSize(
-      {scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height), scaled.Gap});
-  bool isMet = false;
-  for (int i = 0; i < Size(FResult.Bounds); ++i) {
-    const Bound& bound = FResult.Bounds[i];
-    const std::string place = "/bounds/" + std::to_string(i);
-    if (FResult.Gap == FJob.Gap && FResult.Margin == FJob.Margin) {  // else the run asked for less room than the job
-      if (bound.Kind == "area") RequireNumber(bound.Value, static_cast<double>(truth.Area), place + "/value");
-      if (bound.Kind == "barnes") RequireNumber(bound.Value, static_cast<double>(truth.Barnes), place + "/value");
-    }
-    Require(FResult.Parts[0].Placed <= bound.Value, place + "/value", "lies below the count that was placed");
-    isMet = isMet || FResult.Parts[0].Placed >= bound.Value;
-  }
-  Require(FResult.Proved == isMet, "/proved",
-          isMet ? "is false although a bound is met" : "is true although no bound is met");
+void TResultCheck::CheckReasons() {
+  constexpr const char* known[] = {"", "too_large", "no_stock", "time", "left_by_method"};
+  for (int i = 0; i < Size(FResult.Parts); ++i)
+    Require(std::ranges::find(known, FResult.Parts[i].Reason) != std::end(known),
+            "/parts/" + std::to_string(i) + "/reason", "is not a known reason");
+}
+
+// Everything that follows from the placements is worked out again, for the gap and margin that the run was given.
+void TResultCheck::CheckBoundsAndStatus() {
+  Job inForce = FJob;
+  inForce.Gap = FResult.Gap;
+  inForce.Margin = FResult.Margin;
+  Result truth = FResult;
+  truth.Bounds = BoundsOf(inForce);
+  if (!truth.Layouts.empty()) MeasureInto(truth.Layouts[0], FResult.Gap, FResult.Margin);
+  Judge(inForce, truth);
+  Require(FResult.Bounds == truth.Bounds, "/bounds", "are not the bounds of the job");
+  Require(FResult.Proved == truth.Proved, "/proved",
+          truth.Proved ? "is false although a bound is met" : "is true although no bound is met");
+  for (const Bound& bound : truth.Bounds)
+    Require(truth.Parts[0].Placed <= bound.Value, "/layouts", "hold more copies than the bound " + bound.Kind);
+  const bool wasCut = FResult.Status == ResultStatus::TimeLimit || FResult.Status == ResultStatus::Stopped;
+  Require(FResult.Status == truth.Status || (wasCut && truth.Status == ResultStatus::Partial), "/status",
+          "should be " + std::string(StatusName(truth.Status)));
+  const std::string& reason = FResult.Parts[0].Reason;
+  Require(reason == truth.Parts[0].Reason || (wasCut && reason == "time" && truth.Parts[0].Reason == "left_by_method"),
+          "/parts/0/reason", "should be " + truth.Parts[0].Reason);
 }
 
 }  // namespace

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <new>
+#include <thread>
 #include <utility>
 
 #include "Assembly.h"
 #include "OneSize.h"
 #include "OneSizeBounds.h"
+#include "OneSizeVerdict.h"
 #include "RunControl.h"
 
 namespace platenest {
@@ -14,6 +16,10 @@ namespace platenest {
 namespace {
 
 using namespace detail;
+
+int DefaultThreads() {
+  return std::clamp(static_cast<int>(std::thread::hardware_concurrency()), 1, 4);
+}
 
 Result BeginResult(const Job& AJob) {
   Result result;
@@ -24,7 +30,7 @@ Result BeginResult(const Job& AJob) {
   result.Margin = AJob.Margin;
   result.Run.Method = AJob.Run.Method;
   result.Run.Seed = AJob.Run.Seed;
-  result.Run.Threads = AJob.Run.Threads > 0 ? AJob.Run.Threads : 4;
+  result.Run.Threads = AJob.Run.Threads > 0 ? AJob.Run.Threads : DefaultThreads();
   result.Run.TimeLimit = AJob.Run.TimeLimit;
   result.Run.MemoryLimit = AJob.Run.MemoryLimit;
   result.Run.Deterministic = AJob.Run.Deterministic;
@@ -44,12 +50,10 @@ void RequireAnswerable(const Job& AJob) {
                       "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});
 }
 
-// The bounds of a job of kind One in the order in which they are stated. The demand is one too: no more is asked for.
-std::vector<Bound> StateBounds(const Job& AJob, const TOneSizeBounds& Bounds) {
-  std::vector<Bound> stated{{"count", "area", static_cast<double>(Bounds.Area)},
-                            {"count", "barnes", static_cast<double>(Bounds.Barnes)}};
-  if (AJob.Parts[0].Amount) stated.push_back({"count", "demand", static_cast<double>(*AJob.Parts[0].Amount)});
-  return stated;
+[[noreturn]] void RaiseTooManyCopies() {
+  throw LimitError(
+      {"limit", "/parts/0/amount",
+       "more than " + std::to_string(limits::kCopies) + " copies fit, which is the limit; ask for an amount", ""});
 }
 
 // The first answer of the chain that passes the checker.
@@ -77,17 +81,13 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
   throw CheckError({"check", "", "no answer passed the layout check", verdict});
 }
 
-void SetStatus(const TOneSizeBounds& Bounds, int FullCount, Result& AResult) {
+// What the run's end says beside the answer's own verdict.
+void NoteInterruption(const TRunControl& Control, Result& AResult) {
+  if (AResult.Status == ResultStatus::Complete) return;
+  if (!Control.StoppedByCaller() && !Control.OutOfTime()) return;
+  AResult.Status = Control.StoppedByCaller() ? ResultStatus::Stopped : ResultStatus::TimeLimit;
   PartUse& part = AResult.Parts[0];
-  const double bound = static_cast<double>(std::min(Bounds.Area, Bounds.Barnes));
-  AResult.Proved = part.Placed >= bound || (part.Amount && part.Placed >= *part.Amount);
-  const bool isComplete = part.Amount ? part.Unplaced == 0 : part.Placed >= FullCount;
-  AResult.Status = isComplete ? ResultStatus::Complete : ResultStatus::Partial;
-  if (part.Unplaced == 0) return;
-  if (bound == 0)
-    part.Reason = "too_large";
-  else
-    part.Reason = part.Placed >= bound ? "no_stock" : "left_by_method";
+  if (part.Reason == "left_by_method") part.Reason = "time";
 }
 
 Result RunOne(const Job& AJob, TRunControl& Control) {
@@ -95,31 +95,24 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
   const TScaledPlate scaled(AJob, AJob.Plates[0]);
   if (scaled.Width <= 0 || scaled.Height <= 0)
     throw InputError({"range", "/margin", "leaves nothing of plate `" + AJob.Plates[0].Id + "`", ""});
-  const TOneSize sizes{scaled.Width, scaled.Height, scaled.Scale.Up(part.Width), scaled.Scale.Up(part.Height),
-                       scaled.Gap};
+  const TOneSize sizes = SizesOf(AJob);
   const TOneSizeBounds bounds = BoundOneSize(sizes);
+  if (!part.Amount && bounds.Grid > limits::kCopies) RaiseTooManyCopies();
   const Int64 most = std::min(bounds.Area, bounds.Barnes);
-  if (!part.Amount && bounds.Grid > limits::kCopies)
-    throw LimitError({"limit", "/parts/0/amount",
-                      std::to_string(bounds.Grid) + " copies fit, at most " + std::to_string(limits::kCopies) +
-                          " are placed; ask for an amount",
-                      ""});
   // One copy more than can fit, so that the plate and not the amount ends the nest.
-  const int amount = part.Amount.value_or(static_cast<int>(std::min<Int64>(most, 2 * limits::kCopies) + 1));
+  const int amount = part.Amount.value_or(static_cast<int>(std::min<Int64>(most, limits::kCopies) + 1));
 
   Result result = BeginResult(AJob);
-  result.Bounds = StateBounds(AJob, bounds);
+  result.Bounds = BoundsOf(AJob);
   Layout layout = FirstValidLayout(AJob, scaled, sizes, amount, result);
-  int fullCount = Size(layout.Placements);
-  if (result.Run.Method == "trim")  // trimming may give up copies on purpose
-    fullCount = Size(OneSizeMethods("strip", sizes, amount)[0]().Layout);
+  if (Size(layout.Placements) > limits::kCopies) RaiseTooManyCopies();
   if (!layout.Placements.empty()) {
     MeasureInto(layout, AJob.Gap, AJob.Margin);
     result.Layouts.push_back(std::move(layout));
   }
   Account(AJob, result);
-  SetStatus(bounds, fullCount, result);
-  if (Control.StoppedByCaller()) result.Status = ResultStatus::Stopped;
+  Judge(AJob, result);
+  NoteInterruption(Control, result);
   Control.Report({.Phase = result.Run.Method,
                   .Plates = result.Total.Plates,
                   .Usage = result.Total.Usage,

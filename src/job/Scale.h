@@ -25,7 +25,7 @@ class TScale {
 double RoundToTwelveDigits(double V);
 
 // The number of decimal places after which every length is a whole number, if that is at most kMostDecimals.
-inline constexpr int kMostDecimals = 8;
+inline constexpr int kMostDecimals = 9;
 std::optional<int> CommonDecimals(std::span<const double> Lengths);
 
 }  // namespace platenest::detail

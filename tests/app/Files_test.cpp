@@ -117,7 +117,7 @@ TEST(Files, OverTheSizeLimitAreRefusedUnreadAndEndlessStreamsInTime) {
 }
 
 TEST(Files, TooLargeForTheMemoryExitSix) {
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "the sanitizer needs more address space than any limit leaves";
 #endif
   const TempFolder folder;

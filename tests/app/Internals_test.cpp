@@ -124,6 +124,19 @@ TEST(ProgressLines, ObjectsAreHeldBackButTheLastNewsComes) {
   EXPECT_THAT(err, HasSubstr(R"("usage":0.75)"));
 }
 
+TEST(ProgressLines, ObjectsGoOnWithTheTimeWhereNothingImproves) {
+  Process process(RunWith(
+      [](const Job& job, const RunHooks& hooks) {
+        hooks.OnProgress(At(0, "step", 0.25));
+        while (!hooks.Stop->StopRequested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return run(job, {});
+      },
+      {"--json-progress"}));
+  process.AwaitError("\n{\"t\":");  // the former line again, with a later time
+  process.Signal(SIGINT);
+  EXPECT_THAT(process.Finish().Err, HasSubstr(R"("phase":"step","plates":1,"usage":0.25)"));
+}
+
 TEST(ProgressLines, OneLineOfATerminalIsRewrittenAndLeftEmpty) {
   Start start = RunWith(kThreeSteps);
   start.TerminalErr = true;

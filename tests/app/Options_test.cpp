@@ -129,6 +129,12 @@ TEST(Options, OneMarginStandsForFourSidesAndAFaultAtItNamesTheOption) {
               StartsWith("platenest: error: --margin: "));
 }
 
+TEST(Options, AreNamedForLimitsToo) {
+  const Outcome outcome = Execute(Split("one --plate 10000x10000 --part 2x3"));
+  EXPECT_EQ(outcome.Exit, 4);
+  EXPECT_THAT(outcome.Err, StartsWith("platenest: error: --amount: "));
+}
+
 TEST(Options, RequireAllTellsOfDemandThatIsLeft) {
   const std::string line = "one --plate 100x100 --part 60x60 --amount 2 --quiet";
   EXPECT_EQ(Execute(Split(line)).Exit, 0);

@@ -89,9 +89,9 @@ TEST(RunOne, RandomJobsPassTheCheckAndNeverBeatABound) {
 TEST(RunOne, MetresAndMillimetresAgree) {
   for (unsigned seed = 1; seed <= 200; ++seed) {
     TRandomJob random(seed);
-    const double width = std::round(random.Uniform(500, 4000));
-    Job job = OneJob(width, std::round(width * 0.5), std::round(width * random.Uniform(0.02, 0.3)) + 1,
-                     std::round(width * random.Uniform(0.02, 0.3)) + 1, std::round(random.Uniform(0, 6)));
+    const double width = SixDigits(random.Uniform(500, 4000));
+    Job job = OneJob(width, SixDigits(width * 0.5), SixDigits(width * random.Uniform(0.02, 0.3)),
+                     SixDigits(width * random.Uniform(0.02, 0.3)), SixDigits(random.Uniform(0.1, 6)));
     const Result mm = run(job);
     const Result m = run(Times(job, -3));
     ASSERT_EQ(m.Parts[0].Placed, mm.Parts[0].Placed) << "seed " << seed;
@@ -146,13 +146,14 @@ TEST(RunOne, StatusSaysWhyCopiesAreLeft) {
 
   job.Parts[0].Amount = 51;
   result = run(job);
-  EXPECT_EQ(result.Status, ResultStatus::Partial);
+  EXPECT_EQ(result.Status, ResultStatus::Complete) << "the plate is full";
   EXPECT_EQ(result.Parts[0].Reason, "no_stock") << "the bound is met: no layout holds more";
 
   job = OneJob(100, 50, 100.001, 10);
   job.Parts[0].Amount = 1;
   result = run(job);
   EXPECT_TRUE(result.Layouts.empty());
+  EXPECT_EQ(result.Status, ResultStatus::Partial);
   EXPECT_EQ(result.Parts[0].Reason, "too_large");
 }
 
@@ -167,6 +168,22 @@ TEST(RunOne, BoundsCountTheGapAndAreNeverTooLow) {
   EXPECT_EQ(run(OneJob(12, 12, 8, 3)).Bounds.at(1).Value, 5);
 }
 
+// Lengths beyond nine decimals have no common step; what is handed to the nester stays within the promised 1e-6.
+TEST(RunOne, NothingFitsByTheSlackThatKeepsExactFits) {
+  EXPECT_EQ(Placed(OneJob(600000, 0.612345, 50000, 0.612346, 1000)), 0);
+  const Job job = OneJob(660000, 90001, 90000.0000003, 90000, 100000);
+  EXPECT_EQ(FirstFault(job, run(job)), "");
+}
+
+TEST(RunOne, AStopEndsTheTrimmingSearch) {
+  Job job = OneJob(5000, 1000, 17.1, 0.3017);
+  job.Run.Method = "trim";
+  job.Run.TimeLimit = 0.02;
+  const Result result = run(job);
+  EXPECT_LT(result.Run.Seconds, 20) << "unlimited it takes minutes";
+  EXPECT_EQ(FirstFault(job, result), "");
+}
+
 TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
   Job job = OneJob(100, 50, 10, 10);
   job.Parts[0].Turn = Rotate::None;
@@ -178,6 +195,8 @@ TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
   job.Kind = JobKind::Fill;
   EXPECT_EQ(PlaceOfError<InputError>(job), "/kind");
   EXPECT_EQ(PlaceOfError<LimitError>(OneJob(1e5, 1e5, 1, 1)), "/parts/0/amount");
+  EXPECT_EQ(PlaceOfError<LimitError>(OneJob(1000, 1000, 300, 0.003)), "/parts/0/amount")
+      << "by strips, not by the grid";
   job = OneJob(1e5, 1e5, 1, 1);
   job.Parts[0].Amount = 1000;
   EXPECT_EQ(Placed(job), 1000);
@@ -223,7 +242,20 @@ TEST(CheckResult, FindsEveryWrongNumber) {
       {"/plates/0/used", [](Result& r) { r.Plates[0].Used = 0; }},
       {"/parts/0/placed", [](Result& r) { r.Parts[0].Placed -= 1; }},
       {"/parts/0/reason", [](Result& r) { r.Parts[0].Reason.clear(); }},
-      {"/bounds/0/value", [](Result& r) { r.Bounds[0].Value += 1; }},
+      {"/layouts/0/free_box",
+       [](Result& r) {
+         for (double& v : r.Layouts[0].FreeBox) v += 1000;
+       }},
+      {"/name", [](Result& r) { r.Name = "x"; }},
+      {"/bounds", [](Result& r) { r.Bounds[0].Value += 1; }},
+      {"/bounds", [](Result& r) { r.Bounds.clear(); }},
+      {"/bounds",
+       [](Result& r) {
+         r.Bounds.push_back({"count", "stock", 7});
+         r.Proved = true;
+       }},
+      {"/parts/0/reason", [](Result& r) { r.Parts[0].Reason = "too_large"; }},
+      {"/status", [](Result& r) { r.Status = ResultStatus::Partial; }},
       {"/proved", [](Result& r) { r.Proved ^= true; }},
   };
   for (const auto& [place, change] : changes) {
@@ -232,6 +264,29 @@ TEST(CheckResult, FindsEveryWrongNumber) {
     EXPECT_EQ(FirstFault(job, bad).substr(0, std::string(place).size()), place);
     job.Margin = {0, 0, 0, 0};
   }
+}
+
+// The tolerance is granted once: a gap or a plate stated a little wrong does not add another one.
+TEST(CheckResult, GrantsTheToleranceOnce) {
+  const Job job = OneJob(1000, 500, 300, 200, 5);
+  Result bad = run(job);
+  bad.Gap -= 1e-7;
+  EXPECT_EQ(FirstFault(job, bad).substr(0, 4), "/gap");
+  bad.Gap = 5;
+  bad.Layouts[0].Width += 1e-7;
+  EXPECT_EQ(FirstFault(job, bad).substr(0, 16), "/layouts/0/width");
+}
+
+TEST(CheckResult, DoesNotTakeAHalfEmptyPlateForComplete) {
+  const Job job = OneJob(1000, 500, 300, 200, 5);
+  Job less = job;
+  less.Parts[0].Amount = 2;
+  Result bad = run(less);
+  bad.Parts[0].Amount = std::nullopt;
+  EXPECT_EQ(FirstFault(job, bad).substr(0, 7), "/bounds");
+  bad.Bounds.pop_back();
+  bad.Proved = false;
+  EXPECT_EQ(FirstFault(job, bad).substr(0, 7), "/status");
 }
 
 TEST(CheckResult, FindsPartsThatOverlapOrLeaveThePlateOrAreTooMany) {

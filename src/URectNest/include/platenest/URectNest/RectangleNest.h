@@ -87,6 +87,7 @@ class PLATENEST_API TRectangleNest {
 // the copies but not around the plate and may exceed 1.
 // Raises TRangeError when nothing fits, when no X value is left, which happens when all copies share one that lies
 // beyond a third of the plate, and when a trial plate holds nothing. ResultList is unchanged then.
+// A stop request ends the search with the best layout so far.
 // Cost: one strip table per distinct right edge.
 PLATENEST_API double DynamicSingleRectNest(const TNestRect& PartRect, double PlateHeight, double PlateWidth, double Gap,
                                            TNestedRects& ResultList);

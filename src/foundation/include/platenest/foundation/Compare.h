@@ -1,14 +1,15 @@
 #pragma once
 
 #include <cmath>
+#include <concepts>
 #include <span>
 
 #include "platenest/foundation/Export.h"
 #include "platenest/foundation/Types.h"
 
 // Tolerant comparison of lengths. Equality includes the tolerance itself, the two orders are strict beyond it, so for
-// any finite A, B and Tol exactly one of fEqual, fGreat, fSmall holds. None of them is transitive: never a sort or map
-// key.
+// any finite A and B and any Tol not below 0 exactly one of fEqual, fGreat, fSmall holds. None of them is transitive:
+// never a sort or map key. No state; safe on any thread.
 namespace platenest {
 
 inline constexpr double kDefaultTol = 1e-6;  // drawing units
@@ -23,14 +24,24 @@ constexpr bool fEqual(double A, double B, double Tol = kDefaultTol) {
   return (A < B ? B - A : A - B) <= Tol;
 }
 
-constexpr bool fGreat(TExtended A, TExtended B, TExtended Tol) {
-  return A - B > Tol;
+// The same in extended precision, as soon as one argument is extended.
+template <class A, class B, class T>
+concept OneIsExtended = std::same_as<A, TExtended> || std::same_as<B, TExtended> || std::same_as<T, TExtended>;
+
+template <class A, class B, class T = double>
+requires OneIsExtended<A, B, T>
+constexpr bool fGreat(A Left, B Right, T Tol = kDefaultTol) {
+  return TExtended(Left) - TExtended(Right) > TExtended(Tol);
 }
-constexpr bool fSmall(TExtended A, TExtended B, TExtended Tol) {
-  return B - A > Tol;
+template <class A, class B, class T = double>
+requires OneIsExtended<A, B, T>
+constexpr bool fSmall(A Left, B Right, T Tol = kDefaultTol) {
+  return fGreat(TExtended(Right), TExtended(Left), Tol);
 }
-constexpr bool fEqual(TExtended A, TExtended B, TExtended Tol) {
-  return (A < B ? B - A : A - B) <= Tol;
+template <class A, class B, class T = double>
+requires OneIsExtended<A, B, T>
+constexpr bool fEqual(A Left, B Right, T Tol = kDefaultTol) {
+  return !fGreat(TExtended(Left), TExtended(Right), Tol) && !fSmall(TExtended(Left), TExtended(Right), Tol);
 }
 
 // The exact sign of A - B for comparers: -1, 0 or 1, without tolerance and without overflow.

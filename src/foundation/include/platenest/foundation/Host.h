@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string_view>
+#include <type_traits>
 
 #include "platenest/foundation/Export.h"
 #include "platenest/foundation/Types.h"
@@ -24,10 +25,14 @@ class TCerr {
   // Arguments as printf takes them: numbers and const char*.
   template <class Arg, class... Args>
   static void W(const char* Format, Arg First, Args... Rest) noexcept {
+    static_assert((kIsPrintable<Arg> && ... && kIsPrintable<Args>), "numbers and const char* only");
     Print(Format, First, Rest...);
   }
 
  private:
+  template <class T>
+  static constexpr bool kIsPrintable = std::is_arithmetic_v<T> || std::is_convertible_v<T, const char*>;
+
   static PLATENEST_API void Print(const char* Format, ...) noexcept;
 };
 
@@ -38,7 +43,8 @@ using TFreeMemorySource = std::function<Int64()>;
 // Free physical memory in bytes: what the system has available, or what a replaced source says. 0 if it cannot be read.
 PLATENEST_API Int64 FreePhysicalMemory() noexcept;
 
-// Installs a sink or source for its own lifetime; scopes nest like brackets.
+// Installs a sink or source for its own lifetime; scopes nest like brackets. A call that is under way on another thread
+// when the scope ends may still finish in the sink.
 class PLATENEST_API THostProcScope {
  public:
   explicit THostProcScope(THostProc Proc);

@@ -13,7 +13,8 @@ enum class TRectRelation : int {
 };
 using enum TRectRelation;
 
-// Axis-parallel box in drawing units, y up: Left and Bottom are the smallest, Right and Top the largest coordinates.
+// Axis-parallel box in drawing units, y up. No operation raises; an invalid box stays invalid when it is turned or
+// scaled. No state; safe on any thread. Left and Bottom are the smallest, Right and Top the largest coordinates.
 struct TVRect2D {
   double Left = 0;
   double Right = 0;
@@ -37,7 +38,7 @@ struct TVRect2D {
 
   double Width() const { return Right - Left; }
   double Height() const { return Top - Bottom; }
-  double Area() const { return Width() * Height(); }
+  double Area() const { return Width() * Height(); }  // of a valid box
   TPoint2D Center() const { return {(Left + Right) / 2, (Bottom + Top) / 2}; }
   TPoint2D GetTopLeft() const { return {Left, Top}; }
   TPoint2D GetTopRight() const { return {Right, Top}; }
@@ -70,6 +71,7 @@ struct TVRect2D {
   PLATENEST_API TRectRelation RelationWithRectangle(const TVRect2D& Other, double Tol) const;
 
   friend TVRect2D operator*(const TVRect2D& R, double Factor) {
+    if (!R.IsValid()) return R;
     return TVRect2D(R.Left * Factor, R.Right * Factor, R.Top * Factor, R.Bottom * Factor);
   }
 

@@ -48,7 +48,7 @@ struct Layout {
 
 struct Bound {
   std::string What;  // "plates", "count", "value"
-  std::string Kind;  // "area", "barnes", "stock": each holds without trust in a heuristic
+  std::string Kind;  // "area", "barnes", "stock", or "demand" where no more is asked for; each holds for every layout
   double Value = 0;
 
   friend bool operator==(const Bound&, const Bound&) = default;
