@@ -68,6 +68,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
       verdict = error.Text();
       continue;
     }
+    if (answer.Layout.Count() > limits::kCopies) RaiseTooManyCopies();
     Layout layout = AssembleLayout(AJob, AJob.Plates[0], Scaled, answer.Layout);
     const std::string fault = CheckLayout(AJob, layout, AJob.Gap, AJob.Margin);
     if (!fault.empty()) {
@@ -105,7 +106,6 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
   Result result = BeginResult(AJob);
   result.Bounds = BoundsOf(AJob);
   Layout layout = FirstValidLayout(AJob, scaled, sizes, amount, result);
-  if (Size(layout.Placements) > limits::kCopies) RaiseTooManyCopies();
   if (!layout.Placements.empty()) {
     MeasureInto(layout, AJob.Gap, AJob.Margin);
     result.Layouts.push_back(std::move(layout));

@@ -78,6 +78,15 @@ TEST(DynamicSingleRectNest, TrimsToTheBestUsedLength) {
   EXPECT_EQ(trimmed.BoundBox().Right, 6);
 }
 
+TEST(DynamicSingleRectNest, AStopLeavesTheFullPlate) {
+  TStopToken stop;
+  stop.RequestStop();
+  const TStopTokenScope scope(&stop);
+  TNestedRects list;
+  DynamicSingleRectNest(Part(3, 2, 100), 5, 8, 0, list);
+  EXPECT_EQ(list.Count(), 6) << "untrimmed";
+}
+
 TEST(DynamicSingleRectNest, EqualsTheSearchThatBuildsEveryTrial) {
   std::mt19937 random(17);
   std::uniform_real_distribution<double> real(0, 1);

@@ -175,15 +175,6 @@ TEST(RunOne, NothingFitsByTheSlackThatKeepsExactFits) {
   EXPECT_EQ(FirstFault(job, run(job)), "");
 }
 
-TEST(RunOne, AStopEndsTheTrimmingSearch) {
-  Job job = OneJob(5000, 1000, 17.1, 0.3017);
-  job.Run.Method = "trim";
-  job.Run.TimeLimit = 0.02;
-  const Result result = run(job);
-  EXPECT_LT(result.Run.Seconds, 20) << "unlimited it takes minutes";
-  EXPECT_EQ(FirstFault(job, result), "");
-}
-
 TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
   Job job = OneJob(100, 50, 10, 10);
   job.Parts[0].Turn = Rotate::None;
