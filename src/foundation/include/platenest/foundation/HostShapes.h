@@ -6,6 +6,7 @@
 
 // Shapes that a host draws with arcs (LAB) or as chains (M), as far as the debug log needs to know them: their points
 // in drawing units. Arcs arrive here already flattened.
+// One object for one thread at a time, different ones on any thread.
 namespace platenest {
 
 class TLABPolyline {

@@ -5,6 +5,7 @@
 #include "platenest/foundation/Point2D.h"
 
 // Segments, infinite lines and circles of the floating world, in drawing units.
+// No state; safe on any thread. Nothing raises.
 namespace platenest {
 
 // A directed segment.

@@ -11,6 +11,7 @@
 #include "platenest/foundation/Sort.h"
 #include "platenest/foundation/Types.h"
 
+// One object for one thread at a time, different ones on any thread.
 namespace platenest {
 
 // A vector under the standard names, the base of lists with operations of their own. Copies are deep, an index outside

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+// A plain value, without state of its own; safe on any thread.
 namespace platenest {
 
 // A value that may be missing. Value may hold something while HasValue is false, but GetValueOrDefault never shows it.

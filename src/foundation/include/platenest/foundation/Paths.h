@@ -12,6 +12,7 @@
 // objects; no operation changes an argument that is not named as changed. Coordinates are expected below 2^62, the
 // bound of Clipper. Nothing here raises but the conversions from double, which raise TRangeError for NaN and for what
 // does not fit 64 bits. Empty input gives empty output.
+// No state; safe on any thread.
 namespace platenest {
 
 using TIntPoint = ClipperLib::IntPoint;

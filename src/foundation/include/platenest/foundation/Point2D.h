@@ -7,6 +7,7 @@
 #include "platenest/foundation/Types.h"
 
 // Points and free vectors of the floating world: drawing units, y axis up, angles in radians counter-clockwise.
+// No state; safe on any thread. Nothing raises.
 namespace platenest {
 
 struct TPoint2D {

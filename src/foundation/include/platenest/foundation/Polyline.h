@@ -9,8 +9,9 @@
 #include "platenest/foundation/ListOf.h"
 #include "platenest/foundation/Rect2D.h"
 
-// Lines and contours of the floating world, in drawing units. Counter-clockwise is positive. Nothing here raises; empty
-// input gives empty output.
+// Lines and contours of the floating world, in drawing units. Counter-clockwise is positive. Empty input gives empty
+// output; nothing raises but access to an item that the list does not have (TRangeError).
+// The lists hold no shared state: one object for one thread at a time, different ones on any thread.
 namespace platenest {
 
 using TDynPoints2D = std::vector<TPoint2D>;

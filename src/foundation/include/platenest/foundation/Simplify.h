@@ -13,6 +13,7 @@
 // Cost: the method alone is quadratic on inputs whose splits stay lopsided. Once the distance tests have cost more than
 // 32 n log2 n, remaining pieces that exceed Tol are cut at their middle point, which keeps the bound on the distance,
 // keeps some more points than needed, and bounds the whole by O(n log n).
+// No state; safe on any thread.
 namespace platenest {
 
 PLATENEST_API TVPoint2DList DPSimplify(const TVPoint2DList& Points, double Tol, bool Flag = true);

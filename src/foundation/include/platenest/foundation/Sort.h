@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+// No state; safe on any thread.
 namespace platenest {
 
 // Stable merge sort over a three-way comparer (negative, zero, positive). Defined for every comparer: tolerant ones are
