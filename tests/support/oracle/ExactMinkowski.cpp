@@ -11,7 +11,7 @@ namespace {
 
 // Contours of a first batch, and results that are united into one at each level above.
 constexpr std::size_t kFirstBatch = 16;
-constexpr std::size_t kFan = 3;
+constexpr std::size_t kFan = 4;
 
 std::size_t LowestOf(const TPath& Contour) {
   const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.Y < b.Y || (a.Y == b.Y && a.X < b.X); };

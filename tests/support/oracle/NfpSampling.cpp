@@ -16,6 +16,8 @@ namespace platenest {
 
 namespace {
 
+constexpr double kSquareScale = kPathScale * kPathScale;
+
 // So many vertices of the paths are tried as they are, evenly spread if there are more.
 constexpr std::size_t kMostVertices = 100;
 
@@ -73,24 +75,24 @@ TPath Samples(const TPaths& Paths, TIntRect Box, int Count) {
   return samples;
 }
 
-// Whether a place as near as Reach is free; every whole point in the disc is tried, nearest first.
-bool FreeWithin(const TIntPoint& At, double Reach, const TProbe& Probe) {
-  if (Probe.IsFree(At)) return true;
-  const Int64 r = Ceil<Int64>(Reach);
-  if (r > 8) {
+// Every whole point of the disc, or two rings of points where it is large; its centre comes first.
+TPath PlacesWithin(const TIntPoint& At, double Reach) {
+  TPath places{At};
+  if (Reach > 8) {
     for (int i = 0; i < 64; ++i) {
       const double angle = i * std::numbers::pi / 32;
-      const TIntPoint near{At.X + Round(Reach * std::cos(angle)), At.Y + Round(Reach * std::sin(angle))};
-      if (Probe.IsFree(near)) return true;
+      const double radius = i % 2 == 0 ? Reach : Reach / 2;
+      places.push_back({At.X + Round(radius * std::cos(angle)), At.Y + Round(radius * std::sin(angle))});
     }
-    return false;
+    return places;
   }
+  const Int64 r = Floor<Int64>(Reach);
   for (Int64 y = -r; y <= r; ++y) {
     for (Int64 x = -r; x <= r; ++x) {
-      if (static_cast<double>(x * x + y * y) <= Reach * Reach && Probe.IsFree({At.X + x, At.Y + y})) return true;
+      if (static_cast<double>(x * x + y * y) <= Reach * Reach) places.push_back({At.X + x, At.Y + y});
     }
   }
-  return false;
+  return places;
 }
 
 TPaths Without(const TPaths& A, const TPaths& B) {
@@ -106,6 +108,13 @@ TPaths Moved(const TPaths& Polygon, const TIntPoint& At) {
   return TPathUtils::Translate(Polygon, TPathUtils::CreatePointL2D(At));
 }
 
+// No free place in reach of the band, and of the overlap not only a sliver: between two borders that meet at a sharp
+// angle there may be no free whole point near their rounded crossing.
+bool IsDeep(const TIntPoint& At, double Band, const TProbe& Probe) {
+  const TPath places = PlacesWithin(At, Band * kPathScale + 1);
+  return std::none_of(places.begin(), places.end(), Probe.IsFree) && Probe.Depth(At) > Band;
+}
+
 struct TWords {
   const char* MustBeTaken;
   const char* MustBeFree;
@@ -119,9 +128,8 @@ std::string Check(const TPaths& Paths, const TPath& Samples, TPlace FreePlace, c
     const TPlace place = PlaceOf(at, Paths);
     const double distance = DistanceToBorder(at, Paths);
     if (place == FreePlace || place == TPlace::Border) {
-      const bool deep = !FreeWithin(at, band + 1, Probe) && Probe.Depth(at) > Options.Band;
-      if (deep) return TextOf(at, Words.MustBeFree, distance);
-    } else if (distance > band && Probe.IsFree(at)) {
+      if (IsDeep(at, Options.Band, Probe)) return TextOf(at, Words.MustBeFree, distance);
+    } else if (!Options.SafeSideOnly && distance > band && Probe.IsFree(at)) {
       return TextOf(at, Words.MustBeTaken, distance);
     }
   }
@@ -134,7 +142,7 @@ TIntRect SumBox(const TIntRect& Static, const TIntRect& Dynamic) {
 }
 
 // Opened by the band: shrunk, and what remains grown back.
-double AreaBeyond(const TPaths& Region, double Band) {
+double AreaBeyond(const TPaths& Region, double Band, double LeastContour) {
   TClipperOffset inward;
   inward.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
   TPaths core;
@@ -144,7 +152,8 @@ double AreaBeyond(const TPaths& Region, double Band) {
   outward.AddPaths(core, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
   TPaths opened;
   outward.Execute(opened, Band);
-  return TPathUtils::Area(opened) / (kPathScale * kPathScale);
+  std::erase_if(opened, [&](const TPath& c) { return std::abs(ClipperLib::Area(c)) < LeastContour * kSquareScale; });
+  return TPathUtils::Area(opened) / kSquareScale;
 }
 
 }  // namespace
@@ -190,12 +199,12 @@ double TRegionDifference::Relative() const {
   return Exact > 0 ? larger / Exact : std::numeric_limits<double>::infinity();
 }
 
-TRegionDifference CompareRegions(const TPaths& Paths, const TPaths& Exact, double Band) {
+TRegionDifference CompareRegions(const TPaths& Paths, const TPaths& Exact, double Band, double LeastContour) {
   const TPaths given = Normalized(Paths);
   const TPaths exact = Normalized(Exact);
   const double band = Band * kPathScale;
-  return {AreaBeyond(Without(exact, given), band), AreaBeyond(Without(given, exact), band),
-          TPathUtils::Area(exact) / (kPathScale * kPathScale)};
+  return {AreaBeyond(Without(exact, given), band, LeastContour), AreaBeyond(Without(given, exact), band, LeastContour),
+          TPathUtils::Area(exact) / kSquareScale};
 }
 
 }  // namespace platenest

@@ -9,8 +9,9 @@
 namespace platenest {
 
 struct TSamplingOptions {
-  int Samples = 100;  // half over the box of the paths and around, half close to their edges; path vertices come on top
+  int Samples = 100;   // half over the box of the paths and around, half near their edges; vertices of the paths on top
   double Band = 2e-5;  // what a border may be off
+  bool SafeSideOnly = false;  // paths of reduced shapes may forbid free places
 };
 
 // Strictly inside the paths and further than the band from their border the shapes must overlap. On the border or
@@ -29,7 +30,8 @@ std::string CheckInnerFitBySampling(const TPaths& Plate, const TPaths& Part, con
 std::string CheckInnerFitBySampling(const TVHPolygon& Plate, const TVHPolygon& Part, const TPaths& Paths, unsigned Seed,
                                     const TSamplingOptions& Options = {});
 
-// What two regions do not share, in square drawing units, once parts nowhere wider than twice the band are dropped.
+// What two regions do not share, in square drawing units, once parts nowhere wider than twice the band and contours
+// below a least area are dropped.
 struct TRegionDifference {
   double Lost = 0;     // in Exact only: for a no-fit polygon, overlap that the paths allow
   double Surplus = 0;  // in the paths only: for a no-fit polygon, free places that they forbid
@@ -39,6 +41,6 @@ struct TRegionDifference {
   double Relative() const;
 };
 
-TRegionDifference CompareRegions(const TPaths& Paths, const TPaths& Exact, double Band = 2e-5);
+TRegionDifference CompareRegions(const TPaths& Paths, const TPaths& Exact, double Band = 2e-5, double LeastContour = 0);
 
 }  // namespace platenest
