@@ -215,6 +215,9 @@ TEST(ConvexPieces, TakePolygonsThatTouchOrCrossThemselves) {
   EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(touching)) / 1e10, 14);
   const TPaths bow{PathOf({{0, 0}, {2, 2}, {2, 0}, {0, 2}})};
   EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(bow)) / 1e10, 2);
+  const TPaths pentagram{PathOf({{0, 10}, {-6, -8}, {10, 3}, {-10, 3}, {6, -8}})};  // its middle is wound twice
+  EXPECT_NEAR(TPathUtils::Area(ConvexPieces(pentagram)) / 1e10, RegionArea(pentagram), 1e-3);
+  EXPECT_NEAR(CompareRegions(ConvexPieces(pentagram), pentagram).Relative(), 0, 1e-9);
   EXPECT_TRUE(ConvexPieces({}).empty());
 }
 

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "platenest/foundation/Sort.h"
+
 namespace platenest {
 
 namespace {
@@ -37,6 +39,11 @@ bool IsBlocked(const TIntPoint& A, const TIntPoint& B, const TPath& Contour) {
   return false;
 }
 
+template <class Number>
+int CompareNumbers(Number A, Number B) {
+  return (A > B) - (A < B);
+}
+
 struct TBridge {
   std::size_t OnRing;
   std::size_t OnHole;
@@ -53,8 +60,8 @@ std::optional<TBridge> BridgeFrom(std::size_t OnHole, const TPath& Hole, const T
   const TIntPoint& from = Hole[OnHole];
   std::vector<std::size_t> order(Ring.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-    return SquareDistance(Ring[a], from) < SquareDistance(Ring[b], from);
+  SortBy(order, [&](std::size_t a, std::size_t b) {
+    return CompareNumbers(SquareDistance(Ring[a], from), SquareDistance(Ring[b], from));
   });
   for (const std::size_t i : order) {
     if (Ring[i] == from && LooksInside(Ring, i, Hole[(OnHole + 1) % Hole.size()])) return TBridge{i, OnHole};
@@ -83,8 +90,7 @@ void Splice(TPath& Ring, const TPath& Hole, const TBridge& Bridge) {
 std::optional<TPath> OneRing(const TPaths& Polygon) {
   TPath ring = Polygon.front();
   TPaths holes(Polygon.begin() + 1, Polygon.end());
-  std::stable_sort(holes.begin(), holes.end(),
-                   [](const TPath& a, const TPath& b) { return a[LeftmostOf(a)].X < b[LeftmostOf(b)].X; });
+  SortBy(holes, [](const TPath& a, const TPath& b) { return CompareNumbers(a[LeftmostOf(a)].X, b[LeftmostOf(b)].X); });
   while (!holes.empty()) {
     const TPath hole = holes.front();
     holes.erase(holes.begin());
@@ -209,8 +215,9 @@ TPaths WithContacts(const TPaths& Polygon) {
         std::copy_if(other.begin(), other.end(), std::back_inserter(contacts),
                      [&](const TIntPoint& p) { return p != a && p != b && IsOnSegment(p, a, b); });
       }
-      std::sort(contacts.begin(), contacts.end(),
-                [&](const TIntPoint& p, const TIntPoint& q) { return SquareDistance(a, p) < SquareDistance(a, q); });
+      SortBy(contacts, [&](const TIntPoint& p, const TIntPoint& q) {
+        return CompareNumbers(SquareDistance(a, p), SquareDistance(a, q));
+      });
       contacts.erase(std::unique(contacts.begin(), contacts.end()), contacts.end());
       cut.push_back(a);
       cut.insert(cut.end(), contacts.begin(), contacts.end());
@@ -245,7 +252,9 @@ std::vector<TPaths> PolygonsOf(const TPaths& Region) {
 
 std::vector<TPath> ConvexPieces(const TPaths& Polygon) {
   if (Polygon.empty()) return {};
-  if (auto pieces = TryPieces(Polygon)) return std::move(*pieces);
+  if (IsSimple(Polygon)) {
+    if (auto pieces = TryPieces(Polygon)) return std::move(*pieces);
+  }
   std::vector<TPath> all;
   for (const TPaths& polygon : PolygonsOf(Polygon)) {
     const auto pieces = TryPieces(WithContacts(polygon));

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
+
+#include "platenest/foundation/Sort.h"
 
 namespace platenest {
 
@@ -100,11 +103,11 @@ bool AnyStretchInside(std::vector<TSide>& Sides, const TIntRect& Box, const TDou
     TPath stops = std::move(side.Cuts);
     stops.push_back(side.A);
     stops.push_back(side.B);
-    const bool ascending = side.A.X < side.B.X || (side.A.X == side.B.X && side.A.Y < side.B.Y);
-    std::sort(stops.begin(), stops.end(), [&](const TIntPoint& p, const TIntPoint& q) {
-      const bool less = p.X < q.X || (p.X == q.X && p.Y < q.Y);
-      const bool more = q.X < p.X || (q.X == p.X && q.Y < p.Y);
-      return ascending ? less : more;
+    const TIntPoint start = side.A;
+    SortBy(stops, [&](const TIntPoint& p, const TIntPoint& q) {
+      const Int64 toP = std::abs(p.X - start.X) + std::abs(p.Y - start.Y);
+      const Int64 toQ = std::abs(q.X - start.X) + std::abs(q.Y - start.Y);
+      return (toP > toQ) - (toP < toQ);
     });
     stops.erase(std::unique(stops.begin(), stops.end()), stops.end());
     for (std::size_t i = 0; i + 1 < stops.size(); ++i) {

@@ -25,6 +25,8 @@ double DistanceToSegment(const TIntPoint& Point, const TIntPoint& A, const TIntP
 }
 
 bool Meet(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C, const TIntPoint& D) {
+  if (std::max(A.X, B.X) < std::min(C.X, D.X) || std::max(C.X, D.X) < std::min(A.X, B.X)) return false;
+  if (std::max(A.Y, B.Y) < std::min(C.Y, D.Y) || std::max(C.Y, D.Y) < std::min(A.Y, B.Y)) return false;
   if (IsOnSegment(C, A, B) || IsOnSegment(D, A, B) || IsOnSegment(A, C, D) || IsOnSegment(B, C, D)) return true;
   return (Turn(A, B, C) > 0) != (Turn(A, B, D) > 0) && (Turn(C, D, A) > 0) != (Turn(C, D, B) > 0);
 }

@@ -6,6 +6,7 @@
 
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/Rounding.h"
+#include "platenest/foundation/Sort.h"
 
 namespace platenest {
 
@@ -28,8 +29,9 @@ TIntPoint Polar(double Radius, double Angle) {
 }
 
 TPath HullOf(TPath Points) {
-  const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.X < b.X || (a.X == b.X && a.Y < b.Y); };
-  std::sort(Points.begin(), Points.end(), less);
+  SortBy(Points, [](const TIntPoint& a, const TIntPoint& b) {
+    return a.X != b.X ? (a.X > b.X) - (a.X < b.X) : (a.Y > b.Y) - (a.Y < b.Y);
+  });
   Points.erase(std::unique(Points.begin(), Points.end()), Points.end());
   TPath hull;
   for (int pass = 0; pass < 2; ++pass) {
@@ -332,8 +334,12 @@ TJigsaw MakeJigsaw(TShapeKind Kind, int Edges, double Size, double Grow, unsigne
   if (Grow > 0) {
     TClipperOffset offset;
     offset.AddPaths(hole, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
-    offset.Execute(hole, Grow * kPathScale);
-    hole.resize(1);
+    TPaths grown;
+    offset.Execute(grown, Grow * kPathScale);
+    // Where a slit closes there are islands in the hole; the hole is their outline, the contour of largest area.
+    hole = {*std::max_element(grown.begin(), grown.end(), [](const TPath& a, const TPath& b) {
+      return ClipperLib::Area(a) < ClipperLib::Area(b);
+    })};
   }
   const TIntRect box = TPathUtils::BoundBox(hole);
   const Int64 rim = Round(Uniform(0.05, 0.3) * Size * kPathScale);

@@ -44,7 +44,8 @@ struct TShapePair {
 // Any two kinds with up to MostEdges edges each; sizes differ by a factor of up to 5.
 TShapePair MakePair(int MostEdges, unsigned Seed);
 
-// A plate whose only hole is the part, moved to Place. With Grow above 0 the hole is larger by about Grow all round.
+// A plate whose only hole is the part, moved to Place. With Grow above 0 the hole is larger by about Grow all round,
+// and slits of the part that are narrower than twice that close.
 struct TJigsaw {
   TVHPolygon Part;
   TVHPolygon Plate;
