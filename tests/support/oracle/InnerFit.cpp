@@ -1,0 +1,73 @@
+#include "InnerFit.h"
+
+#include <algorithm>
+
+#include "ConvexPieces.h"
+#include "ExactMinkowski.h"
+#include "OverlapDepth.h"
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest {
+
+namespace {
+
+TPath BoxPath(const TIntRect& Box) {
+  return {TPathUtils::CreateIntPoint(Box.Left, Box.Bottom), TPathUtils::CreateIntPoint(Box.Right, Box.Bottom),
+          TPathUtils::CreateIntPoint(Box.Right, Box.Top), TPathUtils::CreateIntPoint(Box.Left, Box.Top)};
+}
+
+TPath Reversed(TPath Contour) {
+  std::reverse(Contour.begin(), Contour.end());
+  return Contour;
+}
+
+// Where the box of the part lies in the box of the plate.
+TIntRect BoxRange(const TIntRect& Plate, const TIntRect& Part) {
+  return {Plate.Left - Part.Left, Plate.Right - Part.Right, Plate.Top - Part.Top, Plate.Bottom - Part.Bottom};
+}
+
+}  // namespace
+
+std::vector<TPaths> PlateSurroundings(const TPaths& Plate, Int64 FrameWidth) {
+  TIntRect frame = TPathUtils::BoundBox(Plate);
+  frame.Left -= FrameWidth;
+  frame.Right += FrameWidth;
+  frame.Top += FrameWidth;
+  frame.Bottom -= FrameWidth;
+  std::vector<TPaths> result{{BoxPath(frame), Reversed(Plate.front())}};
+  for (std::size_t i = 1; i < Plate.size(); ++i) result.push_back({Reversed(Plate[i])});
+  return result;
+}
+
+TPaths InnerFitRegion(const TPaths& Plate, const TPaths& Part) {
+  if (Plate.empty() || Part.empty()) return {};
+  const TIntRect range = BoxRange(TPathUtils::BoundBox(Plate), TPathUtils::BoundBox(Part));
+  if (range.Width() <= 0 || range.Height() <= 0) return {};
+  const std::vector<TPath> moving = ConvexPieces(Negated(Part));
+  TClipper clipper;
+  clipper.AddPath(BoxPath(range), ClipperLib::ptSubject, true);
+  for (const TPaths& obstacle : PlateSurroundings(Plate, Round(kPathScale))) {
+    clipper.AddPaths(MinkowskiSumOfPieces(ConvexPieces(obstacle), moving), ClipperLib::ptClip, true);
+  }
+  TPaths result;
+  clipper.Execute(ClipperLib::ctDifference, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
+  std::erase_if(result, [](const TPath& contour) { return contour.size() < 3; });
+  return result;
+}
+
+TPaths InnerFitRegion(const TVHPolygon& Plate, const TVHPolygon& Part) {
+  return InnerFitRegion(PolygonOf(Plate), PolygonOf(Part));
+}
+
+bool FitsAt(const TPaths& Plate, const TPaths& Part, const TIntPoint& At) {
+  const TPaths moved = TPathUtils::Translate(Part, TPathUtils::CreatePointL2D(At));
+  const TIntRect plate = TPathUtils::BoundBox(Plate);
+  const TIntRect part = TPathUtils::BoundBox(moved);
+  if (part.Left < plate.Left || part.Right > plate.Right) return false;
+  if (part.Bottom < plate.Bottom || part.Top > plate.Top) return false;
+  const std::vector<TPaths> obstacles = PlateSurroundings(Plate, Round(kPathScale));
+  return std::none_of(obstacles.begin(), obstacles.end(),
+                      [&](const TPaths& obstacle) { return Overlaps(obstacle, moved); });
+}
+
+}  // namespace platenest

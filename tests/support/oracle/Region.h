@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platenest/foundation/Paths.h"
+
+// Exact answers about integer polygons at the scale of paths. A polygon is a list of contours with its inside on the
+// left of every edge: the outer contour first and counter-clockwise, holes clockwise. A region is any list of contours
+// under non-zero fill. Points are exact up to 2^60, whatever the length of the edges.
+namespace platenest {
+
+__extension__ using TWide = __int128;
+
+enum class TPlace { Outside, Border, Inside };
+
+// Twice the signed area of the triangle, positive for a left turn at B.
+inline TWide Turn(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) {
+  return static_cast<TWide>(B.X - A.X) * (C.Y - A.Y) - static_cast<TWide>(B.Y - A.Y) * (C.X - A.X);
+}
+
+// On the closed segment.
+bool IsOnSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B);
+
+TPlace PlaceOf(const TIntPoint& Point, const TPaths& Region);
+
+// To the nearest edge of any contour; infinity for an empty region. Path units, exact to rounding.
+double DistanceToBorder(const TIntPoint& Point, const TPaths& Region);
+
+// The path form of a part, turned as a polygon is; contours that round to fewer than three points are left out.
+TPaths PolygonOf(const TVHPolygon& Part);
+TVHPolygon PartOf(const TPaths& Polygon);
+
+// Rotated by half a turn: every point negated. Orientation stays.
+TPaths Negated(const TPaths& Polygon);
+
+// Union under non-zero fill: outers counter-clockwise, holes clockwise, no contour of fewer than three points.
+TPaths Normalized(const TPaths& Region);
+
+// Area in square drawing units under non-zero fill.
+double RegionArea(const TPaths& Region);
+
+// No two edges of all contours meet but neighbours at their common vertex. Quadratic.
+bool IsSimple(const TPaths& Polygon);
+
+}  // namespace platenest
