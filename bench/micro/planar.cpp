@@ -6,6 +6,7 @@
 #include <random>
 
 #include "platenest/foundation/HostShapes.h"
+#include "platenest/foundation/LineIntersector.h"
 
 namespace platenest {
 namespace {
@@ -78,6 +79,61 @@ void OverlapTips(benchmark::State& State) {
   Overlap(State, comb, other, false);
 }
 BENCHMARK(OverlapTips)->Unit(benchmark::kMicrosecond);
+
+void Sweep(benchmark::State& State, const TVLine2DList& Lines, bool IncludeEndpoints) {
+  std::size_t hits = 0;
+  for (auto _ : State) {
+    TLineIntersector sweep(Lines, IncludeEndpoints);
+    sweep.FindInterSect();
+    hits = sweep.Intersections().size();
+  }
+  State.counters["lines"] = static_cast<double>(Lines.size());
+  State.counters["hits"] = static_cast<double>(hits);
+}
+
+// Short lines strewn over a square, about as many crossings as lines.
+TVLine2DList StrewnLines(int Count) {
+  std::mt19937 engine(1);
+  std::uniform_real_distribution<double> place(0, 1000);
+  std::uniform_real_distribution<double> turn(0, 2 * std::numbers::pi);
+  const double length = 1000 * std::sqrt(std::numbers::pi / Count);
+  TVLine2DList lines;
+  for (int i = 0; i < Count; ++i) {
+    const TPoint2D start{place(engine), place(engine)};
+    lines.push_back({start, start + TPoint2D{length, 0}.RotateBy(turn(engine))});
+  }
+  return lines;
+}
+
+void SweepStrewn(benchmark::State& State) {
+  Sweep(State, StrewnLines(static_cast<int>(State.range(0))), false);
+}
+BENCHMARK(SweepStrewn)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// Long lines, nearly parallel, so that half of them are under the sweep at any place, and a hundred that cross a
+// thousand each.
+void SweepLong(benchmark::State& State) {
+  TVLine2DList lines;
+  for (int i = 0; i < 100000; ++i) lines.push_back({{i % 1000 * 0.5, i * 0.01}, {1000.0 + i % 777, i * 0.01 + 3}});
+  for (int i = 0; i < 100; ++i) lines.push_back({{800.0 + i, i * 10.003}, {800.5 + i, i * 10.003 + 10}});
+  Sweep(State, lines, false);
+}
+BENCHMARK(SweepLong)->Unit(benchmark::kMillisecond);
+
+// Walks on a grid: shared ends everywhere, collinear overlaps, crossings at equal places.
+void SweepGrid(benchmark::State& State) {
+  std::mt19937 engine(1);
+  std::uniform_int_distribution<int> step(-3, 3);
+  TVLine2DList lines;
+  TPoint2D at{0, 0};
+  for (int i = 0; i < 100000; ++i) {
+    const TPoint2D next = at + TPoint2D(step(engine), step(engine));
+    lines.push_back({at, next});
+    at = next;
+  }
+  Sweep(State, lines, State.range(0) != 0);
+}
+BENCHMARK(SweepGrid)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace platenest
