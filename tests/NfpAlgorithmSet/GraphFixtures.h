@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platenest/NfpAlgorithmSet/DirectedGraph.h"
+#include "platenest/NfpAlgorithmSet/VectorGraph.h"
 
 namespace platenest {
 
@@ -20,6 +21,13 @@ inline TIdGraph CompleteGraph(int Count) {
   TIdGraph graph(Count);
   for (int a = 0; a < Count; ++a)
     for (int b = 0; b < Count; ++b) graph.AddEdge(a, b);
+  return graph;
+}
+
+inline TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std::vector<std::pair<int, int>>& Edges) {
+  TVectorGraph graph(Size(Points));
+  for (const TPoint2D& point : Points) graph.AddVertex(point);
+  for (const auto& [start, dest] : Edges) graph.AddEdgeNoErr(start, dest);
   return graph;
 }
 

@@ -33,13 +33,6 @@ std::string Last(const std::vector<std::string>& Lines) {
   return Lines.empty() ? "" : Lines.back();
 }
 
-TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std::vector<std::pair<int, int>>& Edges) {
-  TVectorGraph graph(Size(Points));
-  for (const TPoint2D& point : Points) graph.AddVertex(point);
-  for (const auto& [start, dest] : Edges) graph.AddEdgeNoErr(start, dest);
-  return graph;
-}
-
 //     6---7
 //  1--8-2 |     two clockwise squares, cut at their crossings
 //  |  5-9-4     (5 is the lower left corner of the upper one)

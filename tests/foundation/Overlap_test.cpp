@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include "ForEachSeed.h"
+#include "platenest/foundation/HostShapes.h"
+#include "platenest/foundation/Paths.h"
+#include "platenest/foundation/Random.h"
+
+namespace platenest {
+namespace {
+
+TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
+  return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
+}
+
+TVPolyline2D Moved(TVPolyline2D Contour, double X, double Y) {
+  Contour.Translate({X, Y});
+  return Contour;
+}
+
+TVPolyline2D Clockwise(TVPolyline2D Contour) {
+  Contour.SetIsClockwise(true);
+  return Contour;
+}
+
+bool Overlap(const TVPolyline2D& A, const TVPolyline2D& B) {
+  const bool forward = TMPolygon(A).TestOverlap(TMPolygon(B));
+  EXPECT_EQ(TMPolygon(B).TestOverlap(TMPolygon(A)), forward) << "symmetric";
+  EXPECT_EQ(TMPolygon(Clockwise(A)).TestOverlap(TMPolygon(B)), forward) << "a solid has no direction";
+  return forward;
+}
+
+bool InCavity(const TVPolyline2D& Cavity, const TVPolyline2D& Part) {
+  const TMPolygon plate(Clockwise(Cavity), nullptr, true);
+  const TMPolygon part(Part, nullptr, true);
+  EXPECT_EQ(plate.TestOverlap(part), part.TestOverlap(plate));
+  return !plate.TestOverlap(part);
+}
+
+// A star of Count points on the integer grid: angles fall in order, so it is simple.
+TVPolyline2D GridStar(int Count, int Radius) {
+  TVPolyline2D star;
+  for (int i = 0; i < Count; ++i) {
+    const double angle = 2 * std::numbers::pi * i / Count;
+    const double reach = Radius / 2 + Random(Radius / 2 + 1);
+    star.push_back({std::round(reach * std::cos(angle)), std::round(reach * std::sin(angle))});
+  }
+  return star;
+}
+
+// Rectilinear and simple: columns of random height on a common floor.
+TVPolyline2D Skyline(int Columns) {
+  TVPolyline2D line{{0, 0}};
+  line.push_back({double(Columns), 0});
+  for (int i = Columns; i > 0; --i) {
+    const double height = 1 + Random(4);
+    line.push_back({double(i), height});
+    line.push_back({double(i - 1), height});
+  }
+  return line;
+}
+
+double CommonArea(const TVPolyline2D& A, const TVPolyline2D& B) {
+  TClipper clipper;
+  clipper.AddPath(TPathUtils::CreatePath(A, 1000), ClipperLib::ptSubject, true);
+  clipper.AddPath(TPathUtils::CreatePath(B, 1000), ClipperLib::ptClip, true);
+  TPaths common;
+  clipper.Execute(ClipperLib::ctIntersection, common, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
+  return TPathUtils::Area(common, 0) / 1e6;
+}
+
+TEST(Overlap, ContactWithinTheToleranceIsNone) {
+  const TVPolyline2D box = Box(0, 0, 10, 10);
+  const struct {
+    double X, Y;
+    bool Overlaps;
+  } cases[] = {{10, 3, false},       {10, 10, false},         {10 - 0.9e-6, 0, false},
+               {10 - 2e-6, 0, true}, {10 - 2e-6, 5, true},    {10 - 2e-6, 10 - 0.5e-6, false},
+               {10, 0, false},       {20, 0, false},          {0, 0, true},
+               {1e-9, 0, true},      {0.5e-6, -0.5e-6, true}, {3, 0, true}};
+  for (const auto& [x, y, overlaps] : cases) EXPECT_EQ(Overlap(box, Moved(box, x, y)), overlaps) << x << ", " << y;
+  const TVPolyline2D roof{{0, 10}, {5, 12}, {10, 10}};
+  EXPECT_FALSE(Overlap(box, roof));
+  EXPECT_FALSE(Overlap(Box(0, 0, 1000, 10), Moved(Box(0, 0, 1, 1), 500, 10))) << "contact inside a long edge";
+  EXPECT_FALSE(Overlap(box, TVPolyline2D{{10, 5}, {15, 4}, {15, 6}})) << "a tip on an edge";
+  EXPECT_TRUE(Overlap(box, TVPolyline2D{{10 - 2e-6, 5}, {15, 4}, {15, 6}}));
+  EXPECT_FALSE(Overlap(box, TVPolyline2D{{1, 1}, {2, 2}, {3, 3}})) << "without area";
+  EXPECT_FALSE(Overlap(box, TVPolyline2D()));
+}
+
+// A bar through a bar: no vertex of one lies in the other.
+TEST(Overlap, SeesCrossingsWithoutVerticesInside) {
+  EXPECT_TRUE(Overlap(Box(-5, 0, 5, 1), Box(0, -5, 1, 5)));
+  EXPECT_TRUE(Overlap(Box(0, 0, 5, 1), Box(1, 0, 2, 1))) << "a slice whose ends lie on the edges";
+  EXPECT_TRUE(Overlap(Box(0, 0, 5, 5), TVPolyline2D{{0, 0}, {5, 0}, {5, 5}})) << "all vertices shared";
+  EXPECT_TRUE(Overlap(Box(0, 0, 9, 9), Box(4, 4, 5, 5))) << "containment";
+  EXPECT_TRUE(Overlap(Box(0, 0, 9, 9), TVPolyline2D{{0, 4}, {4, 0}, {9, 5}, {5, 9}})) << "inscribed";
+}
+
+/*  +---------+
+    |  +---+  |     The bay of a U takes a bar of its own width. */
+TEST(Overlap, FillsBaysAndCavitiesExactly) {
+  const TVPolyline2D u{{0, 0}, {9, 0}, {9, 9}, {6, 9}, {6, 3}, {3, 3}, {3, 9}, {0, 9}};
+  EXPECT_FALSE(Overlap(u, Box(3, 3, 6, 12)));
+  EXPECT_FALSE(Overlap(u, Box(3 - 0.5e-6, 3, 6 + 0.5e-6, 12)));
+  EXPECT_TRUE(Overlap(u, Box(3 - 2e-6, 3, 6, 12)));
+  EXPECT_TRUE(Overlap(u, Box(2, 4, 7, 5))) << "through both arms";
+  const TVPolyline2D cavity = Box(0, 0, 10, 10);
+  EXPECT_TRUE(InCavity(cavity, cavity));
+  EXPECT_TRUE(InCavity(cavity, Box(1, 1, 2, 2)));
+  EXPECT_TRUE(InCavity(cavity, Box(-0.5e-6, 0, 10, 5)));
+  EXPECT_FALSE(InCavity(cavity, Box(-2e-6, 0, 10, 5)));
+  EXPECT_FALSE(InCavity(cavity, Box(20, 0, 30, 5))) << "outside, in the material";
+  EXPECT_FALSE(InCavity(cavity, Box(-1, -1, 11, 11)));
+  EXPECT_FALSE(InCavity(u, Box(1, 1, 8, 8))) << "spans the bay";
+  EXPECT_TRUE(TMPolygon(Clockwise(cavity), nullptr, true).TestOverlap(TMPolygon(Clockwise(u), nullptr, true)));
+}
+
+TEST(Overlap, AgreesWithTheCommonArea) {
+  ForEachSeed(1500, [](unsigned Seed) {
+    const TRandomScope scope(Seed);
+    const bool rectilinear = Random(2) == 0;
+    const TVPolyline2D a = rectilinear ? Skyline(1 + Random(6)) : GridStar(3 + Random(9), 8);
+    const TVPolyline2D b =
+        Moved(rectilinear ? Skyline(1 + Random(6)) : GridStar(3 + Random(9), 8), Random(15) - 7, Random(15) - 7);
+    const double common = CommonArea(a, b);
+    EXPECT_EQ(Overlap(a, b), common > 1e-3) << common;
+    EXPECT_EQ(InCavity(a, b), std::fabs(common - std::fabs(b.Area())) < 1e-3);
+  });
+}
+
+}  // namespace
+}  // namespace platenest
