@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "PointRelation.h"
+
 namespace platenest::detail {
 
 namespace {
@@ -228,12 +230,7 @@ void TRegion::AddContour(TVPolyline2D Contour, bool Clockwise) {
 
 bool TRegion::Holds(const TPoint2D& Point) const {
   int winding = FUnbounded ? 1 : 0;
-  for (const TEdge& edge : FEdges) {
-    const bool fromAbove = edge.Line.StartPoint.Y > Point.Y;
-    if (fromAbove == (edge.Line.EndPoint.Y > Point.Y)) continue;
-    const double side = TPoint2DUtils::IsLeft(edge.Line.StartPoint, edge.Line.EndPoint, Point);
-    if (fromAbove ? side < 0 : side > 0) winding += fromAbove ? -1 : 1;
-  }
+  for (const TEdge& edge : FEdges) winding += WindingStep(edge.Line, Point);
   return winding > 0;
 }
 

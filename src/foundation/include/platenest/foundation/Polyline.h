@@ -94,6 +94,17 @@ class PLATENEST_API TVHPolygon : public TListOf<TVPolyline2D> {
 class PLATENEST_API TVHPolygonList : public TListOf<TVHPolygon> {
  public:
   using TListOf::TListOf;
+
+  // What the members cover together, as shapes that do not overlap: counter-clockwise outer contours from large to
+  // small, clockwise holes. Coordinates are rounded to 1e-5. The members may run either way. A coordinate beyond the
+  // bound of the integer paths raises. Cost: that of a union by Clipper.
+  TVHPolygonList IntersectSelf() const;
+  // True if two members share material, holes left out; touching within 1e-6 is none. Cost: that of
+  // TMPolygon::TestOverlap for each pair of members whose boxes meet.
+  bool MembersOverlap() const;
+  // 1: Point lies inside a member. 0: on the edge of one, holes included, within Tol, and inside of none. -1: outside
+  // of all, also in a hole. Cost: linear in the members whose boxes hold the point.
+  int RelationWithPoint(const TPoint2D& Point, double Tol) const;
 };
 
 }  // namespace platenest
