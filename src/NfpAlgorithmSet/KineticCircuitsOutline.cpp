@@ -1,4 +1,6 @@
 #include <cmath>
+#include <random>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -44,6 +46,30 @@ TVLine2DList EdgeLines(const TDirectedGraph<int>& Scc, const std::vector<TPoint2
   for (int id = lowest; id <= Scc.MaxVertexId(); ++id)
     for (const int successor : Scc.Successors(id)) lines.push_back({Points[id - lowest], Points[successor - lowest]});
   return lines;
+}
+
+bool Cross(const TVLine2D& A, const TVLine2D& B) {
+  const auto isLeft = [](const TVLine2D& line, const TPoint2D& point) {
+    return TPoint2DUtils::IsLeft(line.StartPoint, line.EndPoint, point) > 0;
+  };
+  const auto apart = [&](const TVLine2D& line, const TVLine2D& other) {
+    return isLeft(line, other.StartPoint) != isLeft(line, other.EndPoint);
+  };
+  return apart(A, B) && apart(B, A);
+}
+
+// The same pairs in every run, so the answer is the same as well.
+bool CrossTooOften(const TVLine2DList& Lines) {
+  const double count = static_cast<double>(Lines.size());
+  const double pairs = count * (count - 1) / 2;
+  if (pairs <= kMostCrossings) return false;
+  std::mt19937 random;
+  int crossings = 0;
+  for (int i = 0; i < kPairsSampled; ++i) {
+    const TVLine2D& line = Lines[random() % Lines.size()];
+    if (Cross(line, Lines[random() % Lines.size()])) ++crossings;
+  }
+  return crossings * (pairs / kPairsSampled) > kMostCrossings;
 }
 
 // A crossing as one of its two lines sees it.
@@ -128,6 +154,7 @@ bool TKineticCircuits::TryCalcOutline(const TDirectedGraph<int>& Scc) {
   std::vector<TPoint2D> points(Graph.Vertices().begin() + Scc.LowestId(), Graph.Vertices().end());
   LevelEdges(Scc, points);
   const TVLine2DList lines = EdgeLines(Scc, points);
+  if (CrossTooOften(lines)) return false;
   TLineIntersector sweep(lines, false);
   sweep.FindInterSect();
   const int crossings = Size(sweep.Intersections());

@@ -108,8 +108,12 @@ inline constexpr double kLevelRunAbove = 1e-6;
 inline constexpr double kLevelSlopeAbove = 1e-11;
 inline constexpr double kLevelSlopeBelow = 1e-6;
 inline constexpr double kLevelRiseBelow = 5e-6;
-// It is worth its cost only where edges cross much: crossings per vertex, and vertices with more edges than this must
-// not be more than the crossings.
+// Where edges cross more often than this an arrangement costs more than a search on reduced loops. The crossings are
+// estimated from pairs of edges picked at random.
+inline constexpr double kMostCrossings = 1e6;
+inline constexpr int kPairsSampled = 200'000;
+// It is worth its cost only where edges cross often enough: crossings per vertex, and vertices with more edges than
+// this must not be more than the crossings.
 inline constexpr double kCrossingsPerVertex = 0.32;
 inline constexpr int kDegreeAbove = 1;
 

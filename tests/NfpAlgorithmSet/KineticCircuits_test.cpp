@@ -257,6 +257,33 @@ TEST(KineticCircuits, LeavesTheRestToSpecialCyclesAfter68Loops) {
   EXPECT_EQ(search.TotalOuterCyclePoints(), 100 + 80 * 101);
 }
 
+// Two giant rings of 2500 and 2000 vertices among small ones, the shorter one as far across as told.
+int MainComponentAmongGiants(double Radius, int SmallRings, int Vertices) {
+  std::vector<TPoint2D> points = OnCircle(2500, 100);
+  for (const TPoint2D& point : OnCircle(2000, Radius)) points.push_back(point);
+  points.resize(static_cast<std::size_t>(Vertices));
+  TVectorGraph graph = VectorGraphOf(points, {});
+  int first = 0;
+  const auto addRing = [&](int length) {
+    for (int i = 0; i < length; ++i) graph.AddEdge(first + i, first + (i + 1) % length);
+    first += length;
+  };
+  addRing(2500);
+  addRing(2000);
+  for (int i = 0; i < SmallRings; ++i) addRing(3);
+  TKineticCircuits search(graph, 2);
+  EXPECT_TRUE(search.DFSLoops(false, ntComplete, 0));
+  EXPECT_EQ(Size(search.GetCircuit(0)), search.LongestSccCount());
+  return search.LongestSccCount();
+}
+
+TEST(KineticCircuits, PrefersTheWiderOfTwoGiantsInALargeGraphOfManyComponents) {
+  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66667), 2000);
+  EXPECT_EQ(MainComponentAmongGiants(99, 80, 66667), 2500);
+  EXPECT_EQ(MainComponentAmongGiants(101, 79, 66667), 2500);
+  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66666), 2500);
+}
+
 // Petals 0 -> a -> b -> c -> 0, each with a short cut from a to c that the loops leave out.
 TEST(KineticCircuits, EndsAfter260SpecialCycles) {
   constexpr int petals = 400;
@@ -399,6 +426,19 @@ TEST(CircuitOutline, SavesADenseGraphOfSimilarOutlinesOnly) {
   TKineticCircuits unlike(eared, 2);
   EXPECT_FALSE(unlike.DFSLoops(false, ntComplete, 2));
   EXPECT_TRUE(unlike.SccOutline().empty());
+}
+
+// Thirty thousand edges across one disc would cross some hundred million times.
+TEST(CircuitOutline, IsNotTriedWhereItWouldNotEnd) {
+  constexpr int count = 5000;
+  std::mt19937 random(1);
+  TVectorGraph graph = OnCircleGraph(count, {});
+  for (int i = 0; i < 6 * count; ++i) graph.AddEdge(i % count, static_cast<int>(random() % count));
+  TKineticCircuits search(graph, 2);
+  EXPECT_FALSE(search.DFSLoops(false, ntComplete, 0));
+  EXPECT_TRUE(search.SccOutline().empty());
+  EXPECT_GT(search.CircuitCount(), 5);
+  for (int i = 0; i < search.CircuitCount(); ++i) CheckCircuit(graph, search.GetCircuit(i));
 }
 
 TEST(KineticCircuits, GuardsTheSearchOfTheMainComponent) {

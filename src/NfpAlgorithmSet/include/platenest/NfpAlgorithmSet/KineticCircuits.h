@@ -73,7 +73,9 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
   void FindCycle(int a, int b);
   void AddEdgeVisited(std::span<const int> Cycle);
   void AddInCycle(std::span<const int> Cycle);
-  // The outer boundary of the arrangement of all edges of a component; true if FSccOutline was made.
+  // The outer boundary of the arrangement of all edges of a component; true if FSccOutline was made. Made only where
+  // the edges cross often enough to be a tangle, and not so often (about a million times) that the arrangement would
+  // cost more than a search on reduced loops.
   bool TryCalcOutline(const TDirectedGraph<int>& Scc);
   // How many circuits the first walk through a component of n vertices may find. Not monotone: it drops from 157 to 152
   // at 4500 vertices.
