@@ -16,13 +16,6 @@ inline TIdGraph GraphOf(int Count, const std::vector<std::pair<int, int>>& Edges
   return graph;
 }
 
-inline TIdGraph CompleteGraph(int Count) {
-  TIdGraph graph(Count);
-  for (int a = 0; a < Count; ++a)
-    for (int b = 0; b < Count; ++b) graph.AddEdge(a, b);
-  return graph;
-}
-
 // First -> First + 1 -> ... -> First + Length - 1 -> First.
 inline void AddRing(TIdGraph& Graph, int First, int Length) {
   for (int i = 0; i < Length; ++i) Graph.AddEdgeNoErr(First + i, First + (i + 1) % Length);

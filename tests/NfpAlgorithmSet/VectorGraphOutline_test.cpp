@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,9 +9,6 @@
 
 namespace platenest {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct TWalkResult {
   bool Found = false;
@@ -29,10 +25,6 @@ TWalkResult Walk(TVectorGraph& Graph) {
   return result;
 }
 
-std::string Last(const std::vector<std::string>& Lines) {
-  return Lines.empty() ? "" : Lines.back();
-}
-
 TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std::vector<std::pair<int, int>>& Edges) {
   TVectorGraph graph(Size(Points));
   for (const TPoint2D& point : Points) graph.AddVertex(point);
@@ -44,50 +36,42 @@ TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std::vecto
 //  1--8-2 |     two clockwise squares, cut at their crossings
 //  |  5-9-4     (5 is the lower left corner of the upper one)
 //  0----3
-TEST(OutlineWalk, KeepsToTheOutsideAtCrossings) {
-  TVectorGraph graph =
-      VectorGraphOf({{0, 0}, {0, 4}, {4, 4}, {4, 0}, {6, 2}, {2, 2}, {2, 6}, {6, 6}, {2, 4}, {4, 2}},
-                    {{0, 1}, {1, 8}, {8, 2}, {2, 9}, {9, 3}, {3, 0}, {5, 8}, {8, 6}, {6, 7}, {7, 4}, {4, 9}, {9, 5}});
-  const TWalkResult result = Walk(graph);
-  EXPECT_TRUE(result.Found);
-  EXPECT_THAT(result.Cycle, ElementsAre(7, 4, 9, 3, 0, 1, 8, 6)) << "from the top, the right one of equals";
-  EXPECT_THAT(result.Warnings, IsEmpty());
-}
+const std::vector<TPoint2D> kSquares{{0, 0}, {0, 4}, {4, 4}, {4, 0}, {6, 2}, {2, 2}, {2, 6}, {6, 6}, {2, 4}, {4, 2}};
+const std::vector<TPoint2D> kOverlap{{0, 10}, {5, 5}, {10, 0}, {0, 0}};  // 0 -> 1 lies on 0 -> 2
+// 2 is reached a second time; the last three are only to let the walk be longer.
+const std::vector<TPoint2D> kTwice{{2, 8}, {5, 0}, {0, 0},   {0, -4},   {8, -4},
+                                   {3, 3}, {0, 5}, {-9, -9}, {-10, -9}, {-11, -9}};
 
-TEST(OutlineWalk, TakesARingThatIsTheWholeGraph) {
-  TVectorGraph ring = VectorGraphOf({{0, 0}, {0, 4}, {4, 4}, {4, 0}}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}});
-  EXPECT_TRUE(Walk(ring).Found);
-  TVectorGraph pair = VectorGraphOf({{0, 0}, {0, 4}}, {{0, 1}, {1, 0}});
-  EXPECT_FALSE(Walk(pair).Found) << "two vertices bound nothing";
-  TVectorGraph empty(0);
-  EXPECT_FALSE(Walk(empty).Found);
-}
-
-TEST(OutlineWalk, FailsAtDeadEndsAloudAndInSideLoopsSilently) {
-  TVectorGraph deadEnd = VectorGraphOf({{0, 5}, {1, 0}, {2, 0}}, {{0, 1}, {1, 2}});
-  const TWalkResult dead = Walk(deadEnd);
-  EXPECT_FALSE(dead.Found);
-  EXPECT_THAT(dead.Cycle, ElementsAre(0, 1, 2)) << "as far as it came";
-  EXPECT_THAT(dead.Warnings, ElementsAre("Fatal Error in [TryCalcOutline]"));
-  TVectorGraph sideLoop = VectorGraphOf({{0, 5}, {1, 0}, {2, 0}, {3, 1}}, {{0, 1}, {1, 2}, {2, 3}, {3, 1}});
-  const TWalkResult lost = Walk(sideLoop);
-  EXPECT_FALSE(lost.Found);
-  EXPECT_EQ(lost.Cycle.size(), 4u);
-  EXPECT_THAT(lost.Warnings, IsEmpty());
-}
-
-// The way 0 1 2 3 4 5 2 6 comes to 2 a second time from the side, where the vertex that it took before would be the
-// outer one again.
-TEST(OutlineWalk, DoesNotTakeAVertexAgainWhereItHasAChoice) {
-  for (const bool takenFirst : {false, true}) {
-    std::vector<TPoint2D> points{{2, 8}, {5, 0}, {0, 0}, {0, -4}, {8, -4}, {3, 3}, {0, 5}};
-    for (int i = 0; i < 3; ++i) points.push_back({-9.0 - i, -9});  // only to let the walk be longer
-    TVectorGraph graph = VectorGraphOf(
-        points, {{0, 1}, {1, 2}, {2, takenFirst ? 3 : 6}, {2, takenFirst ? 6 : 3}, {3, 4}, {4, 5}, {5, 2}, {6, 0}});
+TEST(OutlineWalk, GoesRoundTheOutsideOrTellsWhyNot) {
+  using TEdges = std::vector<std::pair<int, int>>;
+  const auto walk = [](const std::vector<TPoint2D>& points, const TEdges& edges, const std::string& warning = {}) {
+    TVectorGraph graph = VectorGraphOf(points, edges);
     const TWalkResult result = Walk(graph);
-    EXPECT_TRUE(result.Found);
-    EXPECT_THAT(result.Cycle, ElementsAre(0, 1, 2, 3, 4, 5, 2, 6));
+    EXPECT_EQ(result.Warnings, std::vector<std::string>(warning.empty() ? 0 : 1, warning));
+    return std::pair(result.Found, result.Cycle);
+  };
+  const auto found = [](const std::vector<int>& cycle) { return std::pair(true, cycle); };
+  const auto lost = [](const std::vector<int>& cycle) { return std::pair(false, cycle); };
+  const TEdges squares = {{0, 1}, {1, 8}, {8, 2}, {2, 9}, {9, 3}, {3, 0},
+                          {5, 8}, {8, 6}, {6, 7}, {7, 4}, {4, 9}, {9, 5}};
+  EXPECT_EQ(walk(kSquares, squares), found({7, 4, 9, 3, 0, 1, 8, 6})) << "from the top, the right one of equals";
+  EXPECT_FALSE(walk({{0, 0}, {0, 4}}, {{0, 1}, {1, 0}}).first) << "two vertices bound nothing";
+  EXPECT_EQ(walk({{0, 5}, {1, 0}, {2, 0}}, {{0, 1}, {1, 2}}, "Fatal Error in [TryCalcOutline]"), lost({0, 1, 2}))
+      << "dead end, as far as it came";
+  const auto sideLoop = walk({{0, 5}, {1, 0}, {2, 0}, {3, 1}}, {{0, 1}, {1, 2}, {2, 3}, {3, 1}});
+  EXPECT_TRUE(!sideLoop.first && sideLoop.second.size() == 4) << "silently";
+  for (const int next : {3, 6}) {
+    const TEdges twice = {{0, 1}, {1, 2}, {2, next}, {2, 9 - next}, {3, 4}, {4, 5}, {5, 2}, {6, 0}};
+    EXPECT_EQ(walk(kTwice, twice), found({0, 1, 2, 3, 4, 5, 2, 6})) << "no vertex again where there is a choice";
   }
+  for (const int next : {1, 2})
+    EXPECT_EQ(walk(kOverlap, {{0, next}, {0, 3 - next}, {1, 3}, {2, 3}, {3, 0}}), found({0, 1, 2, 3}))
+        << "over the shorter edge to the longer one's end";
+  const TEdges twins = {{0, 2}, {0, 1}, {2, 3}, {1, 4}, {3, 4}, {4, 0}};
+  EXPECT_EQ(
+      walk({{0, 10}, {5, 5 + 5e-7}, {5, 5}, {10, 0}, {0, 0}}, twins, "Same Edge(2-1) Overlap in [TryCalcOutline]"),
+      found({0, 1, 3, 4}))
+      << "of two equal edges the outer one takes over the other's way";
 }
 
 // Far ends 8e-5 apart make one direction, 1.8e-4 make two.
@@ -105,28 +89,6 @@ TEST(OutlineWalk, TellsLongEdgesApartByTheDistanceOfTheirEnds) {
   }
 }
 
-// 0 -> 1 lies on 0 -> 2: the walk goes over 1 and on to 2, where the longer edge ends.
-TEST(OutlineWalk, ContinuesTheShorterOfTwoOverlappingEdgesToTheLongersEnd) {
-  for (const bool longFirst : {false, true}) {
-    TVectorGraph graph = VectorGraphOf({{0, 10}, {5, 5}, {10, 0}, {0, 0}},
-                                       {{0, longFirst ? 2 : 1}, {0, longFirst ? 1 : 2}, {1, 3}, {2, 3}, {3, 0}});
-    const TWalkResult result = Walk(graph);
-    EXPECT_TRUE(result.Found);
-    EXPECT_THAT(result.Cycle, ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(result.Warnings, IsEmpty());
-  }
-}
-
-// The two far ends 1 and 2 are 5e-7 apart across the edge: the outer one, 1, takes over the way from 2 to 3.
-TEST(OutlineWalk, JoinsTheWaysFromTwoEqualEdges) {
-  TVectorGraph graph = VectorGraphOf({{0, 10}, {5, 5 + 5e-7}, {5, 5}, {10, 0}, {0, 0}},
-                                     {{0, 2}, {0, 1}, {2, 3}, {1, 4}, {3, 4}, {4, 0}});
-  const TWalkResult result = Walk(graph);
-  EXPECT_TRUE(result.Found);
-  EXPECT_THAT(result.Cycle, ElementsAre(0, 1, 3, 4));
-  EXPECT_THAT(result.Warnings, ElementsAre("Same Edge(2-1) Overlap in [TryCalcOutline]"));
-}
-
 // From the top to far ends on one line, then all of them home over the last vertex.
 TEST(OutlineWalk, GivesUpOnTheFourthOverlapAtOneVertex) {
   for (const int along : {4, 5}) {
@@ -137,7 +99,8 @@ TEST(OutlineWalk, GivesUpOnTheFourthOverlapAtOneVertex) {
     graph.AddEdge(along + 1, 0);
     const TWalkResult result = Walk(graph);
     EXPECT_EQ(result.Found, along == 4);
-    EXPECT_EQ(Last(result.Warnings), along == 4 ? "" : "Something wrong in [TryCalcOutline]");
+    EXPECT_EQ(result.Warnings.empty() ? "" : result.Warnings.back(),
+              along == 4 ? "" : "Something wrong in [TryCalcOutline]");
   }
 }
 
@@ -157,7 +120,7 @@ TEST(OutlineWalk, GivesUpAtTheSixthPairOfEqualEdges) {
     const TWalkResult result = Walk(graph);
     EXPECT_EQ(result.Found, doubles == 5);
     EXPECT_EQ(Size(result.Warnings), doubles == 5 ? 5 : 7);
-    EXPECT_EQ(Last(result.Warnings) == "Something Error in [TryCalcOutline]", doubles == 6);
+    EXPECT_EQ(result.Warnings.back() == "Something Error in [TryCalcOutline]", doubles == 6);
   }
 }
 

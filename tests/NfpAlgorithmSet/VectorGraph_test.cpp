@@ -5,7 +5,9 @@
 
 #include <cmath>
 #include <map>
+#include <numeric>
 #include <random>
+#include <tuple>
 #include <utility>
 
 #include "GraphFixtures.h"
@@ -85,15 +87,13 @@ TEST(VectorGraph, BoldFactorIsTakenBetweenItsBoundsAndGoneAfterwards) {
 
 TEST(VectorGraph, ChipsCancelOnlyWithDxorAndCountOnce) {
   const TChipList chips = Loop({{0, 0}, {1, 0}});
-  EXPECT_EQ(EdgeCount(TVectorGraph(chips, true)), 0);
-  EXPECT_EQ(EdgeCount(TVectorGraph(chips, false)), 2);
   for (const bool dxor : {false, true}) {
+    EXPECT_EQ(EdgeCount(TVectorGraph(chips, dxor)), dxor ? 0 : 2);
     EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0]}, dxor)), 1) << "multiplicity is lost";
     EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[0], chips[1]}, dxor)), dxor ? 0 : 2);
     EXPECT_EQ(EdgeCount(TVectorGraph({chips[0], chips[1], chips[1]}, dxor)), dxor ? 1 : 2);
     const TVectorGraph inOneCell({{{0.000001, 0}, {0.000009, 0}}}, dxor);
-    EXPECT_EQ(inOneCell.VertexCount(), 1);
-    EXPECT_EQ(EdgeCount(inOneCell), 0);
+    EXPECT_TRUE(inOneCell.VertexCount() == 1 && EdgeCount(inOneCell) == 0);
   }
 }
 
@@ -192,27 +192,19 @@ std::map<TUnit, int> UnitCounts(const TVectorGraph& Graph) {
 // What runs along a line more in one direction than in the other stays once, in that direction; the rest goes.
 TEST(VectorGraph, OverlapsCancelExactlyOnClosedWaysOverAGrid) {
   std::mt19937 random(9);
+  const auto below = [&](int Limit) { return static_cast<double>(random() % Limit); };
   for (int round = 0; round < 300; ++round) {
     TChipList chips;
-    const int loops = 1 + static_cast<int>(random() % 5);
-    for (int i = 0; i < loops; ++i) {
-      const double x = static_cast<double>(random() % 6);
-      const double y = static_cast<double>(random() % 6);
-      const double w = 1.0 + static_cast<double>(random() % 6);
-      const double h = 1.0 + static_cast<double>(random() % 6);
-      const bool back = random() % 2 == 0;
-      chips = chips + (back ? Loop({{x, y}, {x, y + h}, {x + w, y + h}, {x + w, y}})
-                            : Loop({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}));
+    for (int i = round % 5; i >= 0; --i) {
+      const double x = below(6), y = below(6), r = x + 1 + below(6), t = y + 1 + below(6);
+      chips = chips + (below(2) == 0 ? Loop({{x, y}, {x, t}, {r, t}, {r, y}}) : Loop({{x, y}, {r, y}, {r, t}, {x, t}}));
     }
-    TVectorGraph graph(chips, random() % 2 == 0);
+    TVectorGraph graph(chips, round % 2 == 0);
     auto expected = UnitCounts(graph);
     graph.EliminateEdges(true);
-    const auto found = UnitCounts(graph);
-    for (auto& [unit, count] : expected) {
-      const auto place = found.find(unit);
-      ASSERT_EQ(place == found.end() ? 0 : place->second, Sign(count, 0)) << "round " << round;
-    }
+    auto found = UnitCounts(graph);
     for (const auto& [unit, count] : found) ASSERT_TRUE(expected.contains(unit));
+    for (const auto& [unit, count] : expected) ASSERT_EQ(found[unit], Sign(count, 0)) << "round " << round;
   }
 }
 
@@ -276,38 +268,25 @@ TEST(VectorGraph, OverlapsAtTheEdgesOfTheRule) {
 
 TEST(VectorGraph, BoundAndExtremaOfAComponent) {
   std::vector<TPoint2D> points;
-  for (int i = 0; i < 20; ++i)
-    points.push_back({1.0 * i, i == 7 ? 0.1 : 0.004 * i});  // bottom, all but one within 0.09
-  points.push_back({25, 5});
-  points.push_back({25.05, 7});
-  points.push_back({25.02, 8});
-  points.push_back({12, 8});
-  points.push_back({10, 9});
-  points.push_back({-3, 4});
+  for (int i = 0; i < 20; ++i) points.push_back({1.0 * i, i == 7 ? 0.1 : 0.004 * i});  // all but one within 0.09
+  points.insert(points.end(), {{25, 5}, {25.05, 7}, {25.02, 8}, {12, 8}, {10, 9}, {-3, 4}});
   const TVectorGraph graph(Loop(points), false);
-  std::vector<int> scc;
-  for (int id = 0; id < graph.VertexCount(); ++id) scc.push_back(id);
+  std::vector<int> scc(points.size());
+  std::iota(scc.begin(), scc.end(), 0);
   const TVRect2D bound = graph.GetBound(scc);
-  EXPECT_EQ(bound.Left, -3);
-  EXPECT_EQ(bound.Right, 25.05);
-  EXPECT_EQ(bound.Bottom, 0);
-  EXPECT_EQ(bound.Top, 9);
+  EXPECT_EQ(std::tuple(bound.Left, bound.Right, bound.Bottom, bound.Top), std::tuple(-3, 25.05, 0, 9));
   EXPECT_FALSE(graph.GetBound({}).IsValid());
 
   TVertexIdList extrema;
   graph.GetExtrema(scc, extrema);
-  ASSERT_EQ(extrema.size(), 14u + 1 + 3 + 1 + 4);
-  const std::vector<int> sides(extrema.begin(), extrema.begin() + 19);
-  EXPECT_THAT(sides, ElementsAre(0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 24, 20, 21, 22, 25));
+  std::vector<int> expected{0, 1, 2, 3, 4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 24, 20, 21, 22, 25};
   // Seen from a third of the way between 22 and 25, and from two thirds.
-  const TPoint2D inner[] = {{25.02 - 28.02 / 3, 8 - 4.0 / 3}, {25.02 - 2 * 28.02 / 3, 8 - 8.0 / 3}};
-  for (int i = 0; i < 2; ++i) {
-    int right = -1;
-    int left = -1;
-    TPolygonBasicAlgo::PointTangants(graph.Vertices(), inner[i], right, left);
-    EXPECT_EQ(extrema[19 + 2 * i], right);
-    EXPECT_EQ(extrema[20 + 2 * i], left);
+  for (const TPoint2D& inner : {TPoint2D{25.02 - 28.02 / 3, 8 - 4.0 / 3}, {25.02 - 2 * 28.02 / 3, 8 - 8.0 / 3}}) {
+    int right = -1, left = -1;
+    TPolygonBasicAlgo::PointTangants(graph.Vertices(), inner, right, left);
+    expected.insert(expected.end(), {right, left});
   }
+  EXPECT_EQ(Ids(extrema), expected);
 }
 
 }  // namespace
