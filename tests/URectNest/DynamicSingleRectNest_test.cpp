@@ -57,15 +57,9 @@ double SearchWithLists(const TNestRect& Part, double H, double W, double Gap, TN
   return ratio;
 }
 
-TEST(DynamicSingleRectNest, AnAmountBelowThePlateIsThePlainNest) {
-  TNestedRects list{TNestedRect()};
-  EXPECT_DOUBLE_EQ(DynamicSingleRectNest(Part(30, 20, 4), 100, 200, 0, list), 4 * 600 / 20000.0);
-  EXPECT_EQ(list.Count(), 4) << "what was in the list is gone";
-}
-
 TEST(DynamicSingleRectNest, TrimsToTheBestUsedLength) {
   // A length of 6 holds five copies without waste; the sixth one on the whole length of 8 costs more than it brings.
-  TNestedRects trimmed;
+  TNestedRects trimmed{TNestedRect()};
   EXPECT_NEAR(DynamicSingleRectNest(Part(3, 2, 100), 5, 8, 0, trimmed), 0.8, 1e-12) << "the last ratio, not the best";
   EXPECT_EQ(trimmed.Count(), 5);
   EXPECT_EQ(trimmed.BoundBox().Right, 6);

@@ -62,6 +62,19 @@ TEST(MinHeap, TiesGoLeftAndNeverMoveAnEqualParent) {
   EXPECT_THAT(ArrayOf(heap), ElementsAre(23, 20, 21, 22)) << "equal children do not displace their parent";
 }
 
+TEST(MinHeap, OrdersByTheComparerOrByTheKeysNeverByBoth) {
+  TMinHeap<int> byData(Sign<int>);
+  byData.Add(2, -5);
+  byData.Add(1, 7);
+  EXPECT_EQ(byData.Top(), 1);
+  EXPECT_EQ(byData.TopKey(), 7);
+  TMinHeap<int> byKey;
+  byKey.Add(1, 7);
+  byKey.Add(2, -5);
+  EXPECT_EQ(byKey.TopNode().Data, 2);
+  EXPECT_EQ(byKey.Compare({1, 1e-9}, {2, 0}), 1) << "keys are compared without tolerance";
+}
+
 TEST(MinHeap, FailuresSpeakTheirTextAndChangeNothing) {
   TMinHeap<int> heap;
   EXPECT_EQ(ErrorOf([&] { heap.Top(); }), "[Error] TMinHeap.Top: 堆中没有元素");

@@ -54,6 +54,14 @@ TEST(RTree, AFullRootSplitsBeforeTheNewBoxComes) {
   EXPECT_THAT(DataBelow(tree.Root()->Child(1)), ElementsAre(2, 3, 6)) << "least growth";
 }
 
+TEST(RTree, SplitsAlongTheAxisOfLessAreaAndTheNearerHalfTakesTheBox) {
+  TTree tree(4);
+  for (const int i : {2, 0, 3, 1}) tree.Insert(i, BoxAt(10 * i, i % 2, 1, 5));
+  tree.Insert(4, BoxAt(40, 0));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(0)), ElementsAre(0, 1));
+  EXPECT_THAT(DataBelow(tree.Root()->Child(1)), ElementsAre(2, 3, 4));
+}
+
 TEST(RTree, ContactCountsAndTheResultListIsAppendedTo) {
   TTree tree(8);
   tree.Insert(1, BoxAt(0, 0));
