@@ -61,7 +61,6 @@ TEST(JobForm, FaultsHaveTheirCodeAndPlace) {
       {WithPart(R"("width":3)"), "InputError: missing /parts/0"},
       {WithPart(R"("width":null,"height":[{}])"), "InputError: type /parts/0/width, type /parts/0/height"},
       {WithPart(R"("width":0,"height":-0.0)"), "InputError: range /parts/0/width, range /parts/0/height"},
-      {WithPart(size + R"(,"amount":0)"), "InputError: range /parts/0/amount"},
       {WithPart(size + R"(,"amount":1.5)"), "InputError: type /parts/0/amount"},
       {WithPart(size + R"(,"value":0)"), "InputError: range /parts/0/value"},
       {WithPart(size + R"(,"rotate":"left")"), "InputError: choice /parts/0/rotate"},
@@ -74,7 +73,6 @@ TEST(JobForm, FaultsHaveTheirCodeAndPlace) {
       {WithHead(R"("kind":"job","units":"ft")"), "InputError: choice /units"},
       {WithHead(R"("kind":"job","gap":-1,"margin":-1)"), "InputError: range /gap, range /margin"},
       {WithHead(R"("kind":"job","margin":[1,2,-3,4])"), "InputError: range /margin/2"},
-      {WithHead(R"("kind":"job","margin":[1,2,3])"), "InputError: entries /margin"},
       {WithHead(R"("kind":"job","margin":[1,2,"3",4,5])"), "InputError: type /margin/2, entries /margin"},
       {WithHead(R"("kind":"job","options":{"seed":-1,"threads":0,"deterministic":0})"),
        "InputError: range /options/seed, range /options/threads, type /options/deterministic"},
@@ -233,8 +231,7 @@ TEST(JobForm, JobsBuiltInCodePassTheSameChecks) {
 }
 
 TEST(JobErrors, TheFirstFaultStandsInWhat) {
-  const std::vector<Fault> many(30, Fault{"range", "/gap", "must be at least 0, found -1", ""});
-  const LimitError error(many);
+  const LimitError error(std::vector<Fault>(30, Fault{"range", "/gap", "must be at least 0, found -1", ""}));
   EXPECT_STREQ(error.what(), "/gap: must be at least 0, found -1");
   EXPECT_EQ(Size(error.Faults()), JobError::kMaxFaults);
   EXPECT_STREQ(static_cast<const TNestError&>(error).ClassName(), "LimitError");

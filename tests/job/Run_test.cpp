@@ -59,13 +59,10 @@ struct TRandomJob {
 
 // The same job in another unit.
 Job Times(Job AJob, int Exponent) {
-  const auto scale = [Exponent](double& V) { V = std::stod(std::to_string(V) + "e" + std::to_string(Exponent)); };
-  scale(AJob.Plates[0].Width);
-  scale(AJob.Plates[0].Height);
-  scale(AJob.Parts[0].Width);
-  scale(AJob.Parts[0].Height);
-  scale(AJob.Gap);
-  for (double& margin : AJob.Margin) scale(margin);
+  std::vector<double*> lengths = {&AJob.Plates[0].Width, &AJob.Plates[0].Height, &AJob.Parts[0].Width,
+                                  &AJob.Parts[0].Height, &AJob.Gap};
+  for (double& margin : AJob.Margin) lengths.push_back(&margin);
+  for (double* v : lengths) *v = std::stod(std::to_string(*v) + "e" + std::to_string(Exponent));
   return AJob;
 }
 
