@@ -60,6 +60,7 @@ TEST(JobForm, FaultsHaveTheirCodeAndPlace) {
       {WithPart(size + R"(,"a/b~":{"c":[{}]})"), "InputError: unknown-key /parts/0/a~1b~0"},
       {WithPart(R"("width":3)"), "InputError: missing /parts/0"},
       {WithPart(R"("width":null,"height":[{}])"), "InputError: type /parts/0/width, type /parts/0/height"},
+      {WithPart(R"("width":"3","height":{})"), "InputError: type /parts/0/width, type /parts/0/height"},
       {WithPart(R"("width":0,"height":-0.0)"), "InputError: range /parts/0/width, range /parts/0/height"},
       {WithPart(size + R"(,"amount":1.5)"), "InputError: type /parts/0/amount"},
       {WithPart(size + R"(,"value":0)"), "InputError: range /parts/0/value"},
@@ -111,9 +112,10 @@ TEST(JobForm, WhatIsNoJsonIsToldByLineAndColumn) {
   };
   for (const auto& [json, code, text] : cases) {
     EXPECT_EQ(ParseFaults(json), "InputError: " + code + " ");
-    EXPECT_THAT(ParseText(json), HasSubstr(text));
+    EXPECT_THAT(ParseText(json), AllOf(StartsWith("is not "), HasSubstr(text)));
     EXPECT_LT(ParseText(json).size(), 200u);
   }
+  EXPECT_EQ(ParseText("{\n\"name\":\"ab\xE9 c\"}"), "is not UTF-8 at line 2, column 11");
 }
 
 TEST(JobForm, AtMostTwentyFaultsWithLimitsLast) {
