@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
+#include "CommandTable.h"
 #include "Process.h"
 #include "platenest/job/Job.h"
 #include "platenest/job/Result.h"
@@ -8,7 +11,6 @@
 namespace platenest {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -16,135 +18,115 @@ constexpr const char* kJob =
     R"({"schema": "platenest-job/1", "name": "panels", "kind": "one", "gap": 5, "margin": 10,
         "plates": [{"id": "board", "width": 1000, "height": 700}], "parts": [{"id": "panel", "width": 300, "height": 200}]})";
 
-std::string Replaced(std::string Text, const std::string& From, const std::string& To) {
-  const std::size_t at = Text.find(From);
-  EXPECT_NE(at, std::string::npos) << From;
-  return at == std::string::npos ? Text : Text.replace(at, From.size(), To);
-}
-
 TEST(One, AnswersAJobFileAndTheAnswerPassesTheCheck) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
-  const Outcome one = Execute({"one", "job.json", "-o", "result.json", "--svg", "out/"}, folder.Path());
+  const Outcome one = folder.Run("one job.json -o result.json --svg out/");
   EXPECT_EQ(one.Exit, 0) << one.Err;
   EXPECT_THAT(one.Err, HasSubstr("panels: complete, "));
   EXPECT_THAT(one.Err, HasSubstr("written    result.json, out/layout-001-x1.svg\n"));
   EXPECT_LE(std::count(one.Err.begin(), one.Err.end(), '\n'), 10 + 5) << "summary and a few improvements";
-  const Result result = ParseResult(folder.Read("result.json"));
-  EXPECT_EQ(result.Layouts.front().Placements.size(), 9U);
+  EXPECT_EQ(ParseResult(folder.Read("result.json")).Layouts.front().Placements.size(), 9U);
 
-  const Outcome check = Execute({"check", "job.json", "result.json"}, folder.Path());
+  const Outcome check = folder.Run("check job.json result.json");
   EXPECT_EQ(check.Exit, 0);
-  EXPECT_EQ(check.Out, "");
-  EXPECT_EQ(check.Err, "OK: result.json is valid for job.json\n");
-  EXPECT_EQ(Execute({"check", "job.json", "result.json", "--quiet"}, folder.Path()).Err, "");
+  EXPECT_EQ(check.Out + check.Err, "OK: result.json is valid for job.json\n");
+  EXPECT_EQ(folder.Run("check job.json result.json --quiet").Err, "");
 }
 
 TEST(One, GivesEqualBytesForEqualDeterministicRuns) {
-  const std::vector<std::string> words = {"one",   "--plate", "2440x1220", "--part", "317x213",        "--gap",
-                                          "3.175", "--quiet", "--seed",    "7",      "--deterministic"};
-  const std::string first = Execute(words).Out;
+  const std::string line = "one --plate 2440x1220 --part 317x213 --gap 3.175 --quiet --seed 7 --deterministic";
+  const std::string first = RunLine(line).Out;
   EXPECT_THAT(first, StartsWith("{"));
   EXPECT_THAT(first, testing::EndsWith("}\n"));
-  std::vector<std::string> single = words;
-  single.insert(single.end(), {"--threads", "1"});
-  EXPECT_EQ(Execute(words).Out, first);
-  EXPECT_EQ(Execute(single).Out, first);
+  EXPECT_EQ(RunLine(line).Out, first);
+  EXPECT_EQ(RunLine(line + " --threads 1").Out, first);
 }
 
-TEST(Check, FaultsStandAtTheirPlaceInTheResult) {
+TEST(Check, JudgesTheResultForTheJobAndTheOptionsThatWonInTheRun) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
-  Result result = ParseResult(Execute({"one", "job.json", "--quiet"}, folder.Path()).Out);
+  EXPECT_EQ(folder.Run("one job.json --gap 0 -o close.json --quiet").Exit, 0);
+  EXPECT_EQ(folder.Run("one job.json --amount 50 -o few.json --quiet").Exit, 0);
+  Result result = ParseResult(folder.Run("one job.json --quiet").Out);
   result.Layouts[0].Placements[2].Trans[0] += 1;
-  folder.Write("moved.json", ResultToJson(result));
-  const Outcome moved = Execute({"check", "job.json", "moved.json"}, folder.Path());
-  EXPECT_EQ(moved.Exit, 1);
-  EXPECT_THAT(moved.Err, HasSubstr("platenest: error: moved.json: /layouts/0/placements/2/"));
-
-  Start start;
-  start.Words = {"check", "job.json", "-", "--json-progress"};
-  start.Folder = folder.Path();
-  const Outcome json = Execute(start, ResultToJson(result));
-  EXPECT_EQ(json.Exit, 1);
-  EXPECT_THAT(json.Err, HasSubstr(R"("pointer":"/layouts/0/placements/2/)"));
-}
-
-TEST(Check, TakesTheOptionsThatWonInTheRun) {
-  const TempFolder folder;
-  folder.Write("job.json", kJob);
-  EXPECT_EQ(Execute({"one", "job.json", "--gap", "0", "-o", "r.json", "--quiet"}, folder.Path()).Exit, 0);
-  EXPECT_EQ(Execute({"check", "job.json", "r.json"}, folder.Path()).Exit, 1);
-  EXPECT_EQ(Execute({"check", "job.json", "r.json", "--gap", "0"}, folder.Path()).Exit, 0);
-}
-
-TEST(Check, NamesTheFileThatIsWrong) {
-  const TempFolder folder;
-  folder.Write("job.json", kJob);
-  folder.Write("result.json", "{}");
-  folder.Write("bad.json", Replaced(kJob, "\"gap\": 5", "\"gap\": \"5\""));
-  const Outcome result = Execute({"check", "job.json", "result.json"}, folder.Path());
-  EXPECT_EQ(result.Exit, 3);
-  EXPECT_THAT(result.Err, StartsWith("platenest: error: result.json: "));
-  const Outcome job = Execute({"check", "bad.json", "result.json"}, folder.Path());
-  EXPECT_EQ(job.Exit, 3);
-  EXPECT_THAT(job.Err, StartsWith("platenest: error: bad.json: /gap: "));
-}
-
-TEST(Check, SaysWhenDemandIsLeft) {
-  const TempFolder folder;
-  folder.Write("job.json", Replaced(kJob, "\"height\": 200", "\"height\": 200, \"amount\": 50"));
-  EXPECT_EQ(Execute({"one", "job.json", "-o", "r.json", "--quiet"}, folder.Path()).Exit, 0);
-  EXPECT_EQ(Execute({"check", "job.json", "r.json"}, folder.Path()).Exit, 0);
-  EXPECT_EQ(Execute({"check", "job.json", "r.json", "--require-all"}, folder.Path()).Exit, 1);
+  const std::string moved = ResultToJson(result);
+  folder.Write("moved.json", moved);
+  const std::tuple<std::string, int, std::string> cases[] = {
+      {"moved.json", 1, "platenest: error: moved.json: /layouts/0/placements/2/"},
+      {"- --json-progress", 1, R"("pointer":"/layouts/0/placements/2/)"},
+      {"close.json", 1, "platenest: error: close.json: /"},
+      {"close.json --gap 0", 0, "OK: "},
+      {"few.json --amount 50", 0, "OK: "},
+      {"few.json --amount 50 --require-all", 1, "OK: "},
+  };
+  for (const auto& [words, exit, message] : cases) {
+    const Outcome outcome = folder.Run("check job.json " + words, words[0] == '-' ? moved : "");
+    EXPECT_EQ(outcome.Exit, exit) << words;
+    EXPECT_THAT(outcome.Err, HasSubstr(message)) << words;
+  }
 }
 
 TEST(Convert, TurnsARectangleFileIntoAJobAndBack) {
   const TempFolder folder;
   folder.Write("demand.txt", "2440 1220\r\n300 200 60000 12\r\n0 0\r\n");
-  EXPECT_EQ(Execute({"convert", "demand.txt", "job.json", "--gap", "4"}, folder.Path()).Exit, 0);
+  for (const char* names : {"demand.txt job.json --gap 4", "job.json back.txt", "back.txt again.json --gap 4"})
+    EXPECT_EQ(folder.Run(std::string("convert ") + names).Exit, 0) << names;
   const Job job = ParseJob(folder.Read("job.json"));
-  EXPECT_EQ(job.Kind, JobKind::One);
-  EXPECT_EQ(job.Gap, 4);
-  EXPECT_EQ(job.Plates.front().Width, 2440);
-  EXPECT_EQ(job.Parts.front().Amount, 12);
-  EXPECT_EQ(Execute({"convert", "job.json", "back.txt"}, folder.Path()).Exit, 0);
-  EXPECT_EQ(Execute({"convert", "back.txt", "again.json", "--gap", "4"}, folder.Path()).Exit, 0);
+  EXPECT_EQ(std::tuple(job.Kind, job.Gap, job.Plates.at(0).Width, job.Parts.at(0).Amount),
+            std::tuple(JobKind::One, 4, 2440, 12));
   EXPECT_EQ(folder.Read("again.json"), folder.Read("job.json"));
 }
 
-TEST(Convert, TurnsTablesIntoJobs) {
+TEST(Convert, TurnsTablesIntoJobsAndBack) {
   const TempFolder folder;
   folder.Write("demand.csv", "id;width;height;amount\nside;720,5;560;24\nshelf;564;540;60\n");
   folder.Write("plates.csv", "id,width,height,count\nMDF,2800,2070,6\nrest,1200,600,1\n");
-  EXPECT_EQ(Execute({"convert", "demand.csv", "fill.json", "--plate", "2800x2070"}, folder.Path()).Exit, 0);
+  for (const char* names :
+       {"demand.csv fill.json --plate 2800x2070", "demand.csv job.json --plates plates.csv", "job.json parts.csv"})
+    EXPECT_EQ(folder.Run(std::string("convert ") + names).Exit, 0) << names;
   EXPECT_EQ(ParseJob(folder.Read("fill.json")).Kind, JobKind::Fill);
   EXPECT_EQ(ParseJob(folder.Read("fill.json")).Parts.front().Width, 720.5);
-  EXPECT_EQ(Execute({"convert", "demand.csv", "job.json", "--plates", "plates.csv"}, folder.Path()).Exit, 0);
   EXPECT_EQ(ParseJob(folder.Read("job.json")).Kind, JobKind::Job);
-  EXPECT_EQ(Execute({"convert", "job.json", "parts.csv"}, folder.Path()).Exit, 0);
   EXPECT_THAT(folder.Read("parts.csv"), HasSubstr("side,720.5,560,24"));
 }
 
-TEST(Convert, FaultsNameLineAndColumnAndLeaveTheFormerFile) {
-  const TempFolder folder;
-  folder.Write("demand.csv", "id,width,height,amount\nside,720,560,2.5\n");
-  folder.Write("written.txt", "2440.000000 1220.000000 1\n300.000000 200.000000 60000.000000 12\n");
-  folder.Write("job.json", "former");
-  const Outcome table = Execute({"convert", "demand.csv", "job.json", "--plate", "9x9"}, folder.Path());
-  EXPECT_EQ(table.Exit, 3);
-  EXPECT_THAT(table.Err, StartsWith("platenest: error: demand.csv:2:amount: "));
-  const std::string absolute = folder / "demand.csv";
-  EXPECT_THAT(Execute({"convert", absolute, "job.json", "--plate", "9x9"}, folder.Path()).Err,
-              StartsWith("platenest: error: " + absolute + ":2:amount: "));
-  EXPECT_EQ(Execute({"convert", "written.txt", "job.json"}, folder.Path()).Exit, 3);
-  EXPECT_EQ(folder.Read("job.json"), "former");
-  EXPECT_THAT(folder.List(), ElementsAre("demand.csv", "job.json", "written.txt"));
+TEST(Schema, IsPrintedForBothForms) {
+  EXPECT_EQ(RunLine("schema job").Out, std::string(JobSchema()) + (JobSchema().ends_with('\n') ? "" : "\n"));
+  EXPECT_THAT(RunLine("schema result").Out, HasSubstr("platenest-result/1"));
 }
 
-TEST(Schema, IsPrintedForBothForms) {
-  EXPECT_EQ(Execute({"schema", "job"}).Out, std::string(JobSchema()) + (JobSchema().ends_with('\n') ? "" : "\n"));
-  EXPECT_THAT(Execute({"schema", "result"}).Out, HasSubstr("platenest-result/1"));
+// Each page tells the command's options, and its examples run in their order, each as it stands there.
+TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
+  const TempFolder folder;
+  folder.Write("job.json", kJob);
+  folder.Write("demand.txt", "1000 500\n300 200 60000 8\n");
+  folder.Write("demand.csv", "id,width,height,amount\na,300,200,4\nb,450,120,2\n");
+  for (const CommandRow& command : CommandTable()) {
+    const std::string name(command.Name);
+    const Outcome help = RunLine(name + " --help");
+    EXPECT_EQ(help.Exit, 0);
+    EXPECT_EQ(help.Err, "");
+    EXPECT_THAT(help.Out, StartsWith("Usage: platenest " + name));
+    EXPECT_THAT(help.Out, HasSubstr("lower right corner"));
+    EXPECT_THAT(help.Out, testing::Not(HasSubstr("--html")));
+    for (const OptionRow& option : OptionTable()) {
+      const bool isShown = help.Out.find("\n  " + std::string(option.Name) + " ") != std::string::npos;
+      EXPECT_EQ(isShown, Takes(command.Id, option)) << name << " " << option.Name;
+    }
+    std::istringstream page(help.Out);
+    int examples = 0;
+    for (std::string line; std::getline(page, line);) {
+      if (!line.starts_with("  platenest ")) continue;
+      ++examples;
+      const Outcome outcome = folder.Run(line.substr(12));
+      EXPECT_EQ(outcome.Exit, 0) << line << "\n" << outcome.Err;
+    }
+    EXPECT_EQ(examples, 2) << name;
+  }
+  EXPECT_EQ(ParseJob(folder.Read("demand.json")).Kind, JobKind::Fill);
+  EXPECT_THAT(RunLine("--help").Out, HasSubstr("Exit codes:"));
+  EXPECT_THAT(RunLine("--version").Out, testing::MatchesRegex("platenest [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
 }  // namespace

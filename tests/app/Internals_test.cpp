@@ -19,77 +19,69 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-Start RunWith(const Runner& Answer, const std::vector<std::string>& More = {}) {
-  std::vector<std::string> words = {"one", "--plate", "100x100", "--part", "10x10", "--amount", "7"};
-  words.insert(words.end(), More.begin(), More.end());
-  Start start;
-  start.Body = [words, Answer] { return RunProgram(words, Answer); };
-  return start;
+Start RunWith(const Runner& Answer, const std::string& More = {}) {
+  const std::vector<std::string> words = Split("one --plate 100x100 --part 10x10 --amount 7 " + More);
+  return {.Body = [words, Answer] { return RunProgram(words, Answer); }};
 }
 
-Progress At(double Seconds, const std::string& Phase, double Usage) {
-  return {Seconds, Phase, 1, Usage, 3, 8.0};
+Progress At(const std::string& Phase, double Usage) {
+  return {0, Phase, 1, Usage, 3, 8.0};
 }
 
-TEST(InternalFault, LeavesAFileThatShowsItAgain) {
-  const TempFolder folder;
-  Start start = RunWith([](const Job&, const RunHooks&) -> Result {
-    throw CheckError(Fault{"check", "/layouts/0", "no answer passed the check", ""});
-  });
-  start.Folder = folder.Path();
-  const Outcome outcome = Execute(start);
-  EXPECT_EQ(outcome.Exit, 70);
-  EXPECT_EQ(outcome.Out, "");
-  EXPECT_THAT(outcome.Err, HasSubstr("no answer passed the check; the job stands in platenest-reproduction.json\n"));
-  const Job job = ParseJob(folder.Read("platenest-reproduction.json"));
-  EXPECT_EQ(job.Parts.front().Amount, 7);
+template <class Error>
+Runner Throwing(const Error& AnError) {
+  return [AnError](const Job&, const RunHooks&) -> Result { throw AnError; };
 }
 
-TEST(InternalFault, OfAnyOtherKindIsReportedTheSameWay) {
-  const TempFolder folder;
-  Start start = RunWith([](const Job&, const RunHooks&) -> Result { throw std::logic_error("unheard of"); });
-  start.Folder = folder.Path();
-  const Outcome outcome = Execute(start);
-  EXPECT_EQ(outcome.Exit, 70);
-  EXPECT_THAT(outcome.Err, HasSubstr("internal fault; the job stands in platenest-reproduction.json (unheard of)\n"));
+Result RunUntilStopped(const Job& AJob, const RunHooks& Hooks) {
+  Hooks.OnProgress(At("step", 0.25));
+  while (!Hooks.Stop->StopRequested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  Result result = run(AJob, {});
+  result.Status = ResultStatus::Stopped;
+  return result;
 }
 
-TEST(ExitCodes, FollowTheErrorKind) {
+TEST(ExitCodes, FollowTheErrorKindAndInternalFaultsLeaveAFileThatShowsThemAgain) {
   const Fault fault{"x", "/parts/0", "text", ""};
-  const std::pair<Runner, int> cases[] = {
-      {[&](const Job&, const RunHooks&) -> Result { throw InputError(fault); }, 3},
-      {[&](const Job&, const RunHooks&) -> Result { throw LimitError(fault); }, 4},
-      {[&](const Job&, const RunHooks&) -> Result { throw FileError(fault); }, 5},
-      {[&](const Job&, const RunHooks&) -> Result { throw MemoryError(fault); }, 6},
-      {[](const Job&, const RunHooks&) -> Result { throw std::bad_alloc(); }, 6},
-      {[&](const Job&, const RunHooks&) -> Result { throw StoppedError(fault); }, 7},
+  const std::string kept = "; the job stands in platenest-reproduction.json";
+  const std::tuple<Runner, int, std::string> cases[] = {
+      {Throwing(InputError(fault)), 3, ""},
+      {Throwing(LimitError(fault)), 4, ""},
+      {Throwing(FileError(fault)), 5, ""},
+      {Throwing(MemoryError(fault)), 6, ""},
+      {Throwing(std::bad_alloc()), 6, ""},
+      {Throwing(StoppedError(fault)), 7, ""},
+      {Throwing(CheckError(fault)), 70, "text" + kept + "\n"},
+      {Throwing(std::logic_error("unheard of")), 70, "internal fault" + kept + " (unheard of)\n"},
   };
-  for (const auto& [answer, code] : cases) {
-    const Outcome outcome = Execute(RunWith(answer));
+  for (const auto& [answer, code, message] : cases) {
+    const TempFolder folder;
+    Start start = RunWith(answer);
+    start.Folder = folder.Path();
+    const Outcome outcome = Execute(start);
     EXPECT_EQ(outcome.Exit, code);
     EXPECT_EQ(outcome.Out, "");
-    EXPECT_THAT(outcome.Err, StartsWith("platenest: error: "));
+    EXPECT_THAT(outcome.Err, AllOf(StartsWith("platenest: error: "), HasSubstr(message)));
+    EXPECT_EQ(Size(folder.List()), code == 70 ? 1 : 0);
+    if (code != 70) continue;
+    EXPECT_EQ(ParseJob(folder.Read("platenest-reproduction.json")).Parts.front().Amount, 7);
   }
 }
 
-TEST(Stop, TheBestAnswerSoFarIsWritten) {
-  Process process(RunWith([](const Job& job, const RunHooks& hooks) {
-    hooks.OnProgress(At(0, "searching", 0.5));
-    while (!hooks.Stop->StopRequested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    Result result = run(job, {});
-    result.Status = ResultStatus::Stopped;
-    return result;
-  }));
-  process.AwaitError("searching");
+// Where nothing improves the former line comes again, with a later time.
+TEST(Stop, TheBestAnswerSoFarIsWrittenAndObjectsGoOnUntilThen) {
+  Process process(RunWith(RunUntilStopped, "--json-progress"));
+  process.AwaitError("\n{\"t\":");
   process.Signal(SIGINT);
   const Outcome outcome = process.Finish();
   EXPECT_EQ(outcome.Exit, 0);
   EXPECT_EQ(ParseResult(outcome.Out).Status, ResultStatus::Stopped);
+  EXPECT_THAT(outcome.Err, HasSubstr(R"("phase":"step","plates":1,"usage":0.25)"));
 }
 
 TEST(Stop, ASecondSignalLeavesARunThatDoesNotObey) {
   Process process(RunWith([](const Job&, const RunHooks& hooks) -> Result {
-    hooks.OnProgress(At(0, "searching", 0.5));
+    hooks.OnProgress(At("searching", 0.5));
     while (true) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }));
   process.AwaitError("searching");
@@ -99,7 +91,7 @@ TEST(Stop, ASecondSignalLeavesARunThatDoesNotObey) {
 }
 
 const Runner kThreeSteps = [](const Job& job, const RunHooks& hooks) {
-  for (int i = 1; i <= 3; ++i) hooks.OnProgress(At(0, "step", 0.25 * i));
+  for (int i = 1; i <= 3; ++i) hooks.OnProgress(At("step", 0.25 * i));
   return run(job, {});
 };
 
@@ -108,33 +100,20 @@ TEST(ProgressLines, StandAtEachImprovementWhereNobodyWatches) {
   EXPECT_THAT(err, StartsWith("step  0 s  plates 1  use 25.0 %  bound 8  unplaced 3\n"
                               "step  0 s  plates 1  use 50.0 %  bound 8  unplaced 3\n"
                               "step  0 s  plates 1  use 75.0 %  bound 8  unplaced 3\n"));
-  EXPECT_EQ(Execute(RunWith(kThreeSteps, {"--quiet"})).Err, "");
+  EXPECT_EQ(Execute(RunWith(kThreeSteps, "--quiet")).Err, "");
 }
 
 TEST(ProgressLines, ObjectsAreHeldBackButTheLastNewsComes) {
   const Runner manySteps = [](const Job& job, const RunHooks& hooks) {
-    for (int i = 0; i < 1000; ++i) hooks.OnProgress(At(0, "step", 0.25));
-    hooks.OnProgress(At(0, "step", 0.75));
+    for (int i = 0; i < 1000; ++i) hooks.OnProgress(At("step", 0.25));
+    hooks.OnProgress(At("step", 0.75));
     return run(job, {});
   };
-  const std::string err = Execute(RunWith(manySteps, {"--json-progress"})).Err;
+  const std::string err = Execute(RunWith(manySteps, "--json-progress")).Err;
   EXPECT_LE(std::count(err.begin(), err.end(), '\n'), 50);
   EXPECT_THAT(err, StartsWith("{\"t\":0"));
   EXPECT_THAT(err, HasSubstr(R"("phase":"step","plates":1,"usage":0.25,"unplaced":3,"bound":8})"));
   EXPECT_THAT(err, HasSubstr(R"("usage":0.75)"));
-}
-
-TEST(ProgressLines, ObjectsGoOnWithTheTimeWhereNothingImproves) {
-  Process process(RunWith(
-      [](const Job& job, const RunHooks& hooks) {
-        hooks.OnProgress(At(0, "step", 0.25));
-        while (!hooks.Stop->StopRequested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        return run(job, {});
-      },
-      {"--json-progress"}));
-  process.AwaitError("\n{\"t\":");  // the former line again, with a later time
-  process.Signal(SIGINT);
-  EXPECT_THAT(process.Finish().Err, HasSubstr(R"("phase":"step","plates":1,"usage":0.25)"));
 }
 
 TEST(ProgressLines, OneLineOfATerminalIsRewrittenAndLeftEmpty) {

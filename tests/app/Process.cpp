@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -40,7 +41,7 @@ std::array<int, 2> MakePipe() {
   if (::chdir(AStart.Folder.c_str()) != 0) _exit(120);
   if (AStart.Prepare) AStart.Prepare();
   if (AStart.Body) _exit(AStart.Body());
-  std::vector<std::string> words = AStart.Words;
+  std::vector<std::string> words = Split(AStart.Line);
   words.insert(words.begin(), PLATENEST_PROGRAM);
   std::vector<char*> argv;
   for (std::string& word : words) argv.push_back(word.data());
@@ -49,10 +50,15 @@ std::array<int, 2> MakePipe() {
   _exit(121);
 }
 
-int BytesWaiting(int Fd) {
+bool HasBytes(int Fd) {
   int count = 0;
   Require(::ioctl(Fd, FIONREAD, &count) == 0, "FIONREAD");
-  return count;
+  return count > 0;
+}
+
+bool IsBroken(int Fd) {
+  pollfd item = {Fd, 0, 0};
+  return ::poll(&item, 1, 0) > 0 && (item.revents & POLLERR) != 0;
 }
 
 bool CatchesSignal(pid_t Pid, int Number) {
@@ -61,20 +67,6 @@ bool CatchesSignal(pid_t Pid, int Number) {
     if (line.starts_with("SigCgt:")) return (std::stoull(line.substr(7), nullptr, 16) >> (Number - 1) & 1) != 0;
   }
   return false;
-}
-
-bool IsBroken(int Fd) {
-  pollfd item = {Fd, 0, 0};
-  return ::poll(&item, 1, 0) > 0 && (item.revents & POLLERR) != 0;
-}
-
-// Polls, since a full pipe tells nobody that it is full.
-void AwaitBytes(int Fd, const std::function<bool(int)>& Done) {
-  const auto end = steady_clock::now() + kPatience;
-  while (!Done(BytesWaiting(Fd))) {
-    Require(steady_clock::now() < end, "the program does not go on");
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
 }
 
 }  // namespace
@@ -117,48 +109,45 @@ Process::~Process() {
   }
 }
 
-void Process::Feed(const std::string& Text) {
-  std::size_t done = 0;
-  while (done < Text.size()) {
-    const ssize_t count = ::write(FIn, Text.data() + done, Text.size() - done);
-    if (count < 0) return;  // the program wants no more
-    done += static_cast<std::size_t>(count);
-  }
-  AwaitBytes(FIn, [this](int count) { return count == 0 || IsBroken(FIn); });
-}
-
-void Process::CloseInput() {
-  if (FIn >= 0) ::close(FIn);
-  FIn = -1;
-}
-
-void Process::AwaitOutput() {
-  AwaitBytes(FOut, [](int count) { return count > 0; });
-}
-
-void Process::AwaitHandler(int Number) {
-  const auto end = steady_clock::now() + kPatience;
-  while (!CatchesSignal(FPid, Number)) {
-    Require(steady_clock::now() < end, "the program does not go on");
+// Polls, since a full pipe tells nobody that it is full.
+void Process::Await(const std::function<bool()>& Done) {
+  for (const auto end = steady_clock::now() + kPatience; !Done();) {
+    Require(steady_clock::now() < end, "what is awaited does not come");
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
 }
 
-void Process::AwaitError(const std::string& Text) {
-  const auto end = steady_clock::now() + kPatience;
-  while (FOutcome.Err.find(Text) == std::string::npos) {
-    Require(FErr >= 0 && steady_clock::now() < end, "the awaited message does not come");
-    Pump(50);
+void Process::Feed(const std::string& Text) {
+  for (std::size_t done = 0; done < Text.size();) {
+    const ssize_t count = ::write(FIn, Text.data() + done, Text.size() - done);
+    if (count < 0) return;  // the program wants no more
+    done += static_cast<std::size_t>(count);
   }
+  Await([this] { return !HasBytes(FIn) || IsBroken(FIn); });
+}
+
+void Process::AwaitOutput() {
+  Await([this] { return HasBytes(FOut); });
+}
+
+void Process::AwaitHandler(int Number) {
+  Await([this, Number] { return CatchesSignal(FPid, Number); });
+}
+
+void Process::AwaitError(const std::string& Text) {
+  Await([&] {
+    Pump();
+    return FOutcome.Err.find(Text) != std::string::npos;
+  });
 }
 
 void Process::Signal(int Number) const {
   Require(::kill(FPid, Number) == 0, "kill");
 }
 
-void Process::Pump(int Milliseconds) {
+void Process::Pump() {
   pollfd items[] = {{FOut, POLLIN, 0}, {FErr, POLLIN, 0}};
-  if (::poll(items, 2, Milliseconds) <= 0) return;
+  if (::poll(items, 2, 50) <= 0) return;
   for (auto [fd, text, item] : {std::tuple{&FOut, &FOutcome.Out, items[0]}, {&FErr, &FOutcome.Err, items[1]}}) {
     if (item.revents == 0) continue;
     char buffer[1 << 16];
@@ -173,9 +162,10 @@ void Process::Pump(int Milliseconds) {
 }
 
 Outcome Process::Finish() {
-  CloseInput();
+  ::close(FIn);
+  FIn = -1;
   const auto end = steady_clock::now() + kPatience;
-  while ((FOut >= 0 || FErr >= 0) && steady_clock::now() < end) Pump(100);
+  while ((FOut >= 0 || FErr >= 0) && steady_clock::now() < end) Pump();
   if (FOut >= 0 || FErr >= 0) ::kill(FPid, SIGKILL);
   int status = 0;
   ::waitpid(FPid, &status, 0);
@@ -190,11 +180,13 @@ Outcome Execute(const Start& AStart, const std::string& Input) {
   return process.Finish();
 }
 
-Outcome Execute(const std::vector<std::string>& Words, const std::string& Folder) {
-  Start start;
-  start.Words = Words;
-  start.Folder = Folder;
-  return Execute(start);
+Outcome RunLine(const std::string& Line) {
+  return Execute({.Line = Line});
+}
+
+std::vector<std::string> Split(const std::string& Line) {
+  std::istringstream stream(Line);
+  return {std::istream_iterator<std::string>(stream), {}};
 }
 
 TempFolder::TempFolder() {
@@ -224,6 +216,10 @@ std::vector<std::string> TempFolder::List() const {
     names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
+}
+
+Outcome TempFolder::Run(const std::string& Line, const std::string& Input) const {
+  return Execute({.Line = Line, .Folder = FPath}, Input);
 }
 
 }  // namespace platenest

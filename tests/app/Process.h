@@ -17,13 +17,13 @@ struct Outcome {
 };
 
 struct Start {
-  std::vector<std::string> Words;
+  std::string Line = {};  // words with blanks between them
   std::string Folder = ".";
-  std::map<std::string, std::string> Environment;  // beside the test's own
-  bool TerminalErr = false;                        // standard error is a terminal
-  int PipeBytes = 0;                               // room in the pipe of standard output; 0 leaves the system's
-  std::function<void()> Prepare;                   // in the child, before anything else
-  std::function<int()> Body;                       // in place of the built program
+  std::map<std::string, std::string> Environment = {};  // beside the test's own
+  bool TerminalErr = false;                             // standard error is a terminal
+  int PipeBytes = 0;                                    // room in the pipe of standard output; 0 leaves the system's
+  std::function<void()> Prepare = {};                   // in the child, before anything else
+  std::function<int()> Body = {};                       // in place of the built program
 };
 
 class Process {
@@ -34,15 +34,15 @@ class Process {
   Process& operator=(const Process&) = delete;
 
   void Feed(const std::string& Text);  // to standard input; returns when the program has taken all of it
-  void CloseInput();
-  void AwaitOutput();             // until something waits, unread, on standard output
-  void AwaitHandler(int Number);  // until the program has a handler of its own for this signal
+  void AwaitOutput();                  // until something waits, unread, on standard output
+  void AwaitHandler(int Number);       // until the program has a handler of its own for this signal
   void AwaitError(const std::string& Text);
   void Signal(int Number) const;
   Outcome Finish();  // reads both streams to their ends; a program that takes over 60 s is killed
 
  private:
-  void Pump(int Milliseconds);
+  void Await(const std::function<bool()>& Done);
+  void Pump();
 
   pid_t FPid = -1;
   int FIn = -1;
@@ -52,7 +52,8 @@ class Process {
 };
 
 Outcome Execute(const Start& AStart, const std::string& Input = {});
-Outcome Execute(const std::vector<std::string>& Words, const std::string& Folder = ".");
+Outcome RunLine(const std::string& Line);
+std::vector<std::string> Split(const std::string& Line);
 
 // A folder that lives as long as the object.
 class TempFolder {
@@ -66,6 +67,7 @@ class TempFolder {
   void Write(const std::string& Name, const std::string& Text) const;
   std::string Read(const std::string& Name) const;
   std::vector<std::string> List() const;  // sorted names, hidden ones too
+  Outcome Run(const std::string& Line, const std::string& Input = {}) const;
 
  private:
   std::string FPath;

@@ -1,5 +1,6 @@
 #include "platenest/job/Run.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,6 +8,7 @@
 #include <random>
 #include <string>
 
+#include "FaultText.h"
 #include "platenest/URectNest/RectRecords.h"
 
 namespace platenest {
@@ -27,16 +29,6 @@ int Placed(const Job& AJob) {
 std::string FirstFault(const Job& AJob, const Result& AResult) {
   const std::vector<Fault> faults = CheckResult(AJob, AResult);
   return faults.empty() ? "" : faults[0].Place + ": " + faults[0].Text;
-}
-
-template <class Error>
-std::string PlaceOfError(const Job& AJob) {
-  try {
-    run(AJob);
-  } catch (const Error& error) {
-    return error.Faults().at(0).Place;
-  }
-  return "no error";
 }
 
 double SixDigits(double V) {
@@ -67,13 +59,10 @@ struct TRandomJob {
 
 // The same job in another unit.
 Job Times(Job AJob, int Exponent) {
-  const auto scale = [Exponent](double& V) { V = std::stod(std::to_string(V) + "e" + std::to_string(Exponent)); };
-  scale(AJob.Plates[0].Width);
-  scale(AJob.Plates[0].Height);
-  scale(AJob.Parts[0].Width);
-  scale(AJob.Parts[0].Height);
-  scale(AJob.Gap);
-  for (double& margin : AJob.Margin) scale(margin);
+  std::vector<double*> lengths = {&AJob.Plates[0].Width, &AJob.Plates[0].Height, &AJob.Parts[0].Width,
+                                  &AJob.Parts[0].Height, &AJob.Gap};
+  for (double& margin : AJob.Margin) lengths.push_back(&margin);
+  for (double* v : lengths) *v = std::stod(std::to_string(*v) + "e" + std::to_string(Exponent));
   return AJob;
 }
 
@@ -138,23 +127,20 @@ TEST(RunOne, TrimFallsBackToThePlainNestWhereItRunsOffItsList) {
 }
 
 TEST(RunOne, StatusSaysWhyCopiesAreLeft) {
-  Job job = OneJob(100, 50, 10, 10);
-  job.Parts[0].Amount = 50;
-  Result result = run(job);
-  EXPECT_EQ(result.Status, ResultStatus::Complete);
-  EXPECT_TRUE(result.Proved);
-
-  job.Parts[0].Amount = 51;
-  result = run(job);
-  EXPECT_EQ(result.Status, ResultStatus::Complete) << "the plate is full";
-  EXPECT_EQ(result.Parts[0].Reason, "no_stock") << "the bound is met: no layout holds more";
-
-  job = OneJob(100, 50, 100.001, 10);
-  job.Parts[0].Amount = 1;
-  result = run(job);
-  EXPECT_TRUE(result.Layouts.empty());
-  EXPECT_EQ(result.Status, ResultStatus::Partial);
-  EXPECT_EQ(result.Parts[0].Reason, "too_large");
+  const std::tuple<double, int, ResultStatus, std::string, int> cases[] = {
+      {10, 50, ResultStatus::Complete, "", 50},
+      {10, 51, ResultStatus::Complete, "no_stock", 50},  // the plate is full, and the bound shows that none holds more
+      {100.001, 1, ResultStatus::Partial, "too_large", 0},
+  };
+  for (const auto& [width, amount, status, reason, placed] : cases) {
+    Job job = OneJob(100, 50, width, 10);
+    job.Parts[0].Amount = amount;
+    const Result result = run(job);
+    EXPECT_EQ(std::tuple(result.Status, result.Parts[0].Reason, result.Parts[0].Placed),
+              std::tuple(status, reason, placed));
+    EXPECT_EQ(result.Layouts.empty(), placed == 0);
+    EXPECT_TRUE(result.Proved || amount != 50);
+  }
 }
 
 TEST(RunOne, BoundsCountTheGapAndAreNeverTooLow) {
@@ -176,19 +162,19 @@ TEST(RunOne, NothingFitsByTheSlackThatKeepsExactFits) {
 }
 
 TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
+  const auto faults = [](const Job& job) { return FaultsOf([&] { run(job); }); };
   Job job = OneJob(100, 50, 10, 10);
   job.Parts[0].Turn = Rotate::None;
-  EXPECT_EQ(PlaceOfError<InputError>(job), "/parts/0/rotate");
+  EXPECT_EQ(faults(job), "InputError: conflict /parts/0/rotate");
   job = OneJob(100, 50, 10, 10);
   job.Margin = {60, 0, 40, 0};
-  EXPECT_EQ(PlaceOfError<InputError>(job), "/margin");
+  EXPECT_EQ(faults(job), "InputError: range /margin");
   job.Margin = {0, 0, 0, 0};
   job.Kind = JobKind::Fill;
-  EXPECT_EQ(PlaceOfError<InputError>(job), "/kind");
-  EXPECT_EQ(PlaceOfError<LimitError>(OneJob(1e5, 1e5, 1, 1)), "/parts/0/amount");
-  EXPECT_EQ(PlaceOfError<LimitError>(OneJob(1000, 1000, 300, 0.003)), "/parts/0/amount")
-      << "by strips, not by the grid";
+  EXPECT_EQ(faults(job), "InputError: choice /kind");
   job = OneJob(1e5, 1e5, 1, 1);
+  EXPECT_EQ(faults(job), "LimitError: limit /parts/0/amount");
+  EXPECT_EQ(faults(OneJob(1000, 1000, 300, 0.003)), "LimitError: limit /parts/0/amount") << "by strips, not the grid";
   job.Parts[0].Amount = 1000;
   EXPECT_EQ(Placed(job), 1000);
 }
@@ -207,65 +193,65 @@ TEST(RunOne, DeterministicRunsGiveEqualBytes) {
   EXPECT_EQ(ResultToJson(run(job)), ResultToJson(run(job)));
 }
 
-// Each change to a valid result must be found, at its place.
+void MovePart(Result& AResult, double By) {
+  Placement& place = AResult.Layouts[0].Placements[0];
+  for (double* x : {&place.Trans[0], &place.Bounds[0], &place.Bounds[2]}) *x += By;
+}
+
+// Each change to a valid result must be found, at its place. The tolerance is granted once: a gap or a plate stated a
+// little wrong does not add another one.
 TEST(CheckResult, FindsEveryWrongNumber) {
   Job job = OneJob(1000, 500, 300, 200, 5);
   job.Parts[0].Amount = 9;
   const Result good = run(job);
   ASSERT_EQ(FirstFault(job, good), "");
-  const std::pair<const char*, std::function<void(Result&)>> changes[] = {
-      {"/gap", [](Result& r) { r.Gap = 4; }},
-      {"/kind", [](Result& r) { r.Kind = JobKind::Job; }},
-      {"/margin/2", [&job](Result&) { job.Margin[2] = 1; }},
-      {"/layouts/0/plate", [](Result& r) { r.Layouts[0].Plate = "other"; }},
-      {"/layouts/0/width", [](Result& r) { r.Layouts[0].Width = 1001; }},
-      {"/layouts/0/usage", [](Result& r) { r.Layouts[0].Usage += 1e-6; }},
-      {"/layouts/0/used_box", [](Result& r) { r.Layouts[0].UsedBox[2] += 1e-3; }},
-      {"/layouts/0/min_clearance", [](Result& r) { r.Layouts[0].MinClearance.reset(); }},
-      {"/layouts/0/edge_to_edge", [](Result& r) { r.Layouts[0].EdgeToEdge ^= true; }},
+  const std::array<double, 4> corner = {0, 0, 1, 1};
+  const Bound tooLow = {"count", "stock", 7};
+  const std::pair<const char*, std::function<void(Job&, Result&)>> changes[] = {
+      {"/gap", [](Job&, Result& r) { r.Gap = 4; }},
+      {"/gap", [](Job&, Result& r) { r.Gap -= 1e-7; }},
+      {"/kind", [](Job&, Result& r) { r.Kind = JobKind::Job; }},
+      {"/margin/2", [](Job& j, Result&) { j.Margin[2] = 1; }},
+      {"/name", [](Job&, Result& r) { r.Name = "x"; }},
+      {"/layouts/0/plate", [](Job&, Result& r) { r.Layouts[0].Plate = "other"; }},
+      {"/layouts/0/width", [](Job&, Result& r) { r.Layouts[0].Width = 1001; }},
+      {"/layouts/0/width", [](Job&, Result& r) { r.Layouts[0].Width += 1e-7; }},
+      {"/layouts/0/usage", [](Job&, Result& r) { r.Layouts[0].Usage += 1e-6; }},
+      {"/layouts/0/used_box", [](Job&, Result& r) { r.Layouts[0].UsedBox[2] += 1e-3; }},
+      {"/layouts/0/min_clearance", [](Job&, Result& r) { r.Layouts[0].MinClearance.reset(); }},
+      {"/layouts/0/edge_to_edge", [](Job&, Result& r) { r.Layouts[0].EdgeToEdge ^= true; }},
+      {"/layouts/0/free_box", [&corner](Job&, Result& r) { r.Layouts[0].FreeBox = corner; }},
       {"/layouts/0/free_box",
-       [](Result& r) {
-         r.Layouts[0].FreeBox = {0, 0, 1, 1};
-       }},
-      {"/layouts/0/placements/3/box", [](Result& r) { r.Layouts[0].Placements[3].Bounds[0] -= 1; }},
-      {"/layouts/0/placements/0/part", [](Result& r) { r.Layouts[0].Placements[0].Part = "x"; }},
-      {"/summary/cost", [](Result& r) { r.Total.Cost += 1; }},
-      {"/plates/0/used", [](Result& r) { r.Plates[0].Used = 0; }},
-      {"/parts/0/placed", [](Result& r) { r.Parts[0].Placed -= 1; }},
-      {"/parts/0/reason", [](Result& r) { r.Parts[0].Reason.clear(); }},
-      {"/layouts/0/free_box",
-       [](Result& r) {
+       [](Job&, Result& r) {
          for (double& v : r.Layouts[0].FreeBox) v += 1000;
        }},
-      {"/name", [](Result& r) { r.Name = "x"; }},
-      {"/bounds", [](Result& r) { r.Bounds[0].Value += 1; }},
-      {"/bounds", [](Result& r) { r.Bounds.clear(); }},
-      {"/bounds",
-       [](Result& r) {
-         r.Bounds.push_back({"count", "stock", 7});
-         r.Proved = true;
+      {"/layouts/0/placements/3/box", [](Job&, Result& r) { r.Layouts[0].Placements[3].Bounds[0] -= 1; }},
+      {"/layouts/0/placements/0/part", [](Job&, Result& r) { r.Layouts[0].Placements[0].Part = "x"; }},
+      {"/layouts/0", [](Job&, Result& r) { MovePart(r, -0.001); }},
+      {"/layouts/0", [](Job&, Result& r) { MovePart(r, 0.001); }},
+      {"/", [](Job&, Result& r) { r.Layouts[0].Copies = 2; }},
+      {"/summary/cost", [](Job&, Result& r) { r.Total.Cost += 1; }},
+      {"/plates/0/used", [](Job&, Result& r) { r.Plates[0].Used = 0; }},
+      {"/parts/0/placed", [](Job&, Result& r) { r.Parts[0].Placed -= 1; }},
+      {"/parts/0/placed",
+       [](Job& j, Result& r) {
+         j.Parts[0].Amount = r.Parts[0].Amount = 3;
+         r.Parts[0].Unplaced = 0;
        }},
-      {"/parts/0/reason", [](Result& r) { r.Parts[0].Reason = "too_large"; }},
-      {"/status", [](Result& r) { r.Status = ResultStatus::Partial; }},
-      {"/proved", [](Result& r) { r.Proved ^= true; }},
+      {"/parts/0/reason", [](Job&, Result& r) { r.Parts[0].Reason.clear(); }},
+      {"/parts/0/reason", [](Job&, Result& r) { r.Parts[0].Reason = "too_large"; }},
+      {"/bounds", [](Job&, Result& r) { r.Bounds[0].Value += 1; }},
+      {"/bounds", [](Job&, Result& r) { r.Bounds.clear(); }},
+      {"/bounds", [&](Job&, Result& r) { r.Proved = (r.Bounds.push_back(tooLow), true); }},
+      {"/status", [](Job&, Result& r) { r.Status = ResultStatus::Partial; }},
+      {"/proved", [](Job&, Result& r) { r.Proved ^= true; }},
   };
   for (const auto& [place, change] : changes) {
+    Job asked = job;
     Result bad = good;
-    change(bad);
-    EXPECT_EQ(FirstFault(job, bad).substr(0, std::string(place).size()), place);
-    job.Margin = {0, 0, 0, 0};
+    change(asked, bad);
+    EXPECT_THAT(FirstFault(asked, bad), testing::StartsWith(place)) << place;
   }
-}
-
-// The tolerance is granted once: a gap or a plate stated a little wrong does not add another one.
-TEST(CheckResult, GrantsTheToleranceOnce) {
-  const Job job = OneJob(1000, 500, 300, 200, 5);
-  Result bad = run(job);
-  bad.Gap -= 1e-7;
-  EXPECT_EQ(FirstFault(job, bad).substr(0, 4), "/gap");
-  bad.Gap = 5;
-  bad.Layouts[0].Width += 1e-7;
-  EXPECT_EQ(FirstFault(job, bad).substr(0, 16), "/layouts/0/width");
 }
 
 TEST(CheckResult, DoesNotTakeAHalfEmptyPlateForComplete) {
@@ -274,32 +260,10 @@ TEST(CheckResult, DoesNotTakeAHalfEmptyPlateForComplete) {
   less.Parts[0].Amount = 2;
   Result bad = run(less);
   bad.Parts[0].Amount = std::nullopt;
-  EXPECT_EQ(FirstFault(job, bad).substr(0, 7), "/bounds");
+  EXPECT_THAT(FirstFault(job, bad), testing::StartsWith("/bounds"));
   bad.Bounds.pop_back();
   bad.Proved = false;
-  EXPECT_EQ(FirstFault(job, bad).substr(0, 7), "/status");
-}
-
-TEST(CheckResult, FindsPartsThatOverlapOrLeaveThePlateOrAreTooMany) {
-  Job job = OneJob(1000, 500, 300, 200, 5);
-  const Result good = run(job);
-  Result bad = good;
-  for (const double move : {-0.001, 0.001}) {
-    bad = good;
-    Placement& place = bad.Layouts[0].Placements[0];
-    place.Trans[0] += move;
-    place.Bounds[0] += move;
-    place.Bounds[2] += move;
-    EXPECT_EQ(FirstFault(job, bad).substr(0, 10), "/layouts/0") << move;
-  }
-  job.Parts[0].Amount = 3;
-  bad = good;
-  bad.Parts[0].Amount = 3;
-  EXPECT_EQ(FirstFault(job, bad).substr(0, 15), "/parts/0/placed");
-  job.Parts[0].Amount = std::nullopt;
-  bad = good;
-  bad.Layouts[0].Copies = 2;
-  EXPECT_FALSE(CheckResult(job, bad).empty());
+  EXPECT_THAT(FirstFault(job, bad), testing::StartsWith("/status"));
 }
 
 }  // namespace
