@@ -251,6 +251,31 @@ TEST(PolygonBasicAlgo, TangentsHaveTheWholeListBetweenThem) {
   }
 }
 
+struct TRepair {
+  const char* Name;
+  TVPolyline2D Contour;
+  std::vector<double> Areas;
+};
+
+TEST(PolygonBasicAlgo, SimplifyGivesPartsAndHolesFromLargeToSmallInTheDirectionOfTheInput) {
+  const TRepair cases[] = {
+      {"boxes that share a corner", {{0, 0}, {5, 0}, {5, -9}, {20, -9}, {20, 0}, {5, 0}, {5, 5}, {0, 5}}, {135, 25}},
+      {"wound twice", {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {5, 0}, {5, 5}, {0, 5}}, {81}},
+      {"hole in touch", {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {3, 3}, {3, 6}, {6, 6}, {6, 3}, {3, 3}}, {81, -9}},
+      {"flat", {{0, 0}, {5, 5}, {9, 9}}, {}},
+      {"below one unit", {{0, 0}, {1e-6, 0}, {0, 1e-6}}, {}},
+      {"empty", {}, {}},
+  };
+  for (TRepair c : cases) {
+    for (const double sign : {1, -1}) {
+      const TVPolyline2DList parts = TPolygonBasicAlgo::PolygonSimplify(c.Contour, 100000);
+      ASSERT_EQ(parts.size(), c.Areas.size()) << c.Name;
+      for (std::size_t i = 0; i < parts.size(); ++i) EXPECT_DOUBLE_EQ(parts[i].Area(), sign * c.Areas[i]) << c.Name;
+      c.Contour.Reverse();
+    }
+  }
+}
+
 TEST(HPolygon, HolesRunAgainstTheOuterContour) {
   TVHPolygon polygon{Box(0, 0, 9, 9), Box(1, 1, 2, 2), Box(3, 3, 4, 4)};
   for (const bool clockwise : {false, true}) {
