@@ -1,0 +1,277 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "Contours.h"
+#include "ForEachSeed.h"
+#include "OutwardThinning.h"
+#include "Shapes.h"
+#include "platenest/foundation/ConcaveHull.h"
+#include "platenest/foundation/DiscRoller.h"
+#include "platenest/foundation/Errors.h"
+#include "platenest/foundation/Paths.h"
+#include "platenest/foundation/PolyDecimator.h"
+#include "platenest/foundation/PolyInterProfile.h"
+
+namespace platenest {
+namespace {
+
+constexpr double kFineScale = 1e8;  // of the independent checks, well below the tolerance of 1e-6
+
+TVPolyline2D Fine(const TVPolyline2D& Contour, int Level) {
+  TDiscRoller roller(Contour, Level);
+  roller.Run();
+  return roller.Fine();
+}
+
+TVPolyline2D Coarse(const TVPolyline2D& Contour, int Level) {
+  TDiscRoller roller(Contour, Level);
+  roller.Run();
+  return roller.Coarse();
+}
+
+TVPolyline2D Profile(const TVPolyline2D& Contour, int Level) {
+  TPolyInterProfile profile(TDynPoints2D(Contour.begin(), Contour.end()), Level);
+  profile.Run();
+  return profile.Result();
+}
+
+TVPolyline2D Reversed(TVPolyline2D Contour) {
+  Contour.Reverse();
+  return Contour;
+}
+
+// How deep the inside of Inner reaches beyond Outer: the thickness of the pieces beyond at their corners. Corners off
+// both contours do not count, Clipper makes them in pieces without area where the contours almost coincide.
+double DepthBeyond(const TVPolyline2D& Inner, const TVPolyline2D& Outer) {
+  TClipper clipper;
+  clipper.AddPath(TPathUtils::CreatePath(Inner, kFineScale), ClipperLib::ptSubject, true);
+  clipper.AddPath(TPathUtils::CreatePath(Outer, kFineScale), ClipperLib::ptClip, true);
+  TPaths beyond;
+  clipper.Execute(ClipperLib::ctDifference, beyond, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
+  double depth = 0;
+  TPoint2D nearest;
+  for (const TPath& path : beyond) {
+    for (const TIntPoint& corner : path) {
+      const TPoint2D point = TPathUtils::CreatePoint2D(corner, kFineScale);
+      const double fromInner = Inner.DistTo(point, nearest);
+      const double fromOuter = Outer.DistTo(point, nearest);
+      if (std::min(fromInner, fromOuter) < 1e-7) depth = std::max({depth, fromInner, fromOuter});
+    }
+  }
+  return depth;
+}
+
+struct TShape {
+  std::string Name;
+  TVPolyline2D Contour;
+};
+
+std::vector<TShape> RandomShapes(unsigned Seed) {
+  std::vector<TShape> shapes{
+      {"noisy circle", test::Star(100 + Random(300), 100, 0.97)},
+      {"wavy", test::Polar(100 + Random(300), [](int i) { return 80 + 15 * std::sin(i * 0.11); })},
+      {"pinched", test::Polar(200 + Random(300), [](int i) { return 90 - 30 * std::fabs(std::sin(i * 0.07)); })},
+      {"gear", test::Gear(20 + Random(60), 100, test::Uniform(0.3, 5))},
+      {"snake", test::Snake(40 + Random(200), 2, 0.5)},
+  };
+  for (const TShapeKind kind : kShapeKinds)
+    shapes.push_back({NameOf(kind), MakeShape(kind, 20 + Random(200), test::Uniform(5, 500), Seed).front()});
+  const TPoint2D move{test::Uniform(-2000, 2000), test::Uniform(-2000, 2000)};
+  for (TShape& shape : shapes)
+    for (TPoint2D& vertex : shape.Contour) vertex = Seed % 2 == 0 ? vertex : vertex.RotateBy(Seed) + move;
+  return shapes;
+}
+
+// Calls Check on random shapes in all forms: both directions, with and without repeated first point.
+void ForEachForm(int Rounds, const std::function<void(const TVPolyline2D&)>& Check) {
+  ForEachSeed(Rounds, [&Check](unsigned round) {
+    const TRandomScope seed(round);
+    for (const TShape& shape : RandomShapes(round)) {
+      TVPolyline2D contour = Random(2) == 0 ? shape.Contour : Reversed(shape.Contour);
+      if (Random(2) == 0) contour.push_back(TPoint2D(contour.front()));
+      SCOPED_TRACE(shape.Name + (contour.IsClockwise() ? " clockwise" : ""));
+      Check(contour);
+      if (testing::Test::HasFatalFailure()) return;
+    }
+  });
+}
+
+void ExpectSameForm(const TVPolyline2D& Result, const TVPolyline2D& Input) {
+  EXPECT_EQ(Result.IsClosed(0), Input.IsClosed(0));
+  EXPECT_EQ(Result.IsClockwise(), Input.IsClockwise());
+  EXPECT_TRUE(test::IsSimple(Result));
+}
+
+TEST(Reducers, DiscRollerStaysOnTheOutsideAndSimplifiesMoreAtEachLevel) {
+  ForEachForm(6, [](const TVPolyline2D& Contour) {
+    std::size_t fineBefore = Contour.size();
+    std::size_t coarseBefore = Contour.size();
+    for (const int level : {0, 1, 2, 3, 4, 6, 8, 20}) {
+      SCOPED_TRACE(level);
+      TDiscRoller roller(Contour, level);
+      roller.Run();
+      for (const TVPolyline2D* result : {&roller.Fine(), &roller.Coarse()}) {
+        ExpectSameForm(*result, Contour);
+        const bool isCavity = Contour.IsClockwise();
+        ASSERT_LE(DepthBeyond(isCavity ? *result : Contour, isCavity ? Contour : *result), 1e-6);
+      }
+      EXPECT_LE(roller.Fine().size(), fineBefore);
+      EXPECT_LE(roller.Coarse().size(), std::min(coarseBefore, roller.Fine().size()));
+      fineBefore = roller.Fine().size();
+      coarseBefore = roller.Coarse().size();
+    }
+  });
+}
+
+TEST(Reducers, ConcaveHullLiesBetweenTheContourAndItsHull) {
+  ForEachForm(6, [](const TVPolyline2D& Contour) {
+    TVPolyline2D hull;
+    Contour.ConvexHull(hull);
+    double areaBefore = std::fabs(Contour.Area());
+    for (const int level : {0, 1, 2, 3, 5, 8}) {
+      SCOPED_TRACE(level);
+      const TVPolyline2D result = GetConcaveHull(Contour, level);
+      ExpectSameForm(result, Contour);
+      ASSERT_LE(DepthBeyond(Contour, result), 1e-7);
+      ASSERT_LE(DepthBeyond(result, hull), 1e-7);
+      EXPECT_GE(std::fabs(result.Area()), areaBefore * (1 - 1e-12));
+      areaBefore = std::fabs(result.Area());
+    }
+    EXPECT_NEAR(areaBefore, hull.Area(), 1e-9 * hull.Area()) << "the last level leaves no pocket";
+  });
+}
+
+TEST(Reducers, InscribedHullStaysInsideAndLosesLittle) {
+  ForEachForm(6, [](const TVPolyline2D& Contour) {
+    std::size_t before = Contour.size();
+    for (const int level : {0, 1, 3, 6}) {
+      SCOPED_TRACE(level);
+      const TVPolyline2D result = TPolyDecimator::GetInscribedHull(Contour, level);
+      ExpectSameForm(result, Contour);
+      ASSERT_LE(DepthBeyond(result, Contour), 1e-6);
+      EXPECT_GE(result.Area() / Contour.Area(), 1 - 0.005 * level - 1e-9);
+      EXPECT_LE(result.size(), before);
+      before = result.size();
+    }
+  });
+}
+
+TEST(Reducers, InterProfileStaysInside) {
+  int kept = 0;
+  ForEachForm(6, [&kept](const TVPolyline2D& Contour) {
+    for (const int level : {1, 3, 6}) {
+      SCOPED_TRACE(level);
+      const TVPolyline2D result = Profile(Contour, level);
+      if (result.empty()) continue;
+      ++kept;
+      ExpectSameForm(result, Contour);
+      ASSERT_LE(DepthBeyond(result, Contour), 1e-6);
+      EXPECT_GE(result.Area() / Contour.Area(), 0.9 - 1e-9);
+    }
+  });
+  EXPECT_GT(kept, 100);
+}
+
+TEST(Reducers, InterProfileThinsWhatIsSmooth) {
+  EXPECT_LT(Profile(test::Circle(2000, 100), 3).size(), 200u);
+  EXPECT_TRUE(Profile(test::Gear(500, 100, 30), 5).empty()) << "the teeth would vanish";
+}
+
+// Teeth of 1 % of the radius, in three characters.
+TEST(Reducers, TeethDisappearWithoutFallingBackToTheHull) {
+  const TRandomScope seed(5);
+  const TVPolyline2D outlines[] = {
+      test::Polar(720, [](int i) { return i % 2 == 0 ? 100.0 : 99.0; }),
+      test::Gear(180, 100, 1),
+      test::Polar(720, [](int i) { return 100 + 0.5 * std::sin(i * 2 * std::numbers::pi / 12); }),
+      test::Star(800, 100, 0.99),
+  };
+  for (TVPolyline2D outline : outlines) {
+    // A notch of half the radius tells a reduced outline from a hull.
+    outline.erase(outline.begin(), outline.begin() + 10);
+    outline.insert(outline.begin(), TPoint2D{50, 4});
+    TVPolyline2D hull;
+    outline.ConvexHull(hull);
+    for (const TVPolyline2D& contour : {outline, Reversed(outline)}) {
+      const auto size = static_cast<double>(contour.size());
+      for (const auto& reduce : {Fine, Coarse}) {
+        EXPECT_LE(static_cast<double>(reduce(contour, 3).size()), 0.7 * size);
+        EXPECT_LE(static_cast<double>(reduce(contour, 5).size()), 0.55 * size);
+      }
+      EXPECT_LT(std::fabs(Fine(contour, 3).Area()), hull.Area() - 100) << "the notch stays open";
+      EXPECT_GT(std::fabs(Coarse(contour, 5).Area()), 0.9 * std::fabs(contour.Area()));
+    }
+  }
+}
+
+// A slot with a narrow mouth is filled whatever its depth and few points, one as wide as the disc stays.
+TEST(Reducers, OnlyWhatTheDiscCannotReachIsFilled) {
+  const auto block = [](double Mouth) {
+    return TVPolyline2D{{0, 0},           {100, 0}, {100, 100}, {50 + Mouth, 100},
+                        {50 + Mouth, 10}, {50, 10}, {50, 100},  {0, 100}};
+  };
+  EXPECT_DOUBLE_EQ(Fine(block(1.59), 2).Area(), 10000) << "radius 0.8";
+  EXPECT_EQ(Fine(block(1.61), 2).Count(), 8);
+  EXPECT_EQ(Fine(block(1.61), 3).Count(), 4);
+  // Wide but shallow: the disc rests on the corners of the mouth without touching the ground, or it does touch.
+  const auto dent = [](double Depth) {
+    return TVPolyline2D{{0, 0}, {100, 0}, {100, 100}, {51, 100}, {50, 100 - Depth}, {49, 100}, {0, 100}};
+  };
+  EXPECT_EQ(Fine(dent(0.38), 3).Count(), 4) << "radius 1.6, which reaches 0.351 deep";
+  EXPECT_GT(Fine(dent(0.3), 3).Count(), 4);
+}
+
+TEST(Reducers, ThinningKeepsItsBoundInBothDirections) {
+  ForEachForm(6, [](const TVPolyline2D& Contour) {
+    for (const double bound : {0.01, 0.3, 4.0}) {
+      const TVPolyline2D result(TVPoint2DList(detail::ThinnedOutward(Contour.Vertices(), {.Distance = bound})));
+      TPoint2D nearest;
+      for (const TPoint2D& vertex : Contour) EXPECT_LE(result.DistTo(vertex, nearest), bound * (1 + 1e-9));
+      for (const TPoint2D& vertex : result) EXPECT_LE(Contour.DistTo(vertex, nearest), bound * (1 + 1e-9));
+    }
+  });
+}
+
+TEST(Reducers, DegenerateContoursComeBackOrStayHarmless) {
+  const TVPolyline2D small[] = {{},
+                                {{1, 2}},
+                                {{1, 2}, {3, 4}},
+                                {{0, 0}, {1, 0}, {0, 1}},
+                                {{0, 0}, {1, 0}, {2, 0}, {3, 0}, {1.5, 0}},
+                                {{2, 2}, {2, 2}, {2, 2}, {2, 2}, {2, 2}}};
+  for (const TVPolyline2D& contour : small) {
+    EXPECT_EQ(Fine(contour, 3).size(), contour.size());
+    EXPECT_EQ(Coarse(contour, 3).size(), contour.size());
+    EXPECT_EQ(GetConcaveHull(contour, 3).size(), contour.size());
+    EXPECT_EQ(TPolyDecimator::GetInscribedHull(contour, 3).size(), contour.size());
+  }
+  const TVPolyline2D withNan{{0, 0}, {std::numeric_limits<double>::quiet_NaN(), 0}, {5, 5}, {0, 5}, {-1, 2}};
+  EXPECT_THROW(Fine(withNan, 1), TRangeError);
+  EXPECT_THROW(GetConcaveHull(withNan, 1), TRangeError);
+  EXPECT_THROW(TPolyDecimator::GetInscribedHull(withNan, 1), TRangeError);
+}
+
+// Coarse grids bring crossings, repeated points, folds and contacts: no promise but an end.
+TEST(Reducers, CrossingContoursEndSomehow) {
+  const TRandomScope seed(17);
+  for (int round = 0; round < 400; ++round) {
+    TVPolyline2D contour;
+    const int side = 3 + Random(20);
+    for (int i = 4 + Random(60); i > 0; --i) contour.push_back({1.0 * Random(side), 1.0 * Random(side)});
+    for (const int level : {1, 4, 8}) {
+      EXPECT_LE(Coarse(contour, level).size(), contour.size());
+      EXPECT_LE(GetConcaveHull(contour, level).size(), contour.size());
+      EXPECT_LE(TPolyDecimator::GetInscribedHull(contour, level).size(), contour.size());
+      Profile(contour, level);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace platenest
