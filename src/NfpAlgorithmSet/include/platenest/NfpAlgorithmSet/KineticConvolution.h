@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platenest/NfpAlgorithmSet/Chip.h"
+#include "platenest/NfpAlgorithmSet/KineticCircuits.h"
+#include "platenest/NfpAlgorithmSet/KineticLoop.h"
+#include "platenest/NfpAlgorithmSet/NfpTypes.h"
+#include "platenest/foundation/Export.h"
+#include "platenest/foundation/Paths.h"
+
+namespace platenest {
+
+// Turns two kinetic loops into the paths of a no-fit polygon: the segments of their kinetic convolution (Guibas,
+// Ramshaw and Stolfi 1983) become a graph, circuits of it are united and judged. The size of the work is bounded: where
+// it would explode, one or both loops are replaced by lighter ones, and the result tells how far that went. The dynamic
+// loop is the moving shape mirrored through the origin. One object for one thread; it may be used again.
+class PLATENEST_API TKineticConvolution {
+ public:
+  // Chips up to which a convolution is never reduced below ntComplete.
+  static constexpr int MIN_CONVOLUTION_EDGES = 9999;
+
+  TKineticConvolution(TNFPType required, bool innerCheck);
+
+  int MAX_CONVOLUTION_EDGES() const { return FMaxConvolutionEdges; }
+  int INNER_CONVOLUTION_EDGES() const { return FInnerConvolutionEdges; }
+
+  int Convolution(const TKMPLoop& dynamicLoop, const TKMPLoop& staticLoop, bool putInside, TPaths& nfpPaths);
+  TVectorGraph Convolve(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop, bool putInside, int& level);
+  static void CollectChains(const TKMPLoop& loopA, const TKMPLoop& loopB, TChipList& chips, bool isFirst);
+  static int LoopSimilar(const TKMPLoop& loop1, const TKMPLoop& loop2);
+  static bool BoundCheck(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop);
+  // True if the dynamic shape overlaps the static one at some point of testPath, shrunk as for a trial placement.
+  static bool WholePathInvalid(const TKMPLoop& stLoop, const TKMPLoop& dyLoop, const TPath& testPath, int offset);
+
+ protected:
+  // The circuits, or the outline, united; false if the work would be too large. forced suppresses the size stops.
+  bool UnionCircuits(const TKineticCircuits& circuits, TPaths& paths, bool forced);
+  // Judges and cleans the paths; false if they cannot be right.
+  bool NormorlizePaths(TPaths& paths, bool putInside) const;
+  // Whether the trial placement of the dynamic shape at the first point of the path fails.
+  static bool PathInvalid(const TKMPLoop& stLoop, const TKMPLoop& dyLoop, const TPath& testPath, int offset);
+
+  TNFPType _required;
+  bool _innerCheck;
+  int FMaxConvolutionEdges;
+  int FInnerConvolutionEdges;
+  int _selfNfp = 0;                   // likeness of the two loops, 0 to 4
+  Int64 _edgeCount = 0;               // points of the outer circuits, or running sum while they are united
+  const TKMPLoop* _dyLoop = nullptr;  // arguments of the last Convolve; the caller's
+  const TKMPLoop* _stLoop = nullptr;
+};
+
+}  // namespace platenest
