@@ -228,7 +228,8 @@ class TKineticConvolution::TRun {
   void RecheckInside();
   bool IsWorthRecheck() const;
   bool TrailsInstead();
-  bool HoldsAllInOneCircuit() const;
+  bool Differs(const TPaths& Trails) const;
+  bool HoldsAllWithoutChoice() const;
 
   TLoops RungLoops(int Rung);
   TLoops FirstRungOutside();
@@ -429,54 +430,71 @@ void TKineticConvolution::TRun::RecheckInside() {
 }
 
 // A second opinion on the choice of circuits: the union of all closed trails. It is taken where it differs from the
-// circuits' one, or where there is none, if it passes the same judgement.
+// circuits' one, or where there is none, if it passes the same judgement. Inside it matters as much: a circuit missed
+// there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
-  if (FInside || FLevel != kLevelFailed || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
-  if (FUsable && HoldsAllInOneCircuit()) return false;
+  if (FLevel > kLevelFull || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
+  if (FUsable && HoldsAllWithoutChoice()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
   if (!UnionOfTrails(FOwner.FChips, (FS.Area() < 0) == (FD.Area() < 0), trails)) return false;
-  const double area = TPathUtils::Area(trails);
-  if (FUsable && std::fabs(TPathUtils::Area(FPaths) - area) <= kTrailAreaShare * std::fabs(area)) return false;
+  if (FUsable && !Differs(trails)) return false;
   if (!FOwner.NormorlizePaths(trails, FInside)) return false;
   FPaths = std::move(trails);
   ++NfpStatistics.TrailHits;
   return true;
 }
 
-// Whether a single circuit winds around the same area as all chips together; then there was no choice.
-bool TKineticConvolution::TRun::HoldsAllInOneCircuit() const {
+bool TKineticConvolution::TRun::Differs(const TPaths& Trails) const {
+  const double area = TPathUtils::Area(Trails);
+  const double allowed = kTrailAreaShare * std::fabs(area);
+  return std::fabs(TPathUtils::Area(FPaths) - area) > (FInside ? std::max(allowed, kTrailAreaInside) : allowed);
+}
+
+// Whether the graph is a set of rings without a common vertex, all of them were united, and together they wind around
+// the same area as all chips; then there was no choice.
+bool TKineticConvolution::TRun::HoldsAllWithoutChoice() const {
   const TKineticCircuits& circuits = FSearch->Circuits;
-  if (circuits.CircuitCount() != 1 || !circuits.SccOutline().empty()) return false;
+  if (!circuits.SccOutline().empty()) return false;
+  const TVectorGraph& graph = FSearch->Graph;
+  int edges = 0;
+  for (int id = graph.LowestId(); id <= graph.MaxVertexId(); ++id) {
+    if (Size(graph.Successors(id)) > 1) return false;
+    edges += Size(graph.Successors(id));
+  }
   const TPoint2D origin = FOwner.FChips.front().FStartPoint;
+  int points = 0;
+  double ofCircuits = 0;
+  for (int i = 0; i < circuits.CircuitCount(); ++i) {
+    const std::span<const int> circuit = circuits.GetCircuit(i);
+    points += Size(circuit);
+    TPoint2D before = graph.GetVertex(circuit.back());
+    for (const int id : circuit) {
+      const TPoint2D vertex = graph.GetVertex(id);
+      ofCircuits += (before - origin).CrossMul(vertex - origin);
+      before = vertex;
+    }
+  }
+  if (points != edges || FOwner._edgeCount != edges) return false;
   double ofChips = 0;
   for (const TChip& chip : FOwner.FChips) ofChips += (chip.FStartPoint - origin).CrossMul(chip.FEndPoint - origin);
-  double ofCircuit = 0;
-  const std::span<const int> circuit = circuits.GetCircuit(0);
-  TPoint2D before = FSearch->Graph.GetVertex(circuit.back());
-  for (const int id : circuit) {
-    const TPoint2D vertex = FSearch->Graph.GetVertex(id);
-    ofCircuit += (before - origin).CrossMul(vertex - origin);
-    before = vertex;
-  }
-  return std::fabs(std::fabs(ofCircuit) - std::fabs(ofChips)) <= kTrailAreaShare * std::fabs(ofChips);
+  return std::fabs(std::fabs(ofCircuits) - std::fabs(ofChips)) <= kTrailAreaShare * std::fabs(ofChips);
 }
 
 int TKineticConvolution::Convolution(const TKMPLoop& dynamicLoop, const TKMPLoop& staticLoop, bool putInside,
                                      TPaths& nfpPaths) {
   ++NfpStatistics.Convolutions;
   nfpPaths.clear();
+  if (_innerCheck && putInside && !BoundCheck(staticLoop, dynamicLoop)) return kLevelFailed;
+  _selfNfp = putInside ? 0 : LoopSimilar(staticLoop, dynamicLoop);
   int level = kLevelFailed;
-  if (!_innerCheck || !putInside || BoundCheck(staticLoop, dynamicLoop)) {
-    _selfNfp = putInside ? 0 : LoopSimilar(staticLoop, dynamicLoop);
-    try {
-      level = TRun(*this, dynamicLoop, staticLoop, putInside, nfpPaths).Level();
-    } catch (const std::exception&) {
-      TCerr::W("NFP Error for Points Count: %d # %d, Edge Count: %d # %d", staticLoop.FCount(), dynamicLoop.FCount(),
-               staticLoop.Count(), dynamicLoop.Count());
-    }
-    _stLoop = _dyLoop = nullptr;
+  try {
+    level = TRun(*this, dynamicLoop, staticLoop, putInside, nfpPaths).Level();
+  } catch (const std::exception&) {
+    TCerr::W("NFP Error for Points Count: %d # %d, Edge Count: %d # %d", staticLoop.FCount(), dynamicLoop.FCount(),
+             staticLoop.Count(), dynamicLoop.Count());
   }
+  _stLoop = _dyLoop = nullptr;
   if (level == kLevelFailed) {
     ++NfpStatistics.Failures;
     nfpPaths.clear();
