@@ -229,6 +229,17 @@ TEST(KineticConvolution, TrailsReplaceCircuitsThatMissAPlaceOfOverlap) {
   EXPECT_GT(hits, 0);
 }
 
+TEST(KineticConvolution, ALastPieceFindsItsHoleIfItHasPlay) {
+  ForEachSeed(44, [](unsigned seed) {
+    const TJigsaw jigsaw = MakeJigsaw(kShapeKinds[seed % kShapeKinds.size()], 30, 50, 0.002, seed);
+    const TKMPLoop hole = LoopOf(Contour(PolygonOf(jigsaw.Plate).at(1)));
+    const TKMPLoop part = LoopOf(Mirrored(Contour(OuterContour(jigsaw.Part))));
+    const TResult result = Convolved(hole, part, true, ntComplete, true);
+    EXPECT_EQ(result.Level, 0);
+    EXPECT_NE(PlaceOf(TPathUtils::CreateIntPoint(jigsaw.Place, kPathScale), result.Paths), TPlace::Outside);
+  });
+}
+
 TEST(KineticConvolution, APartLargerThanItsCavityCostsNoGraph) {
   const TKMPLoop cavity = LoopOf(Clockwise(Rect(0, 0, 10, 10)));
   const TResult large = Convolved(cavity, LoopOf(Rect(0, 0, 11, 2)), true, ntComplete, true);
