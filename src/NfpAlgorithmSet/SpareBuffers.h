@@ -6,8 +6,8 @@
 
 namespace platenest::detail {
 
-// Buffers that the thread keeps between two short searches, since their memory costs more than the search otherwise. At
-// most a few stay, and none that is large.
+// Buffers that the thread keeps between two short searches, since their memory costs more than the search otherwise. A
+// few stay, and none that is large.
 template <class T>
 class TSpareBuffers {
  public:
@@ -16,24 +16,25 @@ class TSpareBuffers {
   // An empty list with room for Count.
   static std::vector<T> Take(std::size_t Count) {
     std::vector<T> buffer;
-    if (!FSpares.empty()) {
-      buffer = std::move(FSpares.back());
-      FSpares.pop_back();
-    }
+    if (FSpares.Count > 0) buffer = std::move(FSpares.Buffers[--FSpares.Count]);
     buffer.reserve(Count);
     return buffer;
   }
-  static void Give(std::vector<T> Buffer) {
-    if (Buffer.capacity() > kMostBytes / sizeof(T) || FSpares.size() == kMostSpares) return;
+  static void Give(std::vector<T> Buffer) noexcept {
+    if (Buffer.capacity() > kMostBytes / sizeof(T) || FSpares.Count == kMostSpares) return;
     Buffer.clear();
-    FSpares.push_back(std::move(Buffer));
+    FSpares.Buffers[FSpares.Count++] = std::move(Buffer);
   }
 
  private:
   static constexpr std::size_t kMostBytes = 1 << 18;
   static constexpr std::size_t kMostSpares = 4;
 
-  inline static thread_local std::vector<std::vector<T>> FSpares;
+  struct TSpares {
+    std::vector<T> Buffers[kMostSpares];
+    std::size_t Count = 0;
+  };
+  inline static thread_local TSpares FSpares;
 };
 
 }  // namespace platenest::detail
