@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "KineticCircuitsRules.h"
+#include "SpareBuffers.h"
 #include "platenest/NfpAlgorithmSet/TarjanComponents.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Rounding.h"
@@ -30,11 +31,22 @@ bool Exceeds(const TCircuitStop& Stop, Int64 Points, int Circuits) {
 TKineticCircuits::TKineticCircuits(const TVectorGraph& dg, int numFilter)
     : TJhonsonCircuits<TPoint2D>(dg, numFilter),
       inCycle(dg.MaxVertexId() + 1),
-      EdgeVisited(static_cast<std::size_t>(dg.MaxVertexId() + 1)),
       FVectorGraph(dg),
       FInComponent(dg.MaxVertexId() + 1),
       FOnPath(dg.MaxVertexId() + 1) {
+  const auto count = static_cast<std::size_t>(dg.MaxVertexId() + 1);
   blocked.Reset(dg.MaxVertexId() + 1);
+  FCircuits.ReserveIds(count);
+  EdgeVisited = TSpareBuffers<TVertexIdList>::Take(count);
+  EdgeVisited.resize(count);
+  Stack = TSpareBuffers<int>::Take(count + 1);
+  FTraces = TSpareBuffers<TNodeTrace>::Take(count);
+}
+
+TKineticCircuits::~TKineticCircuits() {
+  TSpareBuffers<TVertexIdList>::Give(std::move(EdgeVisited));
+  TSpareBuffers<int>::Give(std::move(Stack));
+  TSpareBuffers<TNodeTrace>::Give(std::move(FTraces));
 }
 
 bool TKineticCircuits::DFSLoops(bool loopsInside, TNFPType, int loopSimilar) {
@@ -44,13 +56,16 @@ bool TKineticCircuits::DFSLoops(bool loopsInside, TNFPType, int loopSimilar) {
   const TVertexIdLists& components = search.GetStrongConnectedCompnents();
   FSccAmount = components.Count();
   if (components.empty()) throw TNestError("Empty Sccs.");
-  if (search.IsSoleCircuit()) {
+  if (components.Count() == 1 && search.IsSoleCircuit()) {
     TakeSoleCircuit(components[0]);
     return true;
   }
   const int main = MainComponent(components);
   FSearch = {.Component = components[main], .LoopsInside = loopsInside, .LoopSimilar = loopSimilar};
-  curGraph = living.Construct(FSearch.Component);
+  BeginComponent(FSearch.Component);
+  // In a balanced graph no edge leaves a component; then the walks need no graph of its own.
+  FSearch.IsClosed = IsClosed(living, FSearch.Component);
+  curGraph = FSearch.IsClosed ? std::move(living) : living.Construct(FSearch.Component);
   try {
     const bool usable = SearchMainComponent();
     FOuterCycleCounter = CircuitCount();
@@ -58,7 +73,7 @@ bool TKineticCircuits::DFSLoops(bool loopsInside, TNFPType, int loopSimilar) {
   } catch (const std::exception&) {
     throw TNestError("Error in Circuit");
   }
-  curGraph = std::move(living);
+  if (!FSearch.IsClosed) curGraph = std::move(living);
   for (int i = 0; i < components.Count(); ++i)
     if (i != main) SearchOtherComponent(components[i]);
   return true;
@@ -90,6 +105,12 @@ void TKineticCircuits::BeginComponent(std::span<const int> Component) {
   for (const int id : Component) FInComponent.Set(id);
 }
 
+bool TKineticCircuits::IsClosed(const TDirectedGraph<int>& Whole, std::span<const int> Component) const {
+  return std::ranges::all_of(Component, [&](int id) {
+    return std::ranges::all_of(Whole.Successors(id), [&](int successor) { return FInComponent[successor]; });
+  });
+}
+
 int TKineticCircuits::DepthLimit(int n) {
   if (n <= kDepthFlatUpTo) return kDepthBase;
   if (n < kDepthLinearBelow) return kDepthBase + Round<int>((n - kDepthFlatUpTo) / 1000.0 * kDepthPerThousand);
@@ -99,7 +120,6 @@ int TKineticCircuits::DepthLimit(int n) {
 }
 
 bool TKineticCircuits::SearchMainComponent() {
-  BeginComponent(FSearch.Component);
   FLongestSccCount = Size(FSearch.Component);
   FirstWalk();
   LoopsAtExtrema();
@@ -110,7 +130,7 @@ bool TKineticCircuits::SearchMainComponent() {
 }
 
 void TKineticCircuits::FirstWalk() {
-  startVertex = curGraph.LowestId();
+  startVertex = std::ranges::min(FSearch.Component);
   cycleCount = CyclesFrom(startVertex, DepthLimit(FLongestSccCount));
   if (!FSearch.LoopsInside) FSearch.Total = FCircuits.TotalSize(CircuitCount());
 }

@@ -17,11 +17,11 @@ using namespace detail;
 namespace {
 
 bool AnyHolds(std::span<const TOutlineCall> Calls, int Similar, int Vertices, Int64 Points, int Circuits) {
-  const double ratio = static_cast<double>(Points) / Vertices;
   return std::ranges::any_of(Calls, [&](const TOutlineCall& call) {
-    return Similar >= call.SimilarAtLeast && Vertices >= call.VerticesAtLeast && Vertices < call.VerticesBelow &&
-           Points > call.PointsAbove && Circuits > call.CircuitsAbove &&
-           Points - Vertices > call.PointsBeyondVerticesAbove && ratio > call.RatioAbove;
+    return Points > call.PointsAbove && Similar >= call.SimilarAtLeast && Vertices >= call.VerticesAtLeast &&
+           Vertices < call.VerticesBelow && Circuits > call.CircuitsAbove &&
+           Points - Vertices > call.PointsBeyondVerticesAbove &&
+           static_cast<double>(Points) / Vertices > call.RatioAbove;
   });
 }
 
@@ -147,7 +147,7 @@ bool TKineticCircuits::OutlineTrial() {
 
 bool TKineticCircuits::CallOutline() {
   FSearch.OutlineTried = true;
-  return TryCalcOutline(curGraph);
+  return FSearch.IsClosed ? TryCalcOutline(curGraph.Construct(FSearch.Component)) : TryCalcOutline(curGraph);
 }
 
 bool TKineticCircuits::TryCalcOutline(const TDirectedGraph<int>& Scc) {

@@ -65,6 +65,7 @@ class TEdgeRing {
 
   // The edges that stay, with their links.
   std::vector<TKMPEdge> Take() {
+    if (FCount == Size(FEdges)) return std::move(FEdges);
     std::vector<int> places(FEdges.size(), -1);
     int count = 0;
     for (std::size_t i = 0; i < FEdges.size(); ++i)
@@ -179,26 +180,31 @@ void TKMPLoop::InitLoop(TVPolyline2D& APoly) {
 }
 
 void TKMPLoop::FillTable(std::vector<TKMPEdge> Ring) {
-  std::vector<int> order(Ring.size());
-  for (int i = 0; i < Size(Ring); ++i) order[i] = i;
-  SortBy(order, [&Ring](int A, int B) { return CompareByAngle(Ring[A], Ring[B]); });
+  struct TPlaced {
+    int Angle;
+    int Index;  // in Ring
+  };
+  std::vector<TPlaced> order;
+  order.reserve(Ring.size());
+  for (int i = 0; i < Size(Ring); ++i) order.push_back({Ring[i].FAngle, i});
+  SortBy(order, [](const TPlaced& A, const TPlaced& B) { return Sign(A.Angle, B.Angle); });
   std::vector<int> first;
   first.reserve(Ring.size() + 1);
   for (int begin = 0; begin < Size(order);) {
     int end = begin + 1;
-    while (end < Size(order) && Ring[order[end]].FAngle == Ring[order[begin]].FAngle) ++end;
+    while (end < Size(order) && order[end].Angle == order[begin].Angle) ++end;
     std::reverse(order.begin() + begin + 1, order.begin() + end);
     first.push_back(begin);
     begin = end;
   }
   first.push_back(Size(order));
   std::vector<int> places(Ring.size());
-  for (int place = 0; place < Size(order); ++place) places[order[place]] = place;
+  for (int place = 0; place < Size(order); ++place) places[order[place].Index] = place;
   std::vector<TKMPEdge> edges;
   edges.reserve(Ring.size());
-  for (const int index : order) {
-    edges.push_back(Ring[index]);
-    edges.back().FLpNext = places[Ring[index].FLpNext];
+  for (const TPlaced& placed : order) {
+    edges.push_back(Ring[placed.Index]);
+    edges.back().FLpNext = places[edges.back().FLpNext];
   }
   FEdges = std::move(edges);
   FFirst = std::move(first);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "SpareBuffers.h"
+
 namespace platenest {
 
 namespace {
@@ -12,13 +14,16 @@ constexpr int kClosed = std::numeric_limits<int>::max();
 const TVertexIdLists& TTarjanComponents::GetStrongConnectedCompnents() {
   if (FSearched) return FComponents;
   const std::size_t count = static_cast<std::size_t>(FGraph.MaxVertexId() + 1);
-  FOrder.assign(count, 0);
-  FLow.assign(count, 0);
+  FMarks = detail::TSpareBuffers<TMark>::Take(count);
+  FOpen = detail::TSpareBuffers<int>::Take(count);
+  FFrames = detail::TSpareBuffers<TFrame>::Take(count);
+  FMarks.assign(count, {});
   for (int id = FGraph.LowestId(); id <= FGraph.MaxVertexId(); ++id)
-    if (FOrder[id] == 0) SearchFrom(id);
+    if (FMarks[id].Order == 0) SearchFrom(id);
   FSearched = true;
-  FOrder = FLow = FOpen = {};
-  FFrames = {};
+  detail::TSpareBuffers<TMark>::Give(std::move(FMarks));
+  detail::TSpareBuffers<int>::Give(std::move(FOpen));
+  detail::TSpareBuffers<TFrame>::Give(std::move(FFrames));
   return FComponents;
 }
 
@@ -34,15 +39,17 @@ void TTarjanComponents::SearchFrom(int Root) {
     }
     const int successor = successors[frame.NextSuccessor++];
     if (successor < FGraph.LowestId()) continue;
-    if (FOrder[successor] == 0)
+    const int order = FMarks[successor].Order;
+    if (order == 0)
       Enter(successor);
     else
-      FLow[node] = std::min(FLow[node], FOrder[successor]);
+      FMarks[node].Low = std::min(FMarks[node].Low, order);
   }
 }
 
 void TTarjanComponents::Enter(int Node) {
-  FOrder[Node] = FLow[Node] = ++FCounter;
+  ++FCounter;
+  FMarks[Node] = {FCounter, FCounter};
   FOpen.push_back(Node);
   FFrames.push_back({Node, 0});
 }
@@ -50,13 +57,13 @@ void TTarjanComponents::Enter(int Node) {
 void TTarjanComponents::Leave(int Node) {
   FFrames.pop_back();
   if (!FFrames.empty()) {
-    int& low = FLow[FFrames.back().Node];
-    low = std::min(low, FLow[Node]);
+    int& low = FMarks[FFrames.back().Node].Low;
+    low = std::min(low, FMarks[Node].Low);
   }
-  if (FLow[Node] != FOrder[Node]) return;
+  if (FMarks[Node].Low != FMarks[Node].Order) return;
   std::size_t first = FOpen.size() - 1;
   while (FOpen[first] != Node) --first;
-  for (std::size_t i = first; i < FOpen.size(); ++i) FOrder[FOpen[i]] = kClosed;
+  for (std::size_t i = first; i < FOpen.size(); ++i) FMarks[FOpen[i]].Order = kClosed;
   const std::span<const int> component(FOpen.begin() + static_cast<std::ptrdiff_t>(first), FOpen.end());
   if (Size(component) >= FMinSize) FComponents.push_back(component);
   FOpen.resize(first);
@@ -86,25 +93,27 @@ int TTarjanComponents::GetLongestComponent(const TVertexIdLists& Components) {
 }
 
 bool TTarjanComponents::IsSoleCircuit() const {
-  const std::vector<int> inDegrees = FGraph.InDegrees();
-  int onCircuit = 0;
+  const int lowest = FGraph.LowestId();
+  int edges = 0;
   int start = -1;
-  for (int id = 0; id <= FGraph.MaxVertexId(); ++id) {
-    const int outDegree = Size(FGraph.Successors(id));
-    if (inDegrees[id] == 0 && outDegree == 0) continue;
-    if (inDegrees[id] != 1 || outDegree != 1) return false;
-    ++onCircuit;
+  for (int id = lowest; id <= FGraph.MaxVertexId(); ++id) {
+    const auto outDegree = std::ranges::count_if(FGraph.Successors(id), [=](int end) { return end >= lowest; });
+    if (outDegree > 1) return false;
+    if (outDegree == 0) continue;
+    ++edges;
     start = id;
   }
-  if (onCircuit < 3) return false;
-  // With one edge in and one out everywhere the graph is a set of rings: it is one if the first is as long as all.
-  int length = 0;
+  if (edges < 3) return false;
+  // At most one way on from everywhere: what comes home over all edges is a ring and leaves none aside.
   int id = start;
-  do {
-    id = FGraph.Successors(id).front();
-    ++length;
-  } while (id != start);
-  return length == onCircuit;
+  for (int length = 1; length <= edges; ++length) {
+    const TVertexIdList& successors = FGraph.Successors(id);
+    const auto next = std::ranges::find_if(successors, [=](int end) { return end >= lowest; });
+    if (next == successors.end()) return false;
+    id = *next;
+    if (id == start) return length == edges;
+  }
+  return false;
 }
 
 }  // namespace platenest

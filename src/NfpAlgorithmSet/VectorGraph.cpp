@@ -107,10 +107,11 @@ int TVectorGraph::KeyCount(int a, int b, Int64& Key) {
 
 // Two cells share a code only if they are a stride apart along a row, or further.
 int TVectorGraph::FindVertex(Int64 Code, const TPoint2D& P) const {
-  const double halfStride = static_cast<double>(KeyCoef) / 2 / static_cast<double>(FPointPrec);
+  constexpr double halfStride = static_cast<double>(KeyCoef) / 2;  // cells
+  const double factor = static_cast<double>(FPointPrec);
   return FPointsMap.Find(Code, [&](int id) {
     const TPoint2D& vertex = Vertices()[static_cast<std::size_t>(id)];
-    return std::fabs(vertex.X - P.X) < halfStride && std::fabs(vertex.Y - P.Y) < halfStride;
+    return std::fabs(vertex.X - P.X) * factor < halfStride && std::fabs(vertex.Y - P.Y) * factor < halfStride;
   });
 }
 
@@ -134,8 +135,10 @@ int TVectorGraph::FindOrAddNear(const TPoint2D& P, bool& IsNew) {
 void TVectorGraph::AddChip(const TChip& chip) {
   bool newStart = false;
   bool newEnd = false;
-  const int start = FindOrAdd(GetPointCode(chip.First()), chip.First(), newStart);
-  const int end = FindOrAdd(GetPointCode(chip.Second()), chip.Second(), newEnd);
+  const Int64 startCode = GetPointCode(chip.First());
+  const Int64 endCode = GetPointCode(chip.Second());
+  const int start = FindOrAdd(startCode, chip.First(), newStart);
+  const int end = FindOrAdd(endCode, chip.Second(), newEnd);
   if (start == end) return;
   if (newStart || newEnd)
     AddEdgeNoErr(start, end);

@@ -51,7 +51,8 @@ struct TVectorGraph::TEdge {
 };
 
 bool TVectorGraph::Collinear(int A, int B, int C) const {
-  return std::fabs(TPoint2DUtils::IsLeft(GetVertex(A), GetVertex(B), GetVertex(C))) <= kCollinear;
+  const TVertexList& vertices = Vertices();
+  return std::fabs(TPoint2DUtils::IsLeft(vertices[A], vertices[B], vertices[C])) <= kCollinear;
 }
 
 // v -> a -> c and v -> b -> c on one line: the way over b goes.
@@ -105,6 +106,8 @@ bool TVectorGraph::SkipMiddle(int Start, std::vector<int>& InDegrees) {
 class TVectorGraph::TOverlaps {
  public:
   TOverlaps(TVectorGraph& Graph, const std::vector<int>& InDegrees) : FGraph(Graph) {
+    FEdges.reserve(InDegrees.size());
+    FWhole.reserve(InDegrees.size());
     for (int id = Graph.LowestId(); id <= Graph.MaxVertexId(); ++id) {
       if (InDegrees[id] <= 0) continue;
       for (const int end : Graph.Successors(id))

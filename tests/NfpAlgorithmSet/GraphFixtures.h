@@ -17,13 +17,6 @@ inline TIdGraph GraphOf(int Count, const std::vector<std::pair<int, int>>& Edges
   return graph;
 }
 
-inline TIdGraph CompleteGraph(int Count) {
-  TIdGraph graph(Count);
-  for (int a = 0; a < Count; ++a)
-    for (int b = 0; b < Count; ++b) graph.AddEdge(a, b);
-  return graph;
-}
-
 inline TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std::vector<std::pair<int, int>>& Edges) {
   TVectorGraph graph(Size(Points));
   for (const TPoint2D& point : Points) graph.AddVertex(point);

@@ -327,19 +327,6 @@ TEST(KineticLoop, LightLevelsTakeTheFineTraceOfTheDiscAndHeavyOnesTheCoarse) {
   EXPECT_GT(reduced.Area(), house.Area());
 }
 
-TEST(KineticLoop, ReducedLoopsHaveFewerPointsTheHeavierTheLevel) {
-  const TRandomScope seed(6);
-  for (const TVPolyline2D& shape : {test::Gear(180, 100, 1), test::Star(800, 100, 0.98), test::Circle(900, 70)}) {
-    int before = shape.Count();
-    for (int level = 1; level <= 7; ++level) {
-      const TKMPLoop reduced = LoopOf(shape).ToReducedLoop(level, ntConcaveHull);
-      EXPECT_LE(reduced.FCount(), before) << level;
-      before = reduced.FCount();
-    }
-    EXPECT_LT(before, 60);
-  }
-}
-
 // That they lie inside is shown with the reducers.
 TEST(KineticLoop, ReducedCavitiesRunClockwiseAndAreSmaller) {
   for (const TShapeKind kind : kShapeKinds) {

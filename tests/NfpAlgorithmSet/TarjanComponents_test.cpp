@@ -80,6 +80,14 @@ TEST(TarjanComponents, SoleCircuitAllowsNothingBesideIt) {
   TIdGraph withTail = ring;
   withTail.AddEdge(3, 8);
   EXPECT_FALSE(isSole(withTail));
+  TIdGraph wayIn = ring;
+  wayIn.AddEdge(8, 3);
+  EXPECT_FALSE(isSole(wayIn));
+  TIdGraph withDead = ring;
+  withDead.AddEdge(0, 3);
+  withDead.AddEdge(4, 1);
+  withDead.SetLowestId(2);
+  EXPECT_TRUE(isSole(withDead)) << "nor do edges of dead vertices";
   TIdGraph withChord = ring;
   withChord.AddEdge(3, 5);
   EXPECT_FALSE(isSole(withChord));

@@ -30,6 +30,7 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
  public:
   TKineticCircuits(const TVectorGraph& dg, int numFilter);
   TKineticCircuits(TVectorGraph&&, int) = delete;
+  ~TKineticCircuits() override;
 
   // Runs the search, once per object. True: the circuits, or the outline, may be used. False: the graph is too dense,
   // the circuits found by then stand but cover it in part only. loopsInside: the convolution of a part inside a plate,
@@ -93,6 +94,7 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
   // What the steps on the main component share.
   struct TSearch {
     std::span<const int> Component;
+    bool IsClosed = false;  // no edge leaves the component, and curGraph is the whole graph
     bool LoopsInside = false;
     int LoopSimilar = 0;
     Int64 Total = 0;  // points of the circuits, dropped loops included
@@ -110,6 +112,8 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
   void TakeSoleCircuit(std::span<const int> Component);
   int MainComponent(const TVertexIdLists& Components) const;
   void BeginComponent(std::span<const int> Component);
+  // Component is the one begun.
+  bool IsClosed(const TDirectedGraph<int>& Whole, std::span<const int> Component) const;
   bool SearchMainComponent();
   void FirstWalk();
   void LoopsAtExtrema();

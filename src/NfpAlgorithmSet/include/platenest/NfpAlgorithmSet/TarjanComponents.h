@@ -33,6 +33,11 @@ class PLATENEST_API TTarjanComponents {
     int NextSuccessor;
   };
 
+  struct TMark {
+    int Order = 0;  // of discovery; 0: not met, highest int: component closed
+    int Low = 0;    // the lowest order that can be reached
+  };
+
   void SearchFrom(int Root);
   void Enter(int Node);
   void Leave(int Node);
@@ -41,10 +46,8 @@ class PLATENEST_API TTarjanComponents {
   int FMinSize;
   bool FSearched = false;
   TVertexIdLists FComponents;
-  // Working data of the search, by id: order of discovery (0: not met, highest int: component closed) and the lowest
-  // order that can be reached.
-  std::vector<int> FOrder;
-  std::vector<int> FLow;
+  // Working data of the search.
+  std::vector<TMark> FMarks;  // by id
   int FCounter = 0;
   std::vector<int> FOpen;  // met vertices whose component is not closed, in order of discovery
   std::vector<TFrame> FFrames;

@@ -38,6 +38,7 @@ class TVertexIdLists {
     FEnds.clear();
   }
   void reserve(std::size_t ListCount) { FEnds.reserve(ListCount); }
+  void ReserveIds(std::size_t IdCount) { FIds.reserve(IdCount); }
 
  private:
   std::vector<int> FIds;

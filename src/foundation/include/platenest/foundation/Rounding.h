@@ -30,11 +30,13 @@ T ToInteger(double Whole) {
 
 // The nearest whole number as a double, ties to even: 0.5 -> 0, 1.5 -> 2, -2.5 -> -2. NaN and infinity stay.
 inline double RoundHalfEven(double V) {
-  const double low = std::floor(V);
-  const double part = V - low;
-  if (part < 0.5) return low;
-  if (part > 0.5) return low + 1;
-  return std::fmod(low, 2.0) == 0 ? low : low + 1;
+  constexpr double wholeFrom = 0x1p52;  // doubles from here on have no fraction
+  if (!(std::fabs(V) < wholeFrom) || V == 0) return V;
+  // Which way a value goes is as good as random, so it is told by sums and not by branches.
+  const Int64 toZero = static_cast<Int64>(V);
+  const Int64 low = toZero - Int64{static_cast<double>(toZero) > V};
+  const double part = V - static_cast<double>(low);
+  return static_cast<double>(low + (Int64{part > 0.5} | (Int64{part == 0.5} & low & 1)));
 }
 
 // Nearest integer, ties to even: 2.5 -> 2, -2.5 -> -2.
@@ -46,7 +48,9 @@ T Round(double V) {
 // Toward zero.
 template <std::integral T = Int64>
 T Trunc(double V) {
-  return detail::ToInteger<T>(std::trunc(V));
+  // Doubles at the bounds of 64 bits have no fraction, and the cast does the rest.
+  constexpr bool boundsAreWhole = std::signed_integral<T> && sizeof(T) == sizeof(Int64);
+  return detail::ToInteger<T>(boundsAreWhole ? V : std::trunc(V));
 }
 
 template <std::integral T = int>
