@@ -2,19 +2,21 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace platenest::bench {
 
-// One solved instance. Counts and bounds are exact where times are noisy.
+// One solved or measured instance. Counts and bounds are exact where times are noisy.
 struct TRow {
   std::string Id;
   std::string Size;
   double Result = 0;
-  double Best = 0;    // best known value
-  double Bound = 0;   // proven upper bound
-  double Ms = 0;      // median of the repetitions
-  std::string Fault;  // what the layout checker found, empty if nothing
+  double Best = 0;                                      // best known value
+  double Bound = 0;                                     // proven upper bound
+  double Ms = 0;                                        // median of the repetitions
+  std::string Fault;                                    // what the check found, empty if nothing
+  std::vector<std::pair<std::string, double>> Figures;  // further ones of the suite, by name
 };
 
 // The median time of Repeat calls in milliseconds.

@@ -1,0 +1,144 @@
+#include "NfpCase.h"
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+
+#include "ExactMinkowski.h"
+#include "InnerFit.h"
+#include "NfpSampling.h"
+#include "Report.h"
+#include "platenest/services/NFP.h"
+
+namespace platenest::bench {
+
+namespace {
+
+constexpr double kBand = 2e-5;            // drawing units that a border may be off
+constexpr double kCleaning = 2.5e-4;      // drawing units that the cleaning of outlines may take off
+constexpr double kLeastRegion = 4e-6;     // square drawing units
+constexpr double kAreaShare = 1e-4;       // of the exact area
+constexpr Int64 kMostAreaEdges = 40'000;  // product of the edge counts up to which areas are compared
+constexpr Int64 kManyEdges = 20'000;      // product from which fewer places are sampled
+
+class TCeilingScope {
+ public:
+  TCeilingScope() : FFormer(HighestNFPType.exchange(ntExact)) {}
+  ~TCeilingScope() { HighestNFPType = FFormer; }
+  TCeilingScope(const TCeilingScope&) = delete;
+  TCeilingScope& operator=(const TCeilingScope&) = delete;
+
+ private:
+  TNFPType FFormer;
+};
+
+std::string Sample(const TNfpRequest& Request, const TNfpAnswer& Answer, double Band, unsigned Seed) {
+  const Int64 edges = EdgesOf(Request.Moving) * EdgesOf(Request.Fixed);
+  TSamplingOptions options;
+  options.Samples = edges > kManyEdges ? 30 : 100;
+  options.Band = Band;
+  options.SafeSideOnly = Answer.Quality < ntComplete;
+  return Request.Inside ? CheckInnerFitBySampling(Request.Fixed, Request.Moving, Answer.Paths, Seed, options)
+                        : CheckNfpBySampling(Request.Fixed, Request.Moving, Answer.Paths, Seed, options);
+}
+
+// Both checks of the oracle name the safe direction by one of these texts.
+bool TellsOverlap(const std::string& Text) {
+  return Text.starts_with("overlap outside") || Text.starts_with("no fit inside");
+}
+
+TNfpVerdict JudgeBySampling(const TNfpRequest& Request, const TNfpAnswer& Answer, unsigned Seed) {
+  const std::string shallow = Sample(Request, Answer, kBand, Seed);
+  if (shallow.empty()) return {};
+  const std::string deep = Sample(Request, Answer, kCleaning, Seed);
+  if (deep.empty()) return {TNfpFault::Shallow, shallow};
+  return {TellsOverlap(deep) ? TNfpFault::Overlap : TNfpFault::Lost, deep};
+}
+
+std::string TextOf(const char* What, double Area, double Exact) {
+  char text[120];
+  std::snprintf(text, sizeof text, "%s %.6g square units of %.6g", What, Area, Exact);
+  return text;
+}
+
+TNfpVerdict JudgeByArea(const TNfpRequest& Request, const TNfpAnswer& Answer) {
+  const TPaths exact =
+      Request.Inside ? InnerFitRegion(Request.Fixed, Request.Moving) : ForbiddenRegion(Request.Fixed, Request.Moving);
+  const TRegionDifference fine = CompareRegions(Answer.Paths, exact, kBand, kLeastRegion);
+  const TRegionDifference coarse = CompareRegions(Answer.Paths, exact, kCleaning, kLeastRegion);
+  const bool isSafeSideOnly = Answer.Quality < ntComplete;
+  const double overlap = Request.Inside ? coarse.Surplus : coarse.Lost;
+  const double lost = Request.Inside ? fine.Lost : fine.Surplus;
+  TNfpVerdict verdict;
+  verdict.AreaCompared = !isSafeSideOnly;
+  verdict.Relative = isSafeSideOnly ? 0 : fine.Relative();
+  if (overlap > 0) {
+    verdict.Fault = TNfpFault::Overlap;
+    verdict.Text = TextOf("allows overlap over", overlap, fine.Exact);
+  } else if (!isSafeSideOnly && lost > kAreaShare * fine.Exact) {
+    verdict.Fault = Answer.Paths.empty() ? TNfpFault::Refused : TNfpFault::Lost;
+    verdict.Text = TextOf("free places lost over", lost, fine.Exact);
+  }
+  return verdict;
+}
+
+}  // namespace
+
+TNfpAnswer Ask(const TNfpRequest& Request, int Repeat) {
+  const TCeilingScope ceiling;
+  TNfpAnswer answer;
+  TNFP nfp;
+  try {
+    answer.Ms = MedianMs(Repeat, [&] {
+      NfpStatistics = {};
+      nfp = TNFPCalculator::CalcNFP(Request.Moving, Request.Fixed, Request.Inside, Request.Required, {}, {});
+    });
+    answer.Quality = nfp.NFPType;
+    if (!nfp.IsEmpty()) answer.Paths = *nfp.NFP;
+  } catch (const std::exception& error) {
+    answer.Error = error.what();
+  }
+  answer.Statistics = NfpStatistics;
+  return answer;
+}
+
+int RungOf(const TNfpStatistics& Statistics) {
+  for (int rung = 5; rung > 0; --rung)
+    if (Statistics.Rungs[static_cast<std::size_t>(rung)] > 0) return rung;
+  return Statistics.Failures > 0 ? -1 : 0;
+}
+
+int LadderOf(const TNfpStatistics& Statistics) {
+  for (int step = 4; step > 0; --step)
+    if (Statistics.Ladder[static_cast<std::size_t>(step)] > 0) return step;
+  return 0;
+}
+
+const char* NameOf(TNfpFault Fault) {
+  constexpr const char* kNames[kNfpFaultCount] = {"none", "error",   "overlap", "shallow",
+                                                  "lost", "refused", "crash",   "hang"};
+  return kNames[static_cast<int>(Fault)];
+}
+
+TNfpVerdict Judge(const TNfpRequest& Request, const TNfpAnswer& Answer, TOracle Oracle, unsigned Seed) {
+  if (!Answer.Error.empty()) return {TNfpFault::Error, Answer.Error};
+  if (Oracle == TOracle::Off) return {};
+  const bool comparesArea =
+      Oracle == TOracle::Area && EdgesOf(Request.Moving) * EdgesOf(Request.Fixed) <= kMostAreaEdges;
+  TNfpVerdict byArea;
+  if (comparesArea) byArea = JudgeByArea(Request, Answer);
+  if (byArea.Fault != TNfpFault::None) return byArea;
+  TNfpVerdict verdict = JudgeBySampling(Request, Answer, Seed);
+  if (verdict.Fault == TNfpFault::Lost && Answer.Paths.empty()) verdict.Fault = TNfpFault::Refused;
+  verdict.AreaCompared = byArea.AreaCompared;
+  verdict.Relative = byArea.Relative;
+  return verdict;
+}
+
+Int64 EdgesOf(const TVHPolygon& Part) {
+  Int64 edges = 0;
+  for (const TVPolyline2D& contour : Part) edges += static_cast<Int64>(contour.Vertices().size());
+  return edges;
+}
+
+}  // namespace platenest::bench
