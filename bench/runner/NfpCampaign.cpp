@@ -127,7 +127,7 @@ void PrintCounts(const char* Title, const auto& Counts, const auto& NameAt) {
 }
 
 void PrintCampaign(const TCampaign& Campaign) {
-  const auto number = [](std::size_t i) { return "[" + std::to_string(i) + "]"; };
+  const auto number = [](std::size_t i) { return Numbered("level ", i); };
   std::printf("%zu cases, median %.4f ms, p99 %.3f ms, worst %.1f ms, %d trail hits\n", Campaign.Ms.size(),
               Quantile(Campaign.Ms, 0.5), Quantile(Campaign.Ms, 0.99), Quantile(Campaign.Ms, 1), Campaign.TrailHits);
   PrintCounts("faults", Campaign.Faults, [](std::size_t i) { return std::string(NameOf(static_cast<TNfpFault>(i))); });
@@ -146,7 +146,7 @@ void TakeJudged(TCampaign& Campaign, const TNamedRequest& Named, unsigned Seed, 
         return RecordOf(answer, Judge(Named.Request, answer, Oracle, Seed));
       },
       kCaseSeconds);
-  Take(Campaign, "seed " + std::to_string(Seed), Named.Kind, record);
+  Take(Campaign, Numbered("seed ", Seed), Named.Kind, record);
 }
 
 // How many fits were found, by the name of the case.
@@ -183,7 +183,7 @@ void TakeJigsaws(TCampaign& Campaign, TFound& Found, unsigned Seed) {
   const TShapeKind kind = kShapeKinds[Seed % kShapeKinds.size()];
   for (const double grow : {0.0, kGrowth}) {
     const TJigsaw jigsaw = MakeJigsaw(kind, kJigsawEdges, 50, grow, Seed);
-    TakeFits(Campaign, Found, "seed " + std::to_string(Seed), KindOf(grow) + " " + NameOf(kind), jigsaw);
+    TakeFits(Campaign, Found, Numbered("seed ", Seed), KindOf(grow) + " " + NameOf(kind), jigsaw);
   }
 }
 

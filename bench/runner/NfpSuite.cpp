@@ -51,8 +51,9 @@ void Add(TTally& Tally, const std::string& Name, const TNfpRequest& Request, con
   Tally.AreasCompared += Verdict.AreaCompared;
   Tally.WorstRelative = std::max(Tally.WorstRelative, Verdict.Relative);
   if (isRight) return;
-  const std::string text = Name + ": " + NameOf(Verdict.Fault) + " " + TNFPTypeUtils::GetTypeNameStr(Answer.Quality) +
-                           " rung " + std::to_string(RungOf(Answer.Statistics)) + " ladder " +
+  const std::string text = Name + ": " + (Verdict.Fault == TNfpFault::None ? "reduced" : NameOf(Verdict.Fault)) + " " +
+                           TNFPTypeUtils::GetTypeNameStr(Answer.Quality) + " rung " +
+                           std::to_string(RungOf(Answer.Statistics)) + " ladder " +
                            std::to_string(LadderOf(Answer.Statistics)) + " " + Verdict.Text;
   if (Verdict.Fault != TNfpFault::None && Tally.FirstFault.empty()) Tally.FirstFault = text;
   if (Verdict.Fault == TNfpFault::None && Request.Required != ntComplete) return;
@@ -71,7 +72,7 @@ TRow RowOf(const TTally& Tally) {
   row.Fault = Tally.FirstFault;
   row.Figures = {{"ms_p99", Quantile(Tally.Ms, 0.99)}, {"ms_worst", Quantile(Tally.Ms, 1)}};
   for (std::size_t i = 0; i < Tally.Delivered.size(); ++i)
-    row.Figures.push_back({"delivered_" + std::to_string(i), Tally.Delivered[i]});
+    row.Figures.push_back({Numbered("delivered_", i), Tally.Delivered[i]});
   for (int i = 1; i < kNfpFaultCount; ++i)
     row.Figures.push_back({NameOf(static_cast<TNfpFault>(i)), Tally.Faults[static_cast<std::size_t>(i)]});
   const auto add = [&row](const std::string& name, auto value) {
@@ -82,12 +83,12 @@ TRow RowOf(const TTally& Tally) {
   add("chips", sum.Chips);
   add("circuits", sum.Circuits);
   add("retries", sum.Retries);
-  for (std::size_t i = 0; i < sum.Rungs.size(); ++i) add("rung_" + std::to_string(i), sum.Rungs[i]);
+  for (std::size_t i = 0; i < sum.Rungs.size(); ++i) add(Numbered("rung_", i), sum.Rungs[i]);
   add("failures", sum.Failures);
   add("recollected", sum.Recollected);
   add("trail_checks", sum.TrailChecks);
   add("trail_hits", sum.TrailHits);
-  for (std::size_t i = 1; i < sum.Ladder.size(); ++i) add("ladder_" + std::to_string(i), sum.Ladder[i]);
+  for (std::size_t i = 1; i < sum.Ladder.size(); ++i) add(Numbered("ladder_", i), sum.Ladder[i]);
   add("areas_compared", Tally.AreasCompared);
   add("worst_relative", Tally.WorstRelative);
   return row;
@@ -95,7 +96,8 @@ TRow RowOf(const TTally& Tally) {
 
 std::string Joined(const auto& Counts, std::size_t From) {
   std::string text;
-  for (std::size_t i = From; i < Counts.size(); ++i) text += (i > From ? "/" : "") + std::to_string(Counts[i]);
+  for (std::size_t i = From; i < Counts.size(); ++i)
+    text += Numbered(i > From ? "/" : "", static_cast<std::size_t>(Counts[i]));
   return text;
 }
 
@@ -136,8 +138,9 @@ TTally MeasurePairs(const std::string& Instance, const std::vector<TNfpShape>& S
     const TNfpAnswer answer = Ask(request, Arguments.Repeat);
     const TOracle oracle = Required == ntComplete ? Arguments.Oracle : TOracle::Off;
     const TNfpVerdict verdict = Judge(request, answer, oracle, static_cast<unsigned>(pair.Number));
-    Add(tally, "pair " + std::to_string(pair.Number) + ", " + moving.Name + " around " + fixed.Name, request, answer,
-        verdict);
+    const std::string name =
+        Numbered("pair ", static_cast<std::size_t>(pair.Number)) + ", " + moving.Name + " around " + fixed.Name;
+    Add(tally, name, request, answer, verdict);
   }
   return tally;
 }
@@ -156,7 +159,7 @@ TTally MeasureInside(const TNfpInstance& Instance, const std::vector<TNfpShape>&
     const TNfpRequest request{part.Shape, plate, true, ntComplete};
     const TNfpAnswer answer = Ask(request, Arguments.Repeat);
     const TNfpVerdict verdict = Judge(request, answer, Arguments.Oracle, static_cast<unsigned>(number));
-    Add(tally, part.Name + " in plate " + std::to_string(number), request, answer, verdict);
+    Add(tally, Numbered(part.Name + " in plate ", number), request, answer, verdict);
   };
   for (const TNfpShape& shape : Shapes) {
     if (Instance.StripWidth) measure(shape, StripFor(shape.Shape, *Instance.StripWidth), 0);

@@ -27,6 +27,11 @@ double Quantile(std::vector<double> Values, double Q) {
   return Values[static_cast<std::size_t>(std::floor(Q * static_cast<double>(Values.size() - 1)))];
 }
 
+std::string Numbered(std::string Word, std::size_t Number) {
+  Word += std::to_string(Number);
+  return Word;
+}
+
 double PeakMemoryMiB() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);

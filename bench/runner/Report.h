@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <utility>
@@ -24,6 +25,9 @@ double MedianMs(int Repeat, const std::function<void()>& Work);
 
 // The q-quantile, 0 <= q <= 1, of a list that is sorted inside.
 double Quantile(std::vector<double> Values, double Q);
+
+// A word and a number behind it.
+std::string Numbered(std::string Word, std::size_t Number);
 
 // Peak resident memory of the process in MiB.
 double PeakMemoryMiB();
