@@ -38,6 +38,11 @@ class PLATENEST_API TKineticConvolution {
   bool NormorlizePaths(TPaths& paths, bool putInside) const;
   // Whether the trial placement of the dynamic shape at the first point of the path fails.
   static bool PathInvalid(const TKMPLoop& stLoop, const TKMPLoop& dyLoop, const TPath& testPath, int offset);
+  // The box of the path is narrower or lower than those of the two loops laid side by side, less tol in drawing units.
+  bool PathBoxTooSmall(const TPath& path, double tol) const;
+  // A path for a cavity whose first (or middle) point would put the box of the shape partly outside of the cavity's.
+  // Looked at only where the loops are so rich in parallel edges, or the fit so tight, that such paths turn up.
+  bool InnerPathSuspect(const TPath& path) const;
 
   TNFPType _required;
   bool _innerCheck;
@@ -47,6 +52,13 @@ class PLATENEST_API TKineticConvolution {
   Int64 _edgeCount = 0;               // points of the outer circuits, or running sum while they are united
   const TKMPLoop* _dyLoop = nullptr;  // arguments of the last Convolve; the caller's
   const TKMPLoop* _stLoop = nullptr;
+
+ private:
+  struct TCircuitChoice;
+  struct TOuterJudge;
+  bool NormorlizeInner(TPaths& paths) const;
+  bool NormorlizeSolePath(TPaths& paths) const;
+  bool NormorlizeRegions(TPaths& paths) const;
 };
 
 }  // namespace platenest
