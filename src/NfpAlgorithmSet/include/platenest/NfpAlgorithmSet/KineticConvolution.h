@@ -9,6 +9,10 @@
 
 namespace platenest {
 
+namespace detail {
+class TStandIns;
+}
+
 // Turns two kinetic loops into the paths of a no-fit polygon: the segments of their kinetic convolution (Guibas,
 // Ramshaw and Stolfi 1983) become a graph, circuits of it are united and judged. The size of the work is bounded: where
 // it would explode, one or both loops are replaced by lighter ones, and the result tells how far that went. The dynamic
@@ -54,11 +58,30 @@ class PLATENEST_API TKineticConvolution {
   const TKMPLoop* _stLoop = nullptr;
 
  private:
+  class TRun;
   struct TCircuitChoice;
   struct TOuterJudge;
+  struct TTryLevels {
+    int First;
+    int HardlyShrunk;
+    int LittleShrunk;
+  };
+
+  // Fill FChips and return the reduction level, -1 outside where nothing was reduced.
+  int LayInnerChips(const TKMPLoop& S, const TKMPLoop& D);
+  int LayOuterChips(const TKMPLoop& S, const TKMPLoop& D);
+  void LayBothReduced(const TKMPLoop& S, const TKMPLoop& D, detail::TStandIns& StandIns);
+  void LayLargerReduced(const TKMPLoop& S, const TKMPLoop& D, detail::TStandIns& StandIns);
+  const TKMPLoop& ReducedInner(const TKMPLoop& D, detail::TStandIns& StandIns) const;
+  const TKMPLoop& ReducedLarger(const TKMPLoop& Larger, const TKMPLoop& Smaller, const TTryLevels& Levels,
+                                detail::TStandIns& StandIns) const;
+  bool IsPairOfBoxLikes(const TKMPLoop& S, const TKMPLoop& D) const;
+
   bool NormorlizeInner(TPaths& paths) const;
   bool NormorlizeSolePath(TPaths& paths) const;
   bool NormorlizeRegions(TPaths& paths) const;
+
+  TChipList FChips;  // of the last Convolve; its memory is used again
 };
 
 }  // namespace platenest
