@@ -248,9 +248,9 @@ bool TKineticConvolution::UnionCircuits(const TKineticCircuits& circuits, TPaths
 
   TClipper clipper;
   clipper.ReverseSolution(false);
-  clipper.StrictlySimple(true);
   const Int64 batchPoints = BatchPoints(_edgeCount, *_stLoop, *_dyLoop);
   if (batchPoints > 0) TBatches(clipper, batchPoints).UniteAhead(choice.Paths);
+  clipper.StrictlySimple(true);  // not in batches: its cost is the square of a contour's points
   return UniteAll(clipper, choice.Paths, paths);
 }
 
