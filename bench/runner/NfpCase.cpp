@@ -1,8 +1,10 @@
 #include "NfpCase.h"
 
-#include <chrono>
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <exception>
+#include <span>
 
 #include "ExactMinkowski.h"
 #include "InnerFit.h"
@@ -15,7 +17,9 @@ namespace platenest::bench {
 namespace {
 
 constexpr double kBand = 2e-5;            // drawing units that a border may be off
-constexpr double kCleaning = 2.5e-4;      // drawing units that the cleaning of outlines may take off
+constexpr double kCleaning = 2.5e-4;      // drawing units that the cleaning of results may take off
+constexpr double kShortEdge = 1e-3;       // drawing units below which the kernel drops an edge of a part
+constexpr double kSlit = 2.5e-4;          // drawing units of width up to which a slit of a plate may be taken as closed
 constexpr double kLeastRegion = 4e-6;     // square drawing units
 constexpr double kAreaShare = 1e-4;       // of the exact area
 constexpr Int64 kMostAreaEdges = 40'000;  // product of the edge counts up to which areas are compared
@@ -42,6 +46,39 @@ std::string Sample(const TNfpRequest& Request, const TNfpAnswer& Answer, double 
                         : CheckNfpBySampling(Request.Fixed, Request.Moving, Answer.Paths, Seed, options);
 }
 
+bool HasShortEdge(const TVHPolygon& Part) {
+  for (const TVPolyline2D& contour : Part) {
+    const std::span<const TPoint2D> points = contour.Vertices();
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      const TPoint2D edge = points[(i + 1) % points.size()] - points[i];
+      if (std::hypot(edge.X, edge.Y) < kShortEdge) return true;
+    }
+  }
+  return false;
+}
+
+// What a border may be off by the cleaning of parts and results.
+double CleaningOf(const TNfpRequest& Request) {
+  return kCleaning + (HasShortEdge(Request.Moving) + HasShortEdge(Request.Fixed)) * kShortEdge;
+}
+
+TPaths Offset(const TPaths& Region, double Distance) {
+  TClipperOffset offset;
+  offset.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
+  TPaths result;
+  offset.Execute(result, Distance * kPathScale);
+  return result;
+}
+
+// The plate and its narrow slits: the kernel may take the two edges at the end of one for a straight line.
+TPaths WithoutSlits(const TPaths& Plate) {
+  TPaths closed = Offset(Offset(Plate, kSlit / 2), -kSlit / 2);
+  TPathUtils::PathsAddRange(closed, Plate);
+  TPaths united = Normalized(closed);
+  std::stable_partition(united.begin(), united.end(), [](const TPath& path) { return ClipperLib::Area(path) > 0; });
+  return united;
+}
+
 // Both checks of the oracle name the safe direction by one of these texts.
 bool TellsOverlap(const std::string& Text) {
   return Text.starts_with("overlap outside") || Text.starts_with("no fit inside");
@@ -50,7 +87,7 @@ bool TellsOverlap(const std::string& Text) {
 TNfpVerdict JudgeBySampling(const TNfpRequest& Request, const TNfpAnswer& Answer, unsigned Seed) {
   const std::string shallow = Sample(Request, Answer, kBand, Seed);
   if (shallow.empty()) return {};
-  const std::string deep = Sample(Request, Answer, kCleaning, Seed);
+  const std::string deep = Sample(Request, Answer, CleaningOf(Request), Seed);
   if (deep.empty()) return {TNfpFault::Shallow, shallow};
   return {TellsOverlap(deep) ? TNfpFault::Overlap : TNfpFault::Lost, deep};
 }
@@ -62,16 +99,18 @@ std::string TextOf(const char* What, double Area, double Exact) {
 }
 
 TNfpVerdict JudgeByArea(const TNfpRequest& Request, const TNfpAnswer& Answer) {
-  const TPaths exact =
-      Request.Inside ? InnerFitRegion(Request.Fixed, Request.Moving) : ForbiddenRegion(Request.Fixed, Request.Moving);
+  const TPaths moving = PolygonOf(Request.Moving);
+  const TPaths fixed = PolygonOf(Request.Fixed);
+  const TPaths exact = Request.Inside ? InnerFitRegion(fixed, moving) : ForbiddenRegion(fixed, moving);
+  const TPaths widest = Request.Inside ? InnerFitRegion(WithoutSlits(fixed), moving) : exact;
   const TRegionDifference fine = CompareRegions(Answer.Paths, exact, kBand, kLeastRegion);
-  const TRegionDifference coarse = CompareRegions(Answer.Paths, exact, kCleaning, kLeastRegion);
+  const TRegionDifference coarse = CompareRegions(Answer.Paths, widest, CleaningOf(Request), kLeastRegion);
   const bool isSafeSideOnly = Answer.Quality < ntComplete;
   const double overlap = Request.Inside ? coarse.Surplus : coarse.Lost;
   const double lost = Request.Inside ? fine.Lost : fine.Surplus;
   TNfpVerdict verdict;
   verdict.AreaCompared = !isSafeSideOnly;
-  verdict.Relative = isSafeSideOnly ? 0 : fine.Relative();
+  verdict.Relative = isSafeSideOnly ? 0 : CompareRegions(Answer.Paths, widest, kBand, kLeastRegion).Relative();
   if (overlap > 0) {
     verdict.Fault = TNfpFault::Overlap;
     verdict.Text = TextOf("allows overlap over", overlap, fine.Exact);

@@ -37,7 +37,7 @@ enum class TNfpFault {
   None,
   Error,    // raised
   Overlap,  // allows overlap, deeper than cleaning may
-  Shallow,  // differs at a sampled place by more than the band, by less than cleaning may
+  Shallow,  // differs at a sampled place by more than the band, but by no more than cleaning of parts and results may
   Lost,     // forbids free places: sampled ones, or more than the share of the area
   Refused,  // an empty inner-fit region although the part fits
   Crash,
