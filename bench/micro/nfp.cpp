@@ -1,87 +1,90 @@
-// The kernel through its public doors: chips of a convolution, and whole requests to the calculator.
 #include <benchmark/benchmark.h>
 
-#include <numbers>
-
 #include "Contours.h"
-#include "platenest/NfpAlgorithmSet/KineticConvolution.h"
+#include "Shapes.h"
 #include "platenest/NfpAlgorithmSet/NfpStatistics.h"
 #include "platenest/NfpAlgorithmSet/PartNfp.h"
+#include "platenest/foundation/Random.h"
 #include "platenest/services/NFP.h"
 
 namespace platenest {
 namespace {
 
-// Every second vertex reaches inward by half of the radius; Turn keeps the edges of two of them from being parallel.
-TVPolyline2D Spiky(int Count, double Radius, double Turn) {
-  TVPolyline2D contour;
-  for (int i = 0; i < Count; ++i) {
-    const double radius = i % 2 == 0 ? Radius : Radius / 2;
-    contour.push_back(TPoint2D{radius, 0}.RotateBy(Turn + 2 * std::numbers::pi * i / Count));
-  }
-  return contour;
+TVHPolygon Square(double Left, double Side) {
+  return {{{{Left, Left}, {Left + Side, Left}, {Left + Side, Left + Side}, {Left, Left + Side}}}};
 }
 
-void CollectChips(benchmark::State& State) {
-  const int edges = static_cast<int>(State.range(0));
-  TVPolyline2D a = Spiky(edges, 300, 0.1);
-  TVPolyline2D b = Spiky(edges, 200, 0.2);
-  const TKMPLoop loopA = TPartNFP::GetKMPLoop(a, 0);
-  const TKMPLoop loopB = TPartNFP::GetKMPLoop(b, 0);
-  TChipList chips;
-  for (auto _ : State) {
-    chips.clear();
-    TKineticConvolution::CollectChains(loopA, loopB, chips, true);
-    TKineticConvolution::CollectChains(loopB, loopA, chips, false);
-  }
-  State.counters["chips"] = static_cast<double>(chips.size());
+// The work of one request.
+void Count(benchmark::State& State, const TNFP& Nfp) {
+  const double requests = static_cast<double>(State.iterations());
+  State.counters["chips"] = static_cast<double>(NfpStatistics.Chips) / requests;
+  State.counters["circuits"] = static_cast<double>(NfpStatistics.Circuits) / requests;
+  State.counters["net hits"] = static_cast<double>(NfpStatistics.TrailHits) / requests;
+  double fallen = 0;
+  for (std::size_t i = 1; i < NfpStatistics.Rungs.size(); ++i) fallen += static_cast<double>(NfpStatistics.Rungs[i]);
+  for (const Int64 steps : NfpStatistics.Ladder) fallen += static_cast<double>(steps);
+  State.counters["fallbacks"] = fallen / requests;
+  State.counters["paths"] = static_cast<double>(Nfp.NFP->size());
 }
-BENCHMARK(CollectChips)->Arg(100)->Arg(450)->Unit(benchmark::kMillisecond);
 
-void Request(benchmark::State& State, const TVPolyline2D& Moving, const TVPolyline2D& Fixed, TNFPType Required) {
-  const TVHPolygon moving{Moving};
-  const TVHPolygon fixed{Fixed};
+void Run(benchmark::State& State, const TVHPolygon& Static, const TVHPolygon& Dynamic, bool IsInside) {
+  NfpStatistics = {};
   TNFP nfp;
   for (auto _ : State) {
-    NfpStatistics = {};
-    nfp = TNFPCalculator::CalcNFP(moving, fixed, false, Required, {}, {});
+    nfp = TNFPCalculator::CalcNFP(Dynamic, Static, IsInside, ntComplete, "", "");
+    benchmark::DoNotOptimize(nfp);
   }
-  State.SetLabel(TNFPTypeUtils::GetTypeNameStr(nfp.NFPType));
-  State.counters["chips"] = static_cast<double>(NfpStatistics.Chips);
-  State.counters["circuits"] = static_cast<double>(NfpStatistics.Circuits);
-  State.counters["retries"] = static_cast<double>(NfpStatistics.Retries);
-  State.counters["trail_hits"] = static_cast<double>(NfpStatistics.TrailHits);
-  for (std::size_t i = 1; i < NfpStatistics.Rungs.size(); ++i)
-    if (NfpStatistics.Rungs[i] > 0) State.counters["rung"] = static_cast<double>(i);
+  Count(State, nfp);
 }
 
-void NothingAskedFor(benchmark::State& State) {
-  Request(State, Spiky(100, 10, 0), Spiky(100, 10, 0), ntNone);
+void BM_NfpRectangles(benchmark::State& State) {
+  Run(State, Square(0, 4), Square(0, 1), State.range(0) != 0);
 }
-BENCHMARK(NothingAskedFor)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_NfpRectangles)->ArgName("inside")->Arg(0)->Arg(1);
 
-void Rectangles(benchmark::State& State) {
-  Request(State, {{0, 0}, {30, 0}, {30, 20}, {0, 20}}, {{0, 0}, {70, 0}, {70, 40}, {0, 40}}, ntComplete);
+// Without the door and its copies.
+void BM_KernelRectangles(benchmark::State& State) {
+  TVHPolygon fixed = Square(0, 4);
+  TVHPolygon moving = Square(0, 1);
+  TPartNFP kernel(ntComplete);
+  TPaths paths;
+  for (auto _ : State) {
+    kernel.Nfp(fixed, moving, false, paths);
+    benchmark::DoNotOptimize(paths.data());
+  }
 }
-BENCHMARK(Rectangles)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_KernelRectangles);
 
-void Convex(benchmark::State& State) {
+void BM_NfpConvex(benchmark::State& State) {
   const int edges = static_cast<int>(State.range(0));
-  Request(State, test::Circle(edges, 20), test::Circle(edges + 1, 30), ntComplete);
+  Run(State, MakeShape(TShapeKind::Convex, edges, 100, 1), MakeShape(TShapeKind::Convex, edges, 60, 2), false);
 }
-BENCHMARK(Convex)->Arg(5)->Arg(12)->Arg(60)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_NfpConvex)->ArgName("edges")->Arg(8)->Arg(20)->Arg(60)->Arg(200);
 
-void SpikyAtComplete(benchmark::State& State) {
-  const int edges = static_cast<int>(State.range(0));
-  Request(State, Spiky(edges, 200, 0.2), Spiky(edges, 300, 0.1), ntComplete);
+void BM_NfpPair(benchmark::State& State) {
+  const auto kind = static_cast<TShapeKind>(State.range(0));
+  const int edges = static_cast<int>(State.range(1));
+  State.SetLabel(NameOf(kind));
+  Run(State, MakeShape(kind, edges, 100, 1), MakeShape(kind, edges, 60, 2), false);
 }
-BENCHMARK(SpikyAtComplete)->Arg(20)->Arg(60)->Arg(200)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_NfpPair)
+    ->ArgNames({"kind", "edges"})
+    ->ArgsProduct({{static_cast<int>(TShapeKind::LShape)}, {6}})
+    ->ArgsProduct({{static_cast<int>(TShapeKind::Star), static_cast<int>(TShapeKind::Comb)}, {20, 60, 200}})
+    ->Unit(benchmark::kMicrosecond);
 
-void SpikyAtConcave(benchmark::State& State) {
-  const int edges = static_cast<int>(State.range(0));
-  Request(State, Spiky(edges, 200, 0.2), Spiky(edges, 300, 0.1), ntConcaveHull);
+// A round plate with star-shaped holes.
+void BM_NfpPlate(benchmark::State& State) {
+  TVHPolygon plate{test::Circle(60, 100)};
+  const TRandomScope seed(1);
+  for (int i = 0; i < State.range(0); ++i) {
+    TVPolyline2D hole = test::Star(12, 4, 0.5);
+    hole.Translate({-60.0 + 24 * (i % 6), -60.0 + 24 * (i / 6)});
+    plate.push_back(hole);
+  }
+  Run(State, plate, MakeShape(TShapeKind::Star, 20, 20, 3), true);
 }
-BENCHMARK(SpikyAtConcave)->Arg(200)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_NfpPlate)->ArgName("holes")->Arg(0)->Arg(6)->Arg(36)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace platenest

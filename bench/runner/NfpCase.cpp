@@ -98,25 +98,45 @@ std::string TextOf(const char* What, double Area, double Exact) {
   return text;
 }
 
+// Free places that the answer forbids, and forbidden ones that it allows, with what cleaning explains left out.
+struct TAreas {
+  double Lost = 0;
+  double Overlap = 0;
+  double Exact = 0;
+  double Relative = 0;
+};
+
+TAreas AreasAround(const TNfpRequest& Request, const TPaths& Paths) {
+  const TPaths exact = ForbiddenRegion(Request.Fixed, Request.Moving);
+  const TRegionDifference fine = CompareRegions(Paths, exact, kBand, kLeastRegion);
+  return {fine.Surplus, CompareRegions(Paths, exact, CleaningOf(Request), kLeastRegion).Lost, fine.Exact,
+          fine.Relative()};
+}
+
+TAreas AreasInside(const TNfpRequest& Request, const TPaths& Paths) {
+  const TPaths plate = PolygonOf(Request.Fixed);
+  const TPaths part = PolygonOf(Request.Moving);
+  TPaths exact = InnerFitRegion(plate, part);
+  TRegionDifference coarse = CompareRegions(Paths, exact, CleaningOf(Request), kLeastRegion);
+  const TRegionDifference fine = CompareRegions(Paths, exact, kBand, kLeastRegion);
+  if (coarse.Surplus == 0) return {fine.Lost, 0, fine.Exact, fine.Relative()};
+  exact = InnerFitRegion(WithoutSlits(plate), part);
+  coarse = CompareRegions(Paths, exact, CleaningOf(Request), kLeastRegion);
+  return {fine.Lost, coarse.Surplus, fine.Exact, CompareRegions(Paths, exact, kBand, kLeastRegion).Relative()};
+}
+
 TNfpVerdict JudgeByArea(const TNfpRequest& Request, const TNfpAnswer& Answer) {
-  const TPaths moving = PolygonOf(Request.Moving);
-  const TPaths fixed = PolygonOf(Request.Fixed);
-  const TPaths exact = Request.Inside ? InnerFitRegion(fixed, moving) : ForbiddenRegion(fixed, moving);
-  const TPaths widest = Request.Inside ? InnerFitRegion(WithoutSlits(fixed), moving) : exact;
-  const TRegionDifference fine = CompareRegions(Answer.Paths, exact, kBand, kLeastRegion);
-  const TRegionDifference coarse = CompareRegions(Answer.Paths, widest, CleaningOf(Request), kLeastRegion);
+  const TAreas areas = Request.Inside ? AreasInside(Request, Answer.Paths) : AreasAround(Request, Answer.Paths);
   const bool isSafeSideOnly = Answer.Quality < ntComplete;
-  const double overlap = Request.Inside ? coarse.Surplus : coarse.Lost;
-  const double lost = Request.Inside ? fine.Lost : fine.Surplus;
   TNfpVerdict verdict;
   verdict.AreaCompared = !isSafeSideOnly;
-  verdict.Relative = isSafeSideOnly ? 0 : CompareRegions(Answer.Paths, widest, kBand, kLeastRegion).Relative();
-  if (overlap > 0) {
+  verdict.Relative = isSafeSideOnly ? 0 : areas.Relative;
+  if (areas.Overlap > 0) {
     verdict.Fault = TNfpFault::Overlap;
-    verdict.Text = TextOf("allows overlap over", overlap, fine.Exact);
-  } else if (!isSafeSideOnly && lost > kAreaShare * fine.Exact) {
+    verdict.Text = TextOf("allows overlap over", areas.Overlap, areas.Exact);
+  } else if (!isSafeSideOnly && areas.Lost > kAreaShare * areas.Exact) {
     verdict.Fault = Answer.Paths.empty() ? TNfpFault::Refused : TNfpFault::Lost;
-    verdict.Text = TextOf("free places lost over", lost, fine.Exact);
+    verdict.Text = TextOf("free places lost over", areas.Lost, areas.Exact);
   }
   return verdict;
 }
