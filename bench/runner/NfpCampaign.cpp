@@ -107,11 +107,11 @@ void Take(TCampaign& Campaign, const std::string& Id, const std::string& Kind, c
   TRow row;
   row.Id = Id;
   row.Size = Kind;
-  row.Result = Record.Fault == TNfpFault::None && isFull;
+  row.Result = !IsFailure(Record.Fault) && isFull;
   row.Best = row.Bound = 1;
   row.Ms = Record.Ms;
-  if (Record.Fault != TNfpFault::None) row.Fault = std::string(NameOf(Record.Fault)) + " " + Record.Text;
-  if (row.Result == 0) {
+  if (IsFailure(Record.Fault)) row.Fault = std::string(NameOf(Record.Fault)) + " " + Record.Text;
+  if (Record.Fault != TNfpFault::None || !isFull) {
     std::printf("  %s (%s): %s, quality %s, rung %d, ladder %d, %d retries: %s\n", Id.c_str(), Kind.c_str(),
                 Record.Fault == TNfpFault::None ? "reduced" : NameOf(Record.Fault),
                 TNFPTypeUtils::GetTypeNameStr(Record.Quality), Record.Rung, Record.Ladder, Record.Retries, Record.Text);

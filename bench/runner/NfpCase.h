@@ -46,6 +46,10 @@ enum class TNfpFault {
 inline constexpr int kNfpFaultCount = 8;
 
 const char* NameOf(TNfpFault Fault);
+// Cleaning is by rule: what it may have done is told, but no failure.
+constexpr bool IsFailure(TNfpFault Fault) {
+  return Fault != TNfpFault::None && Fault != TNfpFault::Shallow;
+}
 
 struct TNfpVerdict {
   TNfpFault Fault = TNfpFault::None;

@@ -46,16 +46,16 @@ void Add(TTally& Tally, const std::string& Name, const TNfpRequest& Request, con
   ++Tally.Delivered[static_cast<std::size_t>(Answer.Quality)];
   ++Tally.Faults[static_cast<std::size_t>(Verdict.Fault)];
   AddStatistics(Tally.Sum, Answer.Statistics);
-  const bool isRight = Verdict.Fault == TNfpFault::None && Answer.Quality >= Request.Required;
-  Tally.Right += isRight;
+  const bool isFull = Answer.Quality >= Request.Required;
+  Tally.Right += !IsFailure(Verdict.Fault) && isFull;
   Tally.AreasCompared += Verdict.AreaCompared;
   Tally.WorstRelative = std::max(Tally.WorstRelative, Verdict.Relative);
-  if (isRight) return;
+  if (Verdict.Fault == TNfpFault::None && isFull) return;
   const std::string text = Name + ": " + (Verdict.Fault == TNfpFault::None ? "reduced" : NameOf(Verdict.Fault)) + " " +
                            TNFPTypeUtils::GetTypeNameStr(Answer.Quality) + " rung " +
                            std::to_string(RungOf(Answer.Statistics)) + " ladder " +
                            std::to_string(LadderOf(Answer.Statistics)) + " " + Verdict.Text;
-  if (Verdict.Fault != TNfpFault::None && Tally.FirstFault.empty()) Tally.FirstFault = text;
+  if (IsFailure(Verdict.Fault) && Tally.FirstFault.empty()) Tally.FirstFault = text;
   if (Verdict.Fault == TNfpFault::None && Request.Required != ntComplete) return;
   std::printf("  %s %s\n", Tally.Id.c_str(), text.c_str());
   std::fflush(stdout);
