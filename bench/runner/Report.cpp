@@ -27,6 +27,11 @@ double Quantile(std::vector<double> Values, double Q) {
   return Values[static_cast<std::size_t>(std::floor(Q * static_cast<double>(Values.size() - 1)))];
 }
 
+std::string Numbered(std::string Word, std::size_t Number) {
+  Word += std::to_string(Number);
+  return Word;
+}
+
 double PeakMemoryMiB() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -38,14 +43,13 @@ void WriteJson(const std::string& Path, const std::string& Suite, const std::vec
   all["suite"] = Suite;
   all["peak_memory_mib"] = PeakMemoryMiB();
   all["rows"] = nlohmann::ordered_json::array();
-  for (const TRow& row : Rows)
-    all["rows"].push_back({{"id", row.Id},
-                           {"size", row.Size},
-                           {"result", row.Result},
-                           {"best", row.Best},
-                           {"bound", row.Bound},
-                           {"ms", row.Ms},
-                           {"fault", row.Fault}});
+  for (const TRow& row : Rows) {
+    nlohmann::ordered_json entry = {{"id", row.Id},      {"size", row.Size},   {"result", row.Result},
+                                    {"best", row.Best},  {"bound", row.Bound}, {"ms", row.Ms},
+                                    {"fault", row.Fault}};
+    for (const auto& [name, value] : row.Figures) entry[name] = value;
+    all["rows"].push_back(std::move(entry));
+  }
   std::ofstream file(Path);
   file << all.dump(1) << '\n';
   if (!file) throw std::runtime_error("cannot write " + Path);

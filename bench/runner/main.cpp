@@ -1,10 +1,10 @@
-// platenest_bench <suite> <data file> [--json FILE] [--repeat N] [--rows N] [--quiet]
-// Solves the instances of a data file, checks each layout and prints one row per instance and a summary.
+// Solves or measures the instances of data files, checks each answer and prints one row per instance and a summary.
 #include <cstdio>
 #include <exception>
-#include <string>
-#include <string_view>
 
+#include "Arguments.h"
+#include "NfpCampaign.h"
+#include "NfpSuite.h"
 #include "OneSuite.h"
 #include "Report.h"
 
@@ -12,40 +12,7 @@ using namespace platenest::bench;
 
 namespace {
 
-struct TArguments {
-  std::string Suite;
-  std::string File;
-  std::string Json;
-  int Repeat = 1;
-  int Rows = 0;
-  bool Quiet = false;
-};
-
-bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
-  int place = 0;
-  for (int i = 1; i < argc; ++i) {
-    const std::string_view word = argv[i];
-    const bool hasValue = i + 1 < argc;
-    if (word == "--json" && hasValue)
-      Arguments.Json = argv[++i];
-    else if (word == "--repeat" && hasValue)
-      Arguments.Repeat = std::stoi(argv[++i]);
-    else if (word == "--rows" && hasValue)
-      Arguments.Rows = std::stoi(argv[++i]);
-    else if (word == "--quiet")
-      Arguments.Quiet = true;
-    else if (place == 0 && ++place)
-      Arguments.Suite = word;
-    else if (place == 1 && ++place)
-      Arguments.File = word;
-    else
-      return false;
-  }
-  return place == 2 && Arguments.Suite == "one" && Arguments.Repeat > 0;
-}
-
-// Returns the number of invalid layouts.
-int PrintSummary(const std::vector<TRow>& Rows) {
+void PrintSummary(const std::vector<TRow>& Rows) {
   int atBest = 0, atBound = 0, faults = 0;
   double total = 0;
   std::vector<double> times;
@@ -60,7 +27,25 @@ int PrintSummary(const std::vector<TRow>& Rows) {
               atBound, faults);
   std::printf("time %.1f ms, median %.4f ms, p99 %.4f ms, worst %.4f ms, peak memory %.1f MiB\n", total,
               Quantile(times, 0.5), Quantile(times, 0.99), Quantile(times, 1), PeakMemoryMiB());
-  return faults;
+}
+
+std::vector<TRow> RunOne(const TArguments& Arguments) {
+  std::vector<TRow> rows = RunOneSuite(Arguments.Files.front(), Arguments.Repeat, Arguments.Rows);
+  if (!Arguments.Quiet) {
+    std::printf("%-24s %10s %10s %10s %10s\n", "instance", "result", "best", "bound", "ms");
+    for (const TRow& row : rows)
+      std::printf("%-24s %10.0f %10.0f %10.0f %10.4f %s\n", row.Id.c_str(), row.Result, row.Best, row.Bound, row.Ms,
+                  row.Fault.c_str());
+  }
+  PrintSummary(rows);
+  return rows;
+}
+
+std::vector<TRow> Run(const TArguments& Arguments) {
+  if (Arguments.Suite == "one") return RunOne(Arguments);
+  if (Arguments.Suite == "nfp") return RunNfpSuite(Arguments);
+  if (Arguments.Suite == "nfp-layout") return RunLayoutCampaign(Arguments);
+  return RunNfpCampaign(Arguments);
 }
 
 }  // namespace
@@ -69,19 +54,14 @@ int main(int argc, char** argv) {
   TArguments arguments;
   try {
     if (!ReadArguments(argc, argv, arguments)) {
-      std::fputs("usage: platenest_bench one FILE [--json FILE] [--repeat N] [--rows N] [--quiet]\n", stderr);
+      std::fputs(kUsage, stderr);
       return 2;
     }
-    const std::vector<TRow> rows = RunOneSuite(arguments.File, arguments.Repeat, arguments.Rows);
-    if (!arguments.Quiet) {
-      std::printf("%-24s %10s %10s %10s %10s\n", "instance", "result", "best", "bound", "ms");
-      for (const TRow& row : rows)
-        std::printf("%-24s %10.0f %10.0f %10.0f %10.4f %s\n", row.Id.c_str(), row.Result, row.Best, row.Bound, row.Ms,
-                    row.Fault.c_str());
-    }
-    const int faults = PrintSummary(rows);
+    const std::vector<TRow> rows = Run(arguments);
     if (!arguments.Json.empty()) WriteJson(arguments.Json, arguments.Suite, rows);
-    return faults == 0 ? 0 : 1;
+    for (const TRow& row : rows)
+      if (!row.Fault.empty()) return 1;
+    return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "platenest_bench: error: %s\n", error.what());
     return 1;

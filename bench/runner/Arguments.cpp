@@ -1,0 +1,76 @@
+#include "Arguments.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <string_view>
+
+namespace platenest::bench {
+
+const char* const kUsage =
+    "usage: platenest_bench one FILE [--json FILE] [--repeat N] [--rows N] [--quiet]\n"
+    "       platenest_bench nfp FILE... [--json FILE] [--repeat N] [--most PAIRS] [--pair NUMBER] [--turned]\n"
+    "                                   [--inside] [--oracle off|sampling|area] [--quiet]\n"
+    "       platenest_bench nfp-random|nfp-inside|nfp-jigsaw [--pairs N] [--seed S] [--edges N] [--json FILE]\n"
+    "                                   [--oracle off|sampling|area]\n"
+    "       platenest_bench nfp-layout FILE...\n";
+
+namespace {
+
+bool ReadOracle(std::string_view Word, TOracle& Oracle) {
+  const std::map<std::string_view, TOracle> words = {
+      {"off", TOracle::Off}, {"sampling", TOracle::Sampling}, {"area", TOracle::Area}};
+  const auto found = words.find(Word);
+  if (found == words.end()) return false;
+  Oracle = found->second;
+  return true;
+}
+
+bool TakesFiles(std::string_view Suite) {
+  return Suite == "one" || Suite == "nfp" || Suite == "nfp-layout";
+}
+
+bool IsSuite(std::string_view Suite) {
+  constexpr std::array suites = {"nfp-random", "nfp-inside", "nfp-jigsaw"};
+  return TakesFiles(Suite) || std::find(suites.begin(), suites.end(), Suite) != suites.end();
+}
+
+bool ReadOption(std::string_view Word, const std::string& Value, TArguments& Arguments) {
+  const std::map<std::string_view, int*> numbers = {{"--repeat", &Arguments.Repeat}, {"--rows", &Arguments.Rows},
+                                                    {"--most", &Arguments.Most},     {"--pair", &Arguments.Pair},
+                                                    {"--pairs", &Arguments.Pairs},   {"--seed", &Arguments.Seed},
+                                                    {"--edges", &Arguments.Edges}};
+  if (const auto number = numbers.find(Word); number != numbers.end()) {
+    *number->second = std::stoi(Value);
+    return true;
+  }
+  if (Word == "--json") {
+    Arguments.Json = Value;
+    return true;
+  }
+  return Word == "--oracle" && ReadOracle(Value, Arguments.Oracle);
+}
+
+}  // namespace
+
+bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
+  const std::map<std::string_view, bool*> flags = {
+      {"--quiet", &Arguments.Quiet}, {"--turned", &Arguments.Turned}, {"--inside", &Arguments.Inside}};
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view word = argv[i];
+    if (const auto flag = flags.find(word); flag != flags.end())
+      *flag->second = true;
+    else if (word.starts_with("--")) {
+      if (i + 1 == argc || !ReadOption(word, argv[i + 1], Arguments)) return false;
+      ++i;
+    } else if (Arguments.Suite.empty())
+      Arguments.Suite = word;
+    else
+      Arguments.Files.emplace_back(word);
+  }
+  if (!IsSuite(Arguments.Suite) || TakesFiles(Arguments.Suite) == Arguments.Files.empty()) return false;
+  if (Arguments.Suite == "one" && Arguments.Files.size() != 1) return false;
+  return Arguments.Repeat > 0 && Arguments.Most > 0 && Arguments.Pairs > 0;
+}
+
+}  // namespace platenest::bench
