@@ -229,7 +229,7 @@ class TKineticConvolution::TRun {
   bool IsWorthRecheck() const;
   bool TrailsInstead();
   bool Differs(const TPaths& Trails) const;
-  bool HoldsAllInOneCircuit() const;
+  bool HoldsAllWithoutChoice() const;
 
   TLoops RungLoops(int Rung);
   TLoops FirstRungOutside();
@@ -434,7 +434,7 @@ void TKineticConvolution::TRun::RecheckInside() {
 // there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
   if (FLevel > kLevelFull || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
-  if (FUsable && HoldsAllInOneCircuit()) return false;
+  if (FUsable && HoldsAllWithoutChoice()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
   if (!UnionOfTrails(FOwner.FChips, (FS.Area() < 0) == (FD.Area() < 0), trails)) return false;
@@ -451,22 +451,34 @@ bool TKineticConvolution::TRun::Differs(const TPaths& Trails) const {
   return std::fabs(TPathUtils::Area(FPaths) - area) > (FInside ? std::max(allowed, kTrailAreaInside) : allowed);
 }
 
-// Whether a single circuit winds around the same area as all chips together; then there was no choice.
-bool TKineticConvolution::TRun::HoldsAllInOneCircuit() const {
+// Whether the graph is a set of rings without a common vertex, all of them were united, and together they wind around
+// the same area as all chips; then there was no choice.
+bool TKineticConvolution::TRun::HoldsAllWithoutChoice() const {
   const TKineticCircuits& circuits = FSearch->Circuits;
-  if (circuits.CircuitCount() != 1 || !circuits.SccOutline().empty()) return false;
+  if (!circuits.SccOutline().empty()) return false;
+  const TVectorGraph& graph = FSearch->Graph;
+  int edges = 0;
+  for (int id = graph.LowestId(); id <= graph.MaxVertexId(); ++id) {
+    if (Size(graph.Successors(id)) > 1) return false;
+    edges += Size(graph.Successors(id));
+  }
   const TPoint2D origin = FOwner.FChips.front().FStartPoint;
+  int points = 0;
+  double ofCircuits = 0;
+  for (int i = 0; i < circuits.CircuitCount(); ++i) {
+    const std::span<const int> circuit = circuits.GetCircuit(i);
+    points += Size(circuit);
+    TPoint2D before = graph.GetVertex(circuit.back());
+    for (const int id : circuit) {
+      const TPoint2D vertex = graph.GetVertex(id);
+      ofCircuits += (before - origin).CrossMul(vertex - origin);
+      before = vertex;
+    }
+  }
+  if (points != edges || FOwner._edgeCount != edges) return false;
   double ofChips = 0;
   for (const TChip& chip : FOwner.FChips) ofChips += (chip.FStartPoint - origin).CrossMul(chip.FEndPoint - origin);
-  double ofCircuit = 0;
-  const std::span<const int> circuit = circuits.GetCircuit(0);
-  TPoint2D before = FSearch->Graph.GetVertex(circuit.back());
-  for (const int id : circuit) {
-    const TPoint2D vertex = FSearch->Graph.GetVertex(id);
-    ofCircuit += (before - origin).CrossMul(vertex - origin);
-    before = vertex;
-  }
-  return std::fabs(std::fabs(ofCircuit) - std::fabs(ofChips)) <= kTrailAreaShare * std::fabs(ofChips);
+  return std::fabs(std::fabs(ofCircuits) - std::fabs(ofChips)) <= kTrailAreaShare * std::fabs(ofChips);
 }
 
 int TKineticConvolution::Convolution(const TKMPLoop& dynamicLoop, const TKMPLoop& staticLoop, bool putInside,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 
 #include "platenest/foundation/Types.h"
@@ -21,16 +22,17 @@ TWide Turn(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) {
   return static_cast<TWide>(B.X - A.X) * (C.Y - B.Y) - static_cast<TWide>(B.Y - A.Y) * (C.X - B.X);
 }
 
-bool SameBits(const TPoint2D& A, const TPoint2D& B) {
+bool AreSame(const TPoint2D& A, const TPoint2D& B) {
   return A.X == B.X && A.Y == B.Y;
 }
 
 // Numbers points from 0 on in the order of their first mention.
 class TPointNumbers {
  public:
-  void Start(std::size_t MostPoints) {
+  // Closed trails have at most as many points as chips; loose chips have two each, which still leaves a slot free.
+  void Start(std::size_t Chips) {
     FPoints.clear();
-    const std::size_t slots = std::bit_ceil(std::max<std::size_t>(2 * MostPoints, 16));
+    const std::size_t slots = std::bit_ceil(2 * Chips + 1);
     if (slots > FSlots.size()) FSlots.assign(slots, {});
     FShift = 64 - std::countr_zero(FSlots.size());
     if (++FRound == 0) {
@@ -97,7 +99,7 @@ class TTrails {
   std::vector<TIntPoint> FRingPoints;
   std::vector<int> FRingStarts;
   TPath FContour;
-  ClipperLib::Clipper FClipper;
+  TClipper FClipper;
 };
 
 void TTrails::Lay(int Start, int End) {
@@ -109,15 +111,15 @@ void TTrails::Lay(int Start, int End) {
 
 // Neighbours in the list mostly share an end, which then needs no conversion.
 bool TTrails::Collect(std::span<const TChip> Chips, bool AgainstEdges) {
-  FNumbers.Start(2 * Chips.size());
+  FNumbers.Start(Chips.size());
   FLinks.clear();
   FNodes.clear();
   const TChip* former = nullptr;
   int formerStart = kNone;
   int formerEnd = kNone;
   const auto numberOf = [&](const TPoint2D& point) {
-    if (former != nullptr && SameBits(point, former->FStartPoint)) return formerStart;
-    if (former != nullptr && SameBits(point, former->FEndPoint)) return formerEnd;
+    if (former != nullptr && AreSame(point, former->FStartPoint)) return formerStart;
+    if (former != nullptr && AreSame(point, former->FEndPoint)) return formerEnd;
     const int number = FNumbers.Number(TPathUtils::CreateIntPoint(point, kPathScale));
     if (number == Size(FNodes)) FNodes.push_back({});
     return number;
