@@ -225,7 +225,22 @@ TEST(PlateNfp, HolesOfThePartPassOverThoseOfThePlate) {
   EXPECT_EQ(CheckInnerFitBySampling(plate, frame, paths, 1), "");
 }
 
-TEST(PlateNfp, ManyHolesLowerTheQualityOfTheRemainingOnesOnly) {
+// The last piece of a jigsaw: found with the least play that the boxes must have, not without any.
+TEST(PlateNfp, LastPieceOfAJigsawNeedsALittlePlay) {
+  for (const TShapeKind kind : kShapeKinds) {
+    SCOPED_TRACE(NameOf(kind));
+    for (const double grow : {0.0, 0.002}) {
+      const TJigsaw jigsaw = MakeJigsaw(kind, 16, 20, grow, 3);
+      const TPaths paths = NfpOf({jigsaw.Plate[1]}, jigsaw.Part, true);
+      ASSERT_EQ(paths.empty(), grow == 0);
+      if (paths.empty()) continue;
+      const TIntPoint place = TPathUtils::CreateIntPoint(jigsaw.Place, kPathScale);
+      EXPECT_TRUE(PlaceOf(place, paths) != TPlace::Outside || DistanceToBorder(place, paths) < 200);
+    }
+  }
+}
+
+TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
   TVHPolygon plate{Box(0, 100, 0, 100)};
   for (int i = 0; i < 60; ++i) {
     const double x = 5 + 9 * (i % 10);
@@ -238,7 +253,21 @@ TEST(PlateNfp, ManyHolesLowerTheQualityOfTheRemainingOnesOnly) {
   TPaths paths;
   kernel.Nfp(plate, dynamicPart, true, paths);
   EXPECT_EQ(Compared(paths, InnerFitRegion(plate, part), 1e-6, 2e-5), "");
+  // A product of points that would count as hulls if the lowered quality were still asked for.
+  TVHPolygon fixed{test::Circle(250, 50)};
+  TVHPolygon moving{test::Circle(201, 20)};
+  kernel.Nfp(fixed, moving, false, paths);
   EXPECT_EQ(kernel.Returned(), ntComplete);
+}
+
+// Thinned before the convolution, which would be too heavy at this quality.
+TEST(PartNfp, HeavyPairsBelowCompleteAreThinned) {
+  const TVHPolygon fixed{test::Circle(2100, 50)};
+  const TVHPolygon moving{test::Circle(1500, 20)};
+  const TPaths paths = NfpOf(fixed, moving, false, ntConcaveHull);
+  ASSERT_THAT(paths, SizeIs(1));
+  EXPECT_LT(paths[0].size(), 3400U);
+  EXPECT_EQ(CheckNfpBySampling(fixed, moving, paths, 1, {60, 0.005}), "");
 }
 
 // A hull is asked for by the product of the point counts; whether the result counts as one follows that rule alone.
@@ -246,7 +275,11 @@ TEST(PartNfpHulls, ProductOfThePointCountsDecides) {
   const struct {
     int Static, Dynamic;
     TNFPType Returned;
-  } cases[] = {{250, 200, ntComplete}, {2381, 21, ntConvexHull}, {25, 400, ntComplete}, {25, 401, ntConvexHull}};
+  } cases[] = {{250, 200, ntComplete},
+               {2381, 21, ntConvexHull},
+               {400, 130, ntConvexHull},
+               {25, 400, ntComplete},
+               {25, 401, ntConvexHull}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Static);
     TVHPolygon fixed{test::Circle(c.Static, 50)};
