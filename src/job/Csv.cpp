@@ -65,8 +65,8 @@ class RecordTable {
       const auto field = std::ranges::find(fields, name, &Field<T>::Name);
       const std::string quoted = Quoted(name);
       const std::string place = Joined(HeaderPlace(), ":", quoted.substr(1, quoted.size() - 2));
-      if (field == fields.end()) {
-        FFaults.AddInput("unknown-key", place, Joined("is no column of this form", NearMiss(name, NamesOf<T>())));
+      if (field == fields.end() || !field->InTables) {
+        FFaults.AddInput("unknown-key", place, Joined("is no column of this form", NearMiss(name, NamesOf<T>(true))));
       } else if (std::ranges::find(FColumns, &*field) != FColumns.end()) {
         FFaults.AddInput("duplicate-key", place, "stands twice in the header");
       } else {
