@@ -200,6 +200,9 @@ Job JobFromCsv(std::string_view Parts, std::string_view FileName, const std::vec
 std::string PartsToCsv(const std::vector<Part>& Parts) {
   std::string out = "id,width,height,amount,rotate,value,label\n";
   for (const Part& part : Parts) {
+    if (!part.Outline.empty())
+      throw InputError(Fault{"conflict", Joined("/parts/", &part - Parts.data(), "/outline"),
+                             "cannot stand in a table, which holds rectangles only", ""});
     AppendTextCell(out, part.Id);
     out += ',';
     AppendNumberCell(out, part.Width, "width");

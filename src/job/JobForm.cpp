@@ -49,16 +49,20 @@ std::span<const Field<Part>> FieldsOf<Part>() {
        }},
       {"value", false, [](Part& r) -> Slot { return NumberAt{&r.Value}; }},
       {"label", false, [](Part& r) -> Slot { return TextAt{&r.Label}; }},
-      {"outline", false,
+      {"outline",
+       false,
        [](Part& r) -> Slot {
          return ListAt<Point>{&r.Outline, limits::kVertices};
        },
-       {}, false},
-      {"holes", false,
+       {},
+       false},
+      {"holes",
+       false,
        [](Part& r) -> Slot {
          return ListAt<Contour>{&r.Holes, limits::kHoles};
        },
-       {}, false},
+       {},
+       false},
   };
   return fields;
 }

@@ -84,7 +84,8 @@ class TCrossings {
     for (int c = 0; c < Size(Paths); ++c) {
       for (std::size_t i = 0; i < Paths[c].size(); ++i) {
         const TIntPoint& end = Paths[c][(i + 1) % Paths[c].size()];
-        edges.push_back({TPathUtils::CreatePoint2D(Paths[c][i], kPathScale), TPathUtils::CreatePoint2D(end, kPathScale)});
+        edges.push_back(
+            {TPathUtils::CreatePoint2D(Paths[c][i], kPathScale), TPathUtils::CreatePoint2D(end, kPathScale)});
         FContours.push_back(c);
       }
     }

@@ -42,8 +42,7 @@ std::vector<TPairOfParts> PairsOf(const Job& AJob) {
 }
 
 std::vector<Contour> ContoursOf(const Part& APart) {
-  if (APart.Outline.empty())
-    return {{{0, 0}, {APart.Width, 0}, {APart.Width, APart.Height}, {0, APart.Height}}};
+  if (APart.Outline.empty()) return {{{0, 0}, {APart.Width, 0}, {APart.Width, APart.Height}, {0, APart.Height}}};
   std::vector<Contour> contours{APart.Outline};
   contours.insert(contours.end(), APart.Holes.begin(), APart.Holes.end());
   for (Contour& contour : contours) {

@@ -116,7 +116,8 @@ using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, Num
                           ObjectAt<Result>, ObjectAt<Summary>, ObjectAt<Bound>, ObjectAt<Layout>,         //
                           ObjectAt<Placement>, ObjectAt<PlateUse>, ObjectAt<PartUse>, ObjectAt<RunInfo>,  //
                           ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,  //
-                          ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>, ListAt<Point>,       //
+                          ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
+                          ListAt<Point>,  //
                           ListAt<Contour>>;
 
 // A member of the form of a record.

@@ -18,8 +18,8 @@ using ClipperLib::pftNonZero;
 
 // Area that rounding may leave between shapes which only touch: this much for each unit of their outlines.
 constexpr double kSliver = 2;
-// How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross fault
-// would show.
+// How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross
+// fault would show.
 constexpr double kBeside[] = {4, 400};
 
 TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type) {
@@ -83,8 +83,7 @@ std::vector<TEdge> SomeEdges(const TPaths& Region, int Most) {
   const int count = Size(edges);
   if (count <= Most) return edges;
   std::vector<TEdge> some;
-  for (int i = 0; i < Most; ++i)
-    some.push_back(edges[static_cast<std::size_t>(Int64{i} * count / Most)]);
+  for (int i = 0; i < Most; ++i) some.push_back(edges[static_cast<std::size_t>(Int64{i} * count / Most)]);
   return some;
 }
 

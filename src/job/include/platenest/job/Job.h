@@ -105,11 +105,11 @@ inline constexpr Int64 kPlates = 1000000;  // in stock of one kind
 inline constexpr double kWorth = 1e15;     // of one copy, and the cost of one plate
 inline constexpr double kTimeLimit = 1e8;  // seconds
 inline constexpr int kThreads = 1024;
-inline constexpr int kVertices = 20000;               // of one contour
-inline constexpr Int64 kVertexProduct = 4000000;      // of the vertices of two parts, holes included
-inline constexpr int kHoles = 10000;                  // of one part
-inline constexpr Int64 kPairs = 100000;               // of parts in a job of kind Nfp
-inline constexpr double kLargestCoordinate = 1e6;     // of an outline, either side of 0
+inline constexpr int kVertices = 20000;            // of one contour
+inline constexpr Int64 kVertexProduct = 4000000;   // of the vertices of two parts, holes included
+inline constexpr int kHoles = 10000;               // of one part
+inline constexpr Int64 kPairs = 100000;            // of parts in a job of kind Nfp
+inline constexpr double kLargestCoordinate = 1e6;  // of an outline, either side of 0
 }  // namespace limits
 
 PLATENEST_API std::string_view KindName(JobKind Kind);

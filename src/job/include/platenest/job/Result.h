@@ -82,8 +82,8 @@ struct Summary {
   friend bool operator==(const Summary&, const Summary&) = default;
 };
 
-// One answer of kind Nfp. Paths are translations of the moving part as it is drawn: its origin may stand on the paths and
-// outside of what they enclose, or, with Inside, on them and within. Outer contours run counter-clockwise, cavities
+// One answer of kind Nfp. Paths are translations of the moving part as it is drawn: its origin may stand on the paths
+// and outside of what they enclose, or, with Inside, on them and within. Outer contours run counter-clockwise, cavities
 // clockwise, contours may touch. Coordinates are whole multiples of 1e-5.
 struct NfpPair {
   std::string Fixed;

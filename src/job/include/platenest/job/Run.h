@@ -37,9 +37,10 @@ PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
 // amounts, stock, turning locks, and every number that the result states about itself. Empty when all is right.
 PLATENEST_API std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult);
 
-// One SVG document for a pair of a result of kind Nfp: the fixed part, the polygon, and the moving part at some places of
-// its boundary with its origin marked. The parts are taken from the job, so the result must belong to it. Raises
-// TRangeError for an unknown pair or part. Cost: linear in the vertices, and one copy of the moving part for each place.
+// One SVG document for a pair of a result of kind Nfp: the fixed part, the polygon, and the moving part at some places
+// of its boundary with its origin marked. The parts are taken from the job, so the result must belong to it. Raises
+// TRangeError for an unknown pair or part. Cost: linear in the vertices, and one copy of the moving part for each
+// place.
 PLATENEST_API std::string PairToSvg(const Job& AJob, const Result& AResult, int PairIndex);
 
 // One SVG document for a layout of a result; real units, y up.
