@@ -1,6 +1,7 @@
 #pragma once
 
 // Everything that a host may use: the facade run(job) and the core classes below it.
+#include "platenest/NfpAlgorithmSet/NfpAlgorithmSet.h"
 #include "platenest/URectNest/URectNest.h"
 #include "platenest/job/Convert.h"
 #include "platenest/job/Job.h"
@@ -8,4 +9,5 @@
 #include "platenest/job/Result.h"
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/services/NFP.h"
 #include "platenest/version.h"

@@ -9,6 +9,10 @@
 
 namespace platenest {
 
+namespace detail {
+class TStandIns;
+}
+
 // Turns two kinetic loops into the paths of a no-fit polygon: the segments of their kinetic convolution (Guibas,
 // Ramshaw and Stolfi 1983) become a graph, circuits of it are united and judged. The size of the work is bounded: where
 // it would explode, one or both loops are replaced by lighter ones, and the result tells how far that went. The dynamic
@@ -38,6 +42,11 @@ class PLATENEST_API TKineticConvolution {
   bool NormorlizePaths(TPaths& paths, bool putInside) const;
   // Whether the trial placement of the dynamic shape at the first point of the path fails.
   static bool PathInvalid(const TKMPLoop& stLoop, const TKMPLoop& dyLoop, const TPath& testPath, int offset);
+  // The box of the path is narrower or lower than those of the two loops laid side by side, less tol in drawing units.
+  bool PathBoxTooSmall(const TPath& path, double tol) const;
+  // A path for a cavity whose first (or middle) point would put the box of the shape partly outside of the cavity's.
+  // Looked at only where the loops are so rich in parallel edges, or the fit so tight, that such paths turn up.
+  bool InnerPathSuspect(const TPath& path) const;
 
   TNFPType _required;
   bool _innerCheck;
@@ -47,6 +56,32 @@ class PLATENEST_API TKineticConvolution {
   Int64 _edgeCount = 0;               // points of the outer circuits, or running sum while they are united
   const TKMPLoop* _dyLoop = nullptr;  // arguments of the last Convolve; the caller's
   const TKMPLoop* _stLoop = nullptr;
+
+ private:
+  class TRun;
+  struct TCircuitChoice;
+  struct TOuterJudge;
+  struct TTryLevels {
+    int First;
+    int HardlyShrunk;
+    int LittleShrunk;
+  };
+
+  // Fill FChips and return the reduction level, -1 outside where nothing was reduced.
+  int LayInnerChips(const TKMPLoop& S, const TKMPLoop& D);
+  int LayOuterChips(const TKMPLoop& S, const TKMPLoop& D);
+  void LayBothReduced(const TKMPLoop& S, const TKMPLoop& D, detail::TStandIns& StandIns);
+  void LayLargerReduced(const TKMPLoop& S, const TKMPLoop& D, detail::TStandIns& StandIns);
+  const TKMPLoop& ReducedInner(const TKMPLoop& D, detail::TStandIns& StandIns) const;
+  const TKMPLoop& ReducedLarger(const TKMPLoop& Larger, const TKMPLoop& Smaller, const TTryLevels& Levels,
+                                detail::TStandIns& StandIns) const;
+  bool IsPairOfBoxLikes(const TKMPLoop& S, const TKMPLoop& D) const;
+
+  bool NormorlizeInner(TPaths& paths) const;
+  bool NormorlizeSolePath(TPaths& paths) const;
+  bool NormorlizeRegions(TPaths& paths) const;
+
+  TChipList FChips;  // of the last Convolve; its memory is used again
 };
 
 }  // namespace platenest
