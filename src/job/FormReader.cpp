@@ -78,13 +78,13 @@ Slot EntryAt(const IdsAt& List, std::int64_t Index) {
   if (Index >= List.Most) return Skip{};
   return TextAt{&List.Target->emplace_back(), true};
 }
-Slot EntryAt(const ListAt<Point>& List, std::int64_t Index) {
+Slot EntryAt(const ListAt<PolygonPoint>& List, std::int64_t Index) {
   if (Index >= List.Most) return Skip{};
   return NumbersAt{List.Target->emplace_back()};
 }
-Slot EntryAt(const ListAt<Contour>& List, std::int64_t Index) {
+Slot EntryAt(const ListAt<PolygonRing>& List, std::int64_t Index) {
   if (Index >= List.Most) return Skip{};
-  return ListAt<Point>{&List.Target->emplace_back(), limits::kVertices};
+  return ListAt<PolygonPoint>{&List.Target->emplace_back(), limits::kCopies};  // paths of an answer may be long
 }
 template <class T>
 Slot EntryAt(const ListAt<T>& List, std::int64_t Index) {

@@ -52,14 +52,14 @@ std::span<const Field<Part>> FieldsOf<Part>() {
       {"outline",
        false,
        [](Part& r) -> Slot {
-         return ListAt<Point>{&r.Outline, limits::kVertices};
+         return ListAt<PolygonPoint>{&r.Outline, limits::kVertices};
        },
        {},
        false},
       {"holes",
        false,
        [](Part& r) -> Slot {
-         return ListAt<Contour>{&r.Holes, limits::kHoles};
+         return ListAt<PolygonRing>{&r.Holes, limits::kHoles};
        },
        {},
        false},
@@ -144,16 +144,16 @@ void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind) {
   }
 }
 
-void WriteContour(JsonWriter& Out, const Contour& AContour) {
+void WriteContour(JsonWriter& Out, const PolygonRing& AContour) {
   Out.BeginList(JsonStyle::Line);
-  for (const Point& point : AContour) Out.Value(point);
+  for (const PolygonPoint& point : AContour) Out.Value(point);
   Out.EndList();
 }
 
-void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<Contour>& Contours) {
+void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<PolygonRing>& Contours) {
   Out.Key(Name);
   Out.BeginList(JsonStyle::Block);
-  for (const Contour& contour : Contours) WriteContour(Out, contour);
+  for (const PolygonRing& contour : Contours) WriteContour(Out, contour);
   Out.EndList();
 }
 

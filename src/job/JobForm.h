@@ -19,8 +19,8 @@ std::span<const Field<Part>> FieldsOf<Part>();
 // Gives a part that stated no amount the one that Kind means by it.
 void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind);
 
-void WriteContour(JsonWriter& Out, const Contour& AContour);
-void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<Contour>& Contours);
+void WriteContour(JsonWriter& Out, const PolygonRing& AContour);
+void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<PolygonRing>& Contours);
 
 // Finds every fault in a job, with JSON Pointers.
 void FindFaults(const Job& AJob, FaultList& Faults);

@@ -27,7 +27,7 @@ std::string ContourPlace(int PartIndex, int ContourIndex) {
 }
 
 // Whether the points can be worked with at all.
-bool CheckPoints(const Contour& AContour, const std::string& Place, FaultList& Faults) {
+bool CheckPoints(const PolygonRing& AContour, const std::string& Place, FaultList& Faults) {
   if (Size(AContour) > limits::kVertices) {
     Faults.AddLimit(Place, Joined("must have at most ", limits::kVertices, " points, found ", Size(AContour)));
     return false;
@@ -56,7 +56,7 @@ bool CheckPoints(const Contour& AContour, const std::string& Place, FaultList& F
   return false;
 }
 
-void CheckBoxSize(const Contour& Outline, const std::string& Place, FaultList& Faults) {
+void CheckBoxSize(const PolygonRing& Outline, const std::string& Place, FaultList& Faults) {
   const TVRect2D box = TPathUtils::BoundBox(PathOf(Outline)).ToRect(kPathScale);
   for (const double side : {box.Right - box.Left, box.Top - box.Bottom})
     CheckNumber(side, kSizeRule, Fixed(Place), Faults);
@@ -182,6 +182,10 @@ void FindShapeFaults(const Part& APart, int Index, FaultList& Faults) {
   if (Size(APart.Holes) > limits::kHoles)
     return Faults.AddLimit(Joined("/parts/", Index, "/holes"),
                            Joined("must have at most ", limits::kHoles, " entries, found ", Size(APart.Holes)));
+  // No pair of three points and more is under the limit of the product.
+  if (VertexCount(APart) > limits::kVertexProduct / 3)
+    return Faults.AddLimit(Joined("/parts/", Index), Joined("must have at most ", limits::kVertexProduct / 3,
+                                                            " points in all its contours, found ", VertexCount(APart)));
   bool isSound = CheckPoints(APart.Outline, place, Faults);
   if (isSound) CheckBoxSize(APart.Outline, place, Faults);
   for (int i = 0; i < Size(APart.Holes); ++i)

@@ -11,11 +11,11 @@ namespace {
 
 using namespace detail;
 
-TPictureContours Drawn(const std::vector<Contour>& Contours) {
+TPictureContours Drawn(const std::vector<PolygonRing>& Contours) {
   TPictureContours drawn;
-  for (const Contour& contour : Contours) {
+  for (const PolygonRing& contour : Contours) {
     auto& points = drawn.emplace_back();
-    for (const Point& point : contour) points.push_back({point[0], point[1]});
+    for (const PolygonPoint& point : contour) points.push_back({point[0], point[1]});
   }
   return drawn;
 }

@@ -47,13 +47,13 @@ class TPairCheck {
   }
 
   // The coordinates are those of the grid, as far as doubles can tell.
-  static bool IsOnGrid(const std::vector<Contour>& Paths) {
+  static bool IsOnGrid(const std::vector<PolygonRing>& Paths) {
     const auto isOnGrid = [](double V) {
       const double units = V * kPathScale;
       return std::fabs(V) <= kMostPlace && std::fabs(units - std::nearbyint(units)) <= 1e-3;
     };
-    for (const Contour& contour : Paths)
-      for (const Point& point : contour)
+    for (const PolygonRing& contour : Paths)
+      for (const PolygonPoint& point : contour)
         if (!isOnGrid(point[0]) || !isOnGrid(point[1])) return false;
     return true;
   }

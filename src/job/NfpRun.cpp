@@ -69,6 +69,7 @@ ResultStatus StatusOf(const TRunControl& Control, bool IsWhole) {
 
 void AnswerPairs(const Job& AJob, TRunControl& Control, Result& AResult) {
   const TRandomScope random(AJob.Run.Seed);
+  AResult.Run.Method = "convolution";
   const std::vector<TPairOfParts> pairs = PairsOf(AJob);
   std::vector<TVHPolygon> shapes;
   for (const Part& part : AJob.Parts) shapes.push_back(ShapeOf(part));
@@ -77,7 +78,8 @@ void AnswerPairs(const Job& AJob, TRunControl& Control, Result& AResult) {
     AResult.Pairs.push_back(AnswerPair(AJob, shapes, pair));
     Control.Report({.Phase = "nfp",
                     .Usage = static_cast<double>(AResult.Pairs.size()) / static_cast<double>(pairs.size()),
-                    .Unplaced = Size(pairs) - Size(AResult.Pairs)});
+                    .Unplaced = Size(pairs) - Size(AResult.Pairs),
+                    .BoundValue = {}});
   }
   AResult.Status = StatusOf(Control, AResult.Pairs.size() == pairs.size());
   if (AResult.Pairs.empty() && Control.StoppedByCaller())

@@ -25,7 +25,7 @@ std::vector<int> NamedParts(const std::vector<Part>& Parts, const std::vector<st
   return positions;
 }
 
-TIntPoint OnGrid(const Point& P) {
+TIntPoint OnGrid(const PolygonPoint& P) {
   return TPathUtils::CreateIntPoint(TPoint2D{P[0], P[1]}, kPathScale);
 }
 
@@ -41,12 +41,12 @@ std::vector<TPairOfParts> PairsOf(const Job& AJob) {
   return pairs;
 }
 
-std::vector<Contour> ContoursOf(const Part& APart) {
+std::vector<PolygonRing> ContoursOf(const Part& APart) {
   if (APart.Outline.empty()) return {{{0, 0}, {APart.Width, 0}, {APart.Width, APart.Height}, {0, APart.Height}}};
-  std::vector<Contour> contours{APart.Outline};
+  std::vector<PolygonRing> contours{APart.Outline};
   contours.insert(contours.end(), APart.Holes.begin(), APart.Holes.end());
-  for (Contour& contour : contours) {
-    const auto same = [](const Point& A, const Point& B) { return OnGrid(A) == OnGrid(B); };
+  for (PolygonRing& contour : contours) {
+    const auto same = [](const PolygonPoint& A, const PolygonPoint& B) { return OnGrid(A) == OnGrid(B); };
     contour.erase(std::unique(contour.begin(), contour.end(), same), contour.end());
     while (contour.size() > 1 && same(contour.front(), contour.back())) contour.pop_back();
   }
@@ -56,15 +56,15 @@ std::vector<Contour> ContoursOf(const Part& APart) {
 Int64 VertexCount(const Part& APart) {
   if (APart.Outline.empty()) return 4;
   Int64 count = Size(APart.Outline);
-  for (const Contour& hole : APart.Holes) count += Size(hole);
+  for (const PolygonRing& hole : APart.Holes) count += Size(hole);
   return count;
 }
 
 TVHPolygon ShapeOf(const Part& APart) {
   TVHPolygon shape;
-  for (const Contour& contour : ContoursOf(APart)) {
+  for (const PolygonRing& contour : ContoursOf(APart)) {
     TVPolyline2D line;
-    for (const Point& point : contour) line.push_back({point[0], point[1]});
+    for (const PolygonPoint& point : contour) line.push_back({point[0], point[1]});
     shape.push_back(std::move(line));
   }
   shape.IsRectangle = APart.Outline.empty();
@@ -72,9 +72,9 @@ TVHPolygon ShapeOf(const Part& APart) {
   return shape;
 }
 
-TPath PathOf(const Contour& AContour) {
+TPath PathOf(const PolygonRing& AContour) {
   TPath path;
-  for (const Point& point : AContour) {
+  for (const PolygonPoint& point : AContour) {
     const TIntPoint grid = OnGrid(point);
     if (path.empty() || path.back() != grid) path.push_back(grid);
   }
@@ -82,9 +82,9 @@ TPath PathOf(const Contour& AContour) {
   return path;
 }
 
-TPaths PathsOf(const std::vector<Contour>& Contours) {
+TPaths PathsOf(const std::vector<PolygonRing>& Contours) {
   TPaths paths;
-  for (const Contour& contour : Contours) paths.push_back(PathOf(contour));
+  for (const PolygonRing& contour : Contours) paths.push_back(PathOf(contour));
   return paths;
 }
 
@@ -94,10 +94,10 @@ TPaths PathsOf(const Part& APart) {
   return paths;
 }
 
-std::vector<Contour> ContoursOf(const TPaths& Paths) {
-  std::vector<Contour> contours;
+std::vector<PolygonRing> ContoursOf(const TPaths& Paths) {
+  std::vector<PolygonRing> contours;
   for (const TPath& path : Paths) {
-    Contour& contour = contours.emplace_back();
+    PolygonRing& contour = contours.emplace_back();
     for (const TIntPoint& point : path) {
       const TPoint2D unit = TPathUtils::CreatePoint2D(point, kPathScale);
       contour.push_back({unit.X, unit.Y});

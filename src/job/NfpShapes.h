@@ -23,7 +23,7 @@ std::vector<TPairOfParts> PairsOf(const Job& AJob);
 
 // The contours of a part, the outer one first, each without points that fall onto their former one on the grid of path
 // units. The contour of a rectangle has four points.
-std::vector<Contour> ContoursOf(const Part& APart);
+std::vector<PolygonRing> ContoursOf(const Part& APart);
 Int64 VertexCount(const Part& APart);
 
 TVHPolygon ShapeOf(const Part& APart);
@@ -31,9 +31,9 @@ TVHPolygon ShapeOf(const Part& APart);
 TPaths PathsOf(const Part& APart);
 
 // A contour as path, without points that fall onto their former one. The coordinates are finite and within the limits.
-TPath PathOf(const Contour& AContour);
-TPaths PathsOf(const std::vector<Contour>& Contours);
+TPath PathOf(const PolygonRing& AContour);
+TPaths PathsOf(const std::vector<PolygonRing>& Contours);
 // Path units to drawing units, to five decimals exactly.
-std::vector<Contour> ContoursOf(const TPaths& Paths);
+std::vector<PolygonRing> ContoursOf(const TPaths& Paths);
 
 }  // namespace platenest::detail

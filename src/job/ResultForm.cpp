@@ -151,7 +151,7 @@ std::span<const Field<NfpPair>> FieldsOf<NfpPair>() {
        }},
       {"paths", true,
        [](NfpPair& r) -> Slot {
-         return ListAt<Contour>{&r.Paths, limits::kCopies};
+         return ListAt<PolygonRing>{&r.Paths, limits::kCopies};
        }},
   };
   return fields;

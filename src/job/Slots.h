@@ -117,8 +117,8 @@ using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, Num
                           ObjectAt<Placement>, ObjectAt<PlateUse>, ObjectAt<PartUse>, ObjectAt<RunInfo>,  //
                           ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,  //
                           ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
-                          ListAt<Point>,  //
-                          ListAt<Contour>>;
+                          ListAt<PolygonPoint>,  //
+                          ListAt<PolygonRing>>;
 
 // A member of the form of a record.
 template <class T>

@@ -16,8 +16,10 @@ namespace {
 
 using ClipperLib::pftNonZero;
 
-// Area that rounding may leave between shapes which only touch: this much for each unit of their outlines.
+// Area that rounding may leave where paths touch: this much for each unit of their length.
 constexpr double kSliver = 2;
+// Area that shapes may share by rounding, in square Tol: the corner of a grown shape, moved by some Tol, shares more.
+constexpr double kShared = 0.05;
 // How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross
 // fault would show.
 constexpr double kBeside[] = {4, 400};
@@ -47,11 +49,11 @@ bool Meet(const TIntRect& A, const TIntRect& B) {
 // One size of the moving shape against the fixed one.
 class TTrial {
  public:
-  TTrial(const TNfpQuestion& Question, TPaths Moving)
+  TTrial(const TNfpQuestion& Question, double Tol, double Growth)
       : FQuestion(Question),
-        FMoving(std::move(Moving)),
+        FMoving(Grown(Question.Moving, Growth)),
         FFixedBox(TPathUtils::BoundBox(Question.Fixed)),
-        FSliver(kSliver * TPathUtils::TotalLength(FMoving)) {}
+        FMostShared(kShared * Tol * Tol) {}
 
   // Whether the shape may stand there.
   bool Fits(const TIntPoint& Place) const {
@@ -60,14 +62,14 @@ class TTrial {
     const bool meets = Meet(TPathUtils::BoundBox(moved), FFixedBox);
     if (!meets) return !FQuestion.IsInside;
     const auto type = FQuestion.IsInside ? ClipperLib::ctDifference : ClipperLib::ctIntersection;
-    return TPathUtils::Area(Clipped(moved, FQuestion.Fixed, type)) <= FSliver;
+    return TPathUtils::Area(Clipped(moved, FQuestion.Fixed, type)) <= FMostShared;
   }
 
  private:
   const TNfpQuestion& FQuestion;
   const TPaths FMoving;
   const TIntRect FFixedBox;
-  const double FSliver;  // square path units
+  const double FMostShared;  // square path units
 };
 
 struct TEdge {
@@ -137,7 +139,7 @@ bool WindsOnce(const TPaths& Region) {
 }
 
 std::string CheckBoundary(const TNfpQuestion& Question, const std::vector<TEdge>& Edges, double Tol) {
-  const TTrial shrunk(Question, Grown(Question.Moving, -Tol));
+  const TTrial shrunk(Question, Tol, -Tol);
   for (const TEdge& edge : Edges)
     for (const TIntPoint& place : {edge.Start, MiddleOf(edge)})
       if (!shrunk.Fits(place))
@@ -147,7 +149,7 @@ std::string CheckBoundary(const TNfpQuestion& Question, const std::vector<TEdge>
 
 std::string CheckLosses(const TNfpQuestion& Question, const TPaths& Region, const std::vector<TEdge>& Edges,
                         double Tol) {
-  const TTrial grown(Question, Grown(Question.Moving, Tol));
+  const TTrial grown(Question, Tol, Tol);
   for (const TEdge& edge : Edges) {
     for (const double beside : kBeside) {
       const std::optional<TIntPoint> place = Beside(edge, (Question.IsInside ? -1 : 1) * beside * Tol);

@@ -31,8 +31,9 @@ enum class NfpQuality : std::uint8_t {
   Exact,     // full outlines, never reduced, however long that takes
 };
 
-using Point = std::array<double, 2>;
-using Contour = std::vector<Point>;  // closed by itself, in either turning sense; the first point may stand again last
+using PolygonPoint = std::array<double, 2>;
+// Closed by itself, in either turning sense; the first point may stand again last.
+using PolygonRing = std::vector<PolygonPoint>;
 
 struct Plate {
   std::string Id;
@@ -54,8 +55,8 @@ struct Part {
   Rotate Turn = Rotate::Any;
   std::optional<double> Value{};  // worth of one copy; nothing: its area
   std::string Label{};
-  Contour Outline{};
-  std::vector<Contour> Holes{};  // inside the outline, apart from each other; touching is allowed
+  PolygonRing Outline{};
+  std::vector<PolygonRing> Holes{};  // inside the outline, apart from each other; touching is allowed
 
   friend bool operator==(const Part&, const Part&) = default;
 };

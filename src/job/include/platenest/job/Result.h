@@ -89,7 +89,7 @@ struct NfpPair {
   std::string Fixed;
   std::string Moving;
   NfpQuality Quality = NfpQuality::Complete;  // the one that the paths really have
-  std::vector<Contour> Paths;                 // with Inside, none says that there is no place
+  std::vector<PolygonRing> Paths;             // with Inside, none says that there is no place
 
   friend bool operator==(const NfpPair&, const NfpPair&) = default;
 };
