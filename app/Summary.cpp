@@ -66,7 +66,7 @@ std::string PairsText(const Result& AResult) {
   std::string text = Counted(Size(AResult.Pairs), "pair") + "\n";
   if (AResult.Pairs.empty()) return text;
   text +=
-      Line("quality", std::string(QualityName(LeastQuality(AResult))) + (AResult.Pairs.size() > 1 ? " or better" : ""));
+      Line("quality", (AResult.Pairs.size() > 1 ? "at least " : "") + std::string(QualityName(LeastQuality(AResult))));
   text += Line("outline", Counted(points, "point"));
   if (empty > 0) text += Line("no place", "for " + Counted(empty, "pair"));
   return text;

@@ -28,7 +28,7 @@ constexpr int kDrawnDigits = 10;     // of the longer side
 constexpr double kMostCoordinate = 1e15;
 
 // Positions in the palette.
-constexpr int kFixedColour = 0;
+constexpr int kFixedColour = 7;
 constexpr int kForbiddenColour = 1;
 constexpr int kAllowedColour = 2;
 constexpr int kMovingColour = 6;
@@ -150,17 +150,26 @@ class TNfpPainter {
 
   std::string RegionColour() const { return KindColour(FPicture.IsInside ? kAllowedColour : kForbiddenColour); }
 
+  void Region(bool IsFilled) {
+    if (FPicture.Region.empty()) return;
+    FOut << "<path data-region=\"" << (FPicture.IsInside ? "inside" : "outside") << "\" fill=\"";
+    if (IsFilled)
+      FOut << RegionColour() << "\" fill-opacity=\"0.5\" fill-rule=\"evenodd\"";
+    else
+      FOut << "none\" stroke=\"" << RegionColour() << "\" stroke-width=\"" << 1.6 * kLine * FLong
+           << "\" stroke-linejoin=\"round\"";
+    Data(FPicture.Region, {0, 0});
+  }
+
+  // A polygon lies below the fixed part, a region on the plate; its border is always on top.
   void Shapes() {
     const double line = kLine * FLong;
+    if (!FPicture.IsInside) Region(true);
     FOut << "<path data-part=\"" << FFixed << "\" fill=\"" << KindColour(kFixedColour)
          << "\" fill-rule=\"evenodd\" stroke=\"#1c1c1c\" stroke-width=\"" << line << "\"";
     Data(FPicture.Fixed, {0, 0});
-    if (!FPicture.Region.empty()) {
-      FOut << "<path data-region=\"" << (FPicture.IsInside ? "inside" : "outside") << "\" fill=\"" << RegionColour()
-           << "\" fill-opacity=\"0.45\" fill-rule=\"evenodd\" stroke=\"" << RegionColour() << "\" stroke-width=\""
-           << 1.6 * line << "\" stroke-linejoin=\"round\"";
-      Data(FPicture.Region, {0, 0});
-    }
+    if (FPicture.IsInside) Region(true);
+    Region(false);
     for (const TPoint2D& place : FPlaces) {
       FOut << "<path data-part=\"" << FMoving << "\" fill=\"none\" stroke=\"" << KindColour(kMovingColour)
            << "\" stroke-width=\"" << line << "\" stroke-linejoin=\"round\"";

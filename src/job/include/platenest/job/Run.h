@@ -14,6 +14,7 @@ namespace platenest {
 
 using StopToken = TStopToken;
 
+// In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs that are done and Unplaced the others.
 struct Progress {
   double Seconds = 0;
   std::string Phase;  // the method at work
