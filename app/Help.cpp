@@ -70,7 +70,7 @@ quality that it really has. No path at all, with --inside, means no place.
 constexpr std::string_view kNfpExamples = R"(
 Examples:
   platenest nfp brackets.json --svg out/
-  platenest nfp plate.json --inside --quality complete -o result.json
+  platenest nfp plate.json --inside --quality complete -o region.json
 )";
 
 constexpr std::string_view kCheckPage = R"(

@@ -165,10 +165,10 @@ std::string CheckLosses(const TNfpQuestion& Question, const TPaths& Region, cons
 std::string CheckNfp(const TNfpQuestion& Question, const TPaths& Region, const TNfpCheckOptions& Options) {
   if (Region.empty()) return Question.IsInside ? "" : "there is no polygon";
   if (!WindsOnce(Region)) return "the paths overlap, or turn the wrong way";
-  const int boundarySamples = std::max(1, Options.MostSamples / 2);  // a corner and a middle each
-  const std::string overlap = CheckBoundary(Question, SomeEdges(Region, boundarySamples), Options.Tol);
-  if (!overlap.empty() || !Options.IsFull) return overlap;
-  return CheckLosses(Question, Region, SomeEdges(Region, std::max(1, Options.MostSamples / 4)), Options.Tol);
+  // Two places for each edge: a corner and the middle, or two beside it.
+  const std::vector<TEdge> edges = SomeEdges(Region, std::max(1, Options.MostSamples / 2));
+  const std::string overlap = CheckBoundary(Question, edges, Options.Tol);
+  return overlap.empty() && Options.IsFull ? CheckLosses(Question, Region, edges, Options.Tol) : overlap;
 }
 
 }  // namespace platenest

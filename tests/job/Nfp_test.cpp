@@ -89,7 +89,8 @@ TEST(NfpJob, AManifoldlyCrossingOutlineIsRefusedAtOnce) {
     const double angle = std::numbers::pi * 2 * i * 9999 / 19999;
     star.push_back({1000 * std::cos(angle), 1000 * std::sin(angle)});
   }
-  EXPECT_EQ(CheckFaults(NfpJob({Polygon("p", star)})), "InputError: shape /parts/0/outline");
+  EXPECT_EQ(CheckFaults(NfpJob({Polygon("p", star), Polygon("s", Square(0, 0, 10))})),
+            "InputError: shape /parts/0/outline");
 }
 
 TEST(NfpJob, PairsAreOfKnownPartsAndWithinTheLimits) {

@@ -18,7 +18,7 @@ struct TNfpQuestion {
 struct TNfpCheckOptions {
   double Tol = 100;      // how deep shapes may overlap, or stick out, at a place that the region allows
   bool IsFull = true;    // also look for places that the region loses
-  int MostSamples = 24;  // of places on the boundary; half as many beside it
+  int MostSamples = 24;  // of places on the boundary, and as many beside it
 };
 
 // The first thing wrong as one English sentence, or an empty text:
