@@ -29,23 +29,45 @@ std::optional<NfpQuality> PassingQuality(const Job& AJob, const TPairOfParts& Pa
   return std::nullopt;
 }
 
-// From the quality asked for downward, the first answer that passes the check.
+TVHPolygon BoxOf(const TVHPolygon& Shape) {
+  TVHPolygon box;
+  box.push_back(TVPolyline2D(Shape.First().BoundBox()));
+  box.IsRectangle = true;
+  return box;
+}
+
+// One trial of the kernel. Nothing if it fails or its answer does not pass, which Verdict then explains.
+std::optional<TKernelAnswer> Try(const Job& AJob, const TPairOfParts& Pair, const TVHPolygon& Moving,
+                                 const TVHPolygon& Fixed, NfpQuality Quality, std::string& Verdict) {
+  try {
+    TKernelAnswer answer = AskKernel(Moving, Fixed, AJob.Inside, Quality);
+    const std::optional<NfpQuality> passing = PassingQuality(AJob, Pair, answer, Verdict);
+    if (!passing) return std::nullopt;
+    answer.Quality = *passing;
+    return answer;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    Verdict = error.what();
+    return std::nullopt;
+  }
+}
+
+// From the quality asked for downward, the first answer that passes the check. In the last resort parts are kept apart
+// by their boxes.
 NfpPair AnswerPair(const Job& AJob, const std::vector<TVHPolygon>& Shapes, const TPairOfParts& Pair) {
   const std::string& fixed = AJob.Parts[Pair.Fixed].Id;
   const std::string& moving = AJob.Parts[Pair.Moving].Id;
   std::string verdict;
-  for (int quality = static_cast<int>(AJob.Quality); quality >= 0; --quality) {
-    try {
-      const TKernelAnswer answer =
-          AskKernel(Shapes[Pair.Moving], Shapes[Pair.Fixed], AJob.Inside, static_cast<NfpQuality>(quality));
-      if (const auto passing = PassingQuality(AJob, Pair, answer, verdict))
-        return {fixed, moving, *passing, ContoursOf(answer.Paths)};
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception& error) {
-      verdict = error.what();
-    }
-  }
+  for (int quality = static_cast<int>(AJob.Quality); quality >= 0; --quality)
+    if (const auto answer =
+            Try(AJob, Pair, Shapes[Pair.Moving], Shapes[Pair.Fixed], static_cast<NfpQuality>(quality), verdict))
+      return {fixed, moving, answer->Quality, ContoursOf(answer->Paths)};
+  std::string boxVerdict;
+  if (!AJob.Inside)
+    if (const auto answer =
+            Try(AJob, Pair, BoxOf(Shapes[Pair.Moving]), BoxOf(Shapes[Pair.Fixed]), NfpQuality::Convex, boxVerdict))
+      return {fixed, moving, NfpQuality::Convex, ContoursOf(answer->Paths)};
   throw CheckError({"check", "",
                     Joined("no answer for part ", Quoted(moving), AJob.Inside ? " inside " : " around ", Quoted(fixed),
                            " passed the check"),

@@ -18,8 +18,10 @@ using ClipperLib::pftNonZero;
 
 // Area that rounding may leave where paths touch: this much for each unit of their length.
 constexpr double kSliver = 2;
-// Area that shapes may share by rounding, in square Tol: the corner of a grown shape, moved by some Tol, shares more.
-constexpr double kShared = 0.05;
+// Area that shapes may share and still fit. Of a shrunk shape, in square Tol, for overlaps just above Tol; of a grown
+// one, in square path units, for rounding: the tip of a needle shares no more than a few dozen.
+constexpr double kSharedShrunk = 0.05;
+constexpr double kSharedGrown = 10;
 // How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross
 // fault would show.
 constexpr double kBeside[] = {4, 400};
@@ -49,11 +51,11 @@ bool Meet(const TIntRect& A, const TIntRect& B) {
 // One size of the moving shape against the fixed one.
 class TTrial {
  public:
-  TTrial(const TNfpQuestion& Question, double Tol, double Growth)
+  TTrial(const TNfpQuestion& Question, double Growth, double MostShared)
       : FQuestion(Question),
         FMoving(Grown(Question.Moving, Growth)),
         FFixedBox(TPathUtils::BoundBox(Question.Fixed)),
-        FMostShared(kShared * Tol * Tol) {}
+        FMostShared(MostShared) {}
 
   // Whether the shape may stand there.
   bool Fits(const TIntPoint& Place) const {
@@ -139,7 +141,7 @@ bool WindsOnce(const TPaths& Region) {
 }
 
 std::string CheckBoundary(const TNfpQuestion& Question, const std::vector<TEdge>& Edges, double Tol) {
-  const TTrial shrunk(Question, Tol, -Tol);
+  const TTrial shrunk(Question, -Tol, kSharedShrunk * Tol * Tol);
   for (const TEdge& edge : Edges)
     for (const TIntPoint& place : {edge.Start, MiddleOf(edge)})
       if (!shrunk.Fits(place))
@@ -149,7 +151,7 @@ std::string CheckBoundary(const TNfpQuestion& Question, const std::vector<TEdge>
 
 std::string CheckLosses(const TNfpQuestion& Question, const TPaths& Region, const std::vector<TEdge>& Edges,
                         double Tol) {
-  const TTrial grown(Question, Tol, Tol);
+  const TTrial grown(Question, Tol, kSharedGrown);
   for (const TEdge& edge : Edges) {
     for (const double beside : kBeside) {
       const std::optional<TIntPoint> place = Beside(edge, (Question.IsInside ? -1 : 1) * beside * Tol);
