@@ -169,33 +169,37 @@ bool Meet(const TIntRect& A, const TIntRect& B) {
   return A.Left <= B.Right && B.Left <= A.Right && A.Bottom <= B.Top && B.Bottom <= A.Top;
 }
 
+// True for a triangle or convex quadrilateral that runs counter-clockwise; others are not looked at.
+bool IsSmallAndConvex(const TPath& Path) {
+  const std::size_t count = Path.size();
+  if (count > 4) return false;
+  for (std::size_t i = 0; i < count; ++i) {
+    const TIntPoint &a = Path[i], &b = Path[(i + 1) % count], &c = Path[(i + 2) % count];
+    const double turn = static_cast<double>(b.X - a.X) * static_cast<double>(c.Y - b.Y) -
+                        static_cast<double>(b.Y - a.Y) * static_cast<double>(c.X - b.X);
+    if (turn <= 0) return false;
+  }
+  return true;
+}
+
 // How often positive paths cover a place counts only where a negative path takes from it. So what lies clear of all
 // negative paths may be united beforehand, the rest waits for the last union.
 class TBatches {
  public:
-  TBatches(TClipper& Clipper, Int64 BatchPoints) : FClipper(Clipper), FBatchPoints(BatchPoints) {}
+  explicit TBatches(TClipper& Clipper) : FClipper(Clipper) {}
 
-  // What to unite in the end in place of Paths, with the same result. False if a batch has places that it winds about
-  // the wrong way, so that its union would not do; then Paths are as they were.
-  bool UniteAhead(TPaths& Paths) {
-    std::vector<bool> waits = PathsThatWait(Paths);
-    const std::size_t count = Paths.size();
-    std::size_t batchStart = 0;
-    Int64 points = 0;
-    FClipper.Clear();
-    for (std::size_t i = 0; i < count; ++i) {
-      if (waits[i]) continue;
-      points += Size(Paths[i]);
-      FClipper.AddPath(Paths[i], ClipperLib::ptSubject, true);
-      if (points < FBatchPoints) continue;
-      if (!UniteBatch()) return false;
-      batchStart = i + 1;
-      points = 0;
-    }
-    for (std::size_t i = 0; i < count; ++i)
-      if (waits[i] || i >= batchStart) FUnited.push_back(std::move(Paths[i]));
-    Paths = std::move(FUnited);
-    return true;
+  // What to unite in the end in place of Paths, with the same result. If a batch has places that it winds about the
+  // wrong way, its union would not do, and Paths stay as they are.
+  void UniteAhead(TPaths& Paths) {
+    const std::vector<bool> waits = PathsThatWait(Paths);
+    if (!UniteBatches(Paths, waits)) return;
+    while (FUnited.size() > kBatchesInGroup)
+      if (!UniteGroups()) return;
+    TPaths rest;
+    for (std::size_t i = 0; i < Paths.size(); ++i)
+      if (waits[i] || i >= FFirstLeft) rest.push_back(std::move(Paths[i]));
+    for (TPaths& united : FUnited) TPathUtils::PathsAddRange(rest, std::move(united));
+    Paths = std::move(rest);
   }
 
  private:
@@ -212,28 +216,51 @@ class TBatches {
     return waits;
   }
 
-  bool UniteBatch() {
-    if (!Execute(FClipper, FResult, ClipperLib::pftNegative) || !FResult.empty()) return false;
-    if (!Execute(FClipper, FResult, ClipperLib::pftPositive)) return false;
-    TPathUtils::PathsAddRange(FUnited, std::move(FResult));
+  bool UniteBatches(const TPaths& Paths, const std::vector<bool>& Waits) {
+    Int64 points = 0;
+    bool isPlain = true;
     FClipper.Clear();
+    for (std::size_t i = 0; i < Paths.size(); ++i) {
+      if (Waits[i]) continue;
+      FClipper.AddPath(Paths[i], ClipperLib::ptSubject, true);
+      points += Size(Paths[i]);
+      isPlain = isPlain && IsSmallAndConvex(Paths[i]);
+      if (points < kBatchPoints) continue;
+      if (!isPlain && WindsTheWrongWay()) return false;
+      if (!TakeUnion(FUnited)) return false;
+      FFirstLeft = i + 1;
+      points = 0;
+      isPlain = true;
+    }
+    return true;
+  }
+
+  bool WindsTheWrongWay() {
+    TPaths result;
+    return !Execute(FClipper, result, ClipperLib::pftNegative) || !result.empty();
+  }
+
+  bool TakeUnion(std::vector<TPaths>& Unions) {
+    const bool done = Execute(FClipper, Unions.emplace_back(), ClipperLib::pftPositive);
+    FClipper.Clear();
+    return done;
+  }
+
+  bool UniteGroups() {
+    std::vector<TPaths> groups;
+    for (std::size_t i = 0; i < FUnited.size(); ++i) {
+      FClipper.AddPaths(FUnited[i], ClipperLib::ptSubject, true);
+      if ((i + 1) % kBatchesInGroup != 0 && i + 1 != FUnited.size()) continue;
+      if (!TakeUnion(groups)) return false;
+    }
+    FUnited = std::move(groups);
     return true;
   }
 
   TClipper& FClipper;
-  Int64 FBatchPoints;
-  TPaths FUnited;
-  TPaths FResult;
+  std::vector<TPaths> FUnited;  // by batch or group
+  std::size_t FFirstLeft = 0;   // paths from here on are in no batch
 };
-
-// Points per batch; 0 for one union of all.
-Int64 BatchPoints(Int64 Points, const TKMPLoop& stLoop, const TKMPLoop& dyLoop) {
-  const int count = stLoop.Count();
-  const bool alike = count == dyLoop.Count() && count > kBatchAlikeCountAbove;
-  const bool dense = Points > kBatchAlikePointsAbove && Points > kBatchPointsPerDirectionAbove * count;
-  if (Points <= kBatchPointsAbove && !(alike && dense)) return 0;
-  return std::min(kMostBatchPoints, Points / kFewestBatches);
-}
 
 }  // namespace
 
@@ -248,9 +275,8 @@ bool TKineticConvolution::UnionCircuits(const TKineticCircuits& circuits, TPaths
 
   TClipper clipper;
   clipper.ReverseSolution(false);
-  clipper.StrictlySimple(true);
-  const Int64 batchPoints = BatchPoints(_edgeCount, *_stLoop, *_dyLoop);
-  if (batchPoints > 0) TBatches(clipper, batchPoints).UniteAhead(choice.Paths);
+  if (_edgeCount > kBatchPointsAbove) TBatches(clipper).UniteAhead(choice.Paths);
+  clipper.StrictlySimple(true);  // not in batches: its cost is the square of a contour's points
   return UniteAll(clipper, choice.Paths, paths);
 }
 

@@ -67,12 +67,10 @@ inline constexpr TUnionStop kUnionStopsOfAll[] = {
     {.PointsAbove = kStopPointsAbove, .PointsTimesRestAbove = 180'000},
 };
 
-// Unions above these sizes are made in batches, for loops with equally many directions already from fewer points on.
-inline constexpr Int64 kBatchPointsAbove = 13'500;
-inline constexpr Int64 kBatchAlikePointsAbove = 5500;
-inline constexpr int kBatchAlikeCountAbove = 20;
-inline constexpr Int64 kBatchPointsPerDirectionAbove = 220;
-inline constexpr Int64 kMostBatchPoints = 2500;
-inline constexpr Int64 kFewestBatches = 5;
+// A union costs about the square of what crosses in it, so larger ones go in batches, whose results are united in
+// groups until one group is left. Each round rounds crossings to path units once more, so there shall be few.
+inline constexpr Int64 kBatchPointsAbove = 1000;
+inline constexpr Int64 kBatchPoints = 300;
+inline constexpr std::size_t kBatchesInGroup = 8;
 
 }  // namespace platenest::detail

@@ -228,6 +228,7 @@ class TKineticConvolution::TRun {
   void RecheckInside();
   bool IsWorthRecheck() const;
   bool TrailsInstead();
+  bool Differs(const TPaths& Trails) const;
   bool HoldsAllInOneCircuit() const;
 
   TLoops RungLoops(int Rung);
@@ -429,19 +430,25 @@ void TKineticConvolution::TRun::RecheckInside() {
 }
 
 // A second opinion on the choice of circuits: the union of all closed trails. It is taken where it differs from the
-// circuits' one, or where there is none, if it passes the same judgement.
+// circuits' one, or where there is none, if it passes the same judgement. Inside it matters as much: a circuit missed
+// there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
-  if (FInside || FLevel != kLevelFailed || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
+  if (FLevel > kLevelFull || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
   if (FUsable && HoldsAllInOneCircuit()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
   if (!UnionOfTrails(FOwner.FChips, (FS.Area() < 0) == (FD.Area() < 0), trails)) return false;
-  const double area = TPathUtils::Area(trails);
-  if (FUsable && std::fabs(TPathUtils::Area(FPaths) - area) <= kTrailAreaShare * std::fabs(area)) return false;
+  if (FUsable && !Differs(trails)) return false;
   if (!FOwner.NormorlizePaths(trails, FInside)) return false;
   FPaths = std::move(trails);
   ++NfpStatistics.TrailHits;
   return true;
+}
+
+bool TKineticConvolution::TRun::Differs(const TPaths& Trails) const {
+  const double area = TPathUtils::Area(Trails);
+  const double allowed = kTrailAreaShare * std::fabs(area);
+  return std::fabs(TPathUtils::Area(FPaths) - area) > (FInside ? std::max(allowed, kTrailAreaInside) : allowed);
 }
 
 // Whether a single circuit winds around the same area as all chips together; then there was no choice.
@@ -466,17 +473,16 @@ int TKineticConvolution::Convolution(const TKMPLoop& dynamicLoop, const TKMPLoop
                                      TPaths& nfpPaths) {
   ++NfpStatistics.Convolutions;
   nfpPaths.clear();
+  if (_innerCheck && putInside && !BoundCheck(staticLoop, dynamicLoop)) return kLevelFailed;
+  _selfNfp = putInside ? 0 : LoopSimilar(staticLoop, dynamicLoop);
   int level = kLevelFailed;
-  if (!_innerCheck || !putInside || BoundCheck(staticLoop, dynamicLoop)) {
-    _selfNfp = putInside ? 0 : LoopSimilar(staticLoop, dynamicLoop);
-    try {
-      level = TRun(*this, dynamicLoop, staticLoop, putInside, nfpPaths).Level();
-    } catch (const std::exception&) {
-      TCerr::W("NFP Error for Points Count: %d # %d, Edge Count: %d # %d", staticLoop.FCount(), dynamicLoop.FCount(),
-               staticLoop.Count(), dynamicLoop.Count());
-    }
-    _stLoop = _dyLoop = nullptr;
+  try {
+    level = TRun(*this, dynamicLoop, staticLoop, putInside, nfpPaths).Level();
+  } catch (const std::exception&) {
+    TCerr::W("NFP Error for Points Count: %d # %d, Edge Count: %d # %d", staticLoop.FCount(), dynamicLoop.FCount(),
+             staticLoop.Count(), dynamicLoop.Count());
   }
+  _stLoop = _dyLoop = nullptr;
   if (level == kLevelFailed) {
     ++NfpStatistics.Failures;
     nfpPaths.clear();

@@ -173,9 +173,11 @@ inline constexpr int kRecheckLargeStaticEdgesAbove = 12;
 inline constexpr int kRecheckDynamicEdgesAbove = 6;
 inline constexpr double kRecheckParallelsAbove = 2;
 
-// Outer convolutions of full loops up to this many chips are checked against the union of their closed trails, which
-// takes its place where the areas differ by more than this share.
+// Convolutions of full loops up to this many chips are checked against the union of their closed trails, which takes
+// its place where the areas differ by more than this share; inside also by more than this area, so that the slivers of
+// an exact fit, which rounding may lose in either union, decide nothing.
 inline constexpr int kTrailChips = 5000;
 inline constexpr double kTrailAreaShare = 1e-6;
+inline constexpr double kTrailAreaInside = 40'000;  // path units squared
 
 }  // namespace platenest::detail

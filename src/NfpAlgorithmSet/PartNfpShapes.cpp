@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "PartNfpRules.h"

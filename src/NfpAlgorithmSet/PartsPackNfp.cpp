@@ -1,4 +1,6 @@
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "platenest/NfpAlgorithmSet/PartNfp.h"
 #include "platenest/foundation/ClipperAdapter.h"

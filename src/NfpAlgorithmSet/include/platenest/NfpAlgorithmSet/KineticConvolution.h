@@ -16,21 +16,41 @@ class TStandIns;
 // Turns two kinetic loops into the paths of a no-fit polygon: the segments of their kinetic convolution (Guibas,
 // Ramshaw and Stolfi 1983) become a graph, circuits of it are united and judged. The size of the work is bounded: where
 // it would explode, one or both loops are replaced by lighter ones, and the result tells how far that went. The dynamic
-// loop is the moving shape mirrored through the origin. One object for one thread; it may be used again.
+// loop is the moving shape mirrored through the origin. Loops in drawing units, paths at kPathScale. One object for one
+// thread; it may be used again, and is cheaper then since it keeps the memory of its chips. Counts what it does in
+// NfpStatistics.
 class PLATENEST_API TKineticConvolution {
  public:
   // Chips up to which a convolution is never reduced below ntComplete.
   static constexpr int MIN_CONVOLUTION_EDGES = 9999;
 
+  // innerCheck: parts inside are first held against the sizes of the cavity, and refused without any work.
   TKineticConvolution(TNFPType required, bool innerCheck);
 
+  // Chips that an outer (inner) convolution may lay before its loops are reduced; ntExact never reduces for this.
   int MAX_CONVOLUTION_EDGES() const { return FMaxConvolutionEdges; }
   int INNER_CONVOLUTION_EDGES() const { return FInnerConvolutionEdges; }
 
+  // The border of the translations at which the shapes overlap, or with putInside, the region in which the one fits
+  // into the other; outer paths counter-clockwise, holes of them clockwise. Outside both loops are counter-clockwise.
+  // Inside one of them is a cavity, runs clockwise and has a negative area: the static one for a part in a plate, the
+  // dynamic one for the places where the static part stands in a hole of the moving one. No paths inside mean that
+  // nothing fits. Returns the reduction level: 0 both loops in full, 1 a reduced outline, 2 a hull or a box in place of
+  // one, -1 failed, without paths; the caller decides then. Never raises: an error on the way gives one warning and -1.
+  // Cost: bounded by the chips allowed. Convex outlines take O(n log n); n concave edges against m may lay n * m chips.
   int Convolution(const TKMPLoop& dynamicLoop, const TKMPLoop& staticLoop, bool putInside, TPaths& nfpPaths);
+  // The graph of one convolution, cleaned. level as above, but outside -1 where nothing was reduced. The loops must
+  // outlive the next call that judges paths. Raises what the making of lighter loops and of graphs raises.
   TVectorGraph Convolve(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop, bool putInside, int& level);
+  // Appends the chips that the edges of loopB make at the vertices of loopA; the other half of a convolution comes with
+  // the loops swapped and isFirst false, so that each pair of parallel edges counts once. At a left turn a chip runs
+  // against its edge. The angle of a direction below 5e-8 radian counts as a full turn where its scan begins. Allocates
+  // nothing but room for chips. Cost: O(n log m + chips).
   static void CollectChains(const TKMPLoop& loopA, const TKMPLoop& loopB, TChipList& chips, bool isFirst);
+  // How alike two loops are by counts, areas and first directions, from 0 to 4, the same shape twice. Not symmetric.
   static int LoopSimilar(const TKMPLoop& loop1, const TKMPLoop& loop2);
+  // False if the solid one of the two cannot lie in the cavity: by area, by box and, in a cavity that is nearly a box,
+  // by how full the boxes are. True tells nothing.
   static bool BoundCheck(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop);
   // True if the dynamic shape overlaps the static one at some point of testPath, shrunk as for a trial placement.
   static bool WholePathInvalid(const TKMPLoop& stLoop, const TKMPLoop& dyLoop, const TPath& testPath, int offset);

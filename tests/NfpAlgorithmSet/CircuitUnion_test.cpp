@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "Contours.h"
+#include "ForEachSeed.h"
+#include "GraphFixtures.h"
+#include "PathFixtures.h"
+
+namespace platenest {
+namespace {
+
+using TCircuits = std::vector<std::vector<int>>;
+
+// A search that has found the circuits given, all of one component unless told otherwise.
+struct TFound : TKineticCircuits {
+  using TKineticCircuits::FCircuits, TKineticCircuits::FOuterCycleCounter, TKineticCircuits::FSccOutline;
+  using TKineticCircuits::SpecCycles;
+
+  TFound(const TVectorGraph& Given, const TCircuits& Circuits) : TKineticCircuits(Given, 2) {
+    DFSLoops(false, ntComplete, 0);
+    FCircuits.clear();
+    for (const auto& circuit : Circuits) FCircuits.push_back(circuit);
+    FOuterCycleCounter = CircuitCount();
+  }
+};
+
+// Vertices given, then a ring of three so that there is a component.
+TVectorGraph GraphWith(std::vector<TPoint2D> Points) {
+  const int first = Size(Points);
+  for (const TPoint2D& point : {TPoint2D{-9, -9}, TPoint2D{-8, -9}, TPoint2D{-9, -8}}) Points.push_back(point);
+  return VectorGraphOf(Points, {{first, first + 1}, {first + 1, first + 2}, {first + 2, first}});
+}
+
+// One circuit for each path, along it.
+struct TPathsAsCircuits {
+  std::vector<TPoint2D> Points;
+  TCircuits Circuits;
+
+  void Add(const TPath& Path) {
+    Circuits.emplace_back();
+    for (const TIntPoint& point : Path) {
+      Circuits.back().push_back(Size(Points));
+      Points.push_back(TPathUtils::CreatePoint2D(point, kPathScale));
+    }
+  }
+};
+
+// Around all other circuits, so that their union is cheap.
+const TVPolyline2D kHidesAll{{-1e6, -1e5}, {1e6, -1e5}, {0, 1e6}};
+
+TPath CircleAt(double X, double Y, int Count, double Radius = 1000) {
+  TVPolyline2D circle = test::Circle(Count, Radius);
+  circle.Translate({X, Y});
+  return PathOf(circle);
+}
+
+TPaths PositiveUnion(const TPaths& Paths) {
+  TClipper clipper;
+  TPaths result;
+  if (clipper.AddPaths(Paths, ClipperLib::ptSubject, true))
+    clipper.Execute(ClipperLib::ctUnion, result, ClipperLib::pftPositive, ClipperLib::pftPositive);
+  return result;
+}
+
+double Difference(const TPaths& A, const TPaths& B) {
+  TClipper clipper;
+  TPaths result;
+  clipper.AddPaths(A, ClipperLib::ptSubject, true);
+  clipper.AddPaths(B, ClipperLib::ptClip, true);
+  clipper.Execute(ClipperLib::ctXor, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
+  return TPathUtils::Area(result);
+}
+
+TEST(CircuitUnion, RunsAgainstTheEdgesUnlessTheLoopsRunOppositeWays) {
+  const TVPolyline2D square = Rect(0, 0, 1, 1);
+  const TVectorGraph graph = GraphWith({{0, 0}, {0, 3}, {3, 3}, {3, 0}});
+  const TFound clockwise(graph, {{0, 1, 2, 3}});
+  const TFound counterClockwise(graph, {{3, 2, 1, 0}});
+  TConvolutionProbe outer(square, square);
+  TConvolutionProbe cavity(Clockwise(square), square);
+  TPaths paths{{{7, 7}}};
+  EXPECT_TRUE(outer.UnionCircuits(clockwise, paths, false));
+  EXPECT_EQ(TPathUtils::Area(paths), 9e10);
+  EXPECT_TRUE(cavity.UnionCircuits(counterClockwise, paths, false));
+  EXPECT_EQ(TPathUtils::Area(paths), 9e10);
+  EXPECT_TRUE(cavity.UnionCircuits(clockwise, paths, false)) << "an artefact leaves nothing, which is a result";
+  EXPECT_TRUE(paths.empty());
+}
+
+TEST(CircuitUnion, TakesTheOutlineInPlaceOfTheCircuits) {
+  const TVectorGraph graph = GraphWith({{0, 0}, {0, 3}, {3, 3}});
+  TFound found(graph, TCircuits(90, {0, 1, 2}));
+  found.FSccOutline = Rect(0, 0, 5, 5);
+  TConvolutionProbe convolution(Rect(0, 0, 1, 1), Rect(0, 0, 1, 1));
+  TPaths paths;
+  EXPECT_TRUE(convolution.UnionCircuits(found, paths, false));
+  EXPECT_EQ(TPathUtils::Area(paths), 25e10);
+  EXPECT_EQ(convolution._edgeCount, 0);
+}
+
+TEST(CircuitUnion, StopsOnTooMuchWork) {
+  struct TRow {
+    TNFPType Required;
+    int Points, Outer, Rest;
+    bool Expected;
+  };
+  const TRow rows[] = {
+      {ntComplete, 16'600, 60, 0, true},  {ntComplete, 16'700, 60, 0, false},  // points times circuits
+      {ntComplete, 18'000, 51, 0, true},  {ntComplete, 18'001, 51, 0, false},   {ntComplete, 18'001, 50, 0, true},
+      {ntExact, 18'001, 51, 0, true},     {ntConcaveHull, 26'000, 30, 6, true}, {ntConcaveHull, 26'001, 30, 6, false},
+      {ntComplete, 26'001, 30, 6, true},  {ntConcaveHull, 28'000, 2, 0, true},  {ntConcaveHull, 28'001, 2, 0, false},
+      {ntComplete, 28'001, 2, 0, true},   {ntExact, 28'001, 4, 3, false},       {ntExact, 28'000, 4, 3, true},
+      {ntComplete, 20'001, 31, 0, false}, {ntComplete, 20'001, 30, 0, true},    {ntComplete, 40'001, 3, 0, false},
+      {ntComplete, 40'001, 2, 0, true},   {ntExact, 18'001, 81, 0, false},      {ntExact, 18'001, 80, 0, true},
+      {ntComplete, 18'001, 1, 10, false}, {ntComplete, 18'000, 1, 10, true},
+  };
+  for (const TRow& row : rows) {
+    const int count = row.Outer + row.Rest;
+    TPathsAsCircuits given;
+    given.Add(PathOf(kHidesAll));
+    const int points = row.Points - 3;
+    for (int i = 0; i < count - 1; ++i)
+      given.Add(
+          CircleAt(3000.0 * (i % 9), 3000.0 * (i / 9), points / (count - 1) + (i < points % (count - 1) ? 1 : 0)));
+    const TVectorGraph graph = GraphWith(given.Points);
+    TFound found(graph, given.Circuits);
+    found.FOuterCycleCounter = row.Outer;
+    // A cavity, so that circuits keep their direction.
+    TConvolutionProbe convolution(Clockwise(Rect(0, 0, 9, 9)), Rect(0, 0, 1, 1), row.Required);
+    TPaths paths;
+    EXPECT_EQ(convolution.UnionCircuits(found, paths, false), row.Expected)
+        << row.Points << " points, " << row.Outer << " + " << row.Rest << " circuits";
+    EXPECT_EQ(Size(paths), row.Expected ? 1 : 0);
+    if (!row.Expected && row.Points < 17'000) {
+      EXPECT_TRUE(convolution.UnionCircuits(found, paths, true));
+    }
+  }
+}
+
+// Many short circuits and one long one; then equal circuits that run along the long one but for some vertices of their
+// own in its middle or outside of it.
+TEST(CircuitUnion, LeavesOutLongCircuitsThatAddNextToNothing) {
+  constexpr int kLongest = 9000;
+  struct TRow {
+    int Length, Fresh;
+    bool Outside;
+    int Copies, Fillers;
+    bool Special, Expected;
+  };
+  const TRow rows[] = {
+      {3000, 0, false, 1, 80, false, false}, {3000, 0, false, 1, 80, true, true},
+      {3000, 0, false, 1, 70, false, true},  {2499, 0, false, 7, 80, false, true},
+      {2500, 1, false, 7, 80, false, true},  {2501, 1, false, 7, 80, false, false},
+      {2501, 1, false, 6, 80, false, true},  {2501, 1, true, 7, 80, false, true},
+      {3199, 1, false, 7, 80, false, false}, {3200, 1, false, 7, 80, false, true},
+      {3200, 2, false, 7, 80, false, true},  {3201, 2, false, 7, 80, false, false},
+      {4499, 2, false, 7, 80, false, false}, {4500, 2, false, 7, 80, false, true},
+      {4000, 3, false, 7, 80, false, true},  {5999, 3, false, 7, 80, false, false},
+      {6000, 3, false, 7, 80, false, true},  {5000, 4, false, 7, 80, false, true},
+      {8599, 4, false, 7, 80, false, false}, {8599, 4, true, 7, 80, false, true},
+      {8600, 4, false, 7, 80, false, true},  {6000, 5, false, 7, 80, false, true},
+  };
+  for (const TRow& row : rows) {
+    TPathsAsCircuits given;
+    given.Add(CircleAt(0, 0, kLongest));
+    given.Add(PathOf(kHidesAll));
+    for (int i = 1; i < row.Fillers; ++i) given.Add(CircleAt(3000, 10.0 * i, 3, 1));
+    for (int i = 0; i < row.Copies; ++i) {
+      auto& circuit = given.Circuits.emplace_back();
+      for (int k = 0; k < row.Length; ++k) {
+        circuit.push_back(k < row.Length - row.Fresh ? k : Size(given.Points));
+        if (k >= row.Length - row.Fresh) given.Points.push_back({(row.Outside ? 1500.0 : 1.0) + i, 0.01 * k});
+      }
+    }
+    const TVectorGraph graph = GraphWith(given.Points);
+    TFound found(graph, given.Circuits);
+    if (row.Special) found.SpecCycles.push_back(row.Fillers + 1);
+    TConvolutionProbe convolution(Clockwise(Rect(0, 0, 9, 9)), Rect(0, 0, 1, 1));
+    TPaths paths;
+    convolution.UnionCircuits(found, paths, false);
+    const int taken = row.Expected ? row.Copies * row.Length : 0;
+    EXPECT_EQ(convolution._edgeCount, kLongest + 3 * row.Fillers + taken)
+        << row.Length << " vertices, " << row.Fresh << " of its own" << (row.Outside ? " outside" : "");
+  }
+}
+
+// Circuits of either direction, in some seeds one in three crossing itself; enough for batches and groups of them.
+TEST(CircuitUnion, BatchesChangeNothing) {
+  ForEachSeed(8, [](unsigned seed) {
+    std::mt19937 random(seed);
+    const auto uniform = [&random](double low, double high) {
+      return std::uniform_real_distribution<>(low, high)(random);
+    };
+    const int kCount = 130;
+    const double spread = seed % 2 == 0 ? 60 : 400;  // crowded; or clear of each other in part
+    TPaths circuits;
+    for (int i = 0; i < kCount; ++i) {
+      const int turns = seed >= 4 && i % 3 == 0 ? 2 : 1;
+      const double x = uniform(0, spread), y = uniform(0, spread), wave = uniform(1, 6);
+      TVPolyline2D contour;
+      for (int k = 0; k < 44; ++k) {
+        const double angle = 2 * std::numbers::pi * turns * (k + uniform(0, 0.5)) / 44;
+        const double radius = wave + uniform(0, 9);
+        contour.push_back({x + radius * std::cos(angle), y + radius * std::sin(turns == 2 ? angle / 2 : angle)});
+      }
+      contour.SetIsClockwise(i % 7 == 0);
+      circuits.push_back(PathOf(contour));
+    }
+    TPathsAsCircuits given;
+    for (const TPath& path : circuits) given.Add(path);
+    const TVectorGraph graph = GraphWith(given.Points);
+    const TFound found(graph, given.Circuits);
+    TConvolutionProbe convolution(Clockwise(Rect(0, 0, 9, 9)), Rect(0, 0, 1, 1));
+    TPaths paths;
+    ASSERT_TRUE(convolution.UnionCircuits(found, paths, true));
+    ASSERT_GT(convolution._edgeCount, 5000);
+    const TPaths expected = PositiveUnion(circuits);
+    EXPECT_LT(Difference(paths, expected), 1e-7 * TPathUtils::Area(expected));
+  });
+}
+
+}  // namespace
+}  // namespace platenest
