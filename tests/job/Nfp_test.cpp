@@ -195,6 +195,16 @@ TEST(NfpRun, StopsBetweenPairsWithWhatIsThere) {
   EXPECT_EQ(Verdict(job, ParseResult(ResultToJson(result))), "");
 }
 
+// A part a thousand times longer than wide, which the kernel cannot tell from a line.
+TEST(NfpRun, KeepsPartsApartByTheirBoxesWhereTheKernelGivesUp) {
+  const Job job = NfpJob({Polygon("needle", {{0, 0}, {1000, 0.01}, {1000, 0.02}}), Polygon("s", Square(0, 0, 10))});
+  const Result result = run(job);
+  EXPECT_EQ(result.Pairs[0].Quality, NfpQuality::Convex);
+  EXPECT_NEAR(AreaOf(result.Pairs[0]), 1010 * 10.02, 1);
+  EXPECT_THAT(result.Warnings, testing::ElementsAre(HasSubstr("lower quality")));
+  EXPECT_EQ(Verdict(job, result), "");
+}
+
 // The ceiling belongs to the host: a run leaves it alone and says what it could not deliver.
 TEST(NfpRun, ExactNeedsTheHostsCeiling) {
   Job job = NfpJob({Polygon("l", kL), Polygon("m", kL)});
