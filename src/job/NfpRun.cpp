@@ -17,8 +17,8 @@ namespace platenest::detail {
 
 namespace {
 
-// The qualities in which an answer passes the check, as far as it is one of full outlines or a reduced one: an answer
-// that loses places is a reduced one, whatever the kernel calls it.
+// The quality in which an answer passes the check, nothing if in none. One that only loses places is a reduced one,
+// whatever the kernel calls it.
 std::optional<NfpQuality> PassingQuality(const Job& AJob, const TPairOfParts& Pair, const TKernelAnswer& Answer,
                                          std::string& Verdict) {
   Verdict = PairVerdict(AJob, Pair.Fixed, Pair.Moving, Answer.Paths, Answer.Quality);
