@@ -60,6 +60,12 @@ std::optional<std::string> ParseText(std::string_view Text) {
   return std::string(Text);
 }
 
+std::optional<NfpQuality> ParseQuality(std::string_view Text) {
+  for (int i = 0; i <= static_cast<int>(NfpQuality::Exact); ++i)
+    if (QualityName(static_cast<NfpQuality>(i)) == Text) return static_cast<NfpQuality>(i);
+  return std::nullopt;
+}
+
 class OptionReader {
  public:
   explicit OptionReader(const CommandLine& Line) : FLine(Line) {}
@@ -102,6 +108,10 @@ JobOverrides ReadJobOverrides(OptionReader& Reader) {
   job.Threads = Reader.Read("--threads", ParseWhole<int>, "a whole number");
   job.MemoryLimit = Reader.Read("--memory-limit", ParseBytes, "a number of bytes, or one with K, M or G");
   job.Deterministic = Reader.Has("--deterministic");
+  job.Fixed = Reader.Read("--fixed", ParseText, "the id of a part");
+  job.Moving = Reader.Read("--moving", ParseText, "the id of a part");
+  job.Inside = Reader.Has("--inside");
+  job.Quality = Reader.Read("--quality", ParseQuality, "convex, concave, complete or exact");
   return job;
 }
 
@@ -121,6 +131,10 @@ constexpr OptionPlace kOptionPlaces[] = {
     {"/parts/0/amount", "--amount", "", [](const JobOverrides& o) { return o.Amount.has_value(); }},
     {"/gap", "--gap", "", [](const JobOverrides& o) { return o.Gap.has_value(); }},
     {"/margin", "--margin", "", [](const JobOverrides& o) { return o.Margin.has_value(); }},
+    {"/fixed", "--fixed", "", [](const JobOverrides& o) { return o.Fixed.has_value(); }},
+    {"/moving", "--moving", "", [](const JobOverrides& o) { return o.Moving.has_value(); }},
+    {"/inside", "--inside", "", [](const JobOverrides& o) { return o.Inside; }},
+    {"/quality", "--quality", "", [](const JobOverrides& o) { return o.Quality.has_value(); }},
     {"/units", "--units", "", [](const JobOverrides& o) { return o.Units.has_value(); }},
     {"/options/method", "--method", "", [](const JobOverrides& o) { return o.Method.has_value(); }},
     {"/options/time_limit", "--time-limit", "", [](const JobOverrides& o) { return o.TimeLimit.has_value(); }},
@@ -176,6 +190,10 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
   Replace(AJob.Run.Threads, Threads);
   Replace(AJob.Run.MemoryLimit, MemoryLimit);
   AJob.Run.Deterministic |= Deterministic;
+  if (Fixed) AJob.Fixed = {*Fixed};
+  if (Moving) AJob.Moving = {*Moving};
+  AJob.Inside |= Inside;
+  Replace(AJob.Quality, Quality);
 }
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {

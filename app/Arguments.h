@@ -28,6 +28,10 @@ struct JobOverrides {
   std::optional<int> Threads;
   std::optional<Int64> MemoryLimit;
   bool Deterministic = false;
+  std::optional<std::string> Fixed;
+  std::optional<std::string> Moving;
+  bool Inside = false;
+  std::optional<NfpQuality> Quality;
   bool AreTheJob = false;  // there is no job file: every place of the job is an option's
 
   // Sizes replace those of the only plate or part, which is added when there is none. Raises OptionError where one

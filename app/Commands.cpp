@@ -57,11 +57,12 @@ Job LoadJob(const Arguments& Args, Messages& Out) {
   return job;
 }
 
-void RequireKindOne(const Job& AJob) {
-  if (AJob.Kind == JobKind::One) return;
-  throw InputError(
-      Fault{"choice", "/kind",
-            "must be `one`, the kind that this command answers, found `" + std::string(KindName(AJob.Kind)) + "`", ""});
+void RequireKind(const Job& AJob, JobKind Kind) {
+  if (AJob.Kind == Kind) return;
+  throw InputError(Fault{"choice", "/kind",
+                         "must be `" + std::string(KindName(Kind)) + "`, the kind that this command answers, found `" +
+                             std::string(KindName(AJob.Kind)) + "`",
+                         ""});
 }
 
 void PrepareOutputs(const Arguments& Args) {
@@ -117,20 +118,29 @@ Result Answer(const Job& AJob, const Arguments& Args, const Runner& Run) {
   }
 }
 
-std::string PictureName(int Index, int Copies) {
-  const std::string number = std::to_string(Index + 1);
-  return "layout-" + std::string(number.size() < 3 ? 3 - number.size() : 0, '0') + number + "-x" +
-         std::to_string(Copies) + ".svg";
+std::string ThreeDigits(int Number) {
+  const std::string number = std::to_string(Number);
+  return std::string(number.size() < 3 ? 3 - number.size() : 0, '0') + number;
+}
+
+int PictureCount(const Result& AResult) {
+  return AResult.Kind == JobKind::Nfp ? Size(AResult.Pairs) : Size(AResult.Layouts);
+}
+
+std::string PictureName(const Result& AResult, int Index) {
+  if (AResult.Kind == JobKind::Nfp) return "nfp-" + ThreeDigits(Index + 1) + ".svg";
+  return "layout-" + ThreeDigits(Index + 1) + "-x" + std::to_string(AResult.Layouts[Index].Copies) + ".svg";
 }
 
 // The result comes first: nothing that fails later may lose it.
-void WriteOutputs(const Result& AResult, const Arguments& Args) {
+void WriteOutputs(const Job& AJob, const Result& AResult, const Arguments& Args) {
   WriteOutput(Args.Output, Ended(ResultToJson(AResult)));
   if (!Args.CsvFile.empty()) WriteOutput(Args.CsvFile, ResultToCsv(AResult));
   if (Args.SvgFolder.empty()) return;
   const std::filesystem::path folder = Args.SvgFolder;
-  for (int i = 0; i < Size(AResult.Layouts); ++i) {
-    WriteFile((folder / PictureName(i, AResult.Layouts[i].Copies)).string(), LayoutToSvg(AResult, i));
+  for (int i = 0; i < PictureCount(AResult); ++i) {
+    const std::string picture = AResult.Kind == JobKind::Nfp ? PairToSvg(AJob, AResult, i) : LayoutToSvg(AResult, i);
+    WriteFile((folder / PictureName(AResult, i)).string(), picture);
   }
 }
 
@@ -138,21 +148,22 @@ std::string WrittenText(const Result& AResult, const Arguments& Args) {
   std::string text;
   if (Args.Output != "-") text += Args.Output;
   if (!Args.CsvFile.empty()) text += (text.empty() ? "" : ", ") + Args.CsvFile;
-  if (!Args.SvgFolder.empty() && !AResult.Layouts.empty()) {
-    const std::string first = PictureName(0, AResult.Layouts.front().Copies);
+  const int pictures = Args.SvgFolder.empty() ? 0 : PictureCount(AResult);
+  if (pictures > 0) {
+    const std::string first = PictureName(AResult, 0);
     text += (text.empty() ? "" : ", ") + (std::filesystem::path(Args.SvgFolder) / first).string();
-    if (AResult.Layouts.size() > 1) text += " and " + std::to_string(AResult.Layouts.size() - 1) + " more";
+    if (pictures > 1) text += " and " + std::to_string(pictures - 1) + " more";
   }
   return text.empty() ? text : "  written    " + Printable(text) + "\n";
 }
 
-int RunOne(const Arguments& Args, Messages& Out, const Runner& Run) {
+int RunJob(const Arguments& Args, JobKind Kind, Messages& Out, const Runner& Run) {
   const Job job = LoadJob(Args, Out);
-  RequireKindOne(job);
+  RequireKind(job, Kind);
   CheckJob(job);
   PrepareOutputs(Args);
   const Result result = Answer(job, Args, Run);
-  WriteOutputs(result, Args);
+  WriteOutputs(job, result, Args);
   Out.Note(SummaryText(result) + WrittenText(result, Args));
   return Args.RequireAll && UnplacedCopies(result) > 0 ? kExitFaults : kExitDone;
 }
@@ -238,7 +249,9 @@ int RunSchema(const Arguments& Args) {
 int RunCommand(const Arguments& Args, Messages& Out, const Runner& Run) {
   switch (Args.Id) {
     case Command::One:
-      return RunOne(Args, Out, Run);
+      return RunJob(Args, JobKind::One, Out, Run);
+    case Command::Nfp:
+      return RunJob(Args, JobKind::Nfp, Out, Run);
     case Command::Check:
       return RunCheck(Args, Out);
     case Command::Convert:

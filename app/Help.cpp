@@ -57,6 +57,22 @@ Examples:
   platenest one job.json -o result.json
 )";
 
+constexpr std::string_view kNfpPage = R"(
+Works out where a part may lie beside another one: the no-fit polygon, which the
+reference point (origin) of the moving part must not enter, or with --inside the
+region in which it keeps the part within the fixed one, say a plate with holes.
+JOB is a job file of kind nfp, or - for standard input. It names a fixed and a
+moving part, or lists of them, or none for all ordered pairs. Options win over it.
+
+Stop and time limit are looked at between two pairs. Each answer states the
+quality that it really has. No path at all, with --inside, means no place.
+)";
+constexpr std::string_view kNfpExamples = R"(
+Examples:
+  platenest nfp brackets.json --svg out/
+  platenest nfp plate.json --inside --quality complete -o region.json
+)";
+
 constexpr std::string_view kCheckPage = R"(
 Verifies a result against its job by code of its own: plate, margin, gap, amounts,
 stock, locked turns, and every number that the result states about itself. Faults
@@ -99,6 +115,8 @@ Page PageOf(Command Id) {
   switch (Id) {
     case Command::One:
       return {kOnePage, kOneExamples};
+    case Command::Nfp:
+      return {kNfpPage, kNfpExamples};
     case Command::Check:
       return {kCheckPage, kCheckExamples};
     case Command::Convert:

@@ -12,6 +12,7 @@
 #include "Help.h"
 #include "Messages.h"
 #include "Signals.h"
+#include "platenest/NfpAlgorithmSet/NfpTypes.h"
 
 namespace platenest {
 
@@ -71,6 +72,7 @@ int Dispatch(const std::vector<std::string>& Words, const Runner& Answer, Argume
 int RunProgram(const std::vector<std::string>& Words, const Runner& Answer) {
   HoldStandardStreams();
   InstallSignalHandlers();
+  HighestNFPType = ntExact;  // a wish for exact polygons is kept: this program is the host whose ceiling it is
   Messages out(StyleOf(Words));
   Arguments args;
   try {

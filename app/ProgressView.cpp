@@ -31,6 +31,9 @@ double Rounded(double Value, double PerUnit) {
 }  // namespace
 
 std::string ProgressText(const Progress& AProgress) {
+  if (AProgress.Phase == "nfp")  // no plates: pairs are done, or still to do
+    return "nfp  " + Fixed(std::floor(AProgress.Seconds), 0) + " s  done " + Fixed(AProgress.Usage * 100, 1) +
+           " %  left " + std::to_string(AProgress.Unplaced);
   std::string line = AProgress.Phase + "  " + Fixed(std::floor(AProgress.Seconds), 0) + " s  plates " +
                      std::to_string(AProgress.Plates) + "  use " + Fixed(AProgress.Usage * 100, 1) + " %";
   if (AProgress.BoundValue) line += "  bound " + Shortest(*AProgress.BoundValue);

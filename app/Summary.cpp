@@ -49,19 +49,32 @@ std::optional<double> LeastClearance(const Result& AResult) {
   return least;
 }
 
-}  // namespace
-
-Int64 UnplacedCopies(const Result& AResult) {
-  Int64 count = 0;
-  for (const PartUse& part : AResult.Parts) count += part.Unplaced;
-  return count;
+NfpQuality LeastQuality(const Result& AResult) {
+  NfpQuality least = NfpQuality::Exact;
+  for (const NfpPair& pair : AResult.Pairs) least = std::min(least, pair.Quality);
+  return least;
 }
 
-std::string SummaryText(const Result& AResult) {
+// What a result of kind Nfp says.
+std::string PairsText(const Result& AResult) {
+  Int64 points = 0;
+  Int64 empty = 0;
+  for (const NfpPair& pair : AResult.Pairs) {
+    for (const PolygonRing& path : pair.Paths) points += Size(path);
+    empty += pair.Paths.empty() ? 1 : 0;
+  }
+  std::string text = Counted(Size(AResult.Pairs), "pair") + "\n";
+  if (AResult.Pairs.empty()) return text;
+  text +=
+      Line("quality", (AResult.Pairs.size() > 1 ? "at least " : "") + std::string(QualityName(LeastQuality(AResult))));
+  text += Line("outline", Counted(points, "point"));
+  if (empty > 0) text += Line("no place", "for " + Counted(empty, "pair"));
+  return text;
+}
+
+std::string LayoutsText(const Result& AResult) {
   const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
-  std::string text = (AResult.Name.empty() ? "" : Printable(AResult.Name) + ": ") +
-                     std::string(StatusName(AResult.Status)) + ", " + Counted(PlacedCopies(AResult), "part") + " on " +
-                     Counted(AResult.Total.Plates, "plate") + "\n";
+  std::string text = Counted(PlacedCopies(AResult), "part") + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
   text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %");
   if (!AResult.Bounds.empty()) text += Line("bounds", BoundsText(AResult));
   if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
@@ -72,6 +85,21 @@ std::string SummaryText(const Result& AResult) {
     const Box& free = AResult.Layouts.front().FreeBox;
     text += Line("offcut", Fixed(free[2] - free[0], 1) + " x " + Fixed(free[3] - free[1], 1) + unit);
   }
+  return text;
+}
+
+}  // namespace
+
+Int64 UnplacedCopies(const Result& AResult) {
+  Int64 count = 0;
+  for (const PartUse& part : AResult.Parts) count += part.Unplaced;
+  return count;
+}
+
+std::string SummaryText(const Result& AResult) {
+  std::string text = (AResult.Name.empty() ? "" : Printable(AResult.Name) + ": ") +
+                     std::string(StatusName(AResult.Status)) + ", " +
+                     (AResult.Kind == JobKind::Nfp ? PairsText(AResult) : LayoutsText(AResult));
   if (!AResult.Warnings.empty()) text += Line("warning", Printable(AResult.Warnings.front()));
   return text + Line("method", AResult.Run.Method + ", " + Fixed(AResult.Run.Seconds, 2) + " s");
 }

@@ -145,7 +145,8 @@ struct TFound {
 class TSweep {
  public:
   TSweep(const std::vector<TSegment>& Segments, bool IncludeEndpoints);
-  std::vector<TFound> Run();
+  // Ends early once MostHits are found.
+  std::vector<TFound> Run(int MostHits);
 
  private:
   struct TNode {
@@ -221,9 +222,9 @@ void TSweep::SortEvents() {
   });
 }
 
-std::vector<TFound> TSweep::Run() {
+std::vector<TFound> TSweep::Run(int MostHits) {
   SortEvents();
-  for (std::size_t i = 0; i < FEnds.size();) {
+  for (std::size_t i = 0; i < FEnds.size() && Size(FFound) < MostHits;) {
     const TEndEvent& end = FEnds[i];
     if (!FQueue.empty()) {
       const TCrossing next = FCrossings[FQueue.top()];
@@ -329,7 +330,7 @@ TGrid GridFor(const TVLine2DList& Lines) {
 TLineIntersector::TLineIntersector(TVLine2DList Lines, bool IncludeEndpoints)
     : FLines(std::move(Lines)), FIncludeEndpoints(IncludeEndpoints) {}
 
-void TLineIntersector::FindInterSect() {
+void TLineIntersector::FindInterSect(int MostHits) {
   FIntersections.clear();
   const TGrid grid = GridFor(FLines);
   std::vector<TSegment> segments;
@@ -339,7 +340,7 @@ void TLineIntersector::FindInterSect() {
     if (Compare(segment.Low, segment.High) > 0) std::swap(segment.Low, segment.High);
     segments.push_back(segment);
   }
-  const std::vector<TFound> found = TSweep(segments, FIncludeEndpoints).Run();
+  const std::vector<TFound> found = TSweep(segments, FIncludeEndpoints).Run(MostHits);
   FIntersections.reserve(found.size());
   for (const TFound& hit : found) {
     const auto [first, second] = std::minmax(hit.Segment1, hit.Segment2);

@@ -65,8 +65,8 @@ class RecordTable {
       const auto field = std::ranges::find(fields, name, &Field<T>::Name);
       const std::string quoted = Quoted(name);
       const std::string place = Joined(HeaderPlace(), ":", quoted.substr(1, quoted.size() - 2));
-      if (field == fields.end()) {
-        FFaults.AddInput("unknown-key", place, Joined("is no column of this form", NearMiss(name, NamesOf<T>())));
+      if (field == fields.end() || !field->InTables) {
+        FFaults.AddInput("unknown-key", place, Joined("is no column of this form", NearMiss(name, NamesOf<T>(true))));
       } else if (std::ranges::find(FColumns, &*field) != FColumns.end()) {
         FFaults.AddInput("duplicate-key", place, "stands twice in the header");
       } else {
@@ -200,6 +200,9 @@ Job JobFromCsv(std::string_view Parts, std::string_view FileName, const std::vec
 std::string PartsToCsv(const std::vector<Part>& Parts) {
   std::string out = "id,width,height,amount,rotate,value,label\n";
   for (const Part& part : Parts) {
+    if (!part.Outline.empty())
+      throw InputError(Fault{"conflict", Joined("/parts/", &part - Parts.data(), "/outline"),
+                             "cannot stand in a table, which holds rectangles only", ""});
     AppendTextCell(out, part.Id);
     out += ',';
     AppendNumberCell(out, part.Width, "width");

@@ -28,6 +28,14 @@ void AppendPointerName(std::string& Out, std::string_view Name) {
   if (Name.size() > kShownName) Out += "...";
 }
 
+// Whether Seen holds the bit of the member Name of a form.
+template <class T>
+bool SeenIn(std::uint64_t Seen, std::string_view Name) {
+  const std::span<const Field<T>> fields = FieldsOf<T>();
+  const auto field = std::ranges::find(fields, Name, &Field<T>::Name);
+  return field != fields.end() && (Seen & (std::uint64_t{1} << (field - fields.begin()))) != 0;
+}
+
 // What an object or list makes of its parts, by the kind of its slot: overloads for the kinds that have some, and one
 // for the rest.
 template <class T>
@@ -50,6 +58,9 @@ constexpr bool TakesList(const ListAt<T>&) {
 constexpr bool TakesList(const NumbersAt&) {
   return true;
 }
+constexpr bool TakesList(const IdsAt&) {
+  return true;
+}
 
 template <class T>
 Slot EntryAt(const T&, std::int64_t) {
@@ -62,6 +73,18 @@ Slot EntryAt(const NumbersAt& List, std::int64_t Index) {
 Slot EntryAt(const ListAt<std::string>& List, std::int64_t Index) {
   if (Index >= List.Most) return Skip{};
   return TextAt{&List.Target->emplace_back()};
+}
+Slot EntryAt(const IdsAt& List, std::int64_t Index) {
+  if (Index >= List.Most) return Skip{};
+  return TextAt{&List.Target->emplace_back(), true};
+}
+Slot EntryAt(const ListAt<PolygonPoint>& List, std::int64_t Index) {
+  if (Index >= List.Most) return Skip{};
+  return NumbersAt{List.Target->emplace_back()};
+}
+Slot EntryAt(const ListAt<PolygonRing>& List, std::int64_t Index) {
+  if (Index >= List.Most) return Skip{};
+  return ListAt<PolygonPoint>{&List.Target->emplace_back(), limits::kCopies};  // paths of an answer may be long
 }
 template <class T>
 Slot EntryAt(const ListAt<T>& List, std::int64_t Index) {
@@ -157,7 +180,8 @@ template <class T>
 void FormReader::CheckComplete(const Frame& Closed, const ObjectAt<T>&) {
   std::uint64_t bit = 1;
   for (const Field<T>& field : FieldsOf<T>()) {
-    if (field.Required && (Closed.Seen & bit) == 0) FFaults.AddMissing(Pointer(), field.Name);
+    if (field.Required && (Closed.Seen & bit) == 0 && !SeenIn<T>(Closed.Seen, field.Instead))
+      FFaults.AddMissing(Pointer(), field.Name);
     bit <<= 1;
   }
 }
@@ -170,8 +194,17 @@ void FormReader::CheckComplete(const Frame& Closed, const NumbersAt& List) {
 
 template <class T>
 void FormReader::CheckComplete(const Frame& Closed, const ListAt<T>& List) {
-  if (Closed.Count <= List.Most) return;
-  FFaults.AddLimit(Pointer(), Joined("must have at most ", List.Most, " entries, found ", Closed.Count));
+  CheckMost(Closed.Count, List.Most);
+}
+
+void FormReader::CheckComplete(const Frame& Closed, const IdsAt& List) {
+  if (Closed.Count == 0) FFaults.AddInput("entries", Pointer(), "must have at least 1 entry");
+  CheckMost(Closed.Count, List.Most);
+}
+
+void FormReader::CheckMost(std::int64_t Count, std::int64_t Most) {
+  if (Count <= Most) return;
+  FFaults.AddLimit(Pointer(), Joined("must have at most ", Most, " entries, found ", Count));
 }
 
 std::string FormReader::Pointer() const {

@@ -49,6 +49,8 @@ class FormReader final : public JsonEvents {
   template <class T>
   void CheckComplete(const Frame& Closed, const ListAt<T>& List);
   void CheckComplete(const Frame& Closed, const NumbersAt& List);
+  void CheckComplete(const Frame& Closed, const IdsAt& List);
+  void CheckMost(std::int64_t Count, std::int64_t Most);
 
   std::string Pointer() const;
 

@@ -3,7 +3,9 @@
 #include <string>
 #include <unordered_map>
 
+#include "CheckTools.h"
 #include "JobForm.h"
+#include "NfpChecks.h"
 #include "Texts.h"
 
 namespace platenest {
@@ -12,16 +14,6 @@ namespace detail {
 
 namespace {
 
-// The range of a length or worth: below Least (or at it, if only more will do) wrong input, outside Low to High over a
-// limit.
-struct NumberRule {
-  double Least;
-  bool OnlyMore;
-  double Low;
-  double High;
-};
-
-constexpr NumberRule kSizeRule{0, true, limits::kSmallestSize, limits::kLargestSize};
 constexpr NumberRule kDistanceRule{0, false, 0, limits::kLargestSize};
 constexpr NumberRule kValueRule{0, true, 0, limits::kWorth};
 constexpr NumberRule kCostRule{0, false, 0, limits::kWorth};
@@ -32,27 +24,18 @@ struct KindRule {
   std::span<const std::string_view> Methods;
   bool OnePlateKind;
   bool OnePart;
+  bool IsOfShapes;  // no plates; parts may be polygons
 };
 
 constexpr std::string_view kOneMethods[] = {"auto", "strip", "fiveblock", "trim"};
 constexpr std::string_view kFillMethods[] = {"auto", "smart", "raster", "rskf", "bigfirst", "strips"};
 constexpr std::string_view kJobMethods[] = {"auto", "repeat", "svc", "cg"};
+constexpr std::string_view kNfpMethods[] = {"auto"};
 // In the order of JobKind.
-constexpr KindRule kKindRules[] = {{kOneMethods, true, true}, {kFillMethods, true, false}, {kJobMethods, false, false}};
-
-void CheckNumber(double V, const NumberRule& Rule, const PlaceOf& Place, FaultList& Faults) {
-  const bool enough = Rule.OnlyMore ? V > Rule.Least : V >= Rule.Least;
-  if (!std::isfinite(V)) {
-    Faults.AddInput("range", Place(), "must be a finite number");
-  } else if (!enough) {
-    const std::string wanted = Rule.OnlyMore ? "must be above " : "must be at least ";
-    Faults.AddInput("range", Place(), Joined(wanted, Rule.Least, ", found ", V));
-  } else if (V < Rule.Low) {
-    Faults.AddLimit(Place(), Joined("must be at least ", Rule.Low, ", found ", V));
-  } else if (V > Rule.High) {
-    Faults.AddLimit(Place(), Joined("must be at most ", Rule.High, ", found ", V));
-  }
-}
+constexpr KindRule kKindRules[] = {{kOneMethods, true, true, false},
+                                   {kFillMethods, true, false, false},
+                                   {kJobMethods, false, false, false},
+                                   {kNfpMethods, false, false, true}};
 
 void CheckCount(const std::optional<int>& V, const WholeRule& Rule, const PlaceOf& Place, FaultList& Faults) {
   if (!V) return;
@@ -62,17 +45,6 @@ void CheckCount(const std::optional<int>& V, const WholeRule& Rule, const PlaceO
 
 void CheckText(std::string_view Text, const PlaceOf& Place, FaultList& Faults) {
   if (FindBadUtf8(Text)) Faults.AddInput("encoding", Place(), "must be UTF-8");
-}
-
-// Places of members of one entry of a list.
-auto EntryPlaces(std::string_view List, int Index) {
-  return [List, Index](std::string_view Member) -> PlaceOf {
-    return [List, Index, Member] { return Joined("/", List, "/", Index, "/", Member); };
-  };
-}
-
-PlaceOf Fixed(std::string_view Pointer) {
-  return [Pointer] { return std::string(Pointer); };
 }
 
 template <class Entry>
@@ -139,6 +111,7 @@ void CheckSizeSpan(const Job& AJob, FaultList& Faults) {
   }
   for (int i = 0; i < Size(AJob.Parts); ++i) {
     const auto at = EntryPlaces("parts", i);
+    if (!AJob.Parts[i].Outline.empty()) continue;
     span.Add(AJob.Parts[i].Width, at("width"));
     span.Add(AJob.Parts[i].Height, at("height"));
   }
@@ -193,7 +166,11 @@ void CheckKind(const Job& AJob, FaultList& Faults) {
   if (kind >= std::size(kKindRules))
     return Faults.AddInput("choice", "/kind", Joined("must be one of ", Listed(kKindNames)));
   const KindRule& rule = kKindRules[kind];
-  CheckEntries(Size(AJob.Plates), limits::kPlateKinds, rule.OnePlateKind, "/plates", Faults);
+  if (rule.IsOfShapes)
+    FindPairFaults(AJob, Faults);
+  else
+    RefuseShapes(AJob, Faults);
+  if (!rule.IsOfShapes) CheckEntries(Size(AJob.Plates), limits::kPlateKinds, rule.OnePlateKind, "/plates", Faults);
   CheckEntries(Size(AJob.Parts), limits::kPartKinds, rule.OnePart, "/parts", Faults);
   CheckMethod(AJob, rule, Faults);
   if (AJob.Kind == JobKind::Job) CheckEnd(AJob, Faults);
@@ -229,8 +206,11 @@ void FindFaults(const std::vector<Part>& Parts, FaultList& Faults) {
   for (int i = 0; i < Size(Parts) && !Faults.Full(); ++i) {
     const Part& part = Parts[i];
     const auto at = EntryPlaces("parts", i);
-    CheckNumber(part.Width, kSizeRule, at("width"), Faults);
-    CheckNumber(part.Height, kSizeRule, at("height"), Faults);
+    if (part.Outline.empty()) {
+      CheckNumber(part.Width, kSizeRule, at("width"), Faults);
+      CheckNumber(part.Height, kSizeRule, at("height"), Faults);
+    }
+    FindShapeFaults(part, i, Faults);
     CheckCount(part.Amount, kAmountRule, at("amount"), Faults);
     if (part.Value) CheckNumber(*part.Value, kValueRule, at("value"), Faults);
     CheckText(part.Label, at("label"), Faults);

@@ -37,8 +37,8 @@ std::span<const Field<Part>> FieldsOf<Part>() {
        [](Part& r) -> Slot {
          return TextAt{&r.Id, true};
        }},
-      {"width", true, [](Part& r) -> Slot { return NumberAt{&r.Width}; }},
-      {"height", true, [](Part& r) -> Slot { return NumberAt{&r.Height}; }},
+      {"width", true, [](Part& r) -> Slot { return NumberAt{&r.Width}; }, "outline"},
+      {"height", true, [](Part& r) -> Slot { return NumberAt{&r.Height}; }, "outline"},
       {"amount", false,
        [](Part& r) -> Slot {
          return WholeAt{&kAmountRule, &r.Amount};
@@ -49,6 +49,20 @@ std::span<const Field<Part>> FieldsOf<Part>() {
        }},
       {"value", false, [](Part& r) -> Slot { return NumberAt{&r.Value}; }},
       {"label", false, [](Part& r) -> Slot { return TextAt{&r.Label}; }},
+      {"outline",
+       false,
+       [](Part& r) -> Slot {
+         return ListAt<PolygonPoint>{&r.Outline, limits::kVertices};
+       },
+       {},
+       false},
+      {"holes",
+       false,
+       [](Part& r) -> Slot {
+         return ListAt<PolygonRing>{&r.Holes, limits::kHoles};
+       },
+       {},
+       false},
   };
   return fields;
 }
@@ -96,13 +110,27 @@ std::span<const Field<Job>> FieldsOf<Job>() {
        [](Job& r) -> Slot {
          return NumbersAt{r.Margin, true};
        }},
-      {"plates", true,
+      {"plates", false,
        [](Job& r) -> Slot {
+         r.Plates.clear();  // of what stands for an absent list
          return ListAt<Plate>{&r.Plates, limits::kPlateKinds};
        }},
       {"parts", true,
        [](Job& r) -> Slot {
          return ListAt<Part>{&r.Parts, limits::kPartKinds};
+       }},
+      {"fixed", false,
+       [](Job& r) -> Slot {
+         return IdsAt{&r.Fixed, limits::kPartKinds};
+       }},
+      {"moving", false,
+       [](Job& r) -> Slot {
+         return IdsAt{&r.Moving, limits::kPartKinds};
+       }},
+      {"inside", false, [](Job& r) -> Slot { return FlagAt{&r.Inside}; }},
+      {"quality", false,
+       [](Job& r) -> Slot {
+         return ChoiceAt{kQualityNames, &r.Quality};
        }},
       {"options", false, [](Job& r) -> Slot { return ObjectAt<Options>{&r.Run}; }},
   };
@@ -116,7 +144,30 @@ void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind) {
   }
 }
 
+void WriteContour(JsonWriter& Out, const PolygonRing& AContour) {
+  Out.BeginList(JsonStyle::Line);
+  for (const PolygonPoint& point : AContour) Out.Value(point);
+  Out.EndList();
+}
+
+void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<PolygonRing>& Contours) {
+  Out.Key(Name);
+  Out.BeginList(JsonStyle::Block);
+  for (const PolygonRing& contour : Contours) WriteContour(Out, contour);
+  Out.EndList();
+}
+
 namespace {
+
+// Stands for a list of plates that the form leaves out.
+const Plate kAbsentPlates{.Id = {}, .Width = -1};
+
+// Only a job of kind Nfp may leave its plates out.
+void ResolvePlates(Job& AJob, bool IsWhole, FaultList& Faults) {
+  if (AJob.Plates != std::vector{kAbsentPlates}) return;
+  AJob.Plates.clear();
+  if (IsWhole && AJob.Kind != JobKind::Nfp) Faults.AddMissing("", "plates");
+}
 
 void WritePlate(JsonWriter& Out, const Plate& APlate) {
   Out.BeginObject(JsonStyle::Line);
@@ -132,13 +183,30 @@ void WritePlate(JsonWriter& Out, const Plate& APlate) {
 void WritePart(JsonWriter& Out, const Part& APart) {
   Out.BeginObject(JsonStyle::Line);
   Out.Member("id", APart.Id);
-  Out.Member("width", APart.Width);
-  Out.Member("height", APart.Height);
+  if (APart.Outline.empty()) {
+    Out.Member("width", APart.Width);
+    Out.Member("height", APart.Height);
+  }
   Out.Member("amount", APart.Amount);
   if (APart.Turn == Rotate::None) Out.Member("rotate", "none");
   if (APart.Value) Out.Member("value", *APart.Value);
   if (!APart.Label.empty()) Out.Member("label", APart.Label);
+  if (!APart.Outline.empty()) {
+    Out.Key("outline");
+    WriteContour(Out, APart.Outline);
+  }
+  if (!APart.Holes.empty()) WriteContours(Out, "holes", APart.Holes);
   Out.EndObject();
+}
+
+// One id as a text, several as a list.
+void WriteIds(JsonWriter& Out, std::string_view Name, const std::vector<std::string>& Ids) {
+  if (Ids.empty()) return;
+  Out.Key(Name);
+  if (Ids.size() == 1) return Out.Value(Ids[0]);
+  Out.BeginList(JsonStyle::Line);
+  for (const std::string& id : Ids) Out.Value(id);
+  Out.EndList();
 }
 
 void WriteOptions(JsonWriter& Out, const Options& Run) {
@@ -169,12 +237,19 @@ std::string_view KindName(JobKind Kind) {
   return index < std::size(kKindNames) ? kKindNames[index] : "";
 }
 
+std::string_view QualityName(NfpQuality Quality) {
+  const auto index = static_cast<std::size_t>(Quality);
+  return index < std::size(kQualityNames) ? kQualityNames[index] : "";
+}
+
 Job ParseJob(std::string_view Json) {
   return WithMemoryError([&] {
     Job job;
     FaultList faults;
+    job.Plates = {kAbsentPlates};
     FormReader reader(ObjectAt<Job>{&job}, faults);
     const bool isWhole = ReadJson(Json, limits::kJobBytes, reader, faults);
+    ResolvePlates(job, isWhole, faults);
     ResolveAmounts(job.Parts, job.Kind);
     GiveIds(job);
     if (isWhole) FindFaults(job, faults);
@@ -201,14 +276,21 @@ std::string JobToJson(const Job& AJob) {
   out.Member("units", AJob.Units);
   out.Member("gap", AJob.Gap);
   WriteMargin(out, AJob.Margin);
-  out.Key("plates");
-  out.BeginList(JsonStyle::Block);
-  for (const Plate& plate : AJob.Plates) WritePlate(out, plate);
-  out.EndList();
+  if (AJob.Kind != JobKind::Nfp || !AJob.Plates.empty()) {
+    out.Key("plates");
+    out.BeginList(JsonStyle::Block);
+    for (const Plate& plate : AJob.Plates) WritePlate(out, plate);
+    out.EndList();
+  }
   out.Key("parts");
   out.BeginList(JsonStyle::Block);
   for (const Part& part : AJob.Parts) WritePart(out, part);
   out.EndList();
+  WriteIds(out, "fixed", AJob.Fixed);
+  WriteIds(out, "moving", AJob.Moving);
+  if (AJob.Inside) out.Member("inside", true);
+  if (AJob.Kind == JobKind::Nfp || AJob.Quality != NfpQuality::Complete)
+    out.Member("quality", QualityName(AJob.Quality));
   out.Key("options");
   WriteOptions(out, AJob.Run);
   out.EndObject();

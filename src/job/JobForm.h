@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "JsonWriter.h"
 #include "Slots.h"
 
 namespace platenest::detail {
@@ -17,6 +18,9 @@ std::span<const Field<Part>> FieldsOf<Part>();
 
 // Gives a part that stated no amount the one that Kind means by it.
 void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind);
+
+void WriteContour(JsonWriter& Out, const PolygonRing& AContour);
+void WriteContours(JsonWriter& Out, std::string_view Name, const std::vector<PolygonRing>& Contours);
 
 // Finds every fault in a job, with JSON Pointers.
 void FindFaults(const Job& AJob, FaultList& Faults);

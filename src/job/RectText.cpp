@@ -217,6 +217,9 @@ Job JobFromRectText(std::string_view Text, std::string_view FileName) {
 
 Converted JobToRectText(const Job& AJob) {
   CheckJob(AJob);
+  if (AJob.Kind == JobKind::Nfp)
+    throw InputError(
+        Fault{"conflict", "/kind", "`nfp` has no plates and cannot be written to a text rectangle file", ""});
   Converted out{"", Losses(AJob)};
   const Plate& plate = AJob.Plates[0];
   out.Text = Joined(plate.Width, " ", plate.Height, "\n");

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Assembly.h"
+#include "NfpResultCheck.h"
 #include "OneSizeVerdict.h"
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
@@ -233,6 +234,7 @@ void TResultCheck::CheckBoundsAndStatus() {
 
 std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult) {
   CheckJob(AJob);
+  if (AJob.Kind == JobKind::Nfp) return CheckPairs(AJob, AResult);
   return TResultCheck(AJob, AResult).Run();
 }
 

@@ -135,6 +135,29 @@ std::span<const Field<PartUse>> FieldsOf<PartUse>() {
 }
 
 template <>
+std::span<const Field<NfpPair>> FieldsOf<NfpPair>() {
+  static constexpr Field<NfpPair> fields[] = {
+      {"fixed", true,
+       [](NfpPair& r) -> Slot {
+         return TextAt{&r.Fixed, true};
+       }},
+      {"moving", true,
+       [](NfpPair& r) -> Slot {
+         return TextAt{&r.Moving, true};
+       }},
+      {"quality", true,
+       [](NfpPair& r) -> Slot {
+         return ChoiceAt{kQualityNames, &r.Quality};
+       }},
+      {"paths", true,
+       [](NfpPair& r) -> Slot {
+         return ListAt<PolygonRing>{&r.Paths, limits::kCopies};
+       }},
+  };
+  return fields;
+}
+
+template <>
 std::span<const Field<RunInfo>> FieldsOf<RunInfo>() {
   static constexpr Field<RunInfo> fields[] = {
       {"method", true, [](RunInfo& r) -> Slot { return TextAt{&r.Method}; }},
@@ -197,6 +220,11 @@ std::span<const Field<Result>> FieldsOf<Result>() {
       {"parts", true,
        [](Result& r) -> Slot {
          return ListAt<PartUse>{&r.Parts, limits::kPartKinds};
+       }},
+      {"nfp", false, [](Result& r) -> Slot { return ObjectAt<NfpPair>{&r.Pairs.emplace_back()}; }},
+      {"pairs", false,
+       [](Result& r) -> Slot {
+         return ListAt<NfpPair>{&r.Pairs, limits::kPairs};
        }},
       {"warnings", true,
        [](Result& r) -> Slot {
@@ -277,6 +305,24 @@ void WritePartUse(JsonWriter& Out, const PartUse& Use) {
   Out.EndObject();
 }
 
+void WritePair(JsonWriter& Out, const NfpPair& Pair) {
+  Out.BeginObject(JsonStyle::Block);
+  Out.Member("fixed", Pair.Fixed);
+  Out.Member("moving", Pair.Moving);
+  Out.Member("quality", QualityName(Pair.Quality));
+  WriteContours(Out, "paths", Pair.Paths);
+  Out.EndObject();
+}
+
+// One pair alone where one was asked for: the one answer of a run that ended early is still a list.
+void WritePairs(JsonWriter& Out, const Result& AResult) {
+  if (AResult.Kind != JobKind::Nfp && AResult.Pairs.empty()) return;
+  if (AResult.Pairs.size() != 1 || AResult.Status != ResultStatus::Complete)
+    return WriteList(Out, "pairs", AResult.Pairs, WritePair);
+  Out.Key("nfp");
+  WritePair(Out, AResult.Pairs[0]);
+}
+
 void WriteWarning(JsonWriter& Out, const std::string& Warning) {
   Out.Value(Warning);
 }
@@ -346,6 +392,7 @@ std::string ResultToJson(const Result& AResult) {
   WriteList(out, "layouts", AResult.Layouts, WriteLayout);
   WriteList(out, "plates", AResult.Plates, WritePlateUse);
   WriteList(out, "parts", AResult.Parts, WritePartUse);
+  WritePairs(out, AResult);
   WriteList(out, "warnings", AResult.Warnings, WriteWarning);
   out.Key("run");
   WriteRun(out, AResult.Run);

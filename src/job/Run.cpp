@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Assembly.h"
+#include "NfpRun.h"
 #include "OneSize.h"
 #include "OneSizeBounds.h"
 #include "OneSizeVerdict.h"
@@ -40,8 +41,9 @@ Result BeginResult(const Job& AJob) {
 
 // What the forms allow but no method of this kind keeps or answers.
 void RequireAnswerable(const Job& AJob) {
+  if (AJob.Kind == JobKind::Nfp) return;
   if (AJob.Kind != JobKind::One)
-    throw InputError({"choice", "/kind", "this version answers jobs of kind `one` only", ""});
+    throw InputError({"choice", "/kind", "this version answers jobs of the kinds `one` and `nfp` only", ""});
   if (AJob.Run.Method == "fiveblock")
     throw InputError(
         {"choice", "/options/method", "this version knows the methods `auto`, `strip` and `trim` for kind `one`", ""});
@@ -91,7 +93,7 @@ void NoteInterruption(const TRunControl& Control, Result& AResult) {
   if (part.Reason == "left_by_method") part.Reason = "time";
 }
 
-Result RunOne(const Job& AJob, TRunControl& Control) {
+void AnswerOne(const Job& AJob, TRunControl& Control, Result& AResult) {
   const Part& part = AJob.Parts[0];
   const TScaledPlate scaled(AJob, AJob.Plates[0]);
   if (scaled.Width <= 0 || scaled.Height <= 0)
@@ -103,22 +105,20 @@ Result RunOne(const Job& AJob, TRunControl& Control) {
   // One copy more than can fit, so that the plate and not the amount ends the nest.
   const int amount = part.Amount.value_or(static_cast<int>(std::min<Int64>(most, limits::kCopies) + 1));
 
-  Result result = BeginResult(AJob);
-  result.Bounds = BoundsOf(AJob);
-  Layout layout = FirstValidLayout(AJob, scaled, sizes, amount, result);
+  AResult.Bounds = BoundsOf(AJob);
+  Layout layout = FirstValidLayout(AJob, scaled, sizes, amount, AResult);
   if (!layout.Placements.empty()) {
     MeasureInto(layout, AJob.Gap, AJob.Margin);
-    result.Layouts.push_back(std::move(layout));
+    AResult.Layouts.push_back(std::move(layout));
   }
-  Account(AJob, result);
-  Judge(AJob, result);
-  NoteInterruption(Control, result);
-  Control.Report({.Phase = result.Run.Method,
-                  .Plates = result.Total.Plates,
-                  .Usage = result.Total.Usage,
-                  .Unplaced = result.Parts[0].Unplaced,
+  Account(AJob, AResult);
+  Judge(AJob, AResult);
+  NoteInterruption(Control, AResult);
+  Control.Report({.Phase = AResult.Run.Method,
+                  .Plates = AResult.Total.Plates,
+                  .Usage = AResult.Total.Usage,
+                  .Unplaced = AResult.Parts[0].Unplaced,
                   .BoundValue = static_cast<double>(most)});
-  return result;
 }
 
 }  // namespace
@@ -129,7 +129,11 @@ Result run(const Job& AJob, const RunHooks& Hooks) {
     RequireAnswerable(AJob);
     TRunControl control(AJob.Run, Hooks);
     if (control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});
-    Result result = RunOne(AJob, control);
+    Result result = BeginResult(AJob);
+    if (AJob.Kind == JobKind::Nfp)
+      AnswerPairs(AJob, control, result);
+    else
+      AnswerOne(AJob, control, result);
     result.Run.Seconds = control.Seconds();
     return result;
   } catch (const JobError&) {

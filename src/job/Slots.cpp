@@ -51,6 +51,7 @@ struct Wanted {
     const std::string list = Joined("a list of ", Slot.Target.size(), " numbers");
     return Slot.OneForAll ? Joined("must be a number or ", list) : Joined("must be ", list);
   }
+  std::string operator()(const IdsAt&) const { return "must be a text or a list of texts"; }
   template <class T>
   std::string operator()(const ObjectAt<T>&) const {
     return "must be an object";
@@ -135,6 +136,12 @@ class Taker {
   bool operator()(const NumbersAt& Slot) const {
     if (!Slot.OneForAll || FValue.Kind != Scalar::Type::Number) return false;
     std::ranges::fill(Slot.Target, FValue.Number);
+    return true;
+  }
+
+  bool operator()(const IdsAt& Slot) const {
+    if (FValue.Kind != Scalar::Type::Text) return false;
+    if (CheckId(FValue.Written, FPlace, FFaults)) Slot.Target->assign(1, std::string(FValue.Written));
     return true;
   }
 

@@ -50,8 +50,9 @@ inline constexpr WholeRule kTallyRule{0, kMostInt};   // a count in a result
 inline constexpr WholeRule kCopiesRule{1, kMostInt};  // plates cut by one layout
 
 inline constexpr std::string_view kUnitNames[] = {"mm", "cm", "m", "in", "none"};
-inline constexpr std::string_view kKindNames[] = {"one", "fill", "job"};
+inline constexpr std::string_view kKindNames[] = {"one", "fill", "job", "nfp"};
 inline constexpr std::string_view kRotateNames[] = {"any", "none"};
+inline constexpr std::string_view kQualityNames[] = {"convex", "concave", "complete", "exact"};
 inline constexpr std::string_view kStatusNames[] = {"complete", "partial", "time_limit", "stopped"};
 inline constexpr std::string_view kReasonNames[] = {"too_large", "no_stock", "time", "left_by_method"};
 
@@ -84,13 +85,19 @@ struct TextAt {
 // required.
 struct ChoiceAt {
   std::span<const std::string_view> Names;
-  std::variant<std::monostate, std::string*, JobKind*, Rotate*, ResultStatus*> Target;
+  std::variant<std::monostate, std::string*, JobKind*, Rotate*, NfpQuality*, ResultStatus*> Target;
 };
 
 // A list of exactly as many numbers as the target holds, or, if OneForAll, one number for all of them.
 struct NumbersAt {
   std::span<double> Target;
   bool OneForAll = false;
+};
+
+// A list of ids, or one id alone.
+struct IdsAt {
+  std::vector<std::string>* Target;
+  Int64 Most;
 };
 
 template <class T>
@@ -104,12 +111,14 @@ struct ListAt {
   Int64 Most;
 };
 
-using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, NumbersAt,                   //
+using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, NumbersAt, IdsAt,            //
                           ObjectAt<Job>, ObjectAt<Plate>, ObjectAt<Part>, ObjectAt<Options>,              //
                           ObjectAt<Result>, ObjectAt<Summary>, ObjectAt<Bound>, ObjectAt<Layout>,         //
                           ObjectAt<Placement>, ObjectAt<PlateUse>, ObjectAt<PartUse>, ObjectAt<RunInfo>,  //
                           ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,  //
-                          ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>>;
+                          ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
+                          ListAt<PolygonPoint>,  //
+                          ListAt<PolygonRing>>;
 
 // A member of the form of a record.
 template <class T>
@@ -117,6 +126,8 @@ struct Field {
   std::string_view Name;
   bool Required;
   Slot (*At)(T&);
+  std::string_view Instead = {};  // the member that makes a required one needless
+  bool InTables = true;           // a cell can hold it
 };
 
 template <class T>
@@ -138,9 +149,10 @@ inline Part Blank<Part>() {
 }
 
 template <class T>
-std::vector<std::string_view> NamesOf() {
+std::vector<std::string_view> NamesOf(bool InTables = false) {
   std::vector<std::string_view> names;
-  for (const Field<T>& field : FieldsOf<T>()) names.push_back(field.Name);
+  for (const Field<T>& field : FieldsOf<T>())
+    if (field.InTables || !InTables) names.push_back(field.Name);
   return names;
 }
 

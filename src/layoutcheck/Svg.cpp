@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Guards.h"
+#include "SvgWriter.h"
 #include "TextOf.h"
 #include "XmlText.h"
 #include "platenest/foundation/Errors.h"
@@ -16,6 +17,8 @@ namespace platenest {
 
 namespace {
 
+using detail::PowerOfTen;
+using detail::TWriter;
 using detail::XmlText;
 
 // Sizes of the drawing, as shares of the plate's longer side.
@@ -70,39 +73,6 @@ bool IsDark(const TColour& C) {
   const auto linear = [](double V) { return std::pow(V / 255, 2.2); };
   return 0.2126 * linear(C.Red) + 0.7152 * linear(C.Green) + 0.0722 * linear(C.Blue) < 0.2;
 }
-
-// The largest power of ten not above V.
-double PowerOfTen(double V) {
-  return std::pow(10.0, std::floor(std::log10(V)));
-}
-
-// Text under construction, numbers rounded to a step.
-class TWriter {
- public:
-  // Steps are what Digits decimal digits of LongSide can tell apart.
-  TWriter(double LongSide, int Digits) : FPerUnit(std::pow(10.0, Digits - 1) / PowerOfTen(LongSide)) {}
-
-  TWriter& operator<<(std::string_view Text) {
-    FText += Text;
-    return *this;
-  }
-  TWriter& operator<<(double Value) {
-    detail::AppendPart(FText, Rounded(Value));
-    return *this;
-  }
-  void Reserve(std::size_t Bytes) { FText.reserve(Bytes); }
-  std::string Take() { return std::move(FText); }
-
- private:
-  // A division by a power of ten gives the double nearest to the decimal number, which prints short.
-  double Rounded(double Value) const {
-    return FPerUnit >= 1 ? RoundHalfEven(Value * FPerUnit) / FPerUnit
-                         : RoundHalfEven(Value / (1 / FPerUnit)) * (1 / FPerUnit);
-  }
-
-  double FPerUnit;
-  std::string FText;
-};
 
 void CheckPicture(const TLayoutPicture& Picture) {
   constexpr std::string_view kWho = "RectLayoutSvg";
@@ -179,13 +149,8 @@ class TPainter {
   }
 
   void Head() {
-    const bool isMetre = FPicture.Units == "m";
-    const bool isKnown = FPicture.Units == "mm" || FPicture.Units == "cm" || FPicture.Units == "in";
-    const double scale = isMetre ? 1000 : 1;  // SVG has no metre
-    const std::string_view unit = isMetre ? "mm" : isKnown ? std::string_view(FPicture.Units) : "";
-    FOut << "<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" width=\"" << FPicture.Width * scale << unit
-         << "\" height=\"" << FPicture.Height * scale << unit << "\" viewBox=\"0 0 " << FPicture.Width << " "
-         << FPicture.Height << "\">\n<title>";
+    detail::OpenSvg(FOut, FPicture.Width, FPicture.Height, FPicture.Units);
+    FOut << "<title>";
     if (FPicture.Title.empty())
       PlateSize();
     else

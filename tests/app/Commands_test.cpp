@@ -43,6 +43,33 @@ TEST(One, GivesEqualBytesForEqualDeterministicRuns) {
   EXPECT_EQ(RunLine(line + " --threads 1").Out, first);
 }
 
+constexpr const char* kShapes =
+    R"({"schema": "platenest-job/1", "name": "../x", "kind": "nfp", "parts": [
+        {"id": "plate", "outline": [[0, 0], [50, 0], [60, 20], [60, 40], [0, 40]], "holes": [[[20, 15], [25, 15], [25, 25]]]},
+        {"id": "</svg>", "width": 10, "height": 5}]})";
+
+TEST(Nfp, AnswersPairsDrawsThemAndTheAnswersPassTheCheck) {
+  const TempFolder folder;
+  folder.Write("job.json", kShapes);
+  const Outcome all = folder.Run("nfp job.json -o all.json --svg out/ --quality exact");
+  EXPECT_EQ(all.Exit, 0) << all.Err;
+  EXPECT_THAT(all.Err, HasSubstr("../x: complete, 4 pairs\n  quality    at least exact\n"));
+  EXPECT_THAT(all.Err, HasSubstr("written    all.json, out/nfp-001.svg and 3 more\n"));
+  EXPECT_THAT(folder.Read("out/nfp-002.svg"), HasSubstr("&lt;/svg&gt; around plate"));
+  EXPECT_EQ(folder.Run("check job.json all.json --quality exact").Exit, 0);
+
+  const Outcome inside = folder.Run("nfp job.json --inside --fixed plate -o inside.json");
+  EXPECT_EQ(inside.Exit, 0) << inside.Err;
+  EXPECT_EQ(ParseResult(folder.Read("inside.json")).Pairs.at(0).Paths.size(), 2U);
+  EXPECT_EQ(folder.Run("check job.json inside.json --inside --fixed plate").Exit, 0);
+  EXPECT_EQ(folder.Run("check job.json inside.json").Exit, 1);
+  EXPECT_THAT(folder.Run("nfp job.json --fixed pate").Err,
+              HasSubstr("--fixed: names no part, found \"pate\", did you"));
+  EXPECT_EQ(folder.Run("nfp job.json --fixed pate").Exit, 2);
+  EXPECT_THAT(folder.Run("nfp job.json --quality best").Err, HasSubstr("--quality: must be convex, concave"));
+  EXPECT_EQ(folder.Run("one job.json").Exit, 3);
+}
+
 TEST(Check, JudgesTheResultForTheJobAndTheOptionsThatWonInTheRun) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
@@ -100,6 +127,8 @@ TEST(Schema, IsPrintedForBothForms) {
 TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
+  folder.Write("brackets.json", kShapes);
+  folder.Write("plate.json", kShapes);
   folder.Write("demand.txt", "1000 500\n300 200 60000 8\n");
   folder.Write("demand.csv", "id,width,height,amount\na,300,200,4\nb,450,120,2\n");
   for (const CommandRow& command : CommandTable()) {

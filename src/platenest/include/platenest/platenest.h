@@ -9,5 +9,7 @@
 #include "platenest/job/Result.h"
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
+#include "platenest/layoutcheck/NfpCheck.h"
+#include "platenest/services/NFP.h"
 #include "platenest/services/NFP.h"
 #include "platenest/version.h"

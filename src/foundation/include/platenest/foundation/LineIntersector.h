@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <vector>
 
 #include "platenest/foundation/Line2D.h"
@@ -28,7 +29,9 @@ class PLATENEST_API TLineIntersector {
  public:
   TLineIntersector(TVLine2DList Lines, bool IncludeEndpoints);
 
-  void FindInterSect();
+  // With MostHits it stops as soon as there are so many: some of all, not the first ones of the order below. One point
+  // may bring more than one of them.
+  void FindInterSect(int MostHits = std::numeric_limits<int>::max());
   // Sorted by Line1, then Line2, then along the sweep: from left to right, upward at one x.
   const std::vector<TLineHit>& Intersections() const { return FIntersections; }
 

@@ -18,9 +18,22 @@ enum class JobKind : std::uint8_t {
   One,   // how many of one size on one plate
   Fill,  // best use of one plate, many sizes
   Job,   // a whole demand over a stock of plates
+  Nfp,   // no-fit polygons, or the regions where parts fit into others
 };
 
 enum class Rotate : std::uint8_t { Any, None };
+
+// How well a no-fit polygon follows the shapes, asked for or delivered.
+enum class NfpQuality : std::uint8_t {
+  Convex,    // rests on convex hulls: no overlap, but loose
+  Concave,   // rests on reduced outlines that keep the large concavities
+  Complete,  // full outlines
+  Exact,     // full outlines, never reduced, however long that takes
+};
+
+using PolygonPoint = std::array<double, 2>;
+// Closed by itself, in either turning sense; the first point may stand again last.
+using PolygonRing = std::vector<PolygonPoint>;
 
 struct Plate {
   std::string Id;
@@ -33,14 +46,17 @@ struct Plate {
   friend bool operator==(const Plate&, const Plate&) = default;
 };
 
+// A rectangle from (0, 0) to (Width, Height), or a polygon where Outline holds points.
 struct Part {
   std::string Id;
-  double Width = 0;
+  double Width = 0;  // 0 beside an outline, as Height
   double Height = 0;
   std::optional<int> Amount = 1;  // nothing: without limit
   Rotate Turn = Rotate::Any;
   std::optional<double> Value{};  // worth of one copy; nothing: its area
   std::string Label{};
+  PolygonRing Outline{};
+  std::vector<PolygonRing> Holes{};  // inside the outline, apart from each other; touching is allowed
 
   friend bool operator==(const Part&, const Part&) = default;
 };
@@ -65,6 +81,11 @@ struct Job {
   std::vector<Plate> Plates;
   std::vector<Part> Parts;
   Options Run;
+  // Kind Nfp only. Each of the fixed parts with each of the moving ones; no id stands for all parts.
+  std::vector<std::string> Fixed{};
+  std::vector<std::string> Moving{};
+  bool Inside = false;  // where the moving part lies within the fixed one, its holes left out
+  NfpQuality Quality = NfpQuality::Complete;
 
   friend bool operator==(const Job&, const Job&) = default;
 };
@@ -85,9 +106,15 @@ inline constexpr Int64 kPlates = 1000000;  // in stock of one kind
 inline constexpr double kWorth = 1e15;     // of one copy, and the cost of one plate
 inline constexpr double kTimeLimit = 1e8;  // seconds
 inline constexpr int kThreads = 1024;
+inline constexpr int kVertices = 20000;            // of one contour
+inline constexpr Int64 kVertexProduct = 4000000;   // of the vertices of two parts, holes included
+inline constexpr int kHoles = 10000;               // of one part
+inline constexpr Int64 kPairs = 100000;            // of parts in a job of kind Nfp
+inline constexpr double kLargestCoordinate = 1e6;  // of an outline, either side of 0
 }  // namespace limits
 
 PLATENEST_API std::string_view KindName(JobKind Kind);
+PLATENEST_API std::string_view QualityName(NfpQuality Quality);
 
 // Reads a job in the form platenest-job/1. Every fault found is reported, up to 20, each with a JSON Pointer:
 // LimitError when all of them are limits, else InputError with the limits last. A text that is too large, too deeply

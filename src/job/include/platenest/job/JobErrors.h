@@ -12,8 +12,8 @@ namespace platenest {
 // One fault and its place.
 struct Fault {
   // A word for programs: syntax, encoding, type, range, choice (a name that is not known), id, missing, unknown-key,
-  // duplicate-key, duplicate-id, entries (too few or too many for the kind), conflict (members that exclude each
-  // other), limit, memory.
+  // duplicate-key, duplicate-id, shape (a polygon that encloses nothing or crosses itself), entries (too few or too
+  // many for the kind), conflict (members that exclude each other), limit, memory.
   std::string Code;
   std::string
       Place;  // a JSON Pointer ("/parts/3/amount"), or file, line and column name of a table ("demand.csv:7:amount")

@@ -13,7 +13,7 @@
 namespace platenest {
 
 enum class ResultStatus : std::uint8_t {
-  Complete,   // all demand placed, or for kind One the plate is full
+  Complete,   // all demand placed, or for kind One the plate is full; for kind Nfp every pair answered
   Partial,    // the search ended by itself with demand left
   TimeLimit,  // the time limit ended it
   Stopped,    // the host or the user ended it
@@ -82,6 +82,18 @@ struct Summary {
   friend bool operator==(const Summary&, const Summary&) = default;
 };
 
+// One answer of kind Nfp. Paths are translations of the moving part as it is drawn: its origin may stand on the paths
+// and outside of what they enclose, or, with Inside, on them and within. Outer contours run counter-clockwise, cavities
+// clockwise, contours may touch. Coordinates are whole multiples of 1e-5.
+struct NfpPair {
+  std::string Fixed;
+  std::string Moving;
+  NfpQuality Quality = NfpQuality::Complete;  // the one that the paths really have
+  std::vector<PolygonRing> Paths;             // with Inside, none says that there is no place
+
+  friend bool operator==(const NfpPair&, const NfpPair&) = default;
+};
+
 // What was in force.
 struct RunInfo {
   std::string Method;
@@ -111,6 +123,7 @@ struct Result {
   std::vector<PartUse> Parts;
   std::vector<std::string> Warnings;
   RunInfo Run;
+  std::vector<NfpPair> Pairs{};  // kind Nfp: moving parts in the order of the job under each fixed one
 
   friend bool operator==(const Result&, const Result&) = default;
 };

@@ -14,6 +14,7 @@ namespace platenest {
 
 using StopToken = TStopToken;
 
+// In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs that are done and Unplaced the others.
 struct Progress {
   double Seconds = 0;
   std::string Phase;  // the method at work
@@ -36,6 +37,12 @@ PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
 // Verifies a result against its job with code that shares nothing with the nesters: positions, plate, margin, gap,
 // amounts, stock, turning locks, and every number that the result states about itself. Empty when all is right.
 PLATENEST_API std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult);
+
+// One SVG document for a pair of a result of kind Nfp: the fixed part, the polygon, and the moving part at some places
+// of its boundary with its origin marked. The parts are taken from the job, so the result must belong to it. Raises
+// TRangeError for an unknown pair or part. Cost: linear in the vertices, and one copy of the moving part for each
+// place.
+PLATENEST_API std::string PairToSvg(const Job& AJob, const Result& AResult, int PairIndex);
 
 // One SVG document for a layout of a result; real units, y up.
 PLATENEST_API std::string LayoutToSvg(const Result& AResult, int LayoutIndex);

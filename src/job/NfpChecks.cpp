@@ -1,0 +1,222 @@
+#include "NfpChecks.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "CheckTools.h"
+#include "NfpShapes.h"
+#include "platenest/foundation/ClipperAdapter.h"
+#include "platenest/foundation/LineIntersector.h"
+
+namespace platenest::detail {
+
+namespace {
+
+// Contours that cross more often are refused without a look at how deep.
+constexpr int kMostCrossings = 1000;
+// How far contours may cross, along their whole length: what rounding to the grid can do to contours that touch.
+constexpr double kTouch = 2;  // path units
+
+std::string ContourPlace(int PartIndex, int ContourIndex) {
+  if (ContourIndex == 0) return Joined("/parts/", PartIndex, "/outline");
+  return Joined("/parts/", PartIndex, "/holes/", ContourIndex - 1);
+}
+
+// Whether the points can be worked with at all.
+bool CheckPoints(const PolygonRing& AContour, const std::string& Place, FaultList& Faults) {
+  if (Size(AContour) > limits::kVertices) {
+    Faults.AddLimit(Place, Joined("must have at most ", limits::kVertices, " points, found ", Size(AContour)));
+    return false;
+  }
+  for (int i = 0; i < Size(AContour); ++i) {
+    for (int axis = 0; axis < 2; ++axis) {
+      const double v = AContour[i][axis];
+      const std::string place = Joined(Place, "/", i, "/", axis);
+      if (!std::isfinite(v)) {
+        Faults.AddInput("range", place, "must be a finite number");
+        return false;
+      }
+      if (std::fabs(v) <= limits::kLargestCoordinate) continue;
+      Faults.AddLimit(place, Joined("must be from ", -limits::kLargestCoordinate, " to ", limits::kLargestCoordinate,
+                                    ", found ", v));
+      return false;
+    }
+  }
+  const TPath path = PathOf(AContour);
+  if (path.size() < 3) {
+    Faults.AddInput("entries", Place, Joined("must have at least 3 different points, found ", Size(path)));
+    return false;
+  }
+  if (ClipperLib::Area(path) != 0) return true;
+  Faults.AddInput("shape", Place, "must enclose an area");
+  return false;
+}
+
+void CheckBoxSize(const PolygonRing& Outline, const std::string& Place, FaultList& Faults) {
+  const TVRect2D box = TPathUtils::BoundBox(PathOf(Outline)).ToRect(kPathScale);
+  for (const double side : {box.Right - box.Left, box.Top - box.Bottom})
+    CheckNumber(side, kSizeRule, Fixed(Place), Faults);
+}
+
+double FilledArea(const TPaths& Paths, ClipperLib::PolyFillType Fill) {
+  TClipper clipper;
+  clipper.AddPaths(Paths, ClipperLib::ptSubject, true);
+  TPaths filled;
+  clipper.Execute(ClipperLib::ctUnion, filled, Fill, Fill);
+  return TPathUtils::Area(filled);
+}
+
+// Every point is wound around once or not at all: what the directions of the contours say is what they fill.
+bool IsCleanlyFilled(const TPaths& Paths, ClipperLib::PolyFillType Fill) {
+  const double difference = std::fabs(TPathUtils::Area(Paths)) - FilledArea(Paths, Fill);
+  return std::fabs(difference) <= kTouch * TPathUtils::TotalLength(Paths);
+}
+
+// The crossings of all contours of a part, and which contour each edge belongs to.
+class TCrossings {
+ public:
+  explicit TCrossings(const TPaths& Paths) {
+    TVLine2DList edges;
+    for (int c = 0; c < Size(Paths); ++c) {
+      for (std::size_t i = 0; i < Paths[c].size(); ++i) {
+        const TIntPoint& end = Paths[c][(i + 1) % Paths[c].size()];
+        edges.push_back(
+            {TPathUtils::CreatePoint2D(Paths[c][i], kPathScale), TPathUtils::CreatePoint2D(end, kPathScale)});
+        FContours.push_back(c);
+      }
+    }
+    TLineIntersector sweep(std::move(edges), false);
+    sweep.FindInterSect(kMostCrossings);
+    FHits = sweep.Intersections();
+  }
+
+  bool IsEmpty() const { return FHits.empty(); }
+  bool AreTooMany() const { return Size(FHits) >= kMostCrossings; }
+  // A crossing as a fault of the later one of its contours.
+  void Tell(int PartIndex, FaultList& Faults) const {
+    const TLineHit& hit = FHits.front();
+    const auto [first, second] = std::minmax(FContours[hit.Line1], FContours[hit.Line2]);
+    const std::string near = Joined(" near [", hit.Point.X, ", ", hit.Point.Y, "]");
+    const std::string what = first == second ? "crosses itself" : "crosses " + ContourPlace(PartIndex, first);
+    Faults.AddInput("shape", ContourPlace(PartIndex, second), what + near);
+  }
+
+ private:
+  std::vector<int> FContours;
+  std::vector<TLineHit> FHits;
+};
+
+// Names the contour that is wrong although no two edges cross.
+void TellWrongContour(const TPaths& Paths, int PartIndex, FaultList& Faults) {
+  for (int c = 0; c < Size(Paths); ++c)
+    if (!IsCleanlyFilled({Paths[c]}, ClipperLib::pftNonZero))
+      return Faults.AddInput("shape", ContourPlace(PartIndex, c), "crosses or repeats itself");
+  for (int c = 1; c < Size(Paths); ++c)
+    if (!IsCleanlyFilled({Paths[0], Paths[c]}, ClipperLib::pftPositive))
+      return Faults.AddInput("shape", ContourPlace(PartIndex, c), "must lie inside the outline");
+  Faults.AddInput("shape", Joined("/parts/", PartIndex, "/holes"), "must not overlap each other");
+}
+
+void CheckContours(const Part& APart, int Index, FaultList& Faults) {
+  const TPaths paths = PathsOf(APart);
+  const TCrossings crossings(paths);
+  if (!crossings.AreTooMany() && IsCleanlyFilled(paths, ClipperLib::pftPositive)) return;
+  if (crossings.IsEmpty()) return TellWrongContour(paths, Index, Faults);
+  crossings.Tell(Index, Faults);
+}
+
+void CheckIdList(const Job& AJob, const std::vector<std::string>& Ids, std::string_view Member, FaultList& Faults) {
+  std::unordered_map<std::string_view, bool> seen;  // look-up only
+  std::vector<std::string_view> known;
+  for (const Part& part : AJob.Parts) {
+    seen.emplace(part.Id, false);
+    known.push_back(part.Id);
+  }
+  for (int i = 0; i < Size(Ids); ++i) {
+    const std::string place = Ids.size() == 1 ? Joined("/", Member) : Joined("/", Member, "/", i);
+    const auto found = seen.find(Ids[i]);
+    if (found == seen.end()) {
+      Faults.AddInput("choice", place, Joined("names no part, found ", Quoted(Ids[i]), NearMiss(Ids[i], known)));
+    } else if (std::exchange(found->second, true)) {
+      Faults.AddInput("duplicate-id", place, Joined(Quoted(Ids[i]), " stands twice in the list"));
+    }
+  }
+}
+
+void CheckVertexProducts(const Job& AJob, const std::vector<TPairOfParts>& Pairs, FaultList& Faults) {
+  std::vector<Int64> counts;
+  for (const Part& part : AJob.Parts) counts.push_back(VertexCount(part));
+  for (const auto& [fixed, moving] : Pairs) {
+    if (counts[fixed] * counts[moving] <= limits::kVertexProduct) continue;
+    return Faults.AddLimit(Joined("/parts/", moving),
+                           Joined("has ", counts[moving], " points, times the ", counts[fixed], " of /parts/", fixed,
+                                  " more than the ", limits::kVertexProduct, " that a pair may have"));
+  }
+}
+
+void CheckPairs(const Job& AJob, FaultList& Faults) {
+  const Int64 fixed = AJob.Fixed.empty() ? Size(AJob.Parts) : Size(AJob.Fixed);
+  const Int64 moving = AJob.Moving.empty() ? Size(AJob.Parts) : Size(AJob.Moving);
+  if (fixed * moving > limits::kPairs)
+    return Faults.AddLimit("/parts", Joined("must make at most ", limits::kPairs, " pairs, found ", fixed * moving));
+  const std::vector<TPairOfParts> pairs = PairsOf(AJob);
+  if (pairs.empty() && !AJob.Parts.empty() && !Faults.Knows("/fixed") && !Faults.Knows("/moving"))
+    Faults.AddInput("entries", "/parts", "must make at least 1 pair of two parts");
+  CheckVertexProducts(AJob, pairs, Faults);
+}
+
+}  // namespace
+
+void FindShapeFaults(const Part& APart, int Index, FaultList& Faults) {
+  if (APart.Outline.empty()) {
+    if (!APart.Holes.empty()) Faults.AddInput("conflict", Joined("/parts/", Index, "/holes"), "need an `outline`");
+    return;
+  }
+  const std::string place = ContourPlace(Index, 0);
+  if (APart.Width != 0 || APart.Height != 0)
+    return Faults.AddInput("conflict", place, "must not stand beside `width` and `height`");
+  if (Size(APart.Holes) > limits::kHoles)
+    return Faults.AddLimit(Joined("/parts/", Index, "/holes"),
+                           Joined("must have at most ", limits::kHoles, " entries, found ", Size(APart.Holes)));
+  // No pair of three points and more is under the limit of the product.
+  if (VertexCount(APart) > limits::kVertexProduct / 3)
+    return Faults.AddLimit(Joined("/parts/", Index), Joined("must have at most ", limits::kVertexProduct / 3,
+                                                            " points in all its contours, found ", VertexCount(APart)));
+  bool isSound = CheckPoints(APart.Outline, place, Faults);
+  if (isSound) CheckBoxSize(APart.Outline, place, Faults);
+  for (int i = 0; i < Size(APart.Holes); ++i)
+    isSound &= CheckPoints(APart.Holes[i], ContourPlace(Index, i + 1), Faults);
+  if (isSound && !Faults.Knows(Joined("/parts/", Index))) CheckContours(APart, Index, Faults);
+}
+
+void RefuseShapes(const Job& AJob, FaultList& Faults) {
+  const std::string_view kind = KindName(AJob.Kind);
+  for (int i = 0; i < Size(AJob.Parts); ++i)
+    if (!AJob.Parts[i].Outline.empty())
+      Faults.AddInput("conflict", ContourPlace(i, 0), Joined("has no meaning in a job of kind `", kind, "`"));
+  const std::pair<std::string_view, bool> members[] = {{"/fixed", !AJob.Fixed.empty()},
+                                                       {"/moving", !AJob.Moving.empty()},
+                                                       {"/inside", AJob.Inside},
+                                                       {"/quality", AJob.Quality != NfpQuality::Complete}};
+  for (const auto& [place, isGiven] : members)
+    if (isGiven)
+      Faults.AddInput("conflict", std::string(place), Joined("has no meaning in a job of kind `", kind, "`"));
+}
+
+void FindPairFaults(const Job& AJob, FaultList& Faults) {
+  if (!AJob.Plates.empty())
+    Faults.AddInput("entries", "/plates", "must be left out in a job of kind `nfp`: a plate is a part with an outline");
+  if (AJob.Gap != 0) Faults.AddInput("conflict", "/gap", "has no meaning in a job of kind `nfp`");
+  if (AJob.Margin != Job{}.Margin) Faults.AddInput("conflict", "/margin", "has no meaning in a job of kind `nfp`");
+  if (QualityName(AJob.Quality).empty())
+    Faults.AddInput("choice", "/quality", Joined("must be one of ", Listed(kQualityNames)));
+  CheckIdList(AJob, AJob.Fixed, "fixed", Faults);
+  CheckIdList(AJob, AJob.Moving, "moving", Faults);
+  CheckPairs(AJob, Faults);
+}
+
+}  // namespace platenest::detail

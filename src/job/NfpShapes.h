@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "platenest/foundation/Paths.h"
+#include "platenest/foundation/Polyline.h"
+#include "platenest/job/Job.h"
+#include "platenest/job/Result.h"
+
+// Parts of a job of kind Nfp as shapes, and the pairs that it asks for.
+namespace platenest::detail {
+
+// Positions in the list of parts.
+struct TPairOfParts {
+  int Fixed;
+  int Moving;
+};
+
+// All pairs in the order of the answer; unknown ids are left out. Where the job names no parts on one side, a part is
+// not asked for within itself.
+std::vector<TPairOfParts> PairsOf(const Job& AJob);
+
+// The contours of a part, the outer one first, each without points that fall onto their former one on the grid of path
+// units. The contour of a rectangle has four points.
+std::vector<PolygonRing> ContoursOf(const Part& APart);
+Int64 VertexCount(const Part& APart);
+
+TVHPolygon ShapeOf(const Part& APart);
+// In path units: outer contour counter-clockwise, holes clockwise.
+TPaths PathsOf(const Part& APart);
+
+// A contour as path, without points that fall onto their former one. The coordinates are finite and within the limits.
+TPath PathOf(const PolygonRing& AContour);
+TPaths PathsOf(const std::vector<PolygonRing>& Contours);
+// Path units to drawing units, to five decimals exactly.
+std::vector<PolygonRing> ContoursOf(const TPaths& Paths);
+
+}  // namespace platenest::detail
