@@ -227,6 +227,7 @@ class TKineticConvolution::TRun {
   bool TryRung(int Rung);
   void RecheckInside();
   bool IsWorthRecheck() const;
+  int MostTrailChips() const;
   bool TrailsInstead();
   bool Differs(const TPaths& Trails) const;
   bool HoldsAllWithoutChoice() const;
@@ -433,7 +434,7 @@ void TKineticConvolution::TRun::RecheckInside() {
 // circuits' one, or where there is none, if it passes the same judgement. Inside it matters as much: a circuit missed
 // there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
-  if (FLevel > kLevelFull || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
+  if (FLevel > kLevelFull || Size(FOwner.FChips) > MostTrailChips() || !NfpTrailCheckEnabled) return false;
   if (FUsable && HoldsAllWithoutChoice()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
@@ -443,6 +444,11 @@ bool TKineticConvolution::TRun::TrailsInstead() {
   FPaths = std::move(trails);
   ++NfpStatistics.TrailHits;
   return true;
+}
+
+int TKineticConvolution::TRun::MostTrailChips() const {
+  const bool regular = EdgesPerDirection(FS) >= kTrailRegularFrom && EdgesPerDirection(FD) >= kTrailRegularFrom;
+  return regular ? kTrailChipsOfRegular : kTrailChips;
 }
 
 bool TKineticConvolution::TRun::Differs(const TPaths& Trails) const {

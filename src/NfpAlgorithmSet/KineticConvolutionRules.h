@@ -175,8 +175,11 @@ inline constexpr double kRecheckParallelsAbove = 2;
 
 // Convolutions of full loops up to this many chips are checked against the union of their closed trails, which takes
 // its place where the areas differ by more than this share; inside also by more than this area, so that the slivers of
-// an exact fit, which rounding may lose in either union, decide nothing.
+// an exact fit, which rounding may lose in either union, decide nothing. Loops of few directions, where circuits are
+// missed most, are checked up to the higher number.
 inline constexpr int kTrailChips = 5000;
+inline constexpr int kTrailChipsOfRegular = 25'000;
+inline constexpr double kTrailRegularFrom = 2;  // edges per direction, of both loops
 inline constexpr double kTrailAreaShare = 1e-6;
 inline constexpr double kTrailAreaInside = 40'000;  // path units squared
 
