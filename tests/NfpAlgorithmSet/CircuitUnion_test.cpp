@@ -224,5 +224,25 @@ TEST(CircuitUnion, BatchesChangeNothing) {
   });
 }
 
+// A path with a lobe that winds about the wrong way and takes from two circles of one batch: it is in no batch, as one
+// of the last points or because it meets a path that takes from it.
+TEST(CircuitUnion, BatchesMindWrongLobesOfPathsThatAreInNone) {
+  const TPath bow = PathOf({{-400, 100}, {1600, -400}, {1600, 400}, {-400, -100}});
+  for (const bool meetsHole : {false, true}) {
+    TPaths circuits{CircleAt(0, 0, 150), CircleAt(1, 0, 150)};
+    if (meetsHole) circuits.insert(circuits.begin(), {bow, PathOf(Clockwise(Rect(1500, -10, 20, 20)))});
+    for (const double x : {5000, 8000, 11000}) circuits.push_back(CircleAt(x, 0, 300));
+    if (!meetsHole) circuits.push_back(bow);
+    TPathsAsCircuits given;
+    for (const TPath& path : circuits) given.Add(path);
+    const TVectorGraph graph = GraphWith(given.Points);
+    TConvolutionProbe convolution(Clockwise(Rect(0, 0, 9, 9)), Rect(0, 0, 1, 1));
+    TPaths paths;
+    ASSERT_TRUE(convolution.UnionCircuits(TFound(graph, given.Circuits), paths, true));
+    const TPaths expected = PositiveUnion(circuits);
+    EXPECT_LT(Difference(paths, expected), 1e-7 * TPathUtils::Area(expected));
+  }
+}
+
 }  // namespace
 }  // namespace platenest
