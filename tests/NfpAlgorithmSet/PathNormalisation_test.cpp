@@ -358,6 +358,11 @@ TEST(PathNormalisation, SortsOutSeveralRegions) {
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0006)}), 1) << "nothing left to try";
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0008)}), 2);
 
+  TPath slot{{0, 1'400'014}};
+  for (int i = 0; i < 110; ++i) slot.push_back({1000 * i, 1'400'000});
+  slot.push_back({109'000, 1'400'014});
+  EXPECT_EQ(left(Cavity(box, unit), {region, slot}), 1) << "cleaned away";
+
   for (const std::size_t count : {25u, 26u}) {
     TPaths regions(count, inBar);
     EXPECT_EQ(Cavity(comb, test::Circle(6, 0.5)).NormorlizePaths(regions, true), count == 25);
