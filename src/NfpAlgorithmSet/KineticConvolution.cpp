@@ -417,7 +417,7 @@ bool TKineticConvolution::TRun::IsWorthRecheck() const {
   if (!FInside || !FPaths.empty() || FS.FCount() <= kRecheckStaticEdgesAbove) return false;
   if (FSearch->Circuits.OuterCycleCounter() > kRecheckCircuitsAbove) return true;
   return FS.FCount() > kRecheckLargeStaticEdgesAbove && FD.FCount() > kRecheckDynamicEdgesAbove &&
-         EdgesPerDirection(FS) * EdgesPerDirection(FD) > kRecheckParallelsAbove && !FS.IsConvex();
+         static_cast<double>(EdgeProduct(FS, FD)) / FD.Count() / FS.Count() > kRecheckParallelsAbove && !FS.IsConvex();
 }
 
 // What is found with a hull fits with the true shape, too; what is not found changes nothing.
