@@ -433,7 +433,9 @@ void TKineticConvolution::TRun::RecheckInside() {
 // circuits' one, or where there is none, if it passes the same judgement. Inside it matters as much: a circuit missed
 // there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
-  if (FLevel > kLevelFull || Size(FOwner.FChips) > kTrailChips || !NfpTrailCheckEnabled) return false;
+  const bool parallels = std::min(EdgesPerDirection(FS), EdgesPerDirection(FD)) >= kTrailParallelsFrom;
+  const int chips = parallels ? kTrailChipsOfParallels : kTrailChips;
+  if (FLevel > kLevelFull || Size(FOwner.FChips) > chips || !NfpTrailCheckEnabled) return false;
   if (FUsable && HoldsAllWithoutChoice()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
