@@ -188,8 +188,8 @@ class TBatches {
  public:
   explicit TBatches(TClipper& Clipper) : FClipper(Clipper) {}
 
-  // What to unite in the end in place of Paths, with the same result. If a batch has places that it winds about the
-  // wrong way, its union would not do, and Paths stay as they are.
+  // What to unite in the end in place of Paths, with the same result. If a batch, or what is positive in no batch, has
+  // places that it winds about the wrong way, unions would not do, and Paths stay as they are.
   void UniteAhead(TPaths& Paths) {
     const std::vector<bool> waits = PathsThatWait(Paths);
     if (!UniteBatches(Paths, waits)) return;
@@ -232,7 +232,15 @@ class TBatches {
       points = 0;
       isPlain = true;
     }
-    return true;
+    if (FUnited.empty()) return false;
+    for (std::size_t i = 0; i < Paths.size(); ++i) {
+      if (!Waits[i] || ClipperLib::Area(Paths[i]) < 0) continue;
+      FClipper.AddPath(Paths[i], ClipperLib::ptSubject, true);
+      isPlain = isPlain && IsSmallAndConvex(Paths[i]);
+    }
+    const bool windsRight = isPlain || !WindsTheWrongWay();
+    FClipper.Clear();
+    return windsRight;
   }
 
   bool WindsTheWrongWay() {

@@ -227,7 +227,6 @@ class TKineticConvolution::TRun {
   bool TryRung(int Rung);
   void RecheckInside();
   bool IsWorthRecheck() const;
-  int MostTrailChips() const;
   bool TrailsInstead();
   bool Differs(const TPaths& Trails) const;
   bool HoldsAllWithoutChoice() const;
@@ -418,7 +417,7 @@ bool TKineticConvolution::TRun::IsWorthRecheck() const {
   if (!FInside || !FPaths.empty() || FS.FCount() <= kRecheckStaticEdgesAbove) return false;
   if (FSearch->Circuits.OuterCycleCounter() > kRecheckCircuitsAbove) return true;
   return FS.FCount() > kRecheckLargeStaticEdgesAbove && FD.FCount() > kRecheckDynamicEdgesAbove &&
-         EdgesPerDirection(FS) * EdgesPerDirection(FD) > kRecheckParallelsAbove && !FS.IsConvex();
+         static_cast<double>(EdgeProduct(FS, FD)) / FD.Count() / FS.Count() > kRecheckParallelsAbove && !FS.IsConvex();
 }
 
 // What is found with a hull fits with the true shape, too; what is not found changes nothing.
@@ -434,7 +433,9 @@ void TKineticConvolution::TRun::RecheckInside() {
 // circuits' one, or where there is none, if it passes the same judgement. Inside it matters as much: a circuit missed
 // there is a place where parts overlap.
 bool TKineticConvolution::TRun::TrailsInstead() {
-  if (FLevel > kLevelFull || Size(FOwner.FChips) > MostTrailChips() || !NfpTrailCheckEnabled) return false;
+  const bool parallels = std::min(EdgesPerDirection(FS), EdgesPerDirection(FD)) >= kTrailParallelsFrom;
+  const int chips = parallels ? kTrailChipsOfParallels : kTrailChips;
+  if (FLevel > kLevelFull || Size(FOwner.FChips) > chips || !NfpTrailCheckEnabled) return false;
   if (FUsable && HoldsAllWithoutChoice()) return false;
   ++NfpStatistics.TrailChecks;
   TPaths trails;
@@ -444,11 +445,6 @@ bool TKineticConvolution::TRun::TrailsInstead() {
   FPaths = std::move(trails);
   ++NfpStatistics.TrailHits;
   return true;
-}
-
-int TKineticConvolution::TRun::MostTrailChips() const {
-  const bool regular = EdgesPerDirection(FS) >= kTrailRegularFrom && EdgesPerDirection(FD) >= kTrailRegularFrom;
-  return regular ? kTrailChipsOfRegular : kTrailChips;
 }
 
 bool TKineticConvolution::TRun::Differs(const TPaths& Trails) const {

@@ -175,11 +175,12 @@ inline constexpr double kRecheckParallelsAbove = 2;
 
 // Convolutions of full loops up to this many chips are checked against the union of their closed trails, which takes
 // its place where the areas differ by more than this share; inside also by more than this area, so that the slivers of
-// an exact fit, which rounding may lose in either union, decide nothing. Loops of few directions, where circuits are
-// missed most, are checked up to the higher number.
+// an exact fit, which rounding may lose in either union, decide nothing.
+// Circuits miss places above all where many edges are parallel; there the chips mostly lie on each other, so more of
+// them are cheap to unite.
 inline constexpr int kTrailChips = 5000;
-inline constexpr int kTrailChipsOfRegular = 25'000;
-inline constexpr double kTrailRegularFrom = 2;  // edges per direction, of both loops
+inline constexpr int kTrailChipsOfParallels = 50'000;
+inline constexpr double kTrailParallelsFrom = 4;  // edges per direction, in both loops
 inline constexpr double kTrailAreaShare = 1e-6;
 inline constexpr double kTrailAreaInside = 40'000;  // path units squared
 

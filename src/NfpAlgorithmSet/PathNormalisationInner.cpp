@@ -32,10 +32,14 @@ bool CleanShortPath(TPath& Path) {
   return Path.size() != points;
 }
 
+void DropWhatIsGone(TPaths& Paths) {
+  std::erase_if(Paths, [](const TPath& path) { return path.size() < kFewestPoints; });
+}
+
 void CleanShortPaths(TPaths& Paths) {
   bool changed = false;
   for (TPath& path : Paths) changed = CleanShortPath(path) || changed;
-  if (changed) std::erase_if(Paths, [](const TPath& path) { return path.size() < kFewestPoints; });
+  if (changed) DropWhatIsGone(Paths);
 }
 
 bool IsSliver(const TPath& Path, double Area) {
@@ -124,6 +128,7 @@ bool TKineticConvolution::NormorlizeRegions(TPaths& paths) const {
   paths = Candidates(std::move(paths));
   if (CandidatesNeedTrial(pair, paths.size())) DropWhatOverlaps(paths, pair);
   for (TPath& path : paths) CleanSurvivor(path);
+  DropWhatIsGone(paths);
   return paths.size() <= kMostSurvivors || !pair.EdgesOfBothAbove(kManySurvivorsEdgesAbove) ||
          !TLoopPair::HasParallels(pair.St);
 }

@@ -170,6 +170,18 @@ TEST(KineticConvolution, OuterPolygonsAreExact) {
   });
 }
 
+TEST(KineticConvolution, OutlinesOfManyParallelEdgesAreExactThoughTheirChipsAreMany) {
+  for (const unsigned seed : {4u, 28u, 44u, 101u}) {
+    const TShapePair pair = MakePair(200, seed);
+    const TPath fixed = OuterContour(pair.Static);
+    const TPath moving = OuterContour(pair.Dynamic);
+    const TResult result = Around(fixed, moving);
+    EXPECT_GT(result.Did.Chips, 5000);
+    const double exact = RegionArea(ForbiddenRegion({fixed}, {moving}));
+    EXPECT_NEAR(result.Area(), exact, 1e-4 * exact) << NameOf(pair.StaticKind) << NameOf(pair.DynamicKind);
+  }
+}
+
 // Slits of a cavity are walls, and walls below 0.001 vanish when a loop is made; so plates with slits stay out.
 TEST(KineticConvolution, InnerRegionsAreExactWhicheverShapeIsTheCavity) {
   ForEachSeed(120, [](unsigned seed) {

@@ -69,7 +69,6 @@ TEST(PathNormalisation, TellsNoiseFromPathsThatMeanSomething) {
       {"an outer one apart", withSlivers(1, 39'900), false},
       {"an outer one inside", {outline, Sliver(39'900, 0)}, true},
       {"20 outer ones", {20, outline}, false},
-      {"19 outer ones", {19, outline}, true},
       {"two that overlap", {BoxPath(-2, -2, 7, 12), BoxPath(4, -2, 6, 12)}, true},
       {"two that nearly touch", {BoxPath(-2, -2, 7, 12), BoxPath(5.00008, -2, 4.99992, 12)}, true},
       {"two with a gap", {BoxPath(-2, -2, 7, 12), BoxPath(5.0001, -2, 4.9999, 12)}, false},
@@ -80,18 +79,6 @@ TEST(PathNormalisation, TellsNoiseFromPathsThatMeanSomething) {
     if (!row.Expected) continue;
     EXPECT_EQ(row.Paths.size(), 1u) << row.What;
     EXPECT_NEAR(ClipperLib::Area(row.Paths[0]), 144e10, 2e8) << row.What;
-  }
-}
-
-TEST(PathNormalisation, IgnoresAMinuteShareOfAHugeOutlineUnlessItHasManyPoints) {
-  TPath many = Sliver(39'900);
-  while (many.size() < 10) many.insert(many.begin() + 1, TPathUtils::CreateIntPoint(many[0].X + 100 - Size(many), 0));
-  for (const bool isMany : {false, true}) {
-    TConvolutionProbe convolution(Rect(0, 0, 8000, 8000), Rect(0, 0, 2000, 2000));
-    TPaths paths{BoxPath(0, 0, 10'000, 10'000), isMany ? many : Sliver(39'900, 10'000'000'000)};
-    if (isMany) paths[1].swap(many);
-    for (TIntPoint& point : paths[1]) point.X += 10'000'000'000;
-    EXPECT_EQ(convolution.NormorlizePaths(paths, false), !isMany);
   }
 }
 
@@ -130,17 +117,13 @@ TEST(PathNormalisation, TriesHolesInTheirOrder) {
   };
   const TRow rows[] = {
       {"true one", 0, {whole}, 1},
-      {"in the material", 0, {HolePath(16, 1, 1, 1)}, 0},
       {"alike", 2, {whole}, 0},
       {"alike with noise", 2, {whole, Sliver(10'000)}, 1},
-      {"tiny, then", 1, {square(0.2), whole}, 2},
       {"ends with a small one", 1, {square(0.3), whole}, 0},
       {"unlike loops go on", 0, {square(0.3), whole}, 2},
-      {"skips one below a hundredth", 1, {square(2.19), whole}, 1},
       {"keeps one above", 1, {square(2.21), whole}, 2},
       {"skips a large one", 1, {HolePath(5, 5, 12.1, 12.1), whole}, 1},
       {"ten at most", 0, TPaths(12, whole), 10},
-      {"two unused", 0, {whole, Sliver(12'000), Sliver(12'000)}, 1},
       {"three unused", 0, {whole, Sliver(12'000), Sliver(12'000), Sliver(12'000)}, 0},
   };
   for (const TRow& row : rows) {
@@ -160,21 +143,18 @@ TEST(PathNormalisation, TriesHolesInTheirOrder) {
 
 TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
   const TVPolyline2D box = Rect(0, 0, 1, 1), pentagon = test::Circle(5, 1);
-  const TVPolyline2D comb2 = CombOf(2, 0.1), comb3 = CombOf(3, 0.1), comb4 = CombOf(4, 0.1), comb5 = CombOf(5, 0.1);
+  const TVPolyline2D comb2 = CombOf(2, 0.1), comb3 = CombOf(3, 0.1), comb4 = CombOf(4, 0.1);
   struct TRow {
     TVPolyline2D St, Dy;
     int Similar, Unused, Points, Bump;
     bool Removed;
   };
   const TRow rows[] = {
-      {box, box, 2, 0, 36, 19, true},           {box, box, 2, 0, 36, 21, false},
-      {box, box, 2, 0, 35, 14, false},          {box, box, 1, 0, 36, 14, false},
-      {box, box, 2, 1, 16, 19, true},           {box, box, 2, 1, 15, 14, false},
-      {pentagon, pentagon, 2, 0, 9, 14, true},  {pentagon, pentagon, 2, 0, 9, 16, false},
-      {pentagon, pentagon, 2, 0, 8, 14, false}, {pentagon, box, 2, 0, 9, 14, false},
-      {comb3, box, 4, 0, 8, 14, false},         {comb3, comb2, 4, 0, 8, 14, true},
-      {comb3, comb2, 3, 0, 8, 14, false},       {comb3, comb4, 3, 0, 8, 14, true},
-      {comb2, comb5, 3, 0, 8, 14, false},       {comb2, comb5, 2, 0, 8, 14, false},
+      {box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
+      {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
+      {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
+      {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
+      {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true},
   };
   for (const TRow& row : rows) {
     TConvolutionProbe convolution(row.St, row.Dy);
@@ -211,14 +191,9 @@ TEST(PathNormalisation, RefusesOutlinesThatAreTooSmall) {
       {"narrow", large, small, 0, Notched(11.89, 12, 140), false},
       {"low", large, small, 0, Notched(12, 11.89, 140), false},
       {"not narrow", large, small, 0, Notched(11.91, 12, 140), true},
-      {"narrow but large", large, small, 0, Notched(11.89, 12, 141), true},
       {"equal boxes, narrow", large, large, 0, Notched(19.89, 20, 349.9), false},
-      {"equal boxes", large, large, 0, Notched(19.91, 20, 349.9), true},
-      {"equal boxes, large", large, large, 0, Notched(19.89, 20, 350.1), true},
       {"alike combs, narrow", comb, comb, 3, Notched(21.89, 4, 66), false},
       {"alike combs", comb, comb, 3, Notched(21.91, 4, 66), true},
-      {"alike combs, large", comb, comb, 3, Notched(21.89, 4, 66.5), true},
-      {"unlike combs", comb, comb, 2, Notched(21.89, 4, 66), true},
       {"alike, few edges", shortComb, shortComb, 3, Notched(17.89, 4, 54), true},
   };
   for (const TRow& row : rows) {
@@ -263,13 +238,10 @@ TEST(PathNormalisation, EmptiesASoleInnerPathThatIsNoRegion) {
       {"clockwise", HolePath(1, 1, 3, 3), 0},
       {"triangle below 4e-6", PolygonPath(2, 2, 3, 3.9e-6), 0},
       {"triangle above", PolygonPath(2, 2, 3, 4.1e-6), 1},
-      {"pentagon below 4e-6", PolygonPath(2, 2, 5, 3.9e-6), 0},
-      {"pentagon above", PolygonPath(2, 2, 5, 4.1e-6), 1},
       {"box below 1e-6", PolygonPath(2, 2, 4, 0.9e-6), 0},
       {"box above", PolygonPath(2, 2, 4, 1.1e-6), 1},
       {"hexagon", PolygonPath(2, 2, 6, 0.9e-6), 1},
       {"a slot is cleaned away", {{0, 0}, {100'000, 0}, {100'000, 14}, {0, 14}}, 0},
-      {"a wider one is not", {{0, 0}, {100'000, 0}, {100'000, 16}, {0, 16}}, 1},
       {"two points", {{0, 0}, {9, 9}}, 0},
   };
   for (TRow& row : rows) {
@@ -293,12 +265,9 @@ TEST(PathNormalisation, TriesASoleInnerPathOfRichLoops) {
       {"large region", test::Circle(351, 50), unit, 10.1, 8, false},
       {"fewer edges", test::Circle(350, 50), unit, 9.9, 8, false},
       {"long path", test::Circle(351, 50), unit, 9.9, 54, true},
-      {"longer path", test::Circle(351, 50), unit, 9.9, 55, false},
       {"region below the shape", test::Circle(7, 50), box, 3.9, 8, true},
-      {"region above the shape", test::Circle(7, 50), box, 4.1, 8, false},
       {"six edges", test::Circle(6, 50), box, 3.9, 8, false},
       {"dense", CombOf(9, 9), unit, 20, 8, true},
-      {"less dense", CombOf(8, 9), unit, 20, 8, false},
       {"parallel in both", CombOf(8, 9), CombOf(2, 0.5), 20, 8, true},
   };
   for (const TRow& row : rows) {
@@ -346,17 +315,19 @@ TEST(PathNormalisation, SortsOutSeveralRegions) {
   EXPECT_EQ(left(Cavity(box, unit), {region, PolygonPath(9, 9, 6, 8e-5)}), 2);
   EXPECT_EQ(left(Cavity(box, unit), {region, HolePath(3, 3, 1, 1)}), 1);
 
-  EXPECT_EQ(left(Cavity(box, unit), {region, region, region, region, outside}), 5) << "five are not tried";
   EXPECT_EQ(left(Cavity(box, unit), {region, region, region, region, region, outside}), 5);
   const TVPolyline2D comb = CombOf(8, 9), comb9 = CombOf(9, 9), comb10 = CombOf(10, 9);  // bar 9 high, parallel edges
   const TPath inBar = BoxPath(2, 2, 3, 3), inMaterial = BoxPath(500, 2, 3, 3);
-  EXPECT_EQ(left(Cavity(comb, unit), {inBar, inBar, inMaterial}), 3);
-  EXPECT_EQ(left(Cavity(comb9, unit), {inBar, inMaterial}), 2);
   EXPECT_EQ(left(Cavity(comb9, unit), {inBar, inBar, inMaterial}), 2);
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, inMaterial}), 1);
   EXPECT_EQ(left(Cavity(CombOf(3, 9), CombOf(2)), {inBar, inMaterial}), 1) << "parallel edges in both";
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0006)}), 1) << "nothing left to try";
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0008)}), 2);
+
+  TPath slot{{0, 1'400'014}};
+  for (int i = 0; i < 110; ++i) slot.push_back({1000 * i, 1'400'000});
+  slot.push_back({109'000, 1'400'014});
+  EXPECT_EQ(left(Cavity(box, unit), {region, slot}), 1) << "cleaned away";
 
   for (const std::size_t count : {25u, 26u}) {
     TPaths regions(count, inBar);
@@ -379,7 +350,6 @@ TEST(TrialPlacement, LooksAtTheFirstPointOrAtAll) {
   };
   const TPath apart{{1'000'000, 500'000}, {1'000'000, 900'000}, {1'200'000, 500'000}};
   EXPECT_FALSE(first(apart, 0)) << "touching";
-  EXPECT_FALSE(whole(apart, 0));
   EXPECT_TRUE(first({{999'990, 500'000}, {1'000'000, 900'000}, {1'200'000, 500'000}}, 0));
   const TPath lateOverlap{{1'000'000, 500'000}, {1'200'000, 500'000}, {999'990, 900'000}};
   EXPECT_FALSE(first(lateOverlap, 0));
@@ -392,7 +362,6 @@ TEST(TrialPlacement, LooksAtTheFirstPointOrAtAll) {
   }
   EXPECT_FALSE(first(BoxPath(20, 20, 1, 0.0004), -1));
   EXPECT_FALSE(first(HolePath(9.99995, 5, 2, 2), -1)) << "a hole shrinks too";
-  EXPECT_FALSE(whole(HolePath(9.9999, 5, 2, 2), -1));
   EXPECT_TRUE(first({}, 0));
 }
 

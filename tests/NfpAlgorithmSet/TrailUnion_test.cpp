@@ -9,7 +9,6 @@
 #include "ForEachSeed.h"
 #include "InnerFit.h"
 #include "NfpSampling.h"
-#include "platenest/NfpAlgorithmSet/KineticConvolution.h"
 
 namespace platenest {
 namespace {
@@ -80,25 +79,6 @@ TEST(TrailUnion, IsWhereAPartFitsIntoACavity) {
     ExpectRegion(paths, exact, 1e-5 * TPathUtils::TotalLength(exact) / kPathScale);
   });
   EXPECT_GT(fitting, 60);
-}
-
-TEST(TrailUnion, TakesTheChipsOfKineticLoops) {
-  ForEachSeed(300, [](unsigned seed) {
-    const TShapePair pair = MakePair(40, seed);
-    SCOPED_TRACE(std::string(NameOf(pair.StaticKind)) + " " + NameOf(pair.DynamicKind));
-    TVPolyline2D fixed = pair.Static[0];
-    TVPolyline2D moving = pair.Dynamic[0];
-    moving.Mirror();
-    TKMPLoop fixedLoop;
-    TKMPLoop movingLoop;
-    fixedLoop.Initialize(fixed);
-    movingLoop.Initialize(moving);
-    TChipList chips;
-    TKineticConvolution::CollectChains(fixedLoop, movingLoop, chips, true);
-    TKineticConvolution::CollectChains(movingLoop, fixedLoop, chips, false);
-    const TPaths exact = ForbiddenRegion(TPaths{OuterOf(pair.Static)}, TPaths{OuterOf(pair.Dynamic)});
-    ExpectRegion(United(chips, true), exact, 5e-6 * RegionArea(exact));
-  });
 }
 
 TEST(TrailUnion, CountsEqualChipsAsOftenAsTheyAreThere) {
