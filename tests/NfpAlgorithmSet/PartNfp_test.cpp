@@ -240,6 +240,27 @@ TEST(PlateNfp, LastPieceOfAJigsawNeedsALittlePlay) {
   }
 }
 
+// Nearly parallel edges leave needles many units long beside the true region, at whose points the part would overlap.
+TEST(PlateNfp, NeedlesAreNoRegions) {
+  const struct {
+    TShapeKind Kind;
+    double Grow;
+    unsigned Seed;
+  } cases[] = {{TShapeKind::NearParallel, 0.00170191, 1656},
+               {TShapeKind::Convex, 0.00087, 6666},
+               {TShapeKind::Holed, 0.00333432, 4100},
+               {TShapeKind::Holed, 0.0026, 5464}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Seed);
+    const TJigsaw jigsaw = MakeJigsaw(c.Kind, 16, 20, c.Grow, c.Seed);
+    const TVHPolygon cavity{jigsaw.Plate[1]};
+    const TVHPolygon part{jigsaw.Part[0]};
+    const TPaths paths = NfpOf(cavity, part, true);
+    EXPECT_FALSE(paths.empty());
+    EXPECT_EQ(CheckInnerFitBySampling(cavity, part, paths, 1, {40, 3e-4, true}), "");
+  }
+}
+
 TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
   TVHPolygon plate{Box(0, 100, 0, 100)};
   for (int i = 0; i < 60; ++i) {
