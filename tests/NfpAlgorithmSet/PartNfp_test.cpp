@@ -68,12 +68,6 @@ std::string Compared(const TPaths& Paths, const TPaths& Exact, double Share, dou
 // Cleaning takes up to 25 path units off an outline.
 constexpr double kCleaningBand = 2.5e-4;
 
-TEST(PartNfpRects, OuterCornersRunCounterClockwiseFromTheTopLeft) {
-  TPaths paths;
-  TPartNFP::CalcRectOuterNfp(Bounds(0, 4, 0, 3), Bounds(0, 2, 0, 1), paths);
-  EXPECT_THAT(paths, ElementsAre(Path(-2, 4, -1, 3)));
-}
-
 TEST(PartNfpRects, InnerRegionStartsAtOneUnitAndEndsWhereThePartIsTooLarge) {
   const struct {
     const char* Name;
@@ -342,6 +336,26 @@ TEST(PartNfp, RequestsAboveTheCeilingAreLowered) {
   TPartNFP kernel(ntExact);
   kernel.Nfp(fixed, moving, false, paths);
   EXPECT_EQ(kernel.Returned(), ntComplete);
+}
+
+// Each step but the last convolves a shifted contour, and the paths come back to where the shapes are.
+TEST(PartNfpLadder, StepsAnswerInTurn) {
+  const TVPolyline2D zigzag{{0, -0.001}, {1.0 / 6, 0.001}, {1.0 / 3, -0.001}, {0.5, 0.001}};
+  const struct {
+    int Step;
+    TVHPolygon Static, Dynamic;
+  } cases[] = {{1, {test::Circle(13, 2)}, {test::Circle(10, 0.0008)}},
+               {2, {zigzag}, {{{0, 0}, {1, 0.1}, {0.3, 1}}}},
+               {3, {test::Circle(12, 1)}, {test::Circle(10, 0.0006)}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Step);
+    const TRandomScope seed(1);
+    NfpStatistics = {};
+    const TPaths paths = NfpOf(c.Static, c.Dynamic);
+    EXPECT_EQ(NfpStatistics.Ladder[c.Step], 1);
+    EXPECT_EQ(CheckNfpBySampling(c.Static, c.Dynamic, paths, 1, {60, 0.03, c.Step == 3}), "");
+    EXPECT_EQ(BoldPointPrec, 0);
+  }
 }
 
 // Too small for the area test of the convolution: every step of the ladder fails in turn but the last one.
