@@ -60,6 +60,12 @@ bool IsTight(const TVRect2D& Cavity, const TVRect2D& Part) {
   return IsTightPlay(Cavity.Height() - Part.Height()) || IsTightPlay(Cavity.Width() - Part.Width());
 }
 
+// What nearly parallel edges leave beside a true region: many drawing units long, less than two path units wide, and at
+// its points the shapes may overlap by far.
+bool IsNeedle(const TPath& Path) {
+  return std::fabs(ClipperLib::Area(Path)) < kNeedleWidth * TPathUtils::TotalLength({Path});
+}
+
 TVPolyline2D HullOf(const TVPolyline2D& Contour) {
   TVPolyline2D hull;
   Contour.ConvexHull(hull);
@@ -279,6 +285,7 @@ TNFPType TPartNFP::InnerNfp(TPair& Pair, TPaths& NFPs) {
   if (!Pair.MayFit()) return ntComplete;
   const int level = Pair.FitsTightly() ? ZoomedNfp(Pair, NFPs) : ConvolveInside(Pair, NFPs);
   if (level < 0) NFPs.clear();
+  std::erase_if(NFPs, IsNeedle);
   return TypeOfLevel(level);
 }
 

@@ -25,6 +25,9 @@ inline constexpr double kTightPlayHigh = 0.0041;
 inline constexpr double kTightZoom = 100;
 inline constexpr double kTightZoomBack = 0.01;
 
+// A path of less area than this times its length, in path units, is no region.
+inline constexpr double kNeedleWidth = 1;
+
 // Thinning of heavy contours: Tolerance + Step * (Min(n / Points, MostSteps) - 1) for n points, if n exceeds Points.
 struct TThinningRule {
   double Points;

@@ -1,6 +1,7 @@
 #include "platenest/foundation/PolyOffsetter.h"
 
 #include <cmath>
+#include <string>
 
 #include "platenest/foundation/PolylineTree.h"
 #include "platenest/foundation/Rounding.h"
@@ -38,11 +39,15 @@ TPaths TPolyOffsetter::OffsetPathsToPaths(const TPaths& Paths, Int64 Delta, int 
   const double mitreLimit = half > 0 && std::sin(half) > 0 ? 1 / std::sin(half) : 0;
   const double arcTolerance = half > 0 ? std::fabs(delta) * (1 - std::cos(half)) : 0;
   TClipperOffset offset(mitreLimit, arcTolerance);
-  const TPaths region = OrientedRegion(Paths);
-  offset.AddPaths(region, static_cast<ClipperLib::JoinType>(JoinType), ClipperLib::etClosedPolygon);
-  TPaths result;
-  offset.Execute(result, delta);
-  return result;
+  try {
+    const TPaths region = OrientedRegion(Paths);
+    offset.AddPaths(region, static_cast<ClipperLib::JoinType>(JoinType), ClipperLib::etClosedPolygon);
+    TPaths result;
+    offset.Execute(result, delta);
+    return result;
+  } catch (const ClipperLib::clipperException& error) {
+    throw TRangeError(std::string("[Error] TPolyOffsetter.OffsetPathsToPaths: ") + error.what());
+  }
 }
 
 TVHPolygonList TPolyOffsetter::OffsetHPolygon(const TVHPolygon& Polygon, double Delta, int JoinType, double ArcTol) {

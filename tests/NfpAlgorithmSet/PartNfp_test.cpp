@@ -68,12 +68,6 @@ std::string Compared(const TPaths& Paths, const TPaths& Exact, double Share, dou
 // Cleaning takes up to 25 path units off an outline.
 constexpr double kCleaningBand = 2.5e-4;
 
-TEST(PartNfpRects, OuterCornersRunCounterClockwiseFromTheTopLeft) {
-  TPaths paths;
-  TPartNFP::CalcRectOuterNfp(Bounds(0, 4, 0, 3), Bounds(0, 2, 0, 1), paths);
-  EXPECT_THAT(paths, ElementsAre(Path(-2, 4, -1, 3)));
-}
-
 TEST(PartNfpRects, InnerRegionStartsAtOneUnitAndEndsWhereThePartIsTooLarge) {
   const struct {
     const char* Name;
@@ -240,19 +234,52 @@ TEST(PlateNfp, LastPieceOfAJigsawNeedsALittlePlay) {
   }
 }
 
-TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
-  TVHPolygon plate{Box(0, 100, 0, 100)};
-  for (int i = 0; i < 60; ++i) {
-    const double x = 5 + 9 * (i % 10);
-    const double y = 5 + 9 * (i / 10);
-    plate.push_back(Box(x, x + 1, y, y + 1));
+// Nearly parallel edges leave needles many units long beside the true region, at whose points the part would overlap.
+TEST(PlateNfp, NeedlesAreNoRegions) {
+  const struct {
+    TShapeKind Kind;
+    double Grow;
+    unsigned Seed;
+  } cases[] = {{TShapeKind::NearParallel, 0.00170191, 1656},
+               {TShapeKind::Convex, 0.00087, 6666},
+               {TShapeKind::Holed, 0.00333432, 4100},
+               {TShapeKind::Holed, 0.0026, 5464}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Seed);
+    const TJigsaw jigsaw = MakeJigsaw(c.Kind, 16, 20, c.Grow, c.Seed);
+    const TVHPolygon cavity{jigsaw.Plate[1]};
+    const TVHPolygon part{jigsaw.Part[0]};
+    const TPaths paths = NfpOf(cavity, part, true);
+    EXPECT_FALSE(paths.empty());
+    EXPECT_EQ(CheckInnerFitBySampling(cavity, part, paths, 1, {40, 3e-4, true}), "");
   }
-  const TVHPolygon part{{{{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 3}, {0, 3}}}};
-  TVHPolygon dynamicPart = part;
+}
+
+TVHPolygon PlateWithHoles(int Count) {
+  TVHPolygon plate{Box(0, 100, 0, 100)};
+  for (int i = 0; i < Count; ++i) {
+    plate.push_back(test::Circle(26, 0.5));
+    plate.back().Translate({5.0 + 9 * (i % 10), 5.0 + 9 * (i / 10)});
+  }
+  return plate;
+}
+
+// After the first of more than 49 holes the others are asked for as hulls, which a part with a hole of its own shows:
+// it is hulled itself. The request after that is none of it, not even where a hole of the plate has raised.
+TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
+  const TVHPolygon part{test::Polar(402, [](int i) { return i == 0 ? 1.8 : 2; }), Box(-1, 1, -1, 1)};
   TPartNFP kernel(ntComplete);
   TPaths paths;
-  kernel.Nfp(plate, dynamicPart, true, paths);
-  EXPECT_EQ(Compared(paths, InnerFitRegion(plate, part), 1e-6, 2e-5), "");
+  for (const int holes : {49, 50}) {
+    TVHPolygon plate = PlateWithHoles(holes);
+    TVHPolygon dynamicPart = part;
+    kernel.Nfp(plate, dynamicPart, true, paths);
+    EXPECT_EQ(dynamicPart[0].IsConvexPolygon(), holes == 50);
+  }
+  TVHPolygon plate = PlateWithHoles(51);
+  plate.push_back({{5, 99}, {35, 99}, {20, 99.0001}});  // no loop can be made of it
+  TVHPolygon dynamicPart = part;
+  EXPECT_THROW(kernel.Nfp(plate, dynamicPart, true, paths), TNestError);
   // A product of points that would count as hulls if the lowered quality were still asked for.
   TVHPolygon fixed{test::Circle(250, 50)};
   TVHPolygon moving{test::Circle(201, 20)};
@@ -309,6 +336,26 @@ TEST(PartNfp, RequestsAboveTheCeilingAreLowered) {
   TPartNFP kernel(ntExact);
   kernel.Nfp(fixed, moving, false, paths);
   EXPECT_EQ(kernel.Returned(), ntComplete);
+}
+
+// Each step but the last convolves a shifted contour, and the paths come back to where the shapes are.
+TEST(PartNfpLadder, StepsAnswerInTurn) {
+  const TVPolyline2D zigzag{{0, -0.001}, {1.0 / 6, 0.001}, {1.0 / 3, -0.001}, {0.5, 0.001}};
+  const struct {
+    int Step;
+    TVHPolygon Static, Dynamic;
+  } cases[] = {{1, {test::Circle(13, 2)}, {test::Circle(10, 0.0008)}},
+               {2, {zigzag}, {{{0, 0}, {1, 0.1}, {0.3, 1}}}},
+               {3, {test::Circle(12, 1)}, {test::Circle(10, 0.0006)}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.Step);
+    const TRandomScope seed(1);
+    NfpStatistics = {};
+    const TPaths paths = NfpOf(c.Static, c.Dynamic);
+    EXPECT_EQ(NfpStatistics.Ladder[c.Step], 1);
+    EXPECT_EQ(CheckNfpBySampling(c.Static, c.Dynamic, paths, 1, {60, 0.03, c.Step == 3}), "");
+    EXPECT_EQ(BoldPointPrec, 0);
+  }
 }
 
 // Too small for the area test of the convolution: every step of the ladder fails in turn but the last one.

@@ -138,6 +138,12 @@ TEST(NfpCalculator, TurnedAndGrownCopy) {
   EXPECT_EQ(*nfp.NFP, paths);
   EXPECT_THROW(TNFPCalculator::RotateAndOffsetNFP(nfp, 0, 1, 3, 0.035), TArgumentError);
   EXPECT_TRUE(TNFPCalculator::RotateAndOffsetNFP(TNFP(), 1, 1, 0, 0.035).IsEmpty());
+  const Int64 edge = Int64{1} << 62;
+  const TNFP outermost(TPaths{{{-edge, -edge}, {edge, -edge}, {0, edge}}}, ntComplete);
+  EXPECT_THROW(TNFPCalculator::RotateAndOffsetNFP(outermost, 0, 1, 0, 0.035), TRangeError);
+  EXPECT_THROW(TNFPCalculator::RotateAndOffsetNFP(outermost, 0.5, 0, 0, 0.035), TRangeError);
+  EXPECT_THROW(TNFPCalculator::RotateAndOffsetNFP(nfp, std::numeric_limits<double>::quiet_NaN(), 0, 0, 0.035),
+               TRangeError);
 }
 
 }  // namespace

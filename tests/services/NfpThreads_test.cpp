@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Shapes.h"
+#include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/services/NFP.h"
 
@@ -19,6 +20,12 @@ std::vector<TPaths> Answers(unsigned FirstSeed) {
     const TShapePair pair = MakePair(16, FirstSeed + i);
     answers.push_back(*TNFPCalculator::CalcNFP(pair.Dynamic, pair.Static, i % 4 == 3, ntComplete, "", "").NFP);
   }
+  // One pair that takes the whole ladder of an outer pair, and one that fails and is logged.
+  const TVHPolygon corner{{{{0, 0}, {100, 0}, {100, 50}, {50, 50}, {50, 100}, {0, 100}}}};
+  const TVHPolygon tiny{{{{0, 0}, {0.02, 0}, {0, 0.02}}}};
+  answers.push_back(*TNFPCalculator::CalcNFP(tiny, corner, false, ntComplete, "", "").NFP);
+  const TVHPolygon line{{{{0, 0}, {1, 0}}}};
+  EXPECT_THROW(TNFPCalculator::CalcNFP(line, corner, false, ntComplete, "", ""), TNestError);
   return answers;
 }
 
@@ -32,7 +39,7 @@ TEST(NfpThreads, SeparateRequestsAgreeWithSingleRuns) {
   }
   EXPECT_EQ(found[0], expected[0]);
   EXPECT_EQ(found[1], expected[1]);
-  EXPECT_EQ(TNFPCalculator::CalcNFPCount - before, 4 * kPairs);
+  EXPECT_EQ(TNFPCalculator::CalcNFPCount - before, 4 * (kPairs + 2));
 }
 
 }  // namespace

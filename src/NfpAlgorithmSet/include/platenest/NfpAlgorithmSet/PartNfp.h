@@ -50,7 +50,8 @@ class PLATENEST_API TPartNFP {
   //
   // Known limits of inner pairs: a cavity of any other form must be larger by 0.0002 in width and height than what goes
   // in, so a fit without play is found in rectangles only; and the square of its area over its box must be above 0.8
-  // of the same measure of what goes in, which refuses a bar that fits into one arm of a thin L.
+  // of the same measure of what goes in, which refuses a bar that fits into one arm of a thin L. Regions that are
+  // narrower than two path units in the mean are dropped.
   //
   // May drop a repeated last point of the contours. Raises TNestError for a contour that no loop can be made of.
   TNFPType CalcNfp(TVPolyline2D& staticPoly, TVPolyline2D& dynamicPoly, bool putInside, TPaths& NFPs);

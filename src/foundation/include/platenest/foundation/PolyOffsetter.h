@@ -16,7 +16,8 @@ class PLATENEST_API TPolyOffsetter {
   //
   // The paths are taken together, filled where their winding is not zero: a hole must run against its outer contour, a
   // lone path counts as outer however it runs. Delta is in path units. The result has counter-clockwise outer contours
-  // and clockwise holes, in Clipper's order; it is empty where nothing is left.
+  // and clockwise holes, in Clipper's order; it is empty where nothing is left. A coordinate that is or gets beyond
+  // 2^62 raises TRangeError.
   static TPaths OffsetPathsToPaths(const TPaths& Paths, Int64 Delta, int JoinType, double ArcTol);
 
   // The same for a shape, Delta in drawing units: its first contour is the outer one and the others are holes, however
