@@ -5,6 +5,7 @@
 
 #include "CircuitUnionRules.h"
 #include "PathRules.h"
+#include "SimpleContour.h"
 #include "platenest/NfpAlgorithmSet/KineticConvolution.h"
 
 namespace platenest {
@@ -165,6 +166,13 @@ bool UniteAll(TClipper& Clipper, const TPaths& Paths, TPaths& Result) {
   return !hasEdges || Execute(Clipper, Result, ClipperLib::pftPositive);
 }
 
+// True if Paths are one contour that is its own union, which most small pairs give; flat vertices go as in a union.
+bool IsOneSimpleContour(TPaths& Paths) {
+  if (Paths.size() != 1) return false;
+  DropFlatVertices(Paths.front(), 0);
+  return IsSimpleCounterClockwise(Paths.front());
+}
+
 bool Meet(const TIntRect& A, const TIntRect& B) {
   return A.Left <= B.Right && B.Left <= A.Right && A.Bottom <= B.Top && B.Bottom <= A.Top;
 }
@@ -273,6 +281,10 @@ bool TKineticConvolution::UnionCircuits(const TKineticCircuits& circuits, TPaths
   else if (!choice.TakeCircuits() || choice.IsTooHeavy())
     return false;
 
+  if (IsOneSimpleContour(choice.Paths)) {
+    paths = std::move(choice.Paths);
+    return true;
+  }
   TClipper clipper;
   clipper.ReverseSolution(false);
   if (_edgeCount > kBatchPointsAbove) TBatches(clipper).UniteAhead(choice.Paths);
