@@ -8,6 +8,7 @@
 
 #include "ChipCollector.h"
 #include "KineticConvolutionRules.h"
+#include "SpareBuffers.h"
 #include "StandIns.h"
 #include "TrailUnion.h"
 #include "platenest/NfpAlgorithmSet/NfpStatistics.h"
@@ -46,6 +47,25 @@ bool HasParallels(const TKMPLoop& Loop) {
   return Loop.Count() < Loop.FCount();
 }
 
+// The graph of a small convolution, which the thread keeps for the next one, since its memory costs more than itself.
+class TSpareGraph {
+ public:
+  static TVectorGraph Take() {
+    if (!FSpare) return TVectorGraph(0);
+    TVectorGraph graph = std::move(*FSpare);
+    FSpare.reset();
+    return graph;
+  }
+  static void Give(TVectorGraph&& Graph) {
+    if (Graph.VertexCount() <= kMostVertices) FSpare.emplace(std::move(Graph));
+  }
+
+ private:
+  static constexpr int kMostVertices = 4000;
+
+  inline static thread_local std::optional<TVectorGraph> FSpare;
+};
+
 template <std::size_t N>
 int LevelOf(const TLevelRow (&Rows)[N], Int64 Size) {
   for (const TLevelRow& row : Rows)
@@ -68,7 +88,12 @@ TKineticConvolution::TKineticConvolution(TNFPType required, bool innerCheck)
     : _required(required),
       _innerCheck(innerCheck),
       FMaxConvolutionEdges(BudgetOf(required).Outer),
-      FInnerConvolutionEdges(BudgetOf(required).Inner) {}
+      FInnerConvolutionEdges(BudgetOf(required).Inner),
+      FChips(TSpareBuffers<TChip>::Take(0)) {}
+
+TKineticConvolution::~TKineticConvolution() {
+  TSpareBuffers<TChip>::Give(std::move(FChips));
+}
 
 TVectorGraph TKineticConvolution::Convolve(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop, bool putInside,
                                            int& level) {
@@ -77,7 +102,8 @@ TVectorGraph TKineticConvolution::Convolve(const TKMPLoop& staticLoop, const TKM
   FChips.reserve(kChipsPerDirection * static_cast<std::size_t>(staticLoop.Count() + dynamicLoop.Count()));
   level = putInside ? LayInnerChips(staticLoop, dynamicLoop) : LayOuterChips(staticLoop, dynamicLoop);
   const bool dxor = putInside && HasParallels(staticLoop) && HasParallels(dynamicLoop);
-  TVectorGraph graph(FChips, dxor);
+  TVectorGraph graph = TSpareGraph::Take();
+  graph.Restart(FChips, dxor);
   graph.EliminateEdges(dxor || (!putInside && IsPairOfBoxLikes(staticLoop, dynamicLoop)));
   return graph;
 }
@@ -212,6 +238,9 @@ class TKineticConvolution::TRun {
   };
   struct TSearch {
     explicit TSearch(TVectorGraph AGraph) : Graph(std::move(AGraph)), Circuits(Graph, kSmallestComponent) {}
+    ~TSearch() { TSpareGraph::Give(std::move(Graph)); }
+    TSearch(const TSearch&) = delete;
+    TSearch& operator=(const TSearch&) = delete;
 
     TVectorGraph Graph;
     TKineticCircuits Circuits;
