@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ChipCollector.h"
+#include "ConvexPair.h"
 #include "KineticConvolutionRules.h"
 #include "SpareBuffers.h"
 #include "StandIns.h"
@@ -248,6 +249,7 @@ class TKineticConvolution::TRun {
   static constexpr int kSmallestComponent = 2;
 
   TLoops Full() const { return {&FS, &FD, kLevelFailed}; }
+  bool TakeConvexPair();
   bool Search(const TLoops& Loops, TNFPType Required, int Similar);
   bool Unite(bool Forced);
   bool IsTooHeavy();
@@ -287,6 +289,7 @@ class TKineticConvolution::TRun {
 };
 
 int TKineticConvolution::TRun::Level() {
+  if (TakeConvexPair()) return kLevelFull;
   FUsable = Search(Full(), FRequired, FOwner._selfNfp);
   const bool heavy = IsTooHeavy();
   if (!heavy) FUsable = FUsable && Unite(false);
@@ -301,6 +304,22 @@ int TKineticConvolution::TRun::Level() {
   if (!FUsable || !FOwner.NormorlizePaths(FPaths, FInside)) return kLevelFailed;
   ++NfpStatistics.Rungs[FRung];
   return std::max(FLevel, kLevelFull);
+}
+
+// Two convex outlines need neither graph nor search.
+bool TKineticConvolution::TRun::TakeConvexPair() {
+  const int chips = FS.FCount() + FD.FCount();
+  if (FInside || BoldPointPrec != 0 || chips > kConvexPairChips) return false;
+  TPath ring;
+  if (!MergeConvexLoops(FS, FD, ring)) return false;
+  FOwner._stLoop = &FS;
+  FOwner._dyLoop = &FD;
+  FPaths.assign(1, std::move(ring));
+  if (!FOwner.NormorlizePaths(FPaths, false)) return false;
+  NfpStatistics.Chips += chips;
+  ++NfpStatistics.Circuits;
+  ++NfpStatistics.Rungs[0];
+  return true;
 }
 
 bool TKineticConvolution::TRun::Search(const TLoops& Loops, TNFPType Required, int Similar) {
