@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "CircuitUnionRules.h"
+#include "ContourUnion.h"
 #include "PathRules.h"
 #include "SimpleContour.h"
 #include "platenest/NfpAlgorithmSet/KineticConvolution.h"
@@ -166,13 +167,6 @@ bool UniteAll(TClipper& Clipper, const TPaths& Paths, TPaths& Result) {
   return !hasEdges || Execute(Clipper, Result, ClipperLib::pftPositive);
 }
 
-// True if Paths are one contour that is its own union, which most small pairs give; flat vertices go as in a union.
-bool IsOneSimpleContour(TPaths& Paths) {
-  if (Paths.size() != 1) return false;
-  DropFlatVertices(Paths.front(), 0);
-  return IsSimpleCounterClockwise(Paths.front());
-}
-
 bool Meet(const TIntRect& A, const TIntRect& B) {
   return A.Left <= B.Right && B.Left <= A.Right && A.Bottom <= B.Top && B.Bottom <= A.Top;
 }
@@ -281,9 +275,9 @@ bool TKineticConvolution::UnionCircuits(const TKineticCircuits& circuits, TPaths
   else if (!choice.TakeCircuits() || choice.IsTooHeavy())
     return false;
 
-  if (IsOneSimpleContour(choice.Paths)) {
-    paths = std::move(choice.Paths);
-    return true;
+  if (choice.Paths.size() == 1) {
+    DropFlatVertices(choice.Paths.front(), 0);
+    if (UniteContour(choice.Paths.front(), paths)) return true;
   }
   TClipper clipper;
   clipper.ReverseSolution(false);

@@ -52,7 +52,7 @@ bool MergeConvexLoops(const TKMPLoop& A, const TKMPLoop& B, TPath& Ring) {
     b += areNear || lead > 0;
   }
   DropFlatVertices(Ring, 0);
-  return IsSimpleCounterClockwise(Ring);
+  return IsConvexCounterClockwise(Ring);
 }
 
 }  // namespace platenest::detail

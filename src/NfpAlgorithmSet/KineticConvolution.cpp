@@ -314,7 +314,8 @@ bool TKineticConvolution::TRun::TakeConvexPair() {
   if (!MergeConvexLoops(FS, FD, ring)) return false;
   FOwner._stLoop = &FS;
   FOwner._dyLoop = &FD;
-  FPaths.assign(1, std::move(ring));
+  FPaths.clear();
+  FPaths.push_back(std::move(ring));
   if (!FOwner.NormorlizePaths(FPaths, false)) return false;
   NfpStatistics.Chips += chips;
   ++NfpStatistics.Circuits;

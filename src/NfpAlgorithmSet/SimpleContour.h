@@ -12,9 +12,7 @@ namespace platenest::detail {
 // add nothing to any winding number. Nothing is left of a contour without area.
 void DropFlatVertices(TPath& Points, std::size_t Begin);
 
-// Whether the contour, which has no flat vertices, runs counter-clockwise and neither crosses nor touches itself. Then
-// it is its own union. False also for long contours, which are not looked at. Cost: O(n log n + pairs of edges that
-// overlap in x); O(n) for a convex one.
-bool IsSimpleCounterClockwise(std::span<const TIntPoint> Contour);
+// Whether the contour turns left at every vertex and goes once round.
+bool IsConvexCounterClockwise(std::span<const TIntPoint> Contour);
 
 }  // namespace platenest::detail

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "ContourUnion.h"
 #include "SimpleContour.h"
 #include "platenest/foundation/Types.h"
 
@@ -213,10 +214,7 @@ std::span<const TIntPoint> TTrails::Ring(int Index) const {
 bool TTrails::Unite(TPaths& Paths) {
   const int rings = Size(FRingStarts) - 1;
   if (rings == 0) return true;
-  if (rings == 1 && IsSimpleCounterClockwise(Ring(0))) {
-    Paths.emplace_back(Ring(0).begin(), Ring(0).end());
-    return true;
-  }
+  if (rings == 1 && UniteContour(Ring(0), Paths)) return true;
   FClipper.Clear();
   FClipper.StrictlySimple(true);
   bool any = false;
