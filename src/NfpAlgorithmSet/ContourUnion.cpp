@@ -17,7 +17,7 @@ __extension__ using TWide = __int128;
 using TUnits = ClipperLib::cInt;
 
 constexpr int kNone = -1;
-constexpr std::size_t kMostPoints = 400;  // beyond, pairs of edges may cost more than a union
+constexpr int kMostPoints = 400;  // beyond, pairs of edges may cost more than a union
 constexpr std::size_t kMostCrossings = 60;
 constexpr TUnits kApart = 3;  // path units; nearer things may change places by rounding
 
@@ -110,7 +110,7 @@ bool AreApart(const TIntPoint& A, const TIntPoint& B) {
 
 class TArrangement {
  public:
-  bool Unite(std::span<const TIntPoint> Contour, TPaths& Paths);
+  bool Unite(const TContours& Contours, TPaths& Paths);
 
  private:
   struct TCrossing {
@@ -124,6 +124,13 @@ class TArrangement {
     TIntPoint Point;
     int Partner;  // the other visit of the crossing
     int Winding;  // left of the piece from here to the next stop
+    int Next;
+  };
+
+  struct TVisit {
+    int Edge;
+    int Other;
+    int Stop;
   };
 
   void LaySpans(std::span<const TIntPoint> Contour);
@@ -132,7 +139,9 @@ class TArrangement {
   bool FindCrossings();
   bool IsClear(const TCrossing& Crossing);
   bool SortCrossings();
-  bool WalkStops(std::span<const TIntPoint> Contour);
+  int WindingAround(const TIntPoint& Point, int FirstLeftOut, int PastLeftOut) const;
+  bool WalkStops(std::span<const TIntPoint> Contour, int FirstEdge);
+  void JoinVisits();
   bool TraceRegion(TPaths& Paths);
   bool TraceContour(int First, TPath& Contour);
   bool AreApartContours(const TPaths& Paths);
@@ -142,6 +151,7 @@ class TArrangement {
   std::vector<TUnits> FLevels;        // of all vertices, ascending
   std::vector<TCrossing> FCrossings;  // each twice, by edge and along it
   std::vector<TStop> FStops;
+  std::vector<TVisit> FVisits;
 };
 
 void TArrangement::LaySpans(std::span<const TIntPoint> Contour) {
@@ -215,33 +225,54 @@ bool TArrangement::SortCrossings() {
   return true;
 }
 
-// Outside the winding number is 0, and the lowest vertex is next to it.
-bool TArrangement::WalkStops(std::span<const TIntPoint> Contour) {
+// Of all contours but the one that has the edges left out.
+int TArrangement::WindingAround(const TIntPoint& Point, int FirstLeftOut, int PastLeftOut) const {
+  int winding = 0;
+  for (const TSpan& span : FSpans) {
+    if (span.Index >= FirstLeftOut && span.Index < PastLeftOut) continue;
+    const bool isRising = span.Start.Y <= Point.Y && Point.Y < span.End.Y;
+    const bool isFalling = span.End.Y <= Point.Y && Point.Y < span.Start.Y;
+    if (isRising && Side(span.Start, span.End, Point) > 0) ++winding;
+    if (isFalling && Side(span.Start, span.End, Point) < 0) --winding;
+  }
+  return winding;
+}
+
+// Outside a contour its own winding number is 0, and its lowest vertex is next to that.
+bool TArrangement::WalkStops(std::span<const TIntPoint> Contour, int FirstEdge) {
   const int count = Size(Contour);
   const int lowest = static_cast<int>(std::ranges::min_element(Contour, IsBelow) - Contour.begin());
   const TIntPoint& before = Contour[lowest == 0 ? count - 1 : lowest - 1];
   const TIntPoint& after = Contour[lowest + 1 == count ? 0 : lowest + 1];
   int winding = Turn(before, Contour[lowest], after) > 0 ? 1 : 0;
-  FStops.clear();
-  std::vector<std::pair<int, int>> visits;  // edges of a crossing, in ascending order, then its stop
+  winding += WindingAround(Contour[lowest], FirstEdge, FirstEdge + count);
+  const int first = Size(FStops);
+  const auto stop = [&](const TIntPoint& point, int partner) {
+    FStops.push_back({point, partner, winding, Size(FStops) + 1});
+  };
   for (int k = 0; k < count; ++k) {
-    const int edge = lowest + k < count ? lowest + k : lowest + k - count;
-    FStops.push_back({Contour[edge], kNone, winding});
+    const int vertex = lowest + k < count ? lowest + k : lowest + k - count;
+    const int edge = FirstEdge + vertex;
+    stop(Contour[vertex], kNone);
     auto crossing = std::ranges::lower_bound(FCrossings, edge, {}, &TCrossing::Edge);
     for (; crossing != FCrossings.end() && crossing->Edge == edge; ++crossing) {
       winding += crossing->Gain;
-      FStops.push_back({crossing->Point, crossing->Other * count + edge, winding});
+      FVisits.push_back({edge, crossing->Other, Size(FStops)});
+      stop(crossing->Point, kNone);
     }
   }
-  // So far Partner tells the edges; now the stop.
-  for (int i = 0; i < Size(FStops); ++i)
-    if (FStops[i].Partner != kNone) visits.push_back({FStops[i].Partner, i});
-  std::ranges::sort(visits);
-  for (const auto& [edges, stop] : visits) {
-    const int mirrored = edges % count * count + edges / count;
-    FStops[stop].Partner = std::ranges::lower_bound(visits, std::pair{mirrored, 0})->second;
+  FStops.back().Next = first;
+  return winding == FStops[first].Winding;
+}
+
+// Two edges cross in one point at most, so they name the crossing.
+void TArrangement::JoinVisits() {
+  const auto edges = [](const TVisit& visit) { return std::pair(visit.Edge, visit.Other); };
+  std::ranges::sort(FVisits, {}, edges);
+  for (const TVisit& visit : FVisits) {
+    const auto other = std::ranges::lower_bound(FVisits, std::pair(visit.Other, visit.Edge), {}, edges);
+    FStops[visit.Stop].Partner = other->Stop;
   }
-  return winding == FStops.front().Winding;
 }
 
 bool TArrangement::TraceContour(int First, TPath& Contour) {
@@ -249,7 +280,7 @@ bool TArrangement::TraceContour(int First, TPath& Contour) {
   do {
     Contour.push_back(FStops[stop].Point);
     FStops[stop].Winding = 0;
-    stop = stop + 1 == Size(FStops) ? 0 : stop + 1;
+    stop = FStops[stop].Next;
     if (FStops[stop].Partner != kNone) stop = FStops[stop].Partner;
     if (stop != First && FStops[stop].Winding != 1) return false;
   } while (stop != First);
@@ -270,25 +301,41 @@ bool TArrangement::AreApartContours(const TPaths& Paths) {
   return SweepMeetings([](const TSpan&, const TSpan&, TMeeting) { return false; });
 }
 
-bool TArrangement::Unite(std::span<const TIntPoint> Contour, TPaths& Paths) {
+bool TArrangement::Unite(const TContours& Contours, TPaths& Paths) {
   FSpans.clear();
-  LaySpans(Contour);
-  if (!FindCrossings() || !SortCrossings() || !WalkStops(Contour) || !TraceRegion(Paths)) return false;
+  FStops.clear();
+  FVisits.clear();
+  for (int i = 0; i < Contours.Count(); ++i) LaySpans(Contours[i]);
+  if (!FindCrossings() || !SortCrossings()) return false;
+  for (int i = 0; i < Contours.Count(); ++i)
+    if (!WalkStops(Contours[i], Contours.First(i))) return false;
+  JoinVisits();
+  if (!TraceRegion(Paths)) return false;
   return FCrossings.empty() || AreApartContours(Paths);
 }
 
 }  // namespace
 
-bool UniteContour(std::span<const TIntPoint> Contour, TPaths& Paths) {
+void TContours::Clear() {
+  FPoints.clear();
+  FEnds.clear();
+}
+
+void TContours::Add(std::span<const TIntPoint> Contour) {
+  const std::size_t begin = FPoints.size();
+  FPoints.insert(FPoints.end(), Contour.begin(), Contour.end());
+  DropFlatVertices(FPoints, begin);
+  if (FPoints.size() > begin) FEnds.push_back(Size(FPoints));
+}
+
+bool UniteContours(const TContours& Contours, TPaths& Paths) {
   static thread_local TArrangement arrangement;
-  if (Contour.size() < 3) return false;
-  if (IsConvexCounterClockwise(Contour)) {
+  if (Contours.Count() == 1 && IsConvexCounterClockwise(Contours[0])) {
     Paths.clear();
-    Paths.emplace_back(Contour.begin(), Contour.end());
+    Paths.emplace_back(Contours[0].begin(), Contours[0].end());
     return true;
   }
-  if (Contour.size() > kMostPoints) return false;
-  return arrangement.Unite(Contour, Paths);
+  return Contours.Points() <= kMostPoints && arrangement.Unite(Contours, Paths);
 }
 
 }  // namespace platenest::detail

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "ContourUnion.h"
-#include "SimpleContour.h"
 #include "platenest/foundation/Types.h"
 
 namespace platenest::detail {
@@ -82,7 +81,6 @@ class TTrails {
   bool CancelOpposite(int Start, int End);
   void WalkFrom(int Start);
   void KeepRing(std::span<const int> Way);
-  std::span<const TIntPoint> Ring(int Index) const;
 
   TPointNumbers FNumbers;
   std::vector<TNode> FNodes;
@@ -90,8 +88,7 @@ class TTrails {
   std::vector<int> FWay;
   std::vector<int> FSources;
   std::vector<int> FSinks;
-  TPath FRingPoints;
-  std::vector<int> FRingStarts;
+  TContours FRings;
   TPath FContour;
   TClipper FClipper;
 };
@@ -174,8 +171,7 @@ bool TTrails::CancelOpposite(int Start, int End) {
 }
 
 void TTrails::Walk() {
-  FRingPoints.clear();
-  FRingStarts.assign(1, 0);
+  FRings.Clear();
   for (int id = 0; id < Size(FNodes); ++id) WalkFrom(id);
 }
 
@@ -201,25 +197,21 @@ void TTrails::WalkFrom(int Start) {
 }
 
 void TTrails::KeepRing(std::span<const int> Way) {
-  const std::size_t begin = FRingPoints.size();
-  for (const int id : Way) FRingPoints.push_back(FNumbers.Points()[id]);
-  DropFlatVertices(FRingPoints, begin);
-  if (FRingPoints.size() > begin) FRingStarts.push_back(Size(FRingPoints));
-}
-
-std::span<const TIntPoint> TTrails::Ring(int Index) const {
-  return std::span(FRingPoints).subspan(FRingStarts[Index], FRingStarts[Index + 1] - FRingStarts[Index]);
+  FContour.clear();
+  for (const int id : Way) FContour.push_back(FNumbers.Points()[id]);
+  FRings.Add(FContour);
 }
 
 bool TTrails::Unite(TPaths& Paths) {
-  const int rings = Size(FRingStarts) - 1;
-  if (rings == 0) return true;
-  if (rings == 1 && UniteContour(Ring(0), Paths)) return true;
+  if (FRings.Count() == 0) return true;
+  // Several rings mostly touch where the way came back to a point.
+  if (FRings.Count() == 1 && UniteContours(FRings, Paths)) return true;
+  Paths.clear();
   FClipper.Clear();
   FClipper.StrictlySimple(true);
   bool any = false;
-  for (int i = 0; i < rings; ++i) {
-    FContour.assign(Ring(i).begin(), Ring(i).end());
+  for (int i = 0; i < FRings.Count(); ++i) {
+    FContour.assign(FRings[i].begin(), FRings[i].end());
     any |= FClipper.AddPath(FContour, ClipperLib::ptSubject, true);
   }
   const bool done = !any || FClipper.Execute(ClipperLib::ctUnion, Paths, ClipperLib::pftPositive);

@@ -18,12 +18,12 @@ namespace {
 using detail::DropFlatVertices;
 using detail::IsConvexCounterClockwise;
 using detail::MergeConvexLoops;
-using detail::UniteContour;
+using detail::TContours;
 
-TPaths UnionOf(const TPath& Contour) {
+TPaths UnionOf(const TPaths& Contours) {
   TClipper clipper;
   clipper.StrictlySimple(true);
-  clipper.AddPath(Contour, ClipperLib::ptSubject, true);
+  clipper.AddPaths(Contours, ClipperLib::ptSubject, true);
   TPaths paths;
   clipper.Execute(ClipperLib::ctUnion, paths, ClipperLib::pftPositive);
   return paths;
@@ -33,6 +33,16 @@ TPath FromLeast(TPath Path) {
   const auto before = [](const TIntPoint& a, const TIntPoint& b) { return a.X < b.X || (a.X == b.X && a.Y < b.Y); };
   std::ranges::rotate(Path, std::ranges::min_element(Path, before));
   return Path;
+}
+
+bool Unite(const TPaths& Contours, TPaths& Paths) {
+  TContours contours;
+  for (const TPath& contour : Contours) contours.Add(contour);
+  return UniteContours(contours, Paths);
+}
+
+bool UniteContour(const TPath& Contour, TPaths& Paths) {
+  return Unite({Contour}, Paths);
 }
 
 TPaths FromLeast(TPaths Paths) {
@@ -83,23 +93,43 @@ TEST(ContourUnion, LeavesTouchesToClipper) {
   EXPECT_FALSE(UniteContour(TPath{{0, 0}, {5, 4}, {9, 0}, {9, 9}, {5, 4}, {0, 9}}, paths)) << "two vertices in one";
   EXPECT_FALSE(UniteContour(TPath{{0, 0}, {9, 0}, {9, 2}, {0, 1}, {9, 1}, {9, 9}}, paths))
       << "crosses at an end, rounded";
-  EXPECT_FALSE(UniteContour(TPath{{0, 0}, {9, 9}}, paths));
+  EXPECT_TRUE(UniteContour(TPath{{0, 0}, {9, 9}}, paths));
+  EXPECT_TRUE(paths.empty()) << "no area";
 }
 
-// Random contours cross themselves in any way; on the coarse grid they touch themselves as well.
+// Random contours cross themselves and each other in any way; on the coarse grid they touch as well.
 TEST(ContourUnion, IsThatOfClipper) {
   int united = 0;
   ForEachSeed(4000, [&](unsigned seed) {
     std::mt19937 random(seed);
-    const int points = 3 + static_cast<int>(seed % 12);
-    const TPath contour =
-        seed % 3 == 0 ? RandomContour(random, points, 7, 1000) : RandomContour(random, points, 1'000'000, 97);
+    const bool isCoarse = seed % 3 == 0;
+    TPaths contours;
+    for (unsigned i = 0; i <= seed / 3 % 4; ++i) {
+      const int points = 3 + static_cast<int>(random() % 9);
+      contours.push_back(isCoarse ? RandomContour(random, points, 7, 1000)
+                                  : RandomContour(random, points, 1'000'000, 97));
+    }
     TPaths paths;
-    if (!UniteContour(contour, paths)) return;
+    if (!Unite(contours, paths)) return;
     ++united;
-    EXPECT_EQ(FromLeast(paths), FromLeast(UnionOf(contour)));
+    EXPECT_EQ(FromLeast(paths), FromLeast(UnionOf(contours)));
   });
   EXPECT_GT(united, 2000);
+}
+
+TEST(ContourUnion, CountsHowOftenContoursWind) {
+  const TPath outer{{0, 0}, {900, 0}, {900, 900}, {0, 900}};
+  const TPath inner{{300, 300}, {600, 300}, {600, 600}, {300, 600}};
+  const TPath hole(inner.rbegin(), inner.rend());
+  TPaths paths;
+  ASSERT_TRUE(Unite({outer, hole}, paths));
+  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer, hole}));
+  ASSERT_TRUE(Unite({outer, inner}, paths));
+  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer})) << "covered twice";
+  ASSERT_TRUE(Unite({outer, inner, {{400, 500}, {500, 500}, {500, 400}, {400, 400}}}, paths));
+  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer})) << "still covered once";
+  ASSERT_TRUE(Unite({}, paths));
+  EXPECT_TRUE(paths.empty());
 }
 
 // A convex contour with many axis-parallel and some parallel edges.
@@ -127,7 +157,7 @@ void ExpectRingOfGraph(const TKMPLoop& Static, const TKMPLoop& Dynamic, const TP
   ASSERT_EQ(circuits.CircuitCount(), 1);
   TPath path;
   circuits.TransCircuitToPath(0, path);
-  const TPaths united = UnionOf(path);
+  const TPaths united = UnionOf({path});
   ASSERT_EQ(united.size(), 1u);
   EXPECT_EQ(FromLeast(united.front()), FromLeast(Ring));
 }
