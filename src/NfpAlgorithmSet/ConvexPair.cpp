@@ -1,5 +1,7 @@
 #include "ConvexPair.h"
 
+#include <cstdlib>
+
 #include "SimpleContour.h"
 
 namespace platenest::detail {
@@ -8,7 +10,8 @@ namespace {
 
 constexpr double kShortEdge = 0.001;  // drawing units, a hundred cells of a graph
 constexpr double kLeastWidth = 0.001;
-constexpr int kNearAngle = 2000;  // 2e-5 radian: from here on a vertex is no straight one for the cleaning of a graph
+constexpr int kNearAngle = 200;      // 2e-6 radian: well above the angles that are compared with tolerance
+constexpr double kLeastTurn = 0.01;  // lengths times 1e-8 radian: ten times what a graph takes for straight
 
 // Once round in ascending directions, and wide enough.
 bool IsPlainConvex(const TKMPLoop& Loop) {
@@ -27,8 +30,13 @@ bool LieAlongOneAxis(const TKMPEdge& A, const TKMPEdge& B) {
   return A.FAngle == B.FAngle && ((a.X == 0 && b.X == 0) || (a.Y == 0 && b.Y == 0));
 }
 
+// Difference of their angles.
+bool AreNear(const TKMPEdge& A, const TKMPEdge& B, int Difference) {
+  return Difference < kNearAngle || A.FLength * B.FLength * Difference < kLeastTurn;
+}
+
 bool AreNearAroundFullTurn(const TKMPEdge& First, const TKMPEdge& Last) {
-  return First.FAngle + FULL_TURN_ANGLE - Last.FAngle < kNearAngle;
+  return AreNear(First, Last, First.FAngle + FULL_TURN_ANGLE - Last.FAngle);
 }
 
 }  // namespace
@@ -46,7 +54,7 @@ bool MergeConvexLoops(const TKMPLoop& A, const TKMPLoop& B, TPath& Ring) {
     Ring.push_back(TPathUtils::CreateIntPoint(edgeA.FLocation + edgeB.FLocation, kPathScale));
     const int lead = a == countA ? 1 : b == countB ? -1 : edgeA.FAngle - edgeB.FAngle;
     const bool areBothLeft = a < countA && b < countB;
-    const bool areNear = areBothLeft && lead > -kNearAngle && lead < kNearAngle;
+    const bool areNear = areBothLeft && AreNear(edgeA, edgeB, std::abs(lead));
     if (areNear && !LieAlongOneAxis(edgeA, edgeB)) return false;
     a += areNear || lead < 0;
     b += areNear || lead > 0;
