@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "CircuitUnionRules.h"
+#include "ContourUnion.h"
 #include "PathRules.h"
 #include "platenest/NfpAlgorithmSet/KineticConvolution.h"
 
@@ -33,6 +34,18 @@ struct TKineticConvolution::TCircuitChoice {
     }
     if (weighed) TakeLongest();
     return true;
+  }
+
+  // False if two circuits have a vertex in common.
+  bool MayBeApart() const {
+    if (Paths.size() > kMostContours) return false;
+    if (Circuits.CircuitCount() < 2) return true;
+    static thread_local std::vector<int> ids;
+    ids.clear();
+    for (int i = 0; i < Circuits.CircuitCount(); ++i)
+      ids.insert(ids.end(), Circuits.GetCircuit(i).begin(), Circuits.GetCircuit(i).end());
+    std::ranges::sort(ids);
+    return std::ranges::adjacent_find(ids) == ids.end();
   }
 
   bool IsTooHeavy() const {
@@ -165,6 +178,15 @@ bool UniteAll(TClipper& Clipper, const TPaths& Paths, TPaths& Result) {
   return !hasEdges || Execute(Clipper, Result, ClipperLib::pftPositive);
 }
 
+bool UniteDirectly(const TPaths& Paths, TPaths& Result) {
+  static thread_local TContours contours;
+  contours.Clear();
+  for (const TPath& path : Paths) contours.Add(path);
+  if (UniteContours(contours, Result)) return true;
+  Result.clear();
+  return false;
+}
+
 bool Meet(const TIntRect& A, const TIntRect& B) {
   return A.Left <= B.Right && B.Left <= A.Right && A.Bottom <= B.Top && B.Bottom <= A.Top;
 }
@@ -281,6 +303,7 @@ bool TKineticConvolution::UnionCircuits(const TKineticCircuits& circuits, TPaths
   else if (!choice.TakeCircuits() || choice.IsTooHeavy())
     return false;
 
+  if (choice.MayBeApart() && UniteDirectly(choice.Paths, paths)) return true;
   TClipper clipper;
   clipper.ReverseSolution(false);
   if (_edgeCount > kBatchPointsAbove) TBatches(clipper).UniteAhead(choice.Paths);

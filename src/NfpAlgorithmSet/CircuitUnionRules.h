@@ -67,6 +67,9 @@ inline constexpr TUnionStop kUnionStopsOfAll[] = {
     {.PointsAbove = kStopPointsAbove, .PointsTimesRestAbove = 180'000},
 };
 
+// Up to this many contours are first tried without Clipper.
+inline constexpr std::size_t kMostContours = 12;
+
 // A union costs about the square of what crosses in it, so larger ones go in batches, whose results are united in
 // groups until one group is left. Each round rounds crossings to path units once more, so there shall be few.
 inline constexpr Int64 kBatchPointsAbove = 1000;

@@ -29,18 +29,20 @@ bool Exceeds(const TCircuitStop& Stop, Int64 Points, int Circuits) {
 }  // namespace
 
 TKineticCircuits::TKineticCircuits(const TVectorGraph& dg, int numFilter)
-    : TJhonsonCircuits<TPoint2D>(dg, numFilter),
-      inCycle(dg.MaxVertexId() + 1),
-      FVectorGraph(dg),
-      FInComponent(dg.MaxVertexId() + 1),
-      FOnPath(dg.MaxVertexId() + 1) {
-  const auto count = static_cast<std::size_t>(dg.MaxVertexId() + 1);
-  blocked.Reset(dg.MaxVertexId() + 1);
-  FCircuits.ReserveIds(count);
-  EdgeVisited = TSpareBuffers<TVertexIdList>::Take(count);
-  EdgeVisited.resize(count);
-  Stack = TSpareBuffers<int>::Take(count + 1);
-  FTraces = TSpareBuffers<TNodeTrace>::Take(count);
+    : TJhonsonCircuits<TPoint2D>(dg, numFilter), FVectorGraph(dg) {
+  Stack = TSpareBuffers<int>::Take(static_cast<std::size_t>(dg.MaxVertexId() + 2));
+}
+
+// Not before the first walk, since most small graphs are a sole circuit, which needs none.
+void TKineticCircuits::PrepareWalks() {
+  if (FIsPrepared) return;
+  FIsPrepared = true;
+  const int count = Graph.MaxVertexId() + 1;
+  for (TBoolArray* marks : {&inCycle, &FInComponent, &FOnPath, &blocked}) marks->Reset(count);
+  FCircuits.ReserveIds(static_cast<std::size_t>(count));
+  EdgeVisited = TSpareBuffers<TVertexIdList>::Take(static_cast<std::size_t>(count));
+  EdgeVisited.resize(static_cast<std::size_t>(count));
+  FTraces = TSpareBuffers<TNodeTrace>::Take(static_cast<std::size_t>(count));
 }
 
 TKineticCircuits::~TKineticCircuits() {
@@ -51,15 +53,13 @@ TKineticCircuits::~TKineticCircuits() {
 
 bool TKineticCircuits::DFSLoops(bool loopsInside, TNFPType, int loopSimilar) {
   FOuterCycleCounter = 0;
+  if (TakeSoleCircuit()) return true;
+  PrepareWalks();
   TDirectedGraph<int> living = Graph.EdgesFrom(Graph.LowestId());
   TTarjanComponents search(living, kSmallestComponent);
   const TVertexIdLists& components = search.GetStrongConnectedCompnents();
   FSccAmount = components.Count();
   if (components.empty()) throw TNestError("Empty Sccs.");
-  if (components.Count() == 1 && search.IsSoleCircuit()) {
-    TakeSoleCircuit(components[0]);
-    return true;
-  }
   const int main = MainComponent(components);
   FSearch = {.Component = components[main], .LoopsInside = loopsInside, .LoopSimilar = loopSimilar};
   BeginComponent(FSearch.Component);
@@ -79,10 +79,12 @@ bool TKineticCircuits::DFSLoops(bool loopsInside, TNFPType, int loopSimilar) {
   return true;
 }
 
-void TKineticCircuits::TakeSoleCircuit(std::span<const int> Component) {
-  FLongestSccCount = Size(Component);
-  FCircuits.push_back(Component);
-  FOuterCycleCounter = 1;
+bool TKineticCircuits::TakeSoleCircuit() {
+  if (!Graph.FindSoleCircuit(Stack)) return false;
+  FSccAmount = FOuterCycleCounter = 1;
+  FLongestSccCount = Size(Stack);
+  FCircuits.push_back(Stack);
+  return true;
 }
 
 int TKineticCircuits::MainComponent(const TVertexIdLists& Components) const {
@@ -236,6 +238,7 @@ bool TKineticCircuits::IsHopeless() const {
 }
 
 int TKineticCircuits::CyclesFrom(int start, int limit) {
+  PrepareWalks();
   Stack.clear();
   blocked.Clear();
   int found = 0;
@@ -253,6 +256,7 @@ int TKineticCircuits::CyclesFrom(int start, int limit) {
 }
 
 int TKineticCircuits::CyclesFrom(int start, int limit, const TBoolArray& mask, int count) {
+  PrepareWalks();
   const int neededLength = std::min(kMostNeededLength, Round<int>(kNeededLengthShare * count));
   int found = 0;
   bool longFound = false;
@@ -298,6 +302,7 @@ std::span<const int> TKineticCircuits::PathFrom(int Id) const {
 }
 
 std::span<const int> TKineticCircuits::FindLoop(int v) {
+  PrepareWalks();
   blocked.Clear();
   Stack.assign(1, kSentinel);
   loopFound = WalkHome({v, kSentinel});
@@ -305,6 +310,7 @@ std::span<const int> TKineticCircuits::FindLoop(int v) {
 }
 
 void TKineticCircuits::FindCycle(int a, int b) {
+  PrepareWalks();
   startVertex = a;
   blocked.Clear();
   Stack.assign(1, kSentinel);

@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "ChipCollector.h"
+#include "ConvexPair.h"
 #include "KineticConvolutionRules.h"
+#include "SpareBuffers.h"
 #include "StandIns.h"
 #include "TrailUnion.h"
 #include "platenest/NfpAlgorithmSet/NfpStatistics.h"
@@ -46,6 +48,25 @@ bool HasParallels(const TKMPLoop& Loop) {
   return Loop.Count() < Loop.FCount();
 }
 
+// The graph of a small convolution, which the thread keeps for the next one, since its memory costs more than itself.
+class TSpareGraph {
+ public:
+  static TVectorGraph Take() {
+    if (!FSpare) return TVectorGraph(0);
+    TVectorGraph graph = std::move(*FSpare);
+    FSpare.reset();
+    return graph;
+  }
+  static void Give(TVectorGraph&& Graph) {
+    if (Graph.VertexCount() <= kMostVertices) FSpare.emplace(std::move(Graph));
+  }
+
+ private:
+  static constexpr int kMostVertices = 4000;
+
+  inline static thread_local std::optional<TVectorGraph> FSpare;
+};
+
 template <std::size_t N>
 int LevelOf(const TLevelRow (&Rows)[N], Int64 Size) {
   for (const TLevelRow& row : Rows)
@@ -68,7 +89,12 @@ TKineticConvolution::TKineticConvolution(TNFPType required, bool innerCheck)
     : _required(required),
       _innerCheck(innerCheck),
       FMaxConvolutionEdges(BudgetOf(required).Outer),
-      FInnerConvolutionEdges(BudgetOf(required).Inner) {}
+      FInnerConvolutionEdges(BudgetOf(required).Inner),
+      FChips(TSpareBuffers<TChip>::Take(0)) {}
+
+TKineticConvolution::~TKineticConvolution() {
+  TSpareBuffers<TChip>::Give(std::move(FChips));
+}
 
 TVectorGraph TKineticConvolution::Convolve(const TKMPLoop& staticLoop, const TKMPLoop& dynamicLoop, bool putInside,
                                            int& level) {
@@ -77,7 +103,8 @@ TVectorGraph TKineticConvolution::Convolve(const TKMPLoop& staticLoop, const TKM
   FChips.reserve(kChipsPerDirection * static_cast<std::size_t>(staticLoop.Count() + dynamicLoop.Count()));
   level = putInside ? LayInnerChips(staticLoop, dynamicLoop) : LayOuterChips(staticLoop, dynamicLoop);
   const bool dxor = putInside && HasParallels(staticLoop) && HasParallels(dynamicLoop);
-  TVectorGraph graph(FChips, dxor);
+  TVectorGraph graph = TSpareGraph::Take();
+  graph.Restart(FChips, dxor);
   graph.EliminateEdges(dxor || (!putInside && IsPairOfBoxLikes(staticLoop, dynamicLoop)));
   return graph;
 }
@@ -212,6 +239,9 @@ class TKineticConvolution::TRun {
   };
   struct TSearch {
     explicit TSearch(TVectorGraph AGraph) : Graph(std::move(AGraph)), Circuits(Graph, kSmallestComponent) {}
+    ~TSearch() { TSpareGraph::Give(std::move(Graph)); }
+    TSearch(const TSearch&) = delete;
+    TSearch& operator=(const TSearch&) = delete;
 
     TVectorGraph Graph;
     TKineticCircuits Circuits;
@@ -219,6 +249,7 @@ class TKineticConvolution::TRun {
   static constexpr int kSmallestComponent = 2;
 
   TLoops Full() const { return {&FS, &FD, kLevelFailed}; }
+  bool TakeConvexPair();
   bool Search(const TLoops& Loops, TNFPType Required, int Similar);
   bool Unite(bool Forced);
   bool IsTooHeavy();
@@ -258,6 +289,7 @@ class TKineticConvolution::TRun {
 };
 
 int TKineticConvolution::TRun::Level() {
+  if (TakeConvexPair()) return kLevelFull;
   FUsable = Search(Full(), FRequired, FOwner._selfNfp);
   const bool heavy = IsTooHeavy();
   if (!heavy) FUsable = FUsable && Unite(false);
@@ -272,6 +304,23 @@ int TKineticConvolution::TRun::Level() {
   if (!FUsable || !FOwner.NormorlizePaths(FPaths, FInside)) return kLevelFailed;
   ++NfpStatistics.Rungs[FRung];
   return std::max(FLevel, kLevelFull);
+}
+
+// Two convex outlines need neither graph nor search.
+bool TKineticConvolution::TRun::TakeConvexPair() {
+  const int chips = FS.FCount() + FD.FCount();
+  if (FInside || BoldPointPrec != 0 || chips > kConvexPairChips) return false;
+  TPath ring;
+  if (!MergeConvexLoops(FS, FD, ring)) return false;
+  FOwner._stLoop = &FS;
+  FOwner._dyLoop = &FD;
+  FPaths.clear();
+  FPaths.push_back(std::move(ring));
+  if (!FOwner.NormorlizePaths(FPaths, false)) return false;
+  NfpStatistics.Chips += chips;
+  ++NfpStatistics.Circuits;
+  ++NfpStatistics.Rungs[0];
+  return true;
 }
 
 bool TKineticConvolution::TRun::Search(const TLoops& Loops, TNFPType Required, int Similar) {

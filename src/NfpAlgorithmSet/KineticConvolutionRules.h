@@ -71,6 +71,9 @@ inline constexpr int kStaticLittleShrunkExtra = 1;
 inline constexpr int kOtherEdgesAbove = 650;  // of the smaller one: a level more if it is reduced, too
 inline constexpr int kOtherDynamicExtra = 1;
 
+// Two convex loops of up to this many edges together, which no budget would reduce, are merged at once.
+inline constexpr int kConvexPairChips = 900;
+
 // Two rectilinear loops much alike: overlapping edges are cancelled as for parts inside.
 inline constexpr int kBoxLikeSimilarFrom = 3;
 inline constexpr int kBoxLikeDirections = 4;

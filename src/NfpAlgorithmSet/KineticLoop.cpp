@@ -6,11 +6,14 @@
 #include <limits>
 #include <utility>
 
+#include "SpareBuffers.h"
 #include "platenest/foundation/PolygonBasicAlgo.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 
 namespace platenest {
+
+using detail::TSpareBuffers;
 
 namespace {
 
@@ -33,7 +36,7 @@ class TEdgeRing {
  public:
   explicit TEdgeRing(const TVPolyline2D& Contour) : FCount(Contour.Count()) {
     if (FCount < 3) RaiseBadContour();
-    FEdges.reserve(Contour.size());
+    FEdges = TSpareBuffers<TKMPEdge>::Take(Contour.size());
     for (const TPoint2D& point : Contour) FEdges.emplace_back(point);
     for (int i = 0; i < FCount; ++i) Link(i, i + 1 == FCount ? 0 : i + 1);
   }
@@ -184,8 +187,7 @@ void TKMPLoop::FillTable(std::vector<TKMPEdge> Ring) {
     int Angle;
     int Index;  // in Ring
   };
-  std::vector<TPlaced> order;
-  order.reserve(Ring.size());
+  std::vector<TPlaced> order = TSpareBuffers<TPlaced>::Take(Ring.size());
   for (int i = 0; i < Size(Ring); ++i) order.push_back({Ring[i].FAngle, i});
   SortBy(order, [](const TPlaced& A, const TPlaced& B) { return Sign(A.Angle, B.Angle); });
   std::vector<int> first;
@@ -198,7 +200,8 @@ void TKMPLoop::FillTable(std::vector<TKMPEdge> Ring) {
     begin = end;
   }
   first.push_back(Size(order));
-  std::vector<int> places(Ring.size());
+  std::vector<int> places = TSpareBuffers<int>::Take(Ring.size());
+  places.resize(Ring.size());
   for (int place = 0; place < Size(order); ++place) places[order[place].Index] = place;
   std::vector<TKMPEdge> edges;
   edges.reserve(Ring.size());
@@ -208,6 +211,9 @@ void TKMPLoop::FillTable(std::vector<TKMPEdge> Ring) {
   }
   FEdges = std::move(edges);
   FFirst = std::move(first);
+  TSpareBuffers<TPlaced>::Give(std::move(order));
+  TSpareBuffers<int>::Give(std::move(places));
+  TSpareBuffers<TKMPEdge>::Give(std::move(Ring));
 }
 
 TVPolyline2D TKMPLoop::GetPolyline() const {

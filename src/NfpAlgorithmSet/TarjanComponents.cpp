@@ -93,27 +93,8 @@ int TTarjanComponents::GetLongestComponent(const TVertexIdLists& Components) {
 }
 
 bool TTarjanComponents::IsSoleCircuit() const {
-  const int lowest = FGraph.LowestId();
-  int edges = 0;
-  int start = -1;
-  for (int id = lowest; id <= FGraph.MaxVertexId(); ++id) {
-    const auto outDegree = std::ranges::count_if(FGraph.Successors(id), [=](int end) { return end >= lowest; });
-    if (outDegree > 1) return false;
-    if (outDegree == 0) continue;
-    ++edges;
-    start = id;
-  }
-  if (edges < 3) return false;
-  // At most one way on from everywhere: what comes home over all edges is a ring and leaves none aside.
-  int id = start;
-  for (int length = 1; length <= edges; ++length) {
-    const TVertexIdList& successors = FGraph.Successors(id);
-    const auto next = std::ranges::find_if(successors, [=](int end) { return end >= lowest; });
-    if (next == successors.end()) return false;
-    id = *next;
-    if (id == start) return length == edges;
-  }
-  return false;
+  std::vector<int> circuit;
+  return FGraph.FindSoleCircuit(circuit);
 }
 
 }  // namespace platenest

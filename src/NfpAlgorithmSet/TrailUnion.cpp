@@ -6,21 +6,15 @@
 #include <cstdlib>
 #include <vector>
 
+#include "ContourUnion.h"
 #include "platenest/foundation/Types.h"
 
 namespace platenest::detail {
 
 namespace {
 
-__extension__ using TWide = __int128;
-
 constexpr int kNone = -1;
 constexpr int kMostChords = 4;
-
-// Twice the area of the triangle, exact.
-TWide Turn(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) {
-  return static_cast<TWide>(B.X - A.X) * (C.Y - B.Y) - static_cast<TWide>(B.Y - A.Y) * (C.X - B.X);
-}
 
 bool AreSame(const TPoint2D& A, const TPoint2D& B) {
   return A.X == B.X && A.Y == B.Y;
@@ -87,8 +81,6 @@ class TTrails {
   bool CancelOpposite(int Start, int End);
   void WalkFrom(int Start);
   void KeepRing(std::span<const int> Way);
-  std::span<const TIntPoint> Ring(int Index) const;
-  static bool IsConvex(std::span<const TIntPoint> Ring);
 
   TPointNumbers FNumbers;
   std::vector<TNode> FNodes;
@@ -96,8 +88,7 @@ class TTrails {
   std::vector<int> FWay;
   std::vector<int> FSources;
   std::vector<int> FSinks;
-  std::vector<TIntPoint> FRingPoints;
-  std::vector<int> FRingStarts;
+  TContours FRings;
   TPath FContour;
   TClipper FClipper;
 };
@@ -180,8 +171,7 @@ bool TTrails::CancelOpposite(int Start, int End) {
 }
 
 void TTrails::Walk() {
-  FRingPoints.clear();
-  FRingStarts.assign(1, 0);
+  FRings.Clear();
   for (int id = 0; id < Size(FNodes); ++id) WalkFrom(id);
 }
 
@@ -206,64 +196,22 @@ void TTrails::WalkFrom(int Start) {
   FNodes[Start].Place = kNone;
 }
 
-// Points on straight pieces, and those where the way folds back, add nothing to any winding number.
 void TTrails::KeepRing(std::span<const int> Way) {
-  const std::size_t begin = FRingPoints.size();
-  const auto isFlat = [](const TIntPoint& a, const TIntPoint& b, const TIntPoint& c) { return Turn(a, b, c) == 0; };
-  for (const int id : Way) {
-    const TIntPoint& point = FNumbers.Points()[id];
-    while (FRingPoints.size() >= begin + 2 && isFlat(FRingPoints.end()[-2], FRingPoints.back(), point))
-      FRingPoints.pop_back();
-    FRingPoints.push_back(point);
-  }
-  std::size_t first = begin;
-  while (FRingPoints.size() >= first + 3) {
-    if (isFlat(FRingPoints.end()[-2], FRingPoints.back(), FRingPoints[first]))
-      FRingPoints.pop_back();
-    else if (isFlat(FRingPoints.back(), FRingPoints[first], FRingPoints[first + 1]))
-      ++first;
-    else
-      break;
-  }
-  FRingPoints.erase(FRingPoints.begin() + begin, FRingPoints.begin() + first);
-  if (FRingPoints.size() < begin + 3)
-    FRingPoints.resize(begin);
-  else
-    FRingStarts.push_back(Size(FRingPoints));
-}
-
-std::span<const TIntPoint> TTrails::Ring(int Index) const {
-  return std::span(FRingPoints).subspan(FRingStarts[Index], FRingStarts[Index + 1] - FRingStarts[Index]);
-}
-
-// Counter-clockwise, turning left everywhere and once round.
-bool TTrails::IsConvex(std::span<const TIntPoint> Ring) {
-  int reversals = 0;
-  bool upward = Ring.back().Y < Ring.front().Y || (Ring.back().Y == Ring.front().Y && Ring.back().X < Ring.front().X);
-  for (std::size_t i = 0; i < Ring.size(); ++i) {
-    const TIntPoint& at = Ring[i];
-    const TIntPoint& next = Ring[i + 1 == Ring.size() ? 0 : i + 1];
-    const TIntPoint& afterNext = Ring[i + 2 < Ring.size() ? i + 2 : i + 2 - Ring.size()];
-    if (Turn(at, next, afterNext) <= 0) return false;
-    const bool up = at.Y < next.Y || (at.Y == next.Y && at.X < next.X);
-    if (up != upward) ++reversals;
-    upward = up;
-  }
-  return reversals == 2;
+  FContour.clear();
+  for (const int id : Way) FContour.push_back(FNumbers.Points()[id]);
+  FRings.Add(FContour);
 }
 
 bool TTrails::Unite(TPaths& Paths) {
-  const int rings = Size(FRingStarts) - 1;
-  if (rings == 0) return true;
-  if (rings == 1 && IsConvex(Ring(0))) {
-    Paths.emplace_back(Ring(0).begin(), Ring(0).end());
-    return true;
-  }
+  if (FRings.Count() == 0) return true;
+  // Several rings mostly touch where the way came back to a point.
+  if (FRings.Count() == 1 && UniteContours(FRings, Paths)) return true;
+  Paths.clear();
   FClipper.Clear();
   FClipper.StrictlySimple(true);
   bool any = false;
-  for (int i = 0; i < rings; ++i) {
-    FContour.assign(Ring(i).begin(), Ring(i).end());
+  for (int i = 0; i < FRings.Count(); ++i) {
+    FContour.assign(FRings[i].begin(), FRings[i].end());
     any |= FClipper.AddPath(FContour, ClipperLib::ptSubject, true);
   }
   const bool done = !any || FClipper.Execute(ClipperLib::ctUnion, Paths, ClipperLib::pftPositive);

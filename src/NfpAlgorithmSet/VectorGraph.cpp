@@ -30,6 +30,11 @@ Int64 CodeOf(Int64 Tx, Int64 Ty) {
   return static_cast<Int64>(stride * static_cast<std::uint64_t>(Ty) + static_cast<std::uint64_t>(Tx));
 }
 
+Int64 ChipFactor() {
+  const Int64 bold = BoldPointPrec;
+  return bold > kCoarsestBoldFactor && bold < TVectorGraph::PointPrec ? bold : TVectorGraph::PointPrec;
+}
+
 // The line cell of one coordinate; Remainder keeps the units from the border that is nearer to zero.
 Int64 LineCell(double Coordinate, Int64 Factor, Int64& Remainder) {
   const Int64 units = Round<Int64>(static_cast<double>(Factor) * Coordinate);
@@ -57,14 +62,22 @@ Int64 NeighbourOffset(Int64 Remainder) {
 
 }  // namespace
 
-TVectorGraph::TVectorGraph(int Num) : TDirectedGraph<TPoint2D>(0) {
-  const Int64 bold = BoldPointPrec;
-  FPointPrec = bold > kCoarsestBoldFactor && bold < PointPrec ? bold : PointPrec;
+TVectorGraph::TVectorGraph(int Num) : TDirectedGraph<TPoint2D>(0), FPointPrec(ChipFactor()) {
   ReserveVertices(Num);
   FPointsMap.Reserve(Num);
 }
 
 TVectorGraph::TVectorGraph(const TChipList& chips, bool dxor) : TVectorGraph(Size(chips)) {
+  Fdxor = dxor;
+  for (const TChip& chip : chips) AddChip(chip);
+}
+
+void TVectorGraph::Restart(const TChipList& chips, bool dxor) {
+  Clear();
+  FPointPrec = ChipFactor();
+  FFormerChip[0] = FFormerChip[1] = {};
+  ReserveVertices(Size(chips));
+  FPointsMap.Restart(Size(chips));
   Fdxor = dxor;
   for (const TChip& chip : chips) AddChip(chip);
 }
@@ -132,13 +145,21 @@ int TVectorGraph::FindOrAddNear(const TPoint2D& P, bool& IsNew) {
   return FindOrAdd(code, P, IsNew);
 }
 
+// Neighbours in a list of chips mostly share an end, which then needs no code.
+int TVectorGraph::FindOrAddEnd(const TPoint2D& P, bool& IsNew) {
+  IsNew = false;
+  for (const TChipEnd& end : FFormerChip)
+    if (end.Point.X == P.X && end.Point.Y == P.Y) return end.Id;
+  return FindOrAdd(GetPointCode(P), P, IsNew);
+}
+
 void TVectorGraph::AddChip(const TChip& chip) {
   bool newStart = false;
   bool newEnd = false;
-  const Int64 startCode = GetPointCode(chip.First());
-  const Int64 endCode = GetPointCode(chip.Second());
-  const int start = FindOrAdd(startCode, chip.First(), newStart);
-  const int end = FindOrAdd(endCode, chip.Second(), newEnd);
+  const int start = FindOrAddEnd(chip.First(), newStart);
+  const int end = FindOrAddEnd(chip.Second(), newEnd);
+  FFormerChip[0] = {chip.First(), start};
+  FFormerChip[1] = {chip.Second(), end};
   if (start == end) return;
   if (newStart || newEnd)
     AddEdgeNoErr(start, end);

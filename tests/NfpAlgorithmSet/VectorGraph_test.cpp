@@ -98,6 +98,18 @@ TEST(VectorGraph, ChipsCancelOnlyWithDxorAndCountOnce) {
 }
 
 // A stride of cells further right and one row lower is another point with the same code.
+TEST(VectorGraph, StartsAnewInItsMemory) {
+  const TChipList chips = Loop({{0, 0}, {5, 0}, {5, 5}});
+  TVectorGraph graph(Loop({{1, 1}, {9, 1}, {5, 5}, {0, 0}, {3, 8}}), false);
+  graph.SetLowestId(2);
+  graph.Restart(chips, true);
+  EXPECT_EQ(Edges(graph), Edges(TVectorGraph(chips, true)));
+  EXPECT_EQ(graph.LowestId(), 0);
+  EXPECT_EQ(graph.VertexCount(), 3);
+  graph.AddChip({{0, 0}, {5, 5}});
+  EXPECT_EQ(EdgeCount(graph), 2) << "cancels the opposite chip, as asked for last";
+}
+
 TEST(VectorGraph, FarPointsWithOneCodeAreTwoVertices) {
   const TPoint2D near{0.5, 3.5};
   const TPoint2D far{0.5 + TVectorGraph::KeyCoef * 1e-5 + 2e-6, 3.5 - 1e-5};

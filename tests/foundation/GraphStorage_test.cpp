@@ -87,5 +87,18 @@ TEST(CodeMap, KeepsEntriesOfOneCodeInOrderThroughGrowth) {
   }
 }
 
+TEST(CodeMap, RestartsEmptyWithRoom) {
+  TCodeMap map;
+  for (int i = 0; i < 300; ++i) map.Add(i, i);
+  for (const int room : {0, 5, 1000}) {
+    map.Restart(room);
+    EXPECT_EQ(map.Count(), 0);
+    EXPECT_EQ(map.Find(7), TCodeMap::kNone);
+    for (int i = 0; i < 400; ++i) map.Add(i, 2 * i);
+    EXPECT_EQ(map.Find(7), 14);
+    EXPECT_EQ(map.Find(399), 798);
+  }
+}
+
 }  // namespace
 }  // namespace platenest

@@ -55,6 +55,11 @@ class TDirectedGraph {
   // How many vertices have more than N edges, incoming and outgoing ones together.
   int DegreeMoreThan(int N) const;
 
+  // True if the living edges make up one simple circuit of at least 3 vertices and nothing else; Circuit becomes its
+  // vertices along the edges from the lowest id on, and is undefined otherwise. Cost: linear, without allocation once
+  // Circuit has grown.
+  bool FindSoleCircuit(std::vector<int>& Circuit) const;
+
   // The edges whose two ends are Node or above, ids unchanged, ids below Node dead. This graph's own ids below Node die
   // as well.
   TDirectedGraph<int> SubGraphFrom(int Node) {
@@ -72,12 +77,24 @@ class TDirectedGraph {
   TVertexIdList& SuccessorsForChange(int Id) { return FAdjList[static_cast<std::size_t>(Id)]; }
   // Removes the first edge from Start to Dest; false if there is none.
   bool RemoveEdge(int Start, int Dest);
+  // Back to a graph without vertices, in the same memory.
+  void Clear() {
+    FVertices.clear();
+    FAdjList.clear();
+    FLowestId = 0;
+  }
   void ReserveVertices(int Count) {
     FVertices.reserve(static_cast<std::size_t>(Count));
     FAdjList.reserve(static_cast<std::size_t>(Count));
   }
 
  private:
+  static constexpr int kNone = -1;
+  static constexpr int kSeveral = -2;
+
+  // The only living successor, or kNone or kSeveral.
+  int SoleSuccessor(int Id) const;
+
   TVertexList FVertices;  // may be shorter than FAdjList
   int FLowestId = 0;
   std::vector<TVertexIdList> FAdjList;
@@ -110,6 +127,39 @@ int TDirectedGraph<T>::DegreeMoreThan(int N) const {
   for (std::size_t id = 0; id < FAdjList.size(); ++id)
     if (inDegrees[id] + Size(FAdjList[id]) > N) ++count;
   return count;
+}
+
+template <class T>
+int TDirectedGraph<T>::SoleSuccessor(int Id) const {
+  int sole = kNone;
+  for (const int successor : Successors(Id)) {
+    if (successor < FLowestId) continue;
+    if (sole != kNone) return kSeveral;
+    sole = successor;
+  }
+  return sole;
+}
+
+// At most one way on from everywhere: what comes home over all edges is a ring and leaves none aside.
+template <class T>
+bool TDirectedGraph<T>::FindSoleCircuit(std::vector<int>& Circuit) const {
+  int start = kNone;
+  int edges = 0;
+  for (int id = MaxVertexId(); id >= FLowestId; --id) {
+    const int successor = SoleSuccessor(id);
+    if (successor == kSeveral) return false;
+    if (successor == kNone) continue;
+    ++edges;
+    start = id;
+  }
+  if (edges < 3) return false;
+  Circuit.clear();
+  int id = start;
+  do {
+    Circuit.push_back(id);
+    id = SoleSuccessor(id);
+  } while (id >= 0 && id != start && Size(Circuit) < edges);
+  return id == start && Size(Circuit) == edges;
 }
 
 template <class T>

@@ -20,9 +20,7 @@ template <class T>
 class TJhonsonCircuits {
  public:
   // Circuits of numFilter vertices and fewer are met but not kept.
-  TJhonsonCircuits(const TDirectedGraph<T>& dg, int numFilter) : Graph(dg), filter(numFilter), curGraph(0) {
-    FCircuits.reserve(kExpectedCircuits);
-  }
+  TJhonsonCircuits(const TDirectedGraph<T>& dg, int numFilter) : Graph(dg), filter(numFilter), curGraph(0) {}
   TJhonsonCircuits(TDirectedGraph<T>&&, int) = delete;
   virtual ~TJhonsonCircuits() = default;
   TJhonsonCircuits(const TJhonsonCircuits&) = delete;
@@ -53,8 +51,6 @@ class TJhonsonCircuits {
   TVertexIdLists FCircuits;
 
  private:
-  static constexpr int kExpectedCircuits = 300;
-
   struct TFrame {
     int Node;
     int NextSuccessor;

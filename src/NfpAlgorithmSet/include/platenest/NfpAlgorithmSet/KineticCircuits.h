@@ -109,7 +109,8 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
   std::span<const int> PathFrom(int Id) const;
   std::span<const int> LastCircuit() const { return FCircuits[CircuitCount() - 1]; }
 
-  void TakeSoleCircuit(std::span<const int> Component);
+  void PrepareWalks();
+  bool TakeSoleCircuit();
   int MainComponent(const TVertexIdLists& Components) const;
   void BeginComponent(std::span<const int> Component);
   // Component is the one begun.
@@ -133,6 +134,7 @@ class PLATENEST_API TKineticCircuits : public TJhonsonCircuits<TPoint2D> {
   bool CallOutline();
 
   const TVectorGraph& FVectorGraph;
+  bool FIsPrepared = false;
   int FSccAmount = 0;
   int FLongestSccCount = 0;
   TSearch FSearch;

@@ -26,6 +26,9 @@ class PLATENEST_API TKineticConvolution {
 
   // innerCheck: parts inside are first held against the sizes of the cavity, and refused without any work.
   TKineticConvolution(TNFPType required, bool innerCheck);
+  ~TKineticConvolution();
+  TKineticConvolution(const TKineticConvolution&) = delete;
+  TKineticConvolution& operator=(const TKineticConvolution&) = delete;
 
   // Chips that an outer (inner) convolution may lay before its loops are reduced; ntExact never reduces for this.
   int MAX_CONVOLUTION_EDGES() const { return FMaxConvolutionEdges; }

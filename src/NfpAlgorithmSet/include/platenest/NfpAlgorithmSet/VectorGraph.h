@@ -1,5 +1,6 @@
 #pragma once
 
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -39,6 +40,8 @@ class PLATENEST_API TVectorGraph : public TDirectedGraph<TPoint2D> {
   explicit TVectorGraph(int Num);
   // Adds the chips in order. dxor: two opposite chips cancel. Cost: one probe per end.
   TVectorGraph(const TChipList& chips, bool dxor);
+  // Becomes the graph of these chips, in the memory that it has.
+  void Restart(const TChipList& chips, bool dxor);
   // Adds the lines in order. The factor is 10000 always.
   explicit TVectorGraph(const TVLine2DList& lines);
 
@@ -86,9 +89,15 @@ class PLATENEST_API TVectorGraph : public TDirectedGraph<TPoint2D> {
   struct TEdge;
   class TOverlaps;
   class TOutlineWalk;
+  struct TChipEnd {
+    TPoint2D Point{kNowhere, kNowhere};
+    int Id = -1;
+  };
+  static constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
 
   int FindVertex(Int64 Code, const TPoint2D& P) const;
   int FindOrAdd(Int64 Code, const TPoint2D& P, bool& IsNew);
+  int FindOrAddEnd(const TPoint2D& P, bool& IsNew);
   int FindOrAddNear(const TPoint2D& P, bool& IsNew);
   void JoinKnown(int Start, int Dest);
   bool Collinear(int A, int B, int C) const;
@@ -99,6 +108,7 @@ class PLATENEST_API TVectorGraph : public TDirectedGraph<TPoint2D> {
   bool Fdxor = false;
   Int64 FPointPrec;
   TCodeMap FPointsMap;
+  TChipEnd FFormerChip[2];  // ends of the chip added last
   // Cell and remainder of the last GetPointCode2.
   Int64 _tx = 0;
   Int64 _ty = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -22,7 +23,13 @@ class TCodeMap {
   int Count() const { return FCount; }
   // Room for Count entries without growth on the way.
   void Reserve(int Count) {
-    if (Count > Limit()) Rehash(std::bit_ceil((static_cast<std::size_t>(Count) * 8 + 4) / 5));
+    if (Count > Limit()) Rehash(SlotsFor(Count));
+  }
+  // Drops all entries and makes room for Count, in the memory that is there as far as it goes.
+  void Restart(int Count) {
+    FSlots.assign(SlotsFor(Count), {});
+    FShift = 64 - std::countr_zero(FSlots.size());
+    FCount = 0;
   }
 
   // The first index entered for Code that Accept(index) takes, kNone if there is none.
@@ -51,6 +58,9 @@ class TCodeMap {
   };
   static constexpr std::size_t kSmallest = 16;
 
+  static std::size_t SlotsFor(int Count) {
+    return std::max(kSmallest, std::bit_ceil((static_cast<std::size_t>(Count) * 8 + 4) / 5));
+  }
   // Five eighths of the slots: longer probe sequences cost more than the memory.
   int Limit() const { return static_cast<int>(FSlots.size() / 8 * 5); }
   std::size_t Next(std::size_t Slot) const { return (Slot + 1) & (FSlots.size() - 1); }
@@ -65,7 +75,7 @@ class TCodeMap {
     FSlots[slot] = Entry;
   }
   void Rehash(std::size_t SlotCount) {
-    std::vector<TSlot> former(SlotCount < kSmallest ? kSmallest : SlotCount);
+    std::vector<TSlot> former(SlotCount);
     former.swap(FSlots);
     FShift = 64 - std::countr_zero(FSlots.size());
     // Starting behind a free slot meets every run of neighbours from its front, which keeps equal codes in order.
