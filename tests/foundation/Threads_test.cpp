@@ -5,14 +5,12 @@
 #include <cmath>
 #include <future>
 #include <memory>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "platenest/foundation/EventTimer.h"
-#include "platenest/foundation/GeometryLog.h"
 #include "platenest/foundation/Host.h"
 #include "platenest/foundation/Random.h"
 
@@ -77,17 +75,6 @@ TEST(EventTimer, DestroyedByItsOwnEventItLetsTheEventFinish) {
   });
   created.set_value();
   EXPECT_EQ(finished.get_future().get(), text) << "what the event holds outlives the timer";
-}
-
-TEST(Threads, LogNumbersAreDistinct) {
-  std::vector<std::set<Int64>> drawn(2);
-  std::thread other([&] {
-    for (int i = 0; i < 100000; ++i) drawn[1].insert(TGeometryLog::GetLogUID());
-  });
-  for (int i = 0; i < 100000; ++i) drawn[0].insert(TGeometryLog::GetLogUID());
-  other.join();
-  drawn[0].merge(drawn[1]);
-  EXPECT_EQ(drawn[0].size(), 200000u);
 }
 
 TEST(Threads, EachHasARandomSequenceOfItsOwn) {
