@@ -15,40 +15,26 @@
 namespace platenest {
 namespace {
 
-class TVariable {
- public:
-  TVariable(const char* Name, const char* Value) : FName(Name) { setenv(Name, Value, 1); }
-  ~TVariable() { unsetenv(FName); }
-  TVariable(const TVariable&) = delete;
-  TVariable& operator=(const TVariable&) = delete;
-
- private:
-  const char* FName;
-};
-
 std::vector<unsigned> SeedsOf(unsigned Count) {
   std::vector<unsigned> seeds;
   ForEachSeed(Count, [&](unsigned seed) { seeds.push_back(seed); });
   return seeds;
 }
 
-TEST(ForEachSeed, TakesItsFirstSeedAndItsRoundsFromTheEnvironment) {
-  unsetenv("PLATENEST_SEED");
-  unsetenv("PLATENEST_ROUNDS");
-  EXPECT_EQ(SeedsOf(3), (std::vector<unsigned>{0, 1, 2}));
-  const TVariable seed("PLATENEST_SEED", "40");
-  const TVariable rounds("PLATENEST_ROUNDS", "2");
-  EXPECT_EQ(SeedsOf(2), (std::vector<unsigned>{40, 41, 42, 43}));
-}
-
-TEST(ForEachSeed, NamesTheFailingSeed) {
-  unsetenv("PLATENEST_ROUNDS");
-  const TVariable seed("PLATENEST_SEED", "40");
+TEST(ForEachSeed, TakesItsFirstSeedAndItsRoundsFromTheEnvironmentAndNamesTheFailingOne) {
+  const std::vector<unsigned> plain = SeedsOf(3);
+  setenv("PLATENEST_SEED", "40", 1);
+  setenv("PLATENEST_ROUNDS", "2", 1);
+  const std::vector<unsigned> told = SeedsOf(2);
   testing::TestPartResultArray failures;
   {
     const testing::ScopedFakeTestPartResultReporter reporter(&failures);
     ForEachSeed(5, [&](unsigned s) { EXPECT_NE(s, 42u); });
   }
+  unsetenv("PLATENEST_SEED");
+  unsetenv("PLATENEST_ROUNDS");
+  EXPECT_EQ(plain, (std::vector<unsigned>{0, 1, 2}));
+  EXPECT_EQ(told, (std::vector<unsigned>{40, 41, 42, 43}));
   ASSERT_EQ(failures.size(), 1);
   EXPECT_NE(std::string(failures.GetTestPartResult(0).message()).find("PLATENEST_SEED=42"), std::string::npos);
 }

@@ -12,8 +12,7 @@ namespace platenest {
 namespace {
 
 TPath BoxPath(const TIntRect& Box) {
-  return {TPathUtils::CreateIntPoint(Box.Left, Box.Bottom), TPathUtils::CreateIntPoint(Box.Right, Box.Bottom),
-          TPathUtils::CreateIntPoint(Box.Right, Box.Top), TPathUtils::CreateIntPoint(Box.Left, Box.Top)};
+  return {{Box.Left, Box.Bottom}, {Box.Right, Box.Bottom}, {Box.Right, Box.Top}, {Box.Left, Box.Top}};
 }
 
 TPath Reversed(TPath Contour) {
@@ -44,15 +43,10 @@ TPaths InnerFitRegion(const TPaths& Plate, const TPaths& Part) {
   const TIntRect range = BoxRange(TPathUtils::BoundBox(Plate), TPathUtils::BoundBox(Part));
   if (range.Width() <= 0 || range.Height() <= 0) return {};
   const std::vector<TPath> moving = ConvexPieces(Negated(Part));
-  TClipper clipper;
-  clipper.AddPath(BoxPath(range), ClipperLib::ptSubject, true);
-  for (const TPaths& obstacle : PlateSurroundings(Plate, Round(kPathScale))) {
-    clipper.AddPaths(MinkowskiSumOfPieces(ConvexPieces(obstacle), moving), ClipperLib::ptClip, true);
-  }
-  TPaths result;
-  clipper.Execute(ClipperLib::ctDifference, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-  std::erase_if(result, [](const TPath& contour) { return contour.size() < 3; });
-  return result;
+  TPaths taken;
+  for (const TPaths& obstacle : PlateSurroundings(Plate, Round(kPathScale)))
+    TPathUtils::PathsAddRange(taken, MinkowskiSumOfPieces(ConvexPieces(obstacle), moving));
+  return Clipped({BoxPath(range)}, taken, ClipperLib::ctDifference);
 }
 
 TPaths InnerFitRegion(const TVHPolygon& Plate, const TVHPolygon& Part) {
