@@ -22,15 +22,6 @@ double Area(const TVHPolygonList& Shapes) {
 
 const TVHPolygon kFrame{Box(0, 0, 10, 10), Box(2, 2, 8, 8)};
 
-TEST(HPolygonList, UnionSortsItsContoursIntoShapes) {
-  TVHPolygon clockwise = kFrame;
-  clockwise.SetIsClockwise(true);
-  const TVHPolygonList shapes = TVHPolygonList{TVHPolygon{Box(4, 4, 5, 5)}, clockwise, TVHPolygon()}.IntersectSelf();
-  ASSERT_EQ(shapes.Count(), 2);
-  EXPECT_EQ(shapes[0].Count(), 2);
-  EXPECT_FALSE(shapes[0][0].IsClockwise());
-}
-
 TEST(HPolygonList, MembersOverlapOnlyInMaterial) {
   const auto withFrame = [](const TVPolyline2D& Other) {
     return TVHPolygonList{TVHPolygon{Box(50, 0, 51, 1)}, TVHPolygon{Other}, kFrame}.MembersOverlap();

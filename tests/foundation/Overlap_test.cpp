@@ -77,7 +77,7 @@ TEST(Overlap, ContactWithinTheToleranceIsNone) {
   const struct {
     double X, Y;
     bool Overlaps;
-  } cases[] = {{10 - 0.9e-6, 0, false}, {10 - 2e-6, 0, true}, {10 - 2e-6, 10 - 0.5e-6, false},
+  } cases[] = {{10 - 0.9e-6, 0, false}, {10 - 2e-6, 0, true}, {10 - 2e-6, 5, true},   {10 - 2e-6, 10 - 0.5e-6, false},
                {1e-9, 0, true},         {0, 0, true},         {0.5e-6, -0.5e-6, true}};
   for (const auto& [x, y, overlaps] : cases) EXPECT_EQ(Overlap(box, Moved(box, x, y)), overlaps) << x << ", " << y;
   EXPECT_FALSE(Overlap(box, TVPolyline2D{{10, 5}, {15, 4}, {15, 6}})) << "a tip on an edge";

@@ -36,12 +36,6 @@ TEST(Paths, OuterContourComesFirstWhereverItStood) {
   EXPECT_THAT((std::vector{polygon[0].Area(), polygon[1].Area(), polygon[2].Area()}), ElementsAre(196, 4, 16));
 }
 
-TEST(Paths, BoundBoxPassesEmptyPaths) {
-  const TIntRect box = TPathUtils::BoundBox(TPaths{{{1, 2}, {3, 9}}, {}, {{-4, 5}}});
-  EXPECT_EQ(box, (TIntRect{.Left = -4, .Right = 3, .Top = 9, .Bottom = 2}));
-  EXPECT_FALSE(TPathUtils::BoundBox(TPaths{{}}).ToRect(kPathScale).IsValid());
-}
-
 TEST(Paths, DirectionsFollowTheFirstPathOrAreAllTheSame) {
   const TPath flat{{0, 0}, {5, 5}, {9, 9}};
   TPaths paths{Square(9), Square(2), flat};

@@ -105,7 +105,7 @@ void ForEachForm(int Rounds, const std::function<void(const TVPolyline2D&)>& Che
 void ExpectSameForm(const TVPolyline2D& Result, const TVPolyline2D& Input) {
   EXPECT_EQ(Result.IsClosed(0), Input.IsClosed(0));
   EXPECT_EQ(Result.IsClockwise(), Input.IsClockwise());
-  EXPECT_TRUE(test::IsSimple(Result));
+  EXPECT_TRUE(IsSimple({TPathUtils::CreatePath(Result, kFineScale)}));
 }
 
 TEST(Reducers, DiscRollerStaysOnTheOutsideAndSimplifiesMoreAtEachLevel) {

@@ -20,6 +20,27 @@ std::size_t LowestOf(const TPath& Contour) {
   return static_cast<std::size_t>(std::min_element(Contour.begin(), Contour.end(), less) - Contour.begin());
 }
 
+// United in small batches and their results level by level, which is faster than at once.
+TPaths UniteMany(std::vector<TPath> Contours) {
+  std::vector<TPaths> parts;
+  for (std::size_t begin = 0; begin < Contours.size(); begin += kFirstBatch) {
+    const std::size_t end = std::min(begin + kFirstBatch, Contours.size());
+    parts.push_back(Normalized(
+        {Contours.begin() + static_cast<std::ptrdiff_t>(begin), Contours.begin() + static_cast<std::ptrdiff_t>(end)}));
+  }
+  while (parts.size() > 1) {
+    std::vector<TPaths> larger;
+    for (std::size_t begin = 0; begin < parts.size(); begin += kFan) {
+      TPaths all;
+      for (std::size_t i = begin; i < std::min(begin + kFan, parts.size()); ++i)
+        TPathUtils::PathsAddRange(all, parts[i]);
+      larger.push_back(Normalized(all));
+    }
+    parts = std::move(larger);
+  }
+  return parts.empty() ? TPaths() : std::move(parts.front());
+}
+
 void RequireOnGrid(const TPaths& Polygon) {
   for (const TPath& contour : Polygon) {
     for (std::size_t i = 0; i < contour.size(); ++i) {
@@ -54,26 +75,6 @@ TPath ConvexSum(const TPath& A, const TPath& B) {
     if (turn <= 0) ++j;
   }
   return sum;
-}
-
-TPaths UniteMany(std::vector<TPath> Contours) {
-  std::vector<TPaths> parts;
-  for (std::size_t begin = 0; begin < Contours.size(); begin += kFirstBatch) {
-    const std::size_t end = std::min(begin + kFirstBatch, Contours.size());
-    parts.push_back(Normalized(
-        {Contours.begin() + static_cast<std::ptrdiff_t>(begin), Contours.begin() + static_cast<std::ptrdiff_t>(end)}));
-  }
-  while (parts.size() > 1) {
-    std::vector<TPaths> larger;
-    for (std::size_t begin = 0; begin < parts.size(); begin += kFan) {
-      TPaths all;
-      for (std::size_t i = begin; i < std::min(begin + kFan, parts.size()); ++i)
-        TPathUtils::PathsAddRange(all, parts[i]);
-      larger.push_back(Normalized(all));
-    }
-    parts = std::move(larger);
-  }
-  return parts.empty() ? TPaths() : std::move(parts.front());
 }
 
 TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B) {

@@ -11,8 +11,6 @@ namespace platenest {
 
 namespace {
 
-constexpr double kSquareScale = kPathScale * kPathScale;
-
 struct TSide {
   TIntPoint A;
   TIntPoint B;
@@ -108,10 +106,6 @@ bool AnyStretchInside(std::vector<TSide>& Sides, const TIntRect& Box, const TDou
   return false;
 }
 
-TPaths Common(const TPaths& A, const TPaths& B) {
-  return Clipped(A, B, ClipperLib::ctIntersection);
-}
-
 bool Survives(const TPaths& Region, double Inset) {
   TClipperOffset offset;
   offset.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
@@ -140,12 +134,8 @@ bool OverlapsAt(const TPaths& Static, const TPaths& Dynamic, const TIntPoint& At
   return Overlaps(Static, TPathUtils::Translate(Dynamic, TPathUtils::CreatePointL2D(At)));
 }
 
-double OverlapArea(const TPaths& A, const TPaths& B) {
-  return TPathUtils::Area(Common(A, B)) / kSquareScale;
-}
-
 double OverlapDepth(const TPaths& A, const TPaths& B) {
-  return InnerWidth(Common(A, B));
+  return InnerWidth(Clipped(A, B, ClipperLib::ctIntersection));
 }
 
 double InnerWidth(const TPaths& Region) {
