@@ -120,12 +120,6 @@ TEST(Collection, WalksInTheOrderOfArrivalAndComparesWithoutIt) {
   EXPECT_FALSE(set.Equals(nullptr));
 }
 
-struct TLetter : TTreeNode<char> {
-  TLetter(char Letter, int& Alive) : TTreeNode(Letter), FAlive(Alive) { ++FAlive; }
-  ~TLetter() override { --FAlive; }
-  int& FAlive;
-};
-
 std::string Letters(const std::vector<TTreeNode<char>*>& Nodes) {
   std::string result;
   for (const TTreeNode<char>* node : Nodes) result += node->Data();
@@ -137,36 +131,24 @@ std::string Letters(const std::vector<TTreeNode<char>*>& Nodes) {
 //     b  c  d
 //    / \    |
 //   e   f   g
-class TreeNode : public testing::Test {
- protected:
-  TreeNode() {
-    for (const char letter : {'b', 'c', 'd'}) Add(Root, letter);
-    Add(Child(0), 'e');
-    Add(Child(0), 'f');
-    Add(Child(2), 'g');
-  }
-  void Add(TTreeNode<char>& Parent, char Letter) { Parent.AddChildNode(new TLetter(Letter, Alive)); }
-  TTreeNode<char>& Child(int Index) { return *Root.ChildNodes()[Index]; }
-
-  int Alive = 0;
-  TLetter Root{'a', Alive};
-};
-
-TEST_F(TreeNode, TraversalsListEveryNodeInTheirOrder) {
-  EXPECT_EQ(Letters(Root.HierarchicalTraversal()), "abcdefg");
-  EXPECT_EQ(Letters(Root.PreorderTraversal()), "abefcdg");
-  EXPECT_EQ(Letters(Root.PostOrderTraversal()), "efbcgda");
-  TLetter above('u', Alive);
-  above.AddChildNode(&Root);
-  EXPECT_EQ(Root.Depth(), above.Depth() + 1);
-  EXPECT_EQ(Child(0).Depth(), 0) << "what hangs below keeps its depth";
-  Add(*Child(2).ChildNodes()[0], 'h');
-  Child(2).ClearFreeChildNodes(true);
-  EXPECT_EQ(Alive, 7);
-  const std::unique_ptr<TTreeNode<char>> e(Child(0).ChildNodes()[0]), f(Child(0).ChildNodes()[1]);
-  Root.ClearFreeChildNodes(false);
-  EXPECT_EQ(Alive, 4) << "the grandchildren live on";
-  EXPECT_TRUE(e->IsRoot());
+TEST(TreeNode, TraversalsListEveryNodeAndClearingLetsTheGrandchildrenLive) {
+  using TNode = TTreeNode<char>;
+  TNode root('a');
+  for (const char letter : {'b', 'c', 'd'}) root.AddChildNode(new TNode(letter));
+  const auto child = [&root](int Index) { return root.ChildNodes()[Index]; };
+  for (const auto& [parent, letter] : {std::pair{0, 'e'}, {0, 'f'}, {2, 'g'}})
+    child(parent)->AddChildNode(new TNode(letter));
+  EXPECT_EQ(Letters(root.HierarchicalTraversal()), "abcdefg");
+  EXPECT_EQ(Letters(root.PreorderTraversal()), "abefcdg");
+  EXPECT_EQ(Letters(root.PostOrderTraversal()), "efbcgda");
+  TNode above('u');
+  above.AddChildNode(&root);
+  EXPECT_EQ(root.Depth(), above.Depth() + 1);
+  EXPECT_EQ(child(0)->Depth(), 0) << "what hangs below keeps its depth";
+  const std::unique_ptr<TNode> e(child(0)->ChildNodes()[0]), f(child(0)->ChildNodes()[1]);
+  child(2)->ClearFreeChildNodes(true);
+  root.ClearFreeChildNodes(false);
+  EXPECT_TRUE(e->IsRoot() && f->IsRoot());
 }
 
 }  // namespace
