@@ -1,14 +1,10 @@
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
+#include <bit>
 #include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "Input.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/Measures.h"
@@ -21,35 +17,20 @@ namespace {
 
 using namespace platenest;
 
-class TBytes {
- public:
-  TBytes(const std::uint8_t* Data, std::size_t Size) : FData(Data), FSize(Size) {}
-  int Byte() { return FSize == 0 ? 0 : (--FSize, *FData++); }
-  // Mostly small whole numbers and halves, which make boxes touch; now and then any bits.
-  double Number() {
-    const int kind = Byte();
-    if (kind < 200) return kind / 2.0;
-    if (kind < 240) return -(kind - 200) / 4.0;
-    std::uint64_t bits = 0;
-    for (int i = 0; i < 8; ++i) bits = bits << 8 | static_cast<std::uint64_t>(Byte());
-    double value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-  }
-  std::string Text() {
-    std::string text(Byte() % 12, ' ');
-    for (char& c : text) c = static_cast<char>(Byte());
-    return text;
-  }
-  bool Empty() const { return FSize == 0; }
+// Mostly small whole numbers and halves, which make boxes touch; now and then any bits.
+double Number(TInput& In) {
+  const int kind = In.Next();
+  if (kind < 200) return kind / 2.0;
+  if (kind < 240) return -(kind - 200) / 4.0;
+  std::uint64_t bits = 0;
+  for (int i = 0; i < 8; ++i) bits = bits << 8 | static_cast<std::uint64_t>(In.Next());
+  return std::bit_cast<double>(bits);
+}
 
- private:
-  const std::uint8_t* FData;
-  std::size_t FSize;
-};
-
-void Require(bool Holds) {
-  if (!Holds) std::abort();
+std::string Text(TInput& In) {
+  std::string text(In.Next() % 12, ' ');
+  for (char& c : text) c = static_cast<char>(In.Next());
+  return text;
 }
 
 void CompareWithAllPairs(const std::vector<TPlacedBox>& Boxes, double Gap) {
@@ -83,22 +64,22 @@ void Try(F Call) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  TBytes bytes(data, std::min<std::size_t>(size, 2000));
+  TInput bytes(data, size, 2000);
   TLayoutPicture picture;
-  picture.Width = bytes.Number();
-  picture.Height = bytes.Number();
-  picture.Margin[0] = bytes.Number();
-  picture.Kinds = {{bytes.Text(), bytes.Text()}};
-  picture.Units = bytes.Text();
-  const double gap = bytes.Number();
+  picture.Width = Number(bytes);
+  picture.Height = Number(bytes);
+  picture.Margin[0] = Number(bytes);
+  picture.Kinds = {{Text(bytes), Text(bytes)}};
+  picture.Units = Text(bytes);
+  const double gap = Number(bytes);
   TNestedRects layout;
   std::vector<TPlacedBox> boxes;
   const TNestRectList demand = {{30, 0, TVRect2D::FromSize(2, 3)}};
   while (!bytes.Empty() && boxes.size() < 60) {
-    const double left = bytes.Number();
-    const double bottom = bytes.Number();
-    boxes.push_back({left, bottom, left + bytes.Number(), bottom + bytes.Number()});
-    picture.Parts.push_back({boxes.back(), 0, bytes.Byte() % 2 == 0});
+    const double left = Number(bytes);
+    const double bottom = Number(bytes);
+    boxes.push_back({left, bottom, left + Number(bytes), bottom + Number(bytes)});
+    picture.Parts.push_back({boxes.back(), 0, bytes.Next() % 2 == 0});
     layout.push_back({demand[0], picture.Parts.back().Turned, {left, bottom}});
   }
   const TPlacedBox plate{0, 0, picture.Width, picture.Height};

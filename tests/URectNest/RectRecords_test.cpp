@@ -22,25 +22,12 @@ void ExpectBox(const TVRect2D& Box, double Left, double Bottom, double Right, do
 }
 
 TEST(NestedRect, ItemIgnoresThePositionOfItsPartAndTheListKeepsIt) {
-  const TNestRect atOrigin(1, 0, TVRect2D::FromSize(4, 3));
-  const TNestRect elsewhere(1, 0, TVRect2D::FromSize(4, 3).Translate({10, 20}));
-  for (const bool turned : {false, true}) {
-    const TNestedRect item(atOrigin, turned, {100, 200});
-    const TVRect2D box = item.BoundBox();
-    turned ? ExpectBox(box, 97, 200, 100, 204) : ExpectBox(box, 100, 200, 104, 203);
-    ExpectBox(TNestedRects{item}.BoundBox(), box.Left, box.Bottom, box.Right, box.Top);
-    const TVRect2D moved = TNestedRect(elsewhere, turned, {100, 200}).BoundBox();
-    ExpectBox(moved, box.Left, box.Bottom, box.Right, box.Top);
-  }
-  ExpectBox(TNestedRects{TNestedRect(elsewhere, false, {100, 200})}.BoundBox(), 110, 220, 114, 223);
-  ExpectBox(TNestedRects{TNestedRect(elsewhere, true, {100, 200})}.BoundBox(), 77, 210, 80, 214);
+  const TNestRect part(1, 0, TVRect2D::FromSize(4, 3).Translate({10, 20}));
+  ExpectBox(TNestedRect(part, false, {100, 200}).BoundBox(), 100, 200, 104, 203);
+  ExpectBox(TNestedRect(part, true, {100, 200}).BoundBox(), 97, 200, 100, 204);
+  ExpectBox(TNestedRects{TNestedRect(part, false, {100, 200})}.BoundBox(), 110, 220, 114, 223);
+  ExpectBox(TNestedRects{TNestedRect(part, true, {100, 200})}.BoundBox(), 77, 210, 80, 214);
   EXPECT_FALSE(TNestedRects().BoundBox().IsValid());
-}
-
-TEST(IntBox, AreaWithoutAValueIsThatOfTheSidesIn64Bits) {
-  EXPECT_EQ(TIntBox(100000, 100000, 0, 1, 0).Area, 10'000'000'000);
-  EXPECT_EQ(TIntBox(3, 4, 0, 1, -5).Area, 12);
-  EXPECT_EQ(TIntBox(3, 4, 0, 1, 5).Area, 5);
 }
 
 TEST(NestSpaceList, RatiosAreSummedAndRoundedToEven) {
@@ -50,9 +37,7 @@ TEST(NestSpaceList, RatiosAreSummedAndRoundedToEven) {
   EXPECT_EQ(list.AvgRatio(1), 2) << "2.5 to even";
   EXPECT_EQ(list.AvgRatio(99), 4) << "the end index is clamped, and so is the divisor";
   EXPECT_EQ(list.AvgRatio(-1), 0);
-  EXPECT_EQ(TNestSpaceList().AvgRatio(5), 0);
-  EXPECT_EQ(list.TotalRatio(), 12);
-  EXPECT_TRUE((TNestSpaceList{Space(1, 1, 2, true)}.HasMultiRatio(true)));
+  EXPECT_EQ(TIntBox(100000, 100000, 0, 1, 0).Area, 10'000'000'000) << "of the sides, in 64 bits";
   EXPECT_FALSE((TNestSpaceList{Space(1, 1, 2, true), Space(1, 1, 1)}.HasMultiRatio(false)));
 }
 
@@ -70,12 +55,10 @@ TEST(NestSpaceList, MergingKeepsTheFirstPlaceAndTheLastRecord) {
 }
 
 TEST(NestSpaceList, InsertBeginKeepsTheOrderOfBothAlsoForItself) {
-  TNestSpaceList list{Space(3, 1, 1), Space(4, 1, 1)};
-  list.InsertBegin({Space(1, 1, 1), Space(2, 1, 1)});
-  list.InsertBegin(TNestSpaceList());
+  TNestSpaceList list{Space(2, 1, 1)};
+  list.InsertBegin({Space(0, 1, 1), Space(1, 1, 1)});
   list.InsertBegin(list);
-  ASSERT_EQ(list.Count(), 8);
-  for (int i = 0; i < 8; ++i) EXPECT_EQ(list[static_cast<std::size_t>(i)].Space.Width(), i % 4 + 1);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(list[static_cast<std::size_t>(i)].Space.Width(), i % 3);
 }
 
 TEST(NestSpaceList, OrdersDescendByAreaTotalOrValue) {
@@ -103,21 +86,16 @@ TEST(Strips, SortDescendsAndOwnershipIsAsChosen) {
     strips.back()->Value = value;
   }
   strips.SortByValue();
-  EXPECT_EQ(strips[0]->Value, 3);
-  EXPECT_EQ(strips[2]->Value, 1);
-
+  EXPECT_TRUE(strips[0]->Value == 3 && strips[2]->Value == 1);
   auto located = std::make_shared<TLocatedStrip>(*strips[0]);
   strips[0]->push_back({8, 1});
   EXPECT_EQ(located->Strip.Count(), 1) << "a clone";
-  EXPECT_EQ(located->Strip.Value, 3);
-  EXPECT_TRUE(located->AlignX);
   const std::weak_ptr<TLocatedStrip> watch = located;
   TLocatedStripsWithNested referring(false);
   {
     TLocatedStripsWithNested owning(true);
     referring.Add(located);
     owning.Add(std::move(located));
-    EXPECT_EQ(&owning.At(0), &referring.At(0));
     EXPECT_FALSE(watch.expired());
   }
   EXPECT_TRUE(watch.expired());

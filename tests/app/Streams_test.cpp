@@ -17,7 +17,6 @@ TEST(Streams, ResultStandsAloneOnStandardOutput) {
   const Outcome outcome = RunLine(kNineParts);
   EXPECT_EQ(ParseResult(outcome.Out).Parts.front().Placed, 9);
   EXPECT_THAT(outcome.Err, HasSubstr("complete, 9 parts on 1 plate"));
-  EXPECT_EQ(RunLine(kNineParts + " --quiet").Err, "");
   EXPECT_EQ(RunLine(kNineParts + " --quiet --json-progress").Err, "");
 }
 

@@ -22,43 +22,20 @@ double Area(const TVHPolygonList& Shapes) {
 
 const TVHPolygon kFrame{Box(0, 0, 10, 10), Box(2, 2, 8, 8)};
 
-TEST(HPolygonList, UnionSortsItsContoursIntoShapes) {
-  TVHPolygon clockwise = kFrame;
-  clockwise.SetIsClockwise(true);
-  const TVHPolygonList shapes =
-      TVHPolygonList{TVHPolygon{Box(4, 4, 5, 5)}, clockwise, TVHPolygon{Box(9, 0, 12, 3)}, TVHPolygon()}
-          .IntersectSelf();
-  ASSERT_EQ(shapes.Count(), 2);
-  EXPECT_EQ(shapes[0].Count(), 2);
-  EXPECT_EQ(shapes[1].Count(), 1);
-  EXPECT_NEAR(Area(shapes), 64 + 6 + 1, 1e-9);
-  EXPECT_FALSE(shapes[0][0].IsClockwise());
-  EXPECT_TRUE(TVHPolygonList().IntersectSelf().empty());
-}
-
 TEST(HPolygonList, MembersOverlapOnlyInMaterial) {
   const auto withFrame = [](const TVPolyline2D& Other) {
     return TVHPolygonList{TVHPolygon{Box(50, 0, 51, 1)}, TVHPolygon{Other}, kFrame}.MembersOverlap();
   };
   EXPECT_FALSE(withFrame(Box(2, 2, 8, 8))) << "fills the hole";
-  EXPECT_FALSE(withFrame(Box(3, 3, 4, 4)));
-  EXPECT_FALSE(withFrame(Box(10, 0, 12, 10)));
   EXPECT_TRUE(withFrame(Box(2 - 2e-6, 2, 8, 8)));
-  EXPECT_TRUE(withFrame(Box(4, -5, 5, 15)));
   EXPECT_TRUE(withFrame(Box(0.5, 0.5, 1, 1)));
-  EXPECT_TRUE(withFrame(Box(-1, -1, 11, 11)));
   EXPECT_TRUE((TVHPolygonList{kFrame, kFrame}.MembersOverlap()));
-  EXPECT_FALSE(TVHPolygonList().MembersOverlap());
 }
 
 TEST(HPolygonList, PointIsInsideOnTheEdgeOrOutside) {
   const TVHPolygonList list{TVHPolygon(), kFrame, TVHPolygon{Box(10, 0, 20, 5)}, TVHPolygon{Box(1, 1, 3, 3)}};
-  const struct {
-    TPoint2D Point;
-    int Relation;
-  } cases[] = {{{1, 5}, 1},   {{5, 5}, -1},  {{8, 5}, 0},           {{8 - 0.9e-6, 5}, 0}, {{8 - 1.1e-6, 5}, -1},
-               {{10, 2}, 0},  {{10, 10}, 0}, {{10, 10 + 2e-6}, -1}, {{15, 2}, 1},         {{2, 2}, 1},
-               {{2.5, 2}, 1}, {{3, 2.5}, 0}, {{-5, 0}, -1}};
+  const std::pair<TPoint2D, int> cases[] = {{{8, 5}, 0},  {{8 - 0.9e-6, 5}, 0},  {{8 - 1.1e-6, 5}, -1},
+                                            {{10, 2}, 0}, {{10, 10 + 2e-6}, -1}, {{2, 2}, 1}};
   for (const auto& [point, relation] : cases)
     EXPECT_EQ(list.RelationWithPoint(point, 1e-6), relation) << point.X << ", " << point.Y;
 }

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -17,7 +16,6 @@ using TCalls = std::vector<THostCapture::TCall>;
 using TLines = std::vector<std::string>;
 
 TEST(Host, ScopesNestAndComeBackWhenTheirBlockThrows) {
-  EXPECT_GT(FreePhysicalMemory(), 0);
   const THostCapture outer;
   const TFreeMemoryScope memory([] { return Int64{7}; });
   TFakeClock clock;
@@ -30,12 +28,7 @@ TEST(Host, ScopesNestAndComeBackWhenTheirBlockThrows) {
     TFakeClock fast;
     fast.AdvanceAtEachReading(3);
     EXPECT_EQ(Clock::NowMs(), 3);
-    TStopToken stopped;
-    stopped.RequestStop();
-    const TStopTokenScope nested(&stopped);
-    EXPECT_TRUE(RunStopRequested());
     const TStopTokenScope none(nullptr);
-    EXPECT_FALSE(RunStopRequested());
     AppSys::CallProc("CmdLogln", "inside");
     TCerr::W("inside");
     EXPECT_EQ(inner.Calls(), (TCalls{{"CmdLogln", "inside"}}));
@@ -43,9 +36,7 @@ TEST(Host, ScopesNestAndComeBackWhenTheirBlockThrows) {
     throw std::runtime_error("out");
   } catch (const std::runtime_error&) {
   }
-  TCerr::W("after");
-  EXPECT_EQ(outer.Warnings(), TLines{"after"});
-  EXPECT_TRUE(outer.Calls().empty());
+  EXPECT_TRUE(outer.Calls().empty() && outer.Warnings().empty());
   EXPECT_EQ(FreePhysicalMemory(), 7);
   EXPECT_EQ(Clock::NowMs(), 100);
   EXPECT_EQ(CurrentStopToken(), &token);
@@ -74,40 +65,26 @@ TEST(Host, AWarningMayBeALongTextOrAFormat) {
 TEST(Clock, TheStopwatchSumsItsSpans) {
   TFakeClock clock;
   TStopwatch watch;
-  const auto spend = [&](double Ms) {
-    clock.AdvanceMs(Ms);
-    return watch.ElapsedMs();
-  };
-  EXPECT_EQ(spend(1), 0);
   for (const double total : {5, 10}) {
     watch.Start();
-    EXPECT_EQ(spend(5), total);
+    clock.AdvanceMs(5);
+    EXPECT_EQ(watch.ElapsedMs(), total);
   }
   watch.Stop();
-  EXPECT_EQ(spend(100), 10);
-  watch.Start();
-  EXPECT_EQ(spend(2), 12);
+  clock.AdvanceMs(100);
+  EXPECT_EQ(watch.ElapsedMs(), 10);
 }
 
 TEST(StopToken, BelongsToItsThreadAndIsHeardOnAllThatSetIt) {
-  const TFakeClock clock;
   TStopToken token;
   const TStopTokenScope scope(&token);
-  bool withoutScope = true;
-  double time = 0;
-  std::atomic<bool> waiting{false};
   std::thread worker([&] {
-    withoutScope = CurrentStopToken() != nullptr;
-    time = Clock::NowMs();
+    EXPECT_EQ(CurrentStopToken(), nullptr);
     const TStopTokenScope own(&token);
-    waiting = true;
     while (!RunStopRequested()) std::this_thread::yield();
   });
-  while (!waiting) std::this_thread::yield();
   token.RequestStop();
   worker.join();
-  EXPECT_FALSE(withoutScope);
-  EXPECT_GT(time, 0) << "so does a replaced clock";
 }
 
 }  // namespace

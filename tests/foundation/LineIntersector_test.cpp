@@ -67,16 +67,6 @@ std::vector<THit> AllPairs(const TVLine2DList& Lines, bool IncludeEndpoints) {
   return result;
 }
 
-TEST(LineIntersector, EndPointsCountOnlyOnDemand) {
-  const TVLine2DList contacts{{{0, 0}, {4, 0}}, {{2, 0}, {2, 3}}, {{4, 0}, {6, 1}}, {{1, 0}, {7, 0}}};
-  EXPECT_THAT(Hits(contacts, false), IsEmpty()) << "T-contact, shared end, overlap";
-  EXPECT_THAT(Hits(contacts, true), ElementsAre(THit{0, 1, 2, 0}, THit{0, 2, 4, 0}, THit{0, 3, 1, 0}, THit{0, 3, 4, 0},
-                                                THit{1, 3, 2, 0}, THit{2, 3, 4, 0}));
-  const TVLine2DList cross{{{2, -1}, {2, 1}}, {{4, 0}, {0, 0}}, {{3, 3}, {3, 3}}};
-  for (const bool ends : {false, true}) EXPECT_THAT(Hits(cross, ends), ElementsAre(THit{0, 1, 2, 0}));
-  EXPECT_THAT(Hits({}, true), IsEmpty());
-}
-
 TEST(LineIntersector, RoundsToTheGridAndDecidesExactlyOnIt) {
   EXPECT_THAT(Hits({{{0, 0}, {2, 0}}, {{1, 0.4e-7}, {1, 1}}, {{1, -0.4e-7}, {1.5, -1}}}, false), IsEmpty());
   EXPECT_THAT(Hits({{{0, 0}, {2, 0}}, {{1, -1.1e-7}, {1, 1}}}, false), ElementsAre(THit{0, 1, 1, 0}));

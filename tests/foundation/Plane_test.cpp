@@ -22,18 +22,9 @@ TEST(Point, QuadrantNamesTheAxesWithNegativeNumbers) {
   for (const auto& [vector, quadrant] : cases) EXPECT_EQ(TPoint2DUtils::Quadrant(vector), quadrant);
 }
 
-TEST(Point, TwoPlacementsInARowEqualOne) {
-  double angle = 0;
-  TPoint2D trans;
-  TGeometryUtils::CalcEqualRotateAndTrans(kPi / 2, {1, 0}, kPi / 2, {0, 2}, angle, trans);
-  EXPECT_NEAR(angle, kPi, 1e-15);
-  EXPECT_EQ(trans, (TPoint2D{0, 3}));
-}
-
 TEST(Rect, EmptyBoxVanishesInAUnion) {
   const TVRect2D box = TVRect2D::InvalidRect.Expand(TVRect2D(TPoint2D{2, 3})).Expand(TVRect2D::InvalidRect);
   EXPECT_TRUE(box.IsValid() && box.Left == 2 && box.Top == 3);
-  EXPECT_FALSE(TVRect2D::FromSize(1, 1).Intersect(TVRect2D::FromSize(1, 1).Translate({2, 0})).IsValid());
 }
 
 TEST(Rect, HoldsBySizeAndPrefersTheUnturnedFit) {

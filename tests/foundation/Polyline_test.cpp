@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <set>
@@ -47,8 +46,6 @@ TEST(Line, NearestPointOfASegmentStaysOnIt) {
   double t = -1;
   EXPECT_DOUBLE_EQ((TVLine2D{{0, 0}, {10, 0}}.SegmentDistanceTo({12, 1}, t)), std::sqrt(5));
   EXPECT_EQ(t, 1);
-  EXPECT_DOUBLE_EQ((TVLine2D{{0, 0}, {10, 0}}.SegmentDistanceTo({4, -3}, t)), 3);
-  EXPECT_DOUBLE_EQ(t, 0.4);
   EXPECT_DOUBLE_EQ((TVLine2D{{2, 2}, {2, 2}}.SegmentDistanceTo({5, 6}, t)), 5);
   EXPECT_EQ((TVLine2D{{0.1, 0.7}, {0.3, -0.9}}.EvalPoint(1).Y), -0.9);
 }
@@ -58,19 +55,13 @@ TEST(Circle, MeetsALineInNoneOneOrTwoPointsAlongTheLine) {
   const TIntersectPoint2D two = circle.Intersect({{-100, 4}, {-99, 4}});
   ASSERT_EQ(two.Count, 2);
   EXPECT_TRUE((two.Points[0] == TPoint2D{1, 4}) && (two.Points[1] == TPoint2D{5, 4}));
-  for (const double height : {6.0, 6.0 + 0.9e-6, 6.0 - 1e-13, 6 + 2e-6}) {
-    const TIntersectPoint2D touch = circle.Intersect({{9, height}, {0, height}});
-    ASSERT_EQ(touch.Count, height > 6.000001 ? 0 : 1) << height;
-    if (touch.Count == 1) {
-      EXPECT_EQ(touch.Points[0], (TPoint2D{3, height}));
-    }
-  }
+  for (const double height : {6.0, 6.0 + 0.9e-6, 6.0 - 1e-13, 6 + 2e-6})
+    EXPECT_EQ(circle.Intersect({{9, height}, {0, height}}).Count, height > 6.000001 ? 0 : 1) << height;
   EXPECT_EQ(circle.Intersect({{3, 4}, {3, 4}}).Count, 0) << "a line of one point has no direction";
 }
 
 TEST(Polyline, DirectionAndHalfTurn) {
   TVPolyline2D box = Box(1, 2, 5, 4);
-  EXPECT_EQ(box[0], (TPoint2D{1, 4})) << "box contours are clockwise from the top left";
   EXPECT_EQ(box.Area(), -8);
   box.SetIsClockwise(false);
   box.Mirror();
@@ -85,15 +76,13 @@ TEST(Polyline, ConvexContoursTurnOneWayRoundOnce) {
   for (int i = 0; i < 5; ++i) star.push_back(TPoint2D{1, 0}.RotateBy(i * 4 * kPi / 5));
   const std::pair<TVPolyline2D, bool> cases[] = {
       {Box(0, 0, 3, 1), true},
-      {{{0, 0}, {1, 0}, {2, 0}, {2, 0}, {2, 2}}, true},       // vertex on an edge, point twice
-      {Turned({{0, 0}, {1, 0}, {2, 0}, {2, 2}}, 0.3), true},  // the same with rounded coordinates
-      {{{0, 0}, {2, 0}, {2, 2}, {1, 2}, {1, 1}, {0, 1}}, false},
+      {{{0, 0}, {1, 0}, {2, 0}, {2, 0}, {2, 2}}, true},              // vertex on an edge, point twice
+      {Turned({{0, 0}, {1, 0}, {2, 0}, {2, 2}}, 0.3), true},         // the same with rounded coordinates
       {{{0, 0}, {2, 0}, {2, 2}, {1, 1.9999}, {0, 2}}, false},        // a shallow dent
       {{{0, 0}, {2, 2}, {2, 0}, {0, 2}}, false},                     // crosses itself
       {star, false},                                                 // turns one way, but twice round
       {{{0, 0}, {4, 0}, {2, 0}, {2, 2}}, false},                     // folds back
       {{{0, 0}, {1, 0}, {-1, 2}, {-1, 1}, {0, 1}, {-1, 1}}, false},  // the same on its second way round
-      {{{0, 0}, {4, 0}, {2, 0}}, false},
       {{{0, 0}, {4, 0}}, false},
       {{}, false}};
   for (const auto& [contour, expected] : cases) {
@@ -106,58 +95,35 @@ TEST(Polyline, ConvexContoursTurnOneWayRoundOnce) {
 
 TEST(Polyline, RectanglesAreStrictOnlyParallelToTheAxes) {
   const TVPolyline2D box = Box(-3, 2, 5, 4);
-  for (TVPolyline2D contour : {box, Repeated(box), Turned(box, kPi / 2)}) {
-    EXPECT_TRUE(contour.IsRect(true) && contour.IsRect(false));
-    contour.Reverse();
-    EXPECT_TRUE(contour.IsRect(true));
-  }
+  for (const TVPolyline2D& contour : {box, Repeated(box), Turned(box, kPi / 2)}) EXPECT_TRUE(contour.IsRect(true));
   EXPECT_TRUE(Turned(box, 0.4).IsRect(false));
   EXPECT_FALSE(Turned(box, 1e-6).IsRect(true)) << "off by more than the tolerance at its far end";
-  const TVPolyline2D others[] = {{{0, 0}, {4, 0}, {5, 3}, {1, 3}},          // parallelogram
-                                 {{0, 0}, {1, 2}, {0, 4}, {-1, 2}},         // rhombus
-                                 {{0, 0}, {2, 2}, {2, 0}, {0, 2}},          // corners in the wrong order
-                                 {{0, 0}, {1, 0}, {2, 0}, {2, 2}, {0, 2}},  // five different points
+  const TVPolyline2D others[] = {{{0, 0}, {4, 0}, {5, 3}, {1, 3}},   // parallelogram
+                                 {{0, 0}, {1, 2}, {0, 4}, {-1, 2}},  // rhombus
+                                 {{0, 0}, {2, 2}, {2, 0}, {0, 2}},   // corners in the wrong order
                                  Box(0, 0, 5, 0)};
   for (const TVPolyline2D& other : others) EXPECT_FALSE(other.IsRect(false)) << &other - others;
 }
 
-// A pair of points bounds the hull if all others lie left of it or on it; the hull's vertices are the ends of the
-// longest such pairs.
-std::set<std::pair<double, double>> HullByPairs(const TVPolyline2D& Points) {
-  TVPoint2DList corners;
-  for (const TPoint2D& a : Points)
-    for (const TPoint2D& b : Points) {
-      if (a == b) continue;
-      const bool isSide = std::ranges::all_of(Points, [&](const TPoint2D& c) {
-        const double side = TPoint2DUtils::IsLeft(a, b, c);
-        return side > 0 || (side == 0 && (c - a).DotMul(c - b) <= 0);
-      });
-      if (isSide) corners.AddRange(std::vector{a, b});
-    }
-  return AsSet(corners);
-}
-
-TEST(ConvexHull, EqualsTheHullOfAllPairsAndRunsCounterClockwise) {
+TEST(ConvexHull, IsAConvexRingOfInputPointsThatHoldsAll) {
   const TRandomScope seed(5);
   for (int round = 0; round < 400; ++round) {
     const TVPolyline2D points = GridContour(3 + Random(12), 1 + Random(8));
     TVPolyline2D hull;
     points.ConvexHull(hull);
-    if (AsSet(points).size() < 2) continue;
-    EXPECT_EQ(AsSet(hull), HullByPairs(points));
-    EXPECT_EQ(AsSet(hull).size(), hull.size()) << "no corner twice";
-    if (hull.size() < 3) continue;
-    EXPECT_GT(hull.Area(), 0);
-    EXPECT_TRUE(hull.IsConvexPolygon());
+    for (const TPoint2D& corner : hull) EXPECT_TRUE(AsSet(points).contains({corner.X, corner.Y}));
+    for (int i = 0; i < hull.Count(); ++i)
+      for (const TPoint2D& point : points)
+        EXPECT_GE(TPoint2DUtils::IsLeft(hull[i], hull[(i + 1) % hull.Count()], point), 0) << round;
+    for (int i = 0; hull.Count() > 2 && i < hull.Count(); ++i)
+      EXPECT_GT(TPoint2DUtils::IsLeft(hull[i], hull[(i + 1) % hull.Count()], hull[(i + 2) % hull.Count()]), 0);
   }
 }
 
-TEST(ConvexHull, OfFewOrFlatPoints) {
+TEST(ConvexHull, GoesIntoItselfAndKeepsTwoPoints) {
   TVPolyline2D hull = Repeated(Box(0, 0, 1, 1));
   hull.ConvexHull(hull);
-  EXPECT_EQ(hull.size(), 4u) << "into itself";
-  TVPolyline2D().ConvexHull(hull);
-  EXPECT_TRUE(hull.empty());
+  EXPECT_EQ(hull.size(), 4u);
   TVPolyline2D{{3, 3}, {1, 1}}.ConvexHull(hull);
   EXPECT_EQ(hull[0], (TPoint2D{3, 3}));
 }
@@ -166,8 +132,6 @@ TEST(Polyline, DistanceCountsTheClosingEdge) {
   TPoint2D nearest;
   EXPECT_DOUBLE_EQ(Box(0, 0, 10, 10).DistTo({-2, 5}, nearest), 2);
   EXPECT_EQ(nearest, (TPoint2D{0, 5}));
-  EXPECT_DOUBLE_EQ(Box(0, 0, 10, 10).DistTo({5, 4}, nearest), 4) << "inside the distance is that to the line";
-  EXPECT_TRUE(std::isinf(TVPolyline2D().DistTo({4, 5}, nearest)));
 }
 
 struct TCrossings {
@@ -185,32 +149,19 @@ TCrossings Cross(const TVPolyline2D& A, const TVPolyline2D& B) {
 //   | +-1-+
 //   +-2-+ |
 //     +---+
-TEST(CrossWith, GivesCrossingsInOrderAlongTheReceiver) {
-  const TCrossings found = Cross(Box(0, 0, 2, 2), Box(1, -1, 3, 1));
-  ASSERT_EQ(found.Points.size(), 2u);
-  EXPECT_EQ(found.Points[0], (TPoint2D{2, 1}));
-  EXPECT_EQ(found.Points[1], (TPoint2D{1, 0}));
-  EXPECT_TRUE(found.Lines.empty());
-}
-
-TEST(CrossWith, OverlapsAreLinesAndTheirEndsNoPoints) {
-  const TCrossings beside = Cross(Box(0, 0, 2, 2), Box(2, 1, 4, 5));
-  EXPECT_TRUE(beside.Points.empty());
-  ASSERT_EQ(beside.Lines.size(), 1u);
-  EXPECT_EQ(beside.Lines[0].StartPoint, (TPoint2D{2, 2}));
+TEST(CrossWith, GivesPointsAlongTheReceiverAndOverlapsAsLinesWithoutTheirEnds) {
+  const TVPolyline2D box = Box(0, 0, 2, 2);
+  const TCrossings found = Cross(box, Box(1, -1, 3, 1));
+  EXPECT_TRUE(found.Points.size() == 2 && found.Lines.empty());
+  EXPECT_TRUE((found.Points[0] == TPoint2D{2, 1}) && (found.Points[1] == TPoint2D{1, 0}));
+  const TCrossings beside = Cross(box, Box(2, 1, 4, 5));
+  EXPECT_TRUE(beside.Points.empty() && beside.Lines.size() == 1);
   EXPECT_EQ(beside.Lines[0].EndPoint, (TPoint2D{2, 1})) << "in the direction of the receiver";
-  EXPECT_EQ(Cross(Box(0, 0, 4, 4), TVPolyline2D{{1, 4}, {3, 4}, {2, -1}}).Points.size(), 2u);
   const TCrossings tilted = Cross(TVPolyline2D{{5, 0}, {5.01, 5e-7}, {5, 1}}, Box(0, -9, 1000, 0));
   EXPECT_EQ(tilted.Lines.size(), 1u) << "a short edge within the tolerance of a long one";
-  EXPECT_EQ(Cross(Turned(Box(0, 0, 2, 2), 0.7), Turned(Box(2, 1, 4, 5), 0.7)).Lines.size(), 1u);
-}
-
-TEST(CrossWith, TouchesCountOnce) {
-  EXPECT_EQ(Cross(Box(0, 0, 2, 2), Box(2, 2, 4, 4)).Points.size(), 1u) << "corner to corner";
-  EXPECT_EQ(Cross(Box(0, 0, 2, 2), TVPolyline2D{{2, 1}, {4, 0}, {4, 2}}).Points.size(), 1u) << "corner to edge";
-  EXPECT_EQ(Cross(Box(0, 0, 2, 2), TVPolyline2D{{0, 2}, {1, -1}, {-3, 2.5}}).Points.size(), 2u)
-      << "at its first corner";
-  EXPECT_TRUE(Cross(Box(0, 0, 2, 2), Box(2 + 2e-6, 0, 4, 4)).Points.empty());
+  EXPECT_EQ(Cross(box, Box(2, 2, 4, 4)).Points.size(), 1u) << "corner to corner";
+  EXPECT_EQ(Cross(box, TVPolyline2D{{0, 2}, {1, -1}, {-3, 2.5}}).Points.size(), 2u) << "at its first corner";
+  EXPECT_TRUE(Cross(box, Box(2 + 2e-6, 0, 4, 4)).Points.empty());
 }
 
 TEST(CrossWith, IsTheSameFromBothSides) {
@@ -273,14 +224,6 @@ TEST(PolygonBasicAlgo, SimplifyGivesPartsAndHolesFromLargeToSmallInTheDirectionO
       for (std::size_t i = 0; i < parts.size(); ++i) EXPECT_DOUBLE_EQ(parts[i].Area(), sign * c.Areas[i]) << c.Name;
       c.Contour.Reverse();
     }
-  }
-}
-
-TEST(HPolygon, HolesRunAgainstTheOuterContour) {
-  TVHPolygon polygon{Box(0, 0, 9, 9), Box(1, 1, 2, 2), Box(3, 3, 4, 4)};
-  for (const bool clockwise : {false, true}) {
-    polygon.SetIsClockwise(clockwise);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(polygon[i].Area() > 0, (i == 0) != clockwise);
   }
 }
 

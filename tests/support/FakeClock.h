@@ -10,18 +10,11 @@ class TFakeClock {
   void AdvanceMs(double Ms) { FNowMs += Ms; }
   // From now on each reading moves it as well: time for code that polls the clock and does not return in between.
   void AdvanceAtEachReading(double Ms) { FStepMs = Ms; }
-  int Readings() const { return FReadings; }
 
  private:
-  double Read() {
-    ++FReadings;
-    return FNowMs += FStepMs;
-  }
-
   double FNowMs = 0;
   double FStepMs = 0;
-  int FReadings = 0;
-  TClockScope FScope{[this] { return Read(); }};
+  TClockScope FScope{[this] { return FNowMs += FStepMs; }};
 };
 
 }  // namespace platenest

@@ -46,23 +46,6 @@ const TPaths kRoom{Box(0, 10, 0, 10), Hole(Box(4, 6, 4, 6))};
 //  +-----+
 const TPaths kAngle{PathOf({{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}})};
 
-bool IsConvex(const TPath& Contour) {
-  const std::size_t n = Contour.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    if (Turn(Contour[i], Contour[(i + 1) % n], Contour[(i + 2) % n]) < 0) return false;
-  }
-  return true;
-}
-
-TEST(NfpOracle, KnowsTheForbiddenAreaOfSmallPairs) {
-  EXPECT_DOUBLE_EQ(RegionArea(ForbiddenRegion(kUnitSquare, kUnitSquare)), 4);
-  EXPECT_DOUBLE_EQ(RegionArea(ForbiddenRegion(kAngle, kUnitSquare)), 8);
-  EXPECT_EQ(CellForbiddenArea(kAngle, kUnitSquare), 8);
-  EXPECT_EQ(TPathUtils::BoundBox(ForbiddenRegion(kUnitSquare, {Box(2, 3, 5, 6)})),
-            TPathUtils::BoundBox(Box(-3, -1, -6, -4)));
-  EXPECT_TRUE(ForbiddenRegion(kUnitSquare, {}).empty());
-}
-
 // A part in a hole of the other: a frame of 10 by 10 with a hole of 8 by 8 leaves 6 by 6 to a square of 2 by 2, and a
 // moving part may stand around the fixed one as well.
 TEST(NfpOracle, FreesThePlacesInHolesOfEitherPart) {
@@ -73,21 +56,16 @@ TEST(NfpOracle, FreesThePlacesInHolesOfEitherPart) {
   const TPaths around = ForbiddenRegion({Box(100, 102, 50, 52)}, ring);
   EXPECT_DOUBLE_EQ(RegionArea(around), 18 * 12 - 8 * 4);
   EXPECT_EQ(PlaceOf(Place(89.01, 44.01), around), TPlace::Outside);
-  EXPECT_EQ(PlaceOf(Place(96.99, 47.99), around), TPlace::Outside);
-  EXPECT_EQ(PlaceOf(Place(88.99, 46), around), TPlace::Inside);
   EXPECT_EQ(PlaceOf(Place(93, 48), around), TPlace::Border);
 }
 
 TEST(NfpOracle, FindsWhereAPartFitsIntoAPlateWithHoles) {
   EXPECT_DOUBLE_EQ(RegionArea(InnerFitRegion(kRoom, kUnitSquare)), 72);
-  EXPECT_DOUBLE_EQ(RegionArea(InnerFitRegion({Box(0, 10, 0, 10)}, {Box(1, 3, 2, 5)})), 8 * 7);
-  EXPECT_TRUE(InnerFitRegion(kUnitSquare, {Box(0, 1.1, 0, 0.5)}).empty());
   // A plate with a hole under a part with a larger one: the part may stand around the obstacle.
   const TPaths ring{Box(0, 6, 0, 6), Hole(Box(1, 5, 1, 5))};
   EXPECT_DOUBLE_EQ(RegionArea(InnerFitRegion(kRoom, ring)), 2 * 2);
   EXPECT_TRUE(FitsAt(kRoom, ring, Place(1, 3)));
-  EXPECT_FALSE(FitsAt(kRoom, ring, Place(0.99999, 3)));
-  EXPECT_FALSE(FitsAt(kRoom, kUnitSquare, Place(9.00001, 0)));
+  EXPECT_FALSE(FitsAt(kRoom, ring, Place(0.99999, 3)) || FitsAt(kRoom, kUnitSquare, Place(9.00001, 0)));
 }
 
 TEST(NfpOracle, AllWaysToTheSumAgreeOnShapesOfTheGrid) {
@@ -106,14 +84,7 @@ TEST(NfpOracle, ConvexPairsEqualTheMergedEdges) {
     const TPaths s = PolygonOf(MakeShape(TShapeKind::Convex, 30, 100, seed));
     const TPaths d = PolygonOf(MakeShape(TShapeKind::Convex, 12, 20, seed + 1000));
     const TPaths merged{ConvexSum(s.front(), Negated(d).front())};
-    // Ears and their joints do not take the short way that a whole convex contour would.
-    std::vector<TPath> ears;
-    for (std::size_t i = 1; i + 1 < s.front().size(); ++i) {
-      ears.push_back({s.front()[0], s.front()[i], s.front()[i + 1]});
-    }
-    const TRegionDifference off = CompareRegions(MinkowskiSumOfPieces(ears, ConvexPieces(Negated(d))), merged);
-    EXPECT_EQ(off.Lost, 0);
-    EXPECT_EQ(off.Surplus, 0);
+    EXPECT_EQ(CompareRegions(ForbiddenRegion(s, d), merged).Relative(), 0);
     EXPECT_EQ(CheckNfpBySampling(s, d, merged, seed), "");
   });
 }
@@ -138,28 +109,32 @@ TEST(NfpOracle, InnerRegionsAgreeWithTheirSamples) {
 }
 
 TEST(NfpOracle, OverlapIsDecidedExactly) {
-  const auto at = [](const TPaths& s, const TPaths& d, double x, double y) { return OverlapsAt(s, d, Place(x, y)); };
-  EXPECT_TRUE(at(kAngle, kAngle, 0, 0)) << "equal shapes";
-  EXPECT_TRUE(at({Box(0, 9, 0, 9)}, kUnitSquare, 4, 4)) << "one within the other";
-  EXPECT_TRUE(at(kUnitSquare, {Box(0, 9, 0, 9)}, -4, -4));
-  EXPECT_TRUE(at(kUnitSquare, {Box(0, 1, 0.25, 0.75)}, 0, 0)) << "only sides touch, insides are shared";
-  EXPECT_TRUE(at(kUnitSquare, {PathOf({{0, 0}, {1, 1}, {0, 1}})}, 0, 0)) << "all vertices on the border";
-  EXPECT_FALSE(at(kUnitSquare, kUnitSquare, 1, 0)) << "a common side";
-  EXPECT_FALSE(at(kUnitSquare, kUnitSquare, 1, 1)) << "a common vertex";
-  EXPECT_FALSE(at(kAngle, kUnitSquare, 1, 1)) << "in the notch";
-  EXPECT_TRUE(at(kAngle, kUnitSquare, 0.99999, 1)) << "one unit deep";
-  EXPECT_FALSE(at(kRoom, {Box(4, 6, 4, 6)}, 0, 0)) << "fills the hole";
-  EXPECT_TRUE(at(kRoom, {Box(4, 6, 4, 6)}, 0, 0.00001));
+  const TPaths tall{Box(0, 9, 0, 9)};
   // A side of slope 1/3 and a vertex that lies on it or one unit beyond, of a tip too sharp for clipping.
   const TPaths slope{PathOf({{0, 0}, {9, 0}, {0, 3}})};
   const TPaths tip{PathOf({{0, 0}, {0.00001, 100}, {-0.00001, 100}})};
-  EXPECT_FALSE(at(slope, tip, 3, 2));
-  EXPECT_TRUE(at(slope, tip, 3, 1.99999));
+  const struct {
+    TPaths Static, Dynamic;
+    double X, Y;
+    bool Overlap;
+  } cases[] = {{kAngle, kAngle, 0, 0, true},
+               {tall, kUnitSquare, 4, 4, true},
+               {kUnitSquare, tall, -4, -4, true},
+               {kUnitSquare, {Box(0, 1, 0.25, 0.75)}, 0, 0, true},             // only sides touch
+               {kUnitSquare, {PathOf({{0, 0}, {1, 1}, {0, 1}})}, 0, 0, true},  // all vertices on the border
+               {kUnitSquare, kUnitSquare, 1, 0, false},
+               {kUnitSquare, kUnitSquare, 1, 1, false},
+               {kAngle, kUnitSquare, 1, 1, false},
+               {kAngle, kUnitSquare, 0.99999, 1, true},
+               {kRoom, {Box(4, 6, 4, 6)}, 0, 0, false},
+               {kRoom, {Box(4, 6, 4, 6)}, 0, 0.00001, true},
+               {slope, tip, 3, 2, false},
+               {slope, tip, 3, 1.99999, true}};
+  for (const auto& c : cases) EXPECT_EQ(OverlapsAt(c.Static, c.Dynamic, Place(c.X, c.Y)), c.Overlap) << &c - cases;
 }
 
 TEST(NfpOracle, MeasuresOverlap) {
   const TPaths moved = TPathUtils::Translate(kUnitSquare, {75000, 0});
-  EXPECT_DOUBLE_EQ(OverlapArea(kUnitSquare, moved), 0.25);
   EXPECT_NEAR(OverlapDepth(kUnitSquare, moved), 0.25, 2e-5);
   EXPECT_EQ(OverlapDepth(kUnitSquare, TPathUtils::Translate(kUnitSquare, {100000, 0})), 0);
 }
@@ -167,34 +142,30 @@ TEST(NfpOracle, MeasuresOverlap) {
 // The checks must find what is wrong, not only pass what is right.
 TEST(NfpOracle, NoticesWrongPaths) {
   const TPaths right = ForbiddenRegion(kAngle, kUnitSquare);
-  const TPaths small = TPathUtils::Translate(right, {-10, 0});
-  EXPECT_NE(CheckNfpBySampling(kAngle, kUnitSquare, small, 1), "");
-  EXPECT_NE(CheckNfpBySampling(kAngle, kUnitSquare, {}, 1).find("overlap outside the paths"), std::string::npos);
-  EXPECT_NE(CheckNfpBySampling(kAngle, kUnitSquare, {Box(-1, 2, -1, 2)}, 1).find("no overlap inside the paths"),
-            std::string::npos);
-  EXPECT_EQ(CheckNfpBySampling(kAngle, kUnitSquare, TPathUtils::Translate(right, {-2, 0}), 1), "") << "in the band";
+  const TPaths full{Box(-1, 2, -1, 2)};
+  const auto fault = [&](const TPaths& Paths, const TSamplingOptions& Options = {}) {
+    return CheckNfpBySampling(kAngle, kUnitSquare, Paths, 1, Options);
+  };
+  const auto moved = [&](Int64 By) { return TPathUtils::Translate(right, {By, 0}); };
+  EXPECT_NE(fault({}).find("overlap outside the paths"), std::string::npos);
+  EXPECT_NE(fault(full).find("no overlap inside the paths"), std::string::npos);
+  EXPECT_EQ(fault(moved(-2)), "") << "in the band";
+  EXPECT_NE(fault(moved(-10)), "");
+  EXPECT_EQ(fault(moved(-20), {.Band = 2.5e-4}), "");
+  EXPECT_NE(fault(moved(-40), {.Band = 2.5e-4}), "");
+  EXPECT_EQ(fault(full, {.SafeSideOnly = true}), "");
+  EXPECT_NE(fault(moved(-10), {.SafeSideOnly = true}), "");
 
-  TSamplingOptions wide;
-  wide.Band = 2.5e-4;
-  EXPECT_EQ(CheckNfpBySampling(kAngle, kUnitSquare, TPathUtils::Translate(right, {-20, 0}), 1, wide), "");
-  EXPECT_NE(CheckNfpBySampling(kAngle, kUnitSquare, TPathUtils::Translate(right, {-40, 0}), 1, wide), "");
-  TSamplingOptions safeSide;
-  safeSide.SafeSideOnly = true;
-  EXPECT_EQ(CheckNfpBySampling(kAngle, kUnitSquare, {Box(-1, 2, -1, 2)}, 1, safeSide), "");
-  EXPECT_NE(CheckNfpBySampling(kAngle, kUnitSquare, small, 1, safeSide), "");
-
-  const TPaths fit = InnerFitRegion(kRoom, kUnitSquare);
-  EXPECT_NE(CheckInnerFitBySampling(kRoom, kUnitSquare, {Box(0, 9, 0, 9)}, 1).find("no fit inside"), std::string::npos);
-  EXPECT_NE(CheckInnerFitBySampling(kRoom, kUnitSquare, {}, 1).find("a fit outside"), std::string::npos);
-  EXPECT_NE(CheckInnerFitBySampling(kRoom, kUnitSquare, TPathUtils::Translate(fit, {10, 10}), 1), "");
+  const auto fitFault = [](const TPaths& Paths) { return CheckInnerFitBySampling(kRoom, kUnitSquare, Paths, 1); };
+  EXPECT_NE(fitFault({Box(0, 9, 0, 9)}).find("no fit inside"), std::string::npos);
+  EXPECT_NE(fitFault({}).find("a fit outside"), std::string::npos);
 
   const TRegionDifference off = CompareRegions({Box(-1, 2, -1, 1)}, right);
   EXPECT_NEAR(off.Lost, 2, 1e-9);
   EXPECT_EQ(off.Surplus, 0);
-  EXPECT_NEAR(CompareRegions({Box(-1, 2, -1, 2)}, right).Surplus, 1, 1e-9);
-  EXPECT_NEAR(CompareRegions({Box(-1, 2, -1, 2)}, right).Relative(), 0.125, 1e-9);
-  EXPECT_EQ(CompareRegions(small, right, 6e-5).Relative(), 0) << "a sliver within the band";
-  EXPECT_GT(CompareRegions(small, right, 4e-5).Relative(), 0);
+  EXPECT_NEAR(CompareRegions(full, right).Relative(), 0.125, 1e-9);
+  EXPECT_EQ(CompareRegions(moved(-10), right, 6e-5).Relative(), 0) << "a sliver within the band";
+  EXPECT_GT(CompareRegions(moved(-10), right, 4e-5).Relative(), 0);
   EXPECT_EQ(CompareRegions({Box(-1, 2, -1, 1)}, right, 2e-5, 2.01).Lost, 0);
 }
 
@@ -213,34 +184,18 @@ TEST(ConvexPieces, CoverThePolygonOnce) {
 TEST(ConvexPieces, TakePolygonsThatTouchOrCrossThemselves) {
   const TPaths touching{Box(0, 4, 0, 4), Hole(PathOf({{0, 2}, {1, 1}, {1, 3}})), Hole(Box(1, 2, 1.5, 2.5))};
   EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(touching)) / 1e10, 14);
-  const TPaths bow{PathOf({{0, 0}, {2, 2}, {2, 0}, {0, 2}})};
-  EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(bow)) / 1e10, 2);
   const TPaths pentagram{PathOf({{0, 10}, {-6, -8}, {10, 3}, {-10, 3}, {6, -8}})};  // its middle is wound twice
   EXPECT_NEAR(TPathUtils::Area(ConvexPieces(pentagram)) / 1e10, RegionArea(pentagram), 1e-3);
   EXPECT_NEAR(CompareRegions(ConvexPieces(pentagram), pentagram).Relative(), 0, 1e-9);
-  EXPECT_TRUE(ConvexPieces({}).empty());
 }
 
-TEST(Shapes, AreSimpleAndTurnedAsPromised) {
-  ForEachSeed(220, [](unsigned seed) {
+TEST(Shapes, AreSimpleAndJigsawPartsFitTheirHole) {
+  ForEachSeed(110, [](unsigned seed) {
     const TShapeKind kind = kShapeKinds[seed % kShapeKinds.size()];
     SCOPED_TRACE(NameOf(kind));
-    const int edges = 8 + static_cast<int>(seed) % 93;
-    const double size = std::pow(10.0, 0.5 + seed % 6 * 0.5);
-    const TVHPolygon shape = MakeShape(kind, edges, size, seed);
-    const TPaths polygon = PolygonOf(shape);
-    EXPECT_TRUE(IsSimple(polygon));
-    EXPECT_FALSE(shape[0].IsClockwise());
-    for (std::size_t i = 1; i < shape.size(); ++i) EXPECT_TRUE(shape[i].IsClockwise());
-    EXPECT_NEAR(RegionArea(polygon) * 1e10 / TPathUtils::Area(polygon), 1, 1e-12) << "a hole leaves the outer contour";
-    EXPECT_EQ(PolygonOf(MakeShape(kind, edges, size, seed)), polygon) << "not repeatable";
-  });
-}
-
-TEST(Shapes, JigsawPartsFitTheirHole) {
-  ForEachSeed(44, [](unsigned seed) {
-    const TShapeKind kind = kShapeKinds[seed % kShapeKinds.size()];
-    SCOPED_TRACE(NameOf(kind));
+    const TVHPolygon shape = MakeShape(kind, 8 + seed % 93, std::pow(10.0, 0.5 + seed % 6 * 0.5), seed);
+    EXPECT_TRUE(IsSimple(PolygonOf(shape)));
+    for (std::size_t i = 0; i < shape.size(); ++i) EXPECT_EQ(shape[i].IsClockwise(), i > 0);
     const double grow = seed % 2 == 0 ? 0 : 0.002;
     const TJigsaw jigsaw = MakeJigsaw(kind, 24, 100, grow, seed);
     const TPaths plate = PolygonOf(jigsaw.Plate);
@@ -249,7 +204,6 @@ TEST(Shapes, JigsawPartsFitTheirHole) {
     EXPECT_FALSE(OverlapsAt(plate, part, place));
     EXPECT_EQ(PlaceOf(place, ForbiddenRegion(plate, part)), grow > 0 ? TPlace::Outside : TPlace::Inside)
         << "a place without area vanishes in the region";
-    EXPECT_TRUE(OverlapsAt(plate, part, {place.X + 1000, place.Y}));
   });
 }
 
@@ -262,15 +216,10 @@ TEST(NfpInstances, AreReadWithTheirStripPlatesAndLayout) {
     "layout": [{"part": 3, "at": [1, 2]}]})");
   EXPECT_EQ(instance.StripWidth, 4.5);
   EXPECT_EQ(instance.BestLength, 7);
-  ASSERT_EQ(instance.Parts.size(), 1u);
-  EXPECT_EQ(instance.Parts[0].Demand, 2);
-  EXPECT_EQ(instance.Parts[0].Rotations, (std::vector<double>{0, 180}));
-  EXPECT_DOUBLE_EQ(RegionArea(PolygonOf(instance.Parts[0].Shape)), 15.5);
-  EXPECT_FALSE(instance.Parts[0].Shape[0].IsClockwise());
-  ASSERT_EQ(instance.Plates.size(), 1u);
-  EXPECT_EQ(instance.Layout[0].At.Y, 2);
+  EXPECT_EQ(instance.Parts.at(0).Rotations, (std::vector<double>{0, 180}));
+  EXPECT_DOUBLE_EQ(RegionArea(PolygonOf(instance.Parts.at(0).Shape)), 15.5);
+  EXPECT_EQ(instance.Layout.at(0).At.Y, 2);
   EXPECT_THROW(ParseNfpInstance("{"), std::runtime_error);
-  EXPECT_THROW(ReadNfpInstance("no/such/file.json"), std::runtime_error);
 }
 
 }  // namespace

@@ -10,21 +10,9 @@
 
 #include "AllocationCounter.h"
 #include "ForEachSeed.h"
-#include "GlobalsGuard.h"
 
 namespace platenest {
 namespace {
-
-class TVariable {
- public:
-  TVariable(const char* Name, const char* Value) : FName(Name) { setenv(Name, Value, 1); }
-  ~TVariable() { unsetenv(FName); }
-  TVariable(const TVariable&) = delete;
-  TVariable& operator=(const TVariable&) = delete;
-
- private:
-  const char* FName;
-};
 
 std::vector<unsigned> SeedsOf(unsigned Count) {
   std::vector<unsigned> seeds;
@@ -32,55 +20,33 @@ std::vector<unsigned> SeedsOf(unsigned Count) {
   return seeds;
 }
 
-TEST(ForEachSeed, TakesItsFirstSeedAndItsRoundsFromTheEnvironment) {
-  unsetenv("PLATENEST_SEED");
-  unsetenv("PLATENEST_ROUNDS");
-  EXPECT_EQ(SeedsOf(3), (std::vector<unsigned>{0, 1, 2}));
-  const TVariable seed("PLATENEST_SEED", "40");
-  const TVariable rounds("PLATENEST_ROUNDS", "2");
-  EXPECT_EQ(SeedsOf(2), (std::vector<unsigned>{40, 41, 42, 43}));
-}
-
-TEST(ForEachSeed, NamesTheFailingSeed) {
-  unsetenv("PLATENEST_ROUNDS");
-  const TVariable seed("PLATENEST_SEED", "40");
+TEST(ForEachSeed, TakesItsFirstSeedAndItsRoundsFromTheEnvironmentAndNamesTheFailingOne) {
+  const std::vector<unsigned> plain = SeedsOf(3);
+  setenv("PLATENEST_SEED", "40", 1);
+  setenv("PLATENEST_ROUNDS", "2", 1);
+  const std::vector<unsigned> told = SeedsOf(2);
   testing::TestPartResultArray failures;
   {
     const testing::ScopedFakeTestPartResultReporter reporter(&failures);
     ForEachSeed(5, [&](unsigned s) { EXPECT_NE(s, 42u); });
   }
+  unsetenv("PLATENEST_SEED");
+  unsetenv("PLATENEST_ROUNDS");
+  EXPECT_EQ(plain, (std::vector<unsigned>{0, 1, 2}));
+  EXPECT_EQ(told, (std::vector<unsigned>{40, 41, 42, 43}));
   ASSERT_EQ(failures.size(), 1);
   EXPECT_NE(std::string(failures.GetTestPartResult(0).message()).find("PLATENEST_SEED=42"), std::string::npos);
 }
 
-TEST(GlobalsGuard, FailsOnceForEachGlobalThatIsLeftChanged) {
-  TGlobalsGuard guard;
-  RectNestTerminated = true;
-  EXPECT_NONFATAL_FAILURE(guard.Check(), "RectNestTerminated");
-  ColumnGenerationTerminated = true;
-  EXPECT_NONFATAL_FAILURE(guard.Check(), "ColumnGenerationTerminated");
-  guard.Check();
-  const TStopToken token;
-  const TStopTokenScope scope(&token);
-  EXPECT_NONFATAL_FAILURE(guard.Check(), "stop token");
-}
-
 TEST(AllocationCounter, CountsThisThreadOnly) {
-  const TAllocationCounter counter;
-  const auto one = std::make_unique<int>(1);
-  const std::vector<int> two(1000);
   struct alignas(64) TAligned {
     int Value[16];
   };
-  const auto three = std::make_unique<TAligned>();
-  EXPECT_EQ(counter.Count(), 3);
-  Int64 onThread = 0;
-  std::thread([&] {
-    const TAllocationCounter own;
-    const std::list<int> ten(10);
-    onThread = own.Count();
-  }).join();
-  EXPECT_EQ(onThread, 10);
+  const TAllocationCounter counter;
+  const auto one = std::make_unique<int>(1);
+  const auto two = std::make_unique<TAligned>();
+  EXPECT_EQ(counter.Count(), 2);
+  std::thread([] { const std::list<int> ten(10); }).join();
   EXPECT_LT(counter.Count(), 10);
 }
 

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <numbers>
-#include <span>
 
 #include "platenest/foundation/Polyline.h"
 #include "platenest/foundation/Random.h"
@@ -60,30 +57,6 @@ inline TVPolyline2D Snake(int Bends, double Swing, double Width) {
   for (int i = 0; i < Bends; ++i) contour.push_back({1.0 * i, i % 2 == 0 ? 0 : Swing});
   for (int i = Bends - 1; i >= 0; --i) contour.push_back({1.0 * i, (i % 2 == 0 ? 0 : Swing) + Width * Uniform(0.3, 1)});
   return contour;
-}
-
-// No two edges touch but neighbours in their common vertex; by all pairs, with exact signs but for rounding.
-inline bool IsSimple(const TVPolyline2D& Contour) {
-  const std::span<const TPoint2D> p = Contour.Vertices();
-  const std::size_t n = p.size();
-  const auto touches = [](const TPoint2D& A, const TPoint2D& B, const TPoint2D& C, const TPoint2D& D) {
-    if (std::max(A.X, B.X) < std::min(C.X, D.X) || std::max(C.X, D.X) < std::min(A.X, B.X)) return false;
-    if (std::max(A.Y, B.Y) < std::min(C.Y, D.Y) || std::max(C.Y, D.Y) < std::min(A.Y, B.Y)) return false;
-    const auto differ = [](double S, double T) { return (S <= 0 || T <= 0) && (S >= 0 || T >= 0); };
-    return differ(TPoint2DUtils::IsLeft(A, B, C), TPoint2DUtils::IsLeft(A, B, D)) &&
-           differ(TPoint2DUtils::IsLeft(C, D, A), TPoint2DUtils::IsLeft(C, D, B));
-  };
-  for (std::size_t i = 0; i < n; ++i) {
-    const TPoint2D& a = p[i];
-    const TPoint2D& b = p[(i + 1) % n];
-    const TPoint2D& c = p[(i + 2) % n];
-    if (TPoint2DUtils::IsLeft(a, b, c) == 0 && (b - a).DotMul(c - b) <= 0) return false;
-    for (std::size_t j = i + 2; j < n; ++j) {
-      if (i == 0 && j == n - 1) continue;
-      if (touches(a, b, p[j], p[(j + 1) % n])) return false;
-    }
-  }
-  return n >= 3;
 }
 
 }  // namespace platenest::test

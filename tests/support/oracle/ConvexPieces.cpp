@@ -30,18 +30,13 @@ bool LooksInside(const TPath& Ring, std::size_t i, const TIntPoint& Point) {
 bool IsBlocked(const TIntPoint& A, const TIntPoint& B, const TPath& Contour) {
   for (std::size_t i = 0; i < Contour.size(); ++i) {
     const TIntPoint& c = Contour[i];
-    const TIntPoint& d = Contour[(i + 1) % Contour.size()];
+    const TIntPoint& d = Next(Contour, i);
     if (c != A && c != B && IsOnSegment(c, A, B)) return true;
     if (c == A || c == B || d == A || d == B) continue;
     if (IsOnSegment(A, c, d) || IsOnSegment(B, c, d)) return true;
     if ((Turn(A, B, c) > 0) != (Turn(A, B, d) > 0) && (Turn(c, d, A) > 0) != (Turn(c, d, B) > 0)) return true;
   }
   return false;
-}
-
-template <class Number>
-int CompareNumbers(Number A, Number B) {
-  return (A > B) - (A < B);
 }
 
 struct TBridge {
@@ -55,27 +50,30 @@ double SquareDistance(const TIntPoint& A, const TIntPoint& B) {
   return dx * dx + dy * dy;
 }
 
-// The shortest free way from one vertex of the hole to the ring. Other holes may stand in between: they block as well.
-std::optional<TBridge> BridgeFrom(std::size_t OnHole, const TPath& Hole, const TPath& Ring, const TPaths& Others) {
-  const TIntPoint& from = Hole[OnHole];
+// The shortest free way from one vertex of the first hole to the ring. The other holes may stand in between.
+std::optional<TBridge> BridgeFrom(std::size_t OnHole, const TPath& Ring, const TPaths& Holes) {
+  const TIntPoint& from = Holes[0][OnHole];
   std::vector<std::size_t> order(Ring.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   SortBy(order, [&](std::size_t a, std::size_t b) {
-    return CompareNumbers(SquareDistance(Ring[a], from), SquareDistance(Ring[b], from));
+    return Sign(SquareDistance(Ring[a], from), SquareDistance(Ring[b], from));
   });
   for (const std::size_t i : order) {
-    if (Ring[i] == from && LooksInside(Ring, i, Hole[(OnHole + 1) % Hole.size()])) return TBridge{i, OnHole};
-    if (!LooksInside(Ring, i, from) || IsBlocked(from, Ring[i], Ring) || IsBlocked(from, Ring[i], Hole)) continue;
-    const bool blocked =
-        std::any_of(Others.begin(), Others.end(), [&](const TPath& other) { return IsBlocked(from, Ring[i], other); });
-    if (!blocked) return TBridge{i, OnHole};
+    if (Ring[i] == from && LooksInside(Ring, i, Next(Holes[0], OnHole))) return TBridge{i, OnHole};
+    if (!LooksInside(Ring, i, from) || IsBlocked(from, Ring[i], Ring)) continue;
+    const auto blocks = [&](const TPath& hole) { return IsBlocked(from, Ring[i], hole); };
+    if (std::ranges::none_of(Holes, blocks)) return TBridge{i, OnHole};
   }
   return std::nullopt;
 }
 
+using TPlainPoint = std::pair<Int64, Int64>;  // has an order
+TPlainPoint Plain(const TIntPoint& Point) {
+  return {Point.X, Point.Y};
+}
+
 std::size_t LeftmostOf(const TPath& Contour) {
-  const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.X < b.X || (a.X == b.X && a.Y < b.Y); };
-  return static_cast<std::size_t>(std::min_element(Contour.begin(), Contour.end(), less) - Contour.begin());
+  return static_cast<std::size_t>(std::ranges::min_element(Contour, {}, Plain) - Contour.begin());
 }
 
 void Splice(TPath& Ring, const TPath& Hole, const TBridge& Bridge) {
@@ -90,13 +88,11 @@ void Splice(TPath& Ring, const TPath& Hole, const TBridge& Bridge) {
 std::optional<TPath> OneRing(const TPaths& Polygon) {
   TPath ring = Polygon.front();
   TPaths holes(Polygon.begin() + 1, Polygon.end());
-  SortBy(holes, [](const TPath& a, const TPath& b) { return CompareNumbers(a[LeftmostOf(a)].X, b[LeftmostOf(b)].X); });
-  while (!holes.empty()) {
-    const TPath hole = holes.front();
-    holes.erase(holes.begin());
-    const std::optional<TBridge> bridge = BridgeFrom(LeftmostOf(hole), hole, ring, holes);
+  SortBy(holes, [](const TPath& a, const TPath& b) { return Sign(a[LeftmostOf(a)].X, b[LeftmostOf(b)].X); });
+  for (; !holes.empty(); holes.erase(holes.begin())) {
+    const std::optional<TBridge> bridge = BridgeFrom(LeftmostOf(holes[0]), ring, holes);
     if (!bridge) return std::nullopt;
-    Splice(ring, hole, *bridge);
+    Splice(ring, holes[0], *bridge);
   }
   return ring;
 }
@@ -137,24 +133,12 @@ class TEarCutter {
   TPath FRing;
 };
 
-struct TPointLess {
-  bool operator()(const TIntPoint& A, const TIntPoint& B) const { return A.X != B.X ? A.X < B.X : A.Y < B.Y; }
-};
-
-struct TSideLess {
-  bool operator()(const std::pair<TIntPoint, TIntPoint>& A, const std::pair<TIntPoint, TIntPoint>& B) const {
-    const TPointLess less;
-    if (less(A.first, B.first)) return true;
-    return !less(B.first, A.first) && less(A.second, B.second);
-  }
-};
-
 class TConvexJoiner {
  public:
   explicit TConvexJoiner(const std::vector<TTriangle>& Triangles) {
     for (const TTriangle& triangle : Triangles) {
-      for (std::size_t i = 0; i < 3; ++i) FOwner[{triangle[i], triangle[(i + 1) % 3]}] = FPieces.size();
       FPieces.emplace_back(triangle.begin(), triangle.end());
+      Own(FPieces.back(), FPieces.size() - 1);
     }
   }
 
@@ -166,7 +150,11 @@ class TConvexJoiner {
   }
 
  private:
-  void TryJoin(const TIntPoint& A, const TIntPoint& B) {
+  void Own(const TPath& Sides, std::size_t Piece) {
+    for (std::size_t i = 0; i < Sides.size(); ++i) FOwner[{Plain(Sides[i]), Plain(Next(Sides, i))}] = Piece;
+  }
+
+  void TryJoin(const TPlainPoint& A, const TPlainPoint& B) {
     const auto mine = FOwner.find({A, B});
     const auto other = FOwner.find({B, A});
     if (mine == FOwner.end() || other == FOwner.end() || mine->second == other->second) return;
@@ -174,32 +162,23 @@ class TConvexJoiner {
     TPath& second = FPieces[other->second];
     TPath joined = Tour(first, B);
     const TPath tail = Tour(second, A);
-    if (joined.back() != A || tail.back() != B) return;
+    if (Plain(joined.back()) != A || Plain(tail.back()) != B) return;
     joined.insert(joined.end(), tail.begin() + 1, tail.end() - 1);
     if (!IsConvex(joined)) return;
-    const std::size_t target = mine->second;
-    for (std::size_t i = 0; i < second.size(); ++i) FOwner[{second[i], second[(i + 1) % second.size()]}] = target;
+    Own(second, mine->second);
     second.clear();
     first = std::move(joined);
     FOwner.erase({A, B});
     FOwner.erase({B, A});
   }
 
-  static TPath Tour(TPath Piece, const TIntPoint& Start) {
-    std::rotate(Piece.begin(), std::find(Piece.begin(), Piece.end(), Start), Piece.end());
+  static TPath Tour(TPath Piece, const TPlainPoint& Start) {
+    std::rotate(Piece.begin(), std::ranges::find(Piece, Start, Plain), Piece.end());
     return Piece;
   }
 
-  static bool IsConvex(const TPath& Piece) {
-    const std::size_t n = Piece.size();
-    for (std::size_t i = 0; i < n; ++i) {
-      if (Turn(Piece[i], Piece[(i + 1) % n], Piece[(i + 2) % n]) < 0) return false;
-    }
-    return true;
-  }
-
   std::vector<TPath> FPieces;
-  std::map<std::pair<TIntPoint, TIntPoint>, std::size_t, TSideLess> FOwner;
+  std::map<std::pair<TPlainPoint, TPlainPoint>, std::size_t> FOwner;
 };
 
 // Makes each vertex that lies on an edge a vertex of that edge's contour as well.
@@ -209,15 +188,14 @@ TPaths WithContacts(const TPaths& Polygon) {
     TPath& cut = result.emplace_back();
     for (std::size_t i = 0; i < contour.size(); ++i) {
       const TIntPoint& a = contour[i];
-      const TIntPoint& b = contour[(i + 1) % contour.size()];
+      const TIntPoint& b = Next(contour, i);
       TPath contacts;
       for (const TPath& other : Polygon) {
         std::copy_if(other.begin(), other.end(), std::back_inserter(contacts),
                      [&](const TIntPoint& p) { return p != a && p != b && IsOnSegment(p, a, b); });
       }
-      SortBy(contacts, [&](const TIntPoint& p, const TIntPoint& q) {
-        return CompareNumbers(SquareDistance(a, p), SquareDistance(a, q));
-      });
+      SortBy(contacts,
+             [&](const TIntPoint& p, const TIntPoint& q) { return Sign(SquareDistance(a, p), SquareDistance(a, q)); });
       contacts.erase(std::unique(contacts.begin(), contacts.end()), contacts.end());
       cut.push_back(a);
       cut.insert(cut.end(), contacts.begin(), contacts.end());

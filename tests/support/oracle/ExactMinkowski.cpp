@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "ConvexPieces.h"
+#include "OverlapDepth.h"
 
 namespace platenest {
 
@@ -12,54 +13,44 @@ namespace {
 // Contours of a first batch, and results that are united into one at each level above.
 constexpr std::size_t kFirstBatch = 16;
 constexpr std::size_t kFan = 4;
+constexpr Int64 kUnit = 100000;
 
 std::size_t LowestOf(const TPath& Contour) {
   const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.Y < b.Y || (a.Y == b.Y && a.X < b.X); };
   return static_cast<std::size_t>(std::min_element(Contour.begin(), Contour.end(), less) - Contour.begin());
 }
 
-// Unit cells of one polygon as flags over its bounding box.
-class TCells {
- public:
-  explicit TCells(const TPaths& Polygon) {
-    const TIntRect box = TPathUtils::BoundBox(Polygon);
-    if (!box.IsValid()) throw std::invalid_argument("a shape without area has no cells");
-    Left = Whole(box.Left);
-    Bottom = Whole(box.Bottom);
-    Columns = Whole(box.Right) - Left;
-    Rows = Whole(box.Top) - Bottom;
-    RequireRectilinear(Polygon);
-    for (Int64 y = 0; y < Rows; ++y) {
-      for (Int64 x = 0; x < Columns; ++x) Cells.push_back(PlaceOf(Middle(x, y), Polygon) == TPlace::Inside);
+// United in small batches and their results level by level, which is faster than at once.
+TPaths UniteMany(std::vector<TPath> Contours) {
+  std::vector<TPaths> parts;
+  for (std::size_t begin = 0; begin < Contours.size(); begin += kFirstBatch) {
+    const std::size_t end = std::min(begin + kFirstBatch, Contours.size());
+    parts.push_back(Normalized(
+        {Contours.begin() + static_cast<std::ptrdiff_t>(begin), Contours.begin() + static_cast<std::ptrdiff_t>(end)}));
+  }
+  while (parts.size() > 1) {
+    std::vector<TPaths> larger;
+    for (std::size_t begin = 0; begin < parts.size(); begin += kFan) {
+      TPaths all;
+      for (std::size_t i = begin; i < std::min(begin + kFan, parts.size()); ++i)
+        TPathUtils::PathsAddRange(all, parts[i]);
+      larger.push_back(Normalized(all));
+    }
+    parts = std::move(larger);
+  }
+  return parts.empty() ? TPaths() : std::move(parts.front());
+}
+
+void RequireOnGrid(const TPaths& Polygon) {
+  for (const TPath& contour : Polygon) {
+    for (std::size_t i = 0; i < contour.size(); ++i) {
+      const TIntPoint& at = contour[i];
+      const TIntPoint& next = Next(contour, i);
+      if (at.X % kUnit != 0 || at.Y % kUnit != 0) throw std::invalid_argument("a vertex is off the unit grid");
+      if (at.X != next.X && at.Y != next.Y) throw std::invalid_argument("an edge is oblique");
     }
   }
-  bool At(Int64 X, Int64 Y) const { return Cells[static_cast<std::size_t>(Y * Columns + X)]; }
-
-  Int64 Left = 0, Bottom = 0, Columns = 0, Rows = 0;
-
- private:
-  static constexpr Int64 kUnit = 100000;
-
-  static Int64 Whole(Int64 V) {
-    if (V % kUnit != 0) throw std::invalid_argument("a vertex is off the unit grid");
-    return V / kUnit;
-  }
-  static void RequireRectilinear(const TPaths& Polygon) {
-    for (const TPath& contour : Polygon) {
-      for (std::size_t i = 0; i < contour.size(); ++i) {
-        const TIntPoint& next = contour[(i + 1) % contour.size()];
-        Whole(contour[i].X);
-        Whole(contour[i].Y);
-        if (contour[i].X != next.X && contour[i].Y != next.Y) throw std::invalid_argument("an edge is oblique");
-      }
-    }
-  }
-  TIntPoint Middle(Int64 X, Int64 Y) const {
-    return TPathUtils::CreateIntPoint((Left + X) * kUnit + kUnit / 2, (Bottom + Y) * kUnit + kUnit / 2);
-  }
-
-  std::vector<bool> Cells;
-};
+}
 
 }  // namespace
 
@@ -86,26 +77,6 @@ TPath ConvexSum(const TPath& A, const TPath& B) {
   return sum;
 }
 
-TPaths UniteMany(std::vector<TPath> Contours) {
-  std::vector<TPaths> parts;
-  for (std::size_t begin = 0; begin < Contours.size(); begin += kFirstBatch) {
-    const std::size_t end = std::min(begin + kFirstBatch, Contours.size());
-    parts.push_back(Normalized(
-        {Contours.begin() + static_cast<std::ptrdiff_t>(begin), Contours.begin() + static_cast<std::ptrdiff_t>(end)}));
-  }
-  while (parts.size() > 1) {
-    std::vector<TPaths> larger;
-    for (std::size_t begin = 0; begin < parts.size(); begin += kFan) {
-      TPaths all;
-      for (std::size_t i = begin; i < std::min(begin + kFan, parts.size()); ++i)
-        TPathUtils::PathsAddRange(all, parts[i]);
-      larger.push_back(Normalized(all));
-    }
-    parts = std::move(larger);
-  }
-  return parts.empty() ? TPaths() : std::move(parts.front());
-}
-
 TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B) {
   std::vector<TPath> sums;
   sums.reserve(A.size() * B.size());
@@ -128,25 +99,15 @@ TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic) {
 }
 
 Int64 CellForbiddenArea(const TPaths& Static, const TPaths& Dynamic) {
-  const TCells s(Static);
-  const TCells d(Negated(Dynamic));
-  const Int64 columns = s.Columns + d.Columns;
-  std::vector<bool> taken(static_cast<std::size_t>(columns * (s.Rows + d.Rows)));
-  for (Int64 y = 0; y < s.Rows; ++y) {
-    for (Int64 x = 0; x < s.Columns; ++x) {
-      if (!s.At(x, y)) continue;
-      for (Int64 v = 0; v < d.Rows; ++v) {
-        for (Int64 u = 0; u < d.Columns; ++u) {
-          if (!d.At(u, v)) continue;
-          const Int64 corner = (y + v) * columns + x + u;
-          for (const Int64 cell : {corner, corner + 1, corner + columns, corner + columns + 1}) {
-            taken[static_cast<std::size_t>(cell)] = true;
-          }
-        }
-      }
-    }
-  }
-  return std::count(taken.begin(), taken.end(), true);
+  RequireOnGrid(Static);
+  RequireOnGrid(Dynamic);
+  const TIntRect s = TPathUtils::BoundBox(Static);
+  const TIntRect d = TPathUtils::BoundBox(Dynamic);
+  Int64 taken = 0;
+  for (Int64 y = s.Bottom - d.Top; y < s.Top - d.Bottom; y += kUnit)
+    for (Int64 x = s.Left - d.Right; x < s.Right - d.Left; x += kUnit)
+      taken += OverlapsAt(Static, Dynamic, {x + kUnit / 2, y + kUnit / 2});
+  return taken;
 }
 
 }  // namespace platenest

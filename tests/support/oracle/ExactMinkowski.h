@@ -26,8 +26,4 @@ TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic);
 // counting unit cells: no clipping, no decomposition. Raises std::invalid_argument for other shapes.
 Int64 CellForbiddenArea(const TPaths& Static, const TPaths& Dynamic);
 
-// United under non-zero fill in small batches and their results level by level, which is faster than at once.
-// Normalised.
-TPaths UniteMany(std::vector<TPath> Contours);
-
 }  // namespace platenest

@@ -12,13 +12,20 @@ namespace platenest {
 namespace {
 
 TPath BoxPath(const TIntRect& Box) {
-  return {TPathUtils::CreateIntPoint(Box.Left, Box.Bottom), TPathUtils::CreateIntPoint(Box.Right, Box.Bottom),
-          TPathUtils::CreateIntPoint(Box.Right, Box.Top), TPathUtils::CreateIntPoint(Box.Left, Box.Top)};
+  return {{Box.Left, Box.Bottom}, {Box.Right, Box.Bottom}, {Box.Right, Box.Top}, {Box.Left, Box.Top}};
 }
 
-TPath Reversed(TPath Contour) {
-  std::reverse(Contour.begin(), Contour.end());
-  return Contour;
+// What a part must not touch when it shall lie in the plate: a frame around its outer contour, and its holes filled.
+std::vector<TPaths> PlateSurroundings(const TPaths& Plate) {
+  const Int64 width = Round(kPathScale);
+  const TIntRect box = TPathUtils::BoundBox(Plate);
+  TPaths reversed = Plate;
+  ClipperLib::ReversePaths(reversed);
+  std::vector<TPaths> result;
+  for (const TPath& contour : reversed) result.push_back({contour});
+  result[0].insert(result[0].begin(),
+                   BoxPath({box.Left - width, box.Right + width, box.Top + width, box.Bottom - width}));
+  return result;
 }
 
 // Where the box of the part lies in the box of the plate.
@@ -28,31 +35,15 @@ TIntRect BoxRange(const TIntRect& Plate, const TIntRect& Part) {
 
 }  // namespace
 
-std::vector<TPaths> PlateSurroundings(const TPaths& Plate, Int64 FrameWidth) {
-  TIntRect frame = TPathUtils::BoundBox(Plate);
-  frame.Left -= FrameWidth;
-  frame.Right += FrameWidth;
-  frame.Top += FrameWidth;
-  frame.Bottom -= FrameWidth;
-  std::vector<TPaths> result{{BoxPath(frame), Reversed(Plate.front())}};
-  for (std::size_t i = 1; i < Plate.size(); ++i) result.push_back({Reversed(Plate[i])});
-  return result;
-}
-
 TPaths InnerFitRegion(const TPaths& Plate, const TPaths& Part) {
   if (Plate.empty() || Part.empty()) return {};
   const TIntRect range = BoxRange(TPathUtils::BoundBox(Plate), TPathUtils::BoundBox(Part));
   if (range.Width() <= 0 || range.Height() <= 0) return {};
   const std::vector<TPath> moving = ConvexPieces(Negated(Part));
-  TClipper clipper;
-  clipper.AddPath(BoxPath(range), ClipperLib::ptSubject, true);
-  for (const TPaths& obstacle : PlateSurroundings(Plate, Round(kPathScale))) {
-    clipper.AddPaths(MinkowskiSumOfPieces(ConvexPieces(obstacle), moving), ClipperLib::ptClip, true);
-  }
-  TPaths result;
-  clipper.Execute(ClipperLib::ctDifference, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-  std::erase_if(result, [](const TPath& contour) { return contour.size() < 3; });
-  return result;
+  TPaths taken;
+  for (const TPaths& obstacle : PlateSurroundings(Plate))
+    TPathUtils::PathsAddRange(taken, MinkowskiSumOfPieces(ConvexPieces(obstacle), moving));
+  return Clipped({BoxPath(range)}, taken, ClipperLib::ctDifference);
 }
 
 TPaths InnerFitRegion(const TVHPolygon& Plate, const TVHPolygon& Part) {
@@ -65,7 +56,7 @@ bool FitsAt(const TPaths& Plate, const TPaths& Part, const TIntPoint& At) {
   const TIntRect part = TPathUtils::BoundBox(moved);
   if (part.Left < plate.Left || part.Right > plate.Right) return false;
   if (part.Bottom < plate.Bottom || part.Top > plate.Top) return false;
-  const std::vector<TPaths> obstacles = PlateSurroundings(Plate, Round(kPathScale));
+  const std::vector<TPaths> obstacles = PlateSurroundings(Plate);
   return std::none_of(obstacles.begin(), obstacles.end(),
                       [&](const TPaths& obstacle) { return Overlaps(obstacle, moved); });
 }

@@ -6,10 +6,6 @@
 
 namespace platenest {
 
-// What a part must not touch when it shall lie in Plate: a wide frame around its outer contour, and each of its holes
-// filled, as polygons.
-std::vector<TPaths> PlateSurroundings(const TPaths& Plate, Int64 FrameWidth);
-
 // Translations at which the part lies in the plate, off its holes. Only what has an area is held: a part that fits
 // exactly in one direction gives nothing, see Overlaps(). Normalised.
 TPaths InnerFitRegion(const TPaths& Plate, const TPaths& Part);

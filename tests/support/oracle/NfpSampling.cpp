@@ -40,10 +40,10 @@ std::string TextOf(const TIntPoint& At, const char* What, double Distance) {
 
 // A place near a random edge; the distance has the same chance in each power of ten from one path unit to the span.
 TIntPoint NearEdge(const TPaths& Paths, double Span) {
-  const TPath& contour = Paths[static_cast<std::size_t>(Random(static_cast<int>(Paths.size())))];
-  const std::size_t i = static_cast<std::size_t>(Random(static_cast<int>(contour.size())));
+  const TPath& contour = Paths[static_cast<std::size_t>(Random(Size(Paths)))];
+  const std::size_t i = static_cast<std::size_t>(Random(Size(contour)));
   const TIntPoint& a = contour[i];
-  const TIntPoint& b = contour[(i + 1) % contour.size()];
+  const TIntPoint& b = Next(contour, i);
   const double t = Uniform();
   const double angle = 2 * std::numbers::pi * Uniform();
   const double distance = std::pow(std::max(2.0, Span), Uniform());
@@ -96,12 +96,7 @@ TPath PlacesWithin(const TIntPoint& At, double Reach) {
 }
 
 TPaths Without(const TPaths& A, const TPaths& B) {
-  TClipper clipper;
-  clipper.AddPaths(A, ClipperLib::ptSubject, true);
-  clipper.AddPaths(B, ClipperLib::ptClip, true);
-  TPaths result;
-  clipper.Execute(ClipperLib::ctDifference, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-  return result;
+  return Clipped(A, B, ClipperLib::ctDifference);
 }
 
 TPaths Moved(const TPaths& Polygon, const TIntPoint& At) {
@@ -141,17 +136,13 @@ TIntRect SumBox(const TIntRect& Static, const TIntRect& Dynamic) {
           Static.Bottom - Dynamic.Top};
 }
 
-// Opened by the band: shrunk, and what remains grown back.
 double AreaBeyond(const TPaths& Region, double Band, double LeastContour) {
-  TClipperOffset inward;
-  inward.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
-  TPaths core;
-  inward.Execute(core, -Band);
-  if (core.empty()) return 0;
-  TClipperOffset outward;
-  outward.AddPaths(core, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
-  TPaths opened;
-  outward.Execute(opened, Band);
+  TPaths opened = Region;
+  for (const double by : {-Band, Band}) {
+    TClipperOffset offset;
+    offset.AddPaths(opened, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
+    offset.Execute(opened, by);
+  }
   std::erase_if(opened, [&](const TPath& c) { return std::abs(ClipperLib::Area(c)) < LeastContour * kSquareScale; });
   return TPathUtils::Area(opened) / kSquareScale;
 }
@@ -178,10 +169,9 @@ std::string CheckInnerFitBySampling(const TPaths& Plate, const TPaths& Part, con
   const TRandomScope scope(Seed);
   const TIntRect plate = TPathUtils::BoundBox(Plate);
   const TIntRect part = TPathUtils::BoundBox(Part);
-  const TIntRect range{std::min(plate.Left - part.Left, plate.Right - part.Right),
-                       std::max(plate.Left - part.Left, plate.Right - part.Right),
-                       std::max(plate.Top - part.Top, plate.Bottom - part.Bottom),
-                       std::min(plate.Top - part.Top, plate.Bottom - part.Bottom)};
+  const auto [left, right] = std::minmax({plate.Left - part.Left, plate.Right - part.Right});
+  const auto [bottom, top] = std::minmax({plate.Bottom - part.Bottom, plate.Top - part.Top});
+  const TIntRect range{left, right, top, bottom};
   return Check(Paths, Samples(Paths, range, Options.Samples), TPlace::Inside, Options,
                {"a fit outside the paths", "no fit inside the paths"},
                {[&](const TIntPoint& at) { return FitsAt(Plate, Part, at); },

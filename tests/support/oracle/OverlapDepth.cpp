@@ -11,8 +11,6 @@ namespace platenest {
 
 namespace {
 
-constexpr double kSquareScale = kPathScale * kPathScale;
-
 struct TSide {
   TIntPoint A;
   TIntPoint B;
@@ -20,18 +18,14 @@ struct TSide {
 };
 
 bool Reaches(const TIntRect& Box, const TIntPoint& A, const TIntPoint& B) {
-  return std::max(A.X, B.X) >= Box.Left && std::min(A.X, B.X) <= Box.Right && std::max(A.Y, B.Y) >= Box.Bottom &&
-         std::min(A.Y, B.Y) <= Box.Top;
+  return BoxesMeet({Box.Left, Box.Bottom}, {Box.Right, Box.Top}, A, B);
 }
 
 std::vector<TSide> SidesIn(const TIntRect& Box, const TPaths& Polygon) {
   std::vector<TSide> sides;
-  for (const TPath& contour : Polygon) {
-    for (std::size_t i = 0; i < contour.size(); ++i) {
-      const TIntPoint& next = contour[(i + 1) % contour.size()];
-      if (Reaches(Box, contour[i], next)) sides.push_back({contour[i], next, {}});
-    }
-  }
+  for (const TPath& contour : Polygon)
+    for (std::size_t i = 0; i < contour.size(); ++i)
+      if (Reaches(Box, contour[i], Next(contour, i))) sides.push_back({contour[i], Next(contour, i), {}});
   return sides;
 }
 
@@ -44,11 +38,6 @@ bool CrossProperly(const TSide& S, const TSide& T) {
   return c != 0 && d != 0 && (c > 0) != (d > 0);
 }
 
-bool BoxesMeet(const TSide& S, const TSide& T) {
-  return std::max(S.A.X, S.B.X) >= std::min(T.A.X, T.B.X) && std::min(S.A.X, S.B.X) <= std::max(T.A.X, T.B.X) &&
-         std::max(S.A.Y, S.B.Y) >= std::min(T.A.Y, T.B.Y) && std::min(S.A.Y, S.B.Y) <= std::max(T.A.Y, T.B.Y);
-}
-
 void AddCut(TSide& Side, const TIntPoint& Point) {
   if (Point != Side.A && Point != Side.B && IsOnSegment(Point, Side.A, Side.B)) Side.Cuts.push_back(Point);
 }
@@ -57,7 +46,7 @@ void AddCut(TSide& Side, const TIntPoint& Point) {
 bool CutOrCross(std::vector<TSide>& First, std::vector<TSide>& Second) {
   for (TSide& s : First) {
     for (TSide& t : Second) {
-      if (!BoxesMeet(s, t)) continue;
+      if (!BoxesMeet(s.A, s.B, t.A, t.B)) continue;
       if (CrossProperly(s, t)) return true;
       AddCut(s, t.A);
       AddCut(s, t.B);
@@ -117,15 +106,6 @@ bool AnyStretchInside(std::vector<TSide>& Sides, const TIntRect& Box, const TDou
   return false;
 }
 
-TPaths Common(const TPaths& A, const TPaths& B) {
-  TClipper clipper;
-  clipper.AddPaths(A, ClipperLib::ptSubject, true);
-  clipper.AddPaths(B, ClipperLib::ptClip, true);
-  TPaths result;
-  clipper.Execute(ClipperLib::ctIntersection, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-  return result;
-}
-
 bool Survives(const TPaths& Region, double Inset) {
   TClipperOffset offset;
   offset.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
@@ -154,12 +134,8 @@ bool OverlapsAt(const TPaths& Static, const TPaths& Dynamic, const TIntPoint& At
   return Overlaps(Static, TPathUtils::Translate(Dynamic, TPathUtils::CreatePointL2D(At)));
 }
 
-double OverlapArea(const TPaths& A, const TPaths& B) {
-  return TPathUtils::Area(Common(A, B)) / kSquareScale;
-}
-
 double OverlapDepth(const TPaths& A, const TPaths& B) {
-  return InnerWidth(Common(A, B));
+  return InnerWidth(Clipped(A, B, ClipperLib::ctIntersection));
 }
 
 double InnerWidth(const TPaths& Region) {

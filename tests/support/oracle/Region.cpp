@@ -1,6 +1,7 @@
 #include "Region.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -8,10 +9,6 @@
 namespace platenest {
 
 namespace {
-
-const TIntPoint& Next(const TPath& Contour, std::size_t i) {
-  return Contour[i + 1 == Contour.size() ? 0 : i + 1];
-}
 
 double DistanceToSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B) {
   const double dx = static_cast<double>(B.X - A.X);
@@ -25,8 +22,7 @@ double DistanceToSegment(const TIntPoint& Point, const TIntPoint& A, const TIntP
 }
 
 bool Meet(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C, const TIntPoint& D) {
-  if (std::max(A.X, B.X) < std::min(C.X, D.X) || std::max(C.X, D.X) < std::min(A.X, B.X)) return false;
-  if (std::max(A.Y, B.Y) < std::min(C.Y, D.Y) || std::max(C.Y, D.Y) < std::min(A.Y, B.Y)) return false;
+  if (!BoxesMeet(A, B, C, D)) return false;
   if (IsOnSegment(C, A, B) || IsOnSegment(D, A, B) || IsOnSegment(A, C, D) || IsOnSegment(B, C, D)) return true;
   return (Turn(A, B, C) > 0) != (Turn(A, B, D) > 0) && (Turn(C, D, A) > 0) != (Turn(C, D, B) > 0);
 }
@@ -38,10 +34,15 @@ bool NeighboursFold(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) 
 
 }  // namespace
 
+bool IsConvex(const TPath& Contour) {
+  const std::size_t n = Contour.size();
+  for (std::size_t i = 0; i < n; ++i)
+    if (Turn(Contour[i], Contour[(i + 1) % n], Contour[(i + 2) % n]) < 0) return false;
+  return true;
+}
+
 bool IsOnSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B) {
-  if (Point.X < std::min(A.X, B.X) || Point.X > std::max(A.X, B.X)) return false;
-  if (Point.Y < std::min(A.Y, B.Y) || Point.Y > std::max(A.Y, B.Y)) return false;
-  return Turn(A, B, Point) == 0;
+  return BoxesMeet(Point, Point, A, B) && Turn(A, B, Point) == 0;
 }
 
 TPlace PlaceOf(const TIntPoint& Point, const TPaths& Region) {
@@ -93,13 +94,18 @@ TPaths Negated(const TPaths& Polygon) {
   return result;
 }
 
-TPaths Normalized(const TPaths& Region) {
+TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type) {
   TClipper clipper;
-  clipper.AddPaths(Region, ClipperLib::ptSubject, true);
+  clipper.AddPaths(Subject, ClipperLib::ptSubject, true);
+  clipper.AddPaths(Clip, ClipperLib::ptClip, true);
   TPaths result;
-  clipper.Execute(ClipperLib::ctUnion, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
+  clipper.Execute(Type, result, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
   std::erase_if(result, [](const TPath& contour) { return contour.size() < 3; });
   return result;
+}
+
+TPaths Normalized(const TPaths& Region) {
+  return Clipped(Region, {}, ClipperLib::ctUnion);
 }
 
 double RegionArea(const TPaths& Region) {
@@ -107,22 +113,18 @@ double RegionArea(const TPaths& Region) {
 }
 
 bool IsSimple(const TPaths& Polygon) {
-  struct TEdge {
-    TIntPoint A, B;
-  };
-  std::vector<TEdge> edges;
+  std::vector<std::array<TIntPoint, 2>> edges;
   for (const TPath& contour : Polygon) {
     if (contour.size() < 3) return false;
-    const std::size_t count = contour.size();
-    for (std::size_t i = 0; i < count; ++i) {
-      if (NeighboursFold(contour[i], Next(contour, i), contour[(i + 2) % count])) return false;
+    for (std::size_t i = 0; i < contour.size(); ++i) {
+      if (NeighboursFold(contour[i], Next(contour, i), contour[(i + 2) % contour.size()])) return false;
       edges.push_back({contour[i], Next(contour, i)});
     }
   }
   for (std::size_t i = 0; i < edges.size(); ++i) {
     for (std::size_t j = i + 1; j < edges.size(); ++j) {
-      const bool neighbours = edges[i].B == edges[j].A || edges[j].B == edges[i].A;
-      if (!neighbours && Meet(edges[i].A, edges[i].B, edges[j].A, edges[j].B)) return false;
+      const bool neighbours = edges[i][1] == edges[j][0] || edges[j][1] == edges[i][0];
+      if (!neighbours && Meet(edges[i][0], edges[i][1], edges[j][0], edges[j][1])) return false;
     }
   }
   return true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "platenest/foundation/Paths.h"
 
 // Exact answers about integer polygons at the scale of paths. A polygon is a list of contours with its inside on the
@@ -16,6 +18,20 @@ inline TWide Turn(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) {
   return static_cast<TWide>(B.X - A.X) * (C.Y - A.Y) - static_cast<TWide>(B.Y - A.Y) * (C.X - A.X);
 }
 
+// The vertex after the i-th, around.
+inline const TIntPoint& Next(const TPath& Contour, std::size_t i) {
+  return Contour[i + 1 == Contour.size() ? 0 : i + 1];
+}
+
+// Whether the boxes of two segments touch.
+inline bool BoxesMeet(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C, const TIntPoint& D) {
+  return std::max(A.X, B.X) >= std::min(C.X, D.X) && std::min(A.X, B.X) <= std::max(C.X, D.X) &&
+         std::max(A.Y, B.Y) >= std::min(C.Y, D.Y) && std::min(A.Y, B.Y) <= std::max(C.Y, D.Y);
+}
+
+// No corner turns right.
+bool IsConvex(const TPath& Contour);
+
 // On the closed segment.
 bool IsOnSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B);
 
@@ -30,6 +46,9 @@ TVHPolygon PartOf(const TPaths& Polygon);
 
 // Rotated by half a turn: every point negated. Orientation stays.
 TPaths Negated(const TPaths& Polygon);
+
+// One operation under non-zero fill for both, without contours of fewer than three points.
+TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type);
 
 // Union under non-zero fill: outers counter-clockwise, holes clockwise, no contour of fewer than three points.
 TPaths Normalized(const TPaths& Region);

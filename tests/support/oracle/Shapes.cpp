@@ -80,24 +80,21 @@ TPath OnGrid(const std::vector<std::array<int, 2>>& Corners, double Unit) {
 TPath Comb(int Edges, double Size) {
   const int teeth = std::max(2, Edges / 4);
   const int depth = Whole(2, 8);
-  std::vector<std::array<int, 2>> top;
+  std::vector<std::array<int, 2>> corners;
   int x = 0;
   for (int i = 0; i < teeth; ++i) {
     const int height = 1 + depth + Whole(0, 3);
     const int next = x + Whole(1, 3);
-    top.push_back({x, height});
-    top.push_back({next, height});
+    corners.insert(corners.end(), {{x, height}, {next, height}});
     x = next;
     if (i + 1 == teeth) break;
     const int gap = Whole(1, 3);
     const int floor = Whole(1, 2);
-    top.push_back({x, floor});
-    top.push_back({x + gap, floor});
+    corners.insert(corners.end(), {{x, floor}, {x + gap, floor}});
     x += gap;
   }
-  std::reverse(top.begin(), top.end());
-  std::vector<std::array<int, 2>> corners{{0, 0}, {x, 0}};
-  corners.insert(corners.end(), top.begin(), top.end());
+  corners.insert(corners.end(), {{x, 0}, {0, 0}});
+  std::reverse(corners.begin(), corners.end());
   return OnGrid(corners, GridUnit(Size, x));
 }
 
@@ -111,29 +108,19 @@ TPath Staircase(int Edges, double Size) {
   int high = Whole(1, 6);
   for (int i = 0; i < columns; ++i) {
     const int next = x + Whole(1, 3);
-    lower.push_back({x, low});
-    lower.push_back({next, low});
-    upper.push_back({x, high});
-    upper.push_back({next, high});
+    lower.insert(lower.end(), {{x, low}, {next, low}});
+    upper.insert(upper.end(), {{x, high}, {next, high}});
     x = next;
     const int shared = Whole(low, high - 1);
     low = shared - Whole(0, 3);
     high = shared + 1 + Whole(0, 3);
   }
   lower.insert(lower.end(), upper.rbegin(), upper.rend());
-  TPath path = OnGrid(lower, GridUnit(Size, x));
-  const auto flat = [&](std::size_t i) {
-    const std::size_t n = path.size();
-    return Turn(path[(i + n - 1) % n], path[i], path[(i + 1) % n]) == 0;
-  };
-  for (std::size_t i = 0; i < path.size();) {
-    if (flat(i)) {
-      path.erase(path.begin() + static_cast<std::ptrdiff_t>(i));
-    } else {
-      ++i;
-    }
-  }
-  return path;
+  const TPath path = OnGrid(lower, GridUnit(Size, x));
+  TPath bends;
+  for (std::size_t i = 0; i < path.size(); ++i)
+    if (Turn(path[(i + path.size() - 1) % path.size()], path[i], Next(path, i)) != 0) bends.push_back(path[i]);
+  return bends;
 }
 
 TPath Gear(int Edges, double Size) {
@@ -186,7 +173,7 @@ TPath NearParallel(int Edges, double Size, unsigned Seed) {
   TPath points;
   for (std::size_t i = 0; i < base.size(); ++i) {
     const TIntPoint& a = base[i];
-    const TIntPoint& b = base[(i + 1) % base.size()];
+    const TIntPoint& b = Next(base, i);
     for (int k = 0; k < pieces; ++k) {
       const double t = k == 0 ? 0 : (k + Uniform(-0.3, 0.3)) / pieces;
       const double x = static_cast<double>(a.X) + t * static_cast<double>(b.X - a.X);
@@ -246,61 +233,51 @@ TPath UShape(double Size) {
       GridUnit(Size, 9));
 }
 
-TPaths OutlineOf(TShapeKind Kind, int Edges, double Size, unsigned Seed) {
-  switch (Kind) {
-    case TShapeKind::Convex:
-      return {Convex(Edges, Size)};
-    case TShapeKind::Star:
-      return {Star(Edges, Size)};
-    case TShapeKind::Comb:
-      return {Comb(Edges, Size)};
-    case TShapeKind::Staircase:
-      return {Staircase(Edges, Size)};
-    case TShapeKind::Gear:
-      return {Gear(Edges, Size)};
-    case TShapeKind::Spiral:
-      return {Spiral(Edges, Size)};
-    case TShapeKind::NearParallel:
-      return {NearParallel(Edges, Size, Seed)};
-    case TShapeKind::Slit:
-      return {Slit(Edges, Size)};
-    case TShapeKind::Holed:
-      return Holed(Edges, Size);
-    case TShapeKind::LShape:
-      return {LShape(Size)};
-    case TShapeKind::UShape:
-      return {UShape(Size)};
-  }
-  return {};
+using TMaker = TPaths (*)(int Edges, double Size, unsigned Seed);
+
+struct TKind {
+  const char* Name;
+  bool IsOnGrid;
+  TMaker Make;
+};
+
+// In the order of TShapeKind.
+constexpr TKind kKinds[] = {
+    {"convex", false, [](int Edges, double Size, unsigned) { return TPaths{Convex(Edges, Size)}; }},
+    {"star", false, [](int Edges, double Size, unsigned) { return TPaths{Star(Edges, Size)}; }},
+    {"comb", true, [](int Edges, double Size, unsigned) { return TPaths{Comb(Edges, Size)}; }},
+    {"staircase", true, [](int Edges, double Size, unsigned) { return TPaths{Staircase(Edges, Size)}; }},
+    {"gear", false, [](int Edges, double Size, unsigned) { return TPaths{Gear(Edges, Size)}; }},
+    {"spiral", false, [](int Edges, double Size, unsigned) { return TPaths{Spiral(Edges, Size)}; }},
+    {"near-parallel", false,
+     [](int Edges, double Size, unsigned Seed) { return TPaths{NearParallel(Edges, Size, Seed)}; }},
+    {"slit", false, [](int Edges, double Size, unsigned) { return TPaths{Slit(Edges, Size)}; }},
+    {"holed", false, [](int Edges, double Size, unsigned) { return Holed(Edges, Size); }},
+    {"L shape", true, [](int, double Size, unsigned) { return TPaths{LShape(Size)}; }},
+    {"U shape", true, [](int, double Size, unsigned) { return TPaths{UShape(Size)}; }},
+};
+
+const TKind& KindOf(TShapeKind Kind) {
+  return kKinds[static_cast<std::size_t>(Kind)];
 }
 
-bool IsOnGrid(TShapeKind Kind) {
-  return Kind == TShapeKind::Comb || Kind == TShapeKind::Staircase || Kind == TShapeKind::LShape ||
-         Kind == TShapeKind::UShape;
-}
-
-// A quarter turn of a point keeps the grid.
 void TurnQuarters(TPaths& Polygon, int Quarters) {
-  for (TPath& contour : Polygon) {
-    for (TIntPoint& p : contour) {
-      for (int i = 0; i < Quarters; ++i) p = TPathUtils::CreateIntPoint(-p.Y, p.X);
-    }
-  }
+  for (TPath& contour : Polygon)
+    for (TIntPoint& p : contour)
+      for (int i = 0; i < Quarters; ++i) p = TIntPoint(-p.Y, p.X);
 }
 
 TPaths MakePolygon(TShapeKind Kind, int Edges, double Size, unsigned Seed) {
   const TRandomScope scope(Seed * 16ULL + static_cast<unsigned>(Kind));
-  TPaths polygon = OutlineOf(Kind, std::max(8, Edges), Size, Seed);
-  if (IsOnGrid(Kind)) TurnQuarters(polygon, Random(4));
+  TPaths polygon = KindOf(Kind).Make(std::max(8, Edges), Size, Seed);
+  if (KindOf(Kind).IsOnGrid) TurnQuarters(polygon, Random(4));
   return polygon;
 }
 
 }  // namespace
 
 const char* NameOf(TShapeKind Kind) {
-  constexpr std::array names = {"convex",        "star", "comb",  "staircase", "gear",   "spiral",
-                                "near-parallel", "slit", "holed", "L shape",   "U shape"};
-  return names[static_cast<std::size_t>(Kind)];
+  return KindOf(Kind).Name;
 }
 
 TVHPolygon MakeShape(TShapeKind Kind, int Edges, double Size, unsigned Seed) {
