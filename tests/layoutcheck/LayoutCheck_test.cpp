@@ -81,6 +81,7 @@ TEST(CheckRectLayout, ReadsAmounts) {
   const TVRect2D plate = TVRect2D::FromSize(3, 1);
   EXPECT_EQ(CheckRectLayout(two, plate, 1, {{1, 5, size}, {9, 6, size}, {1, 5, size}}), "") << "entries add up";
   EXPECT_NE(CheckRectLayout(two, plate, 1, {{1, 5, size}, {-9, 5, size}}), "");
+  EXPECT_EQ(CheckRectLayout(two, plate, 1, {{2, 5, size}, {-9, 5, size}}), "") << "below 0 counts as none";
   EXPECT_EQ(CheckRectLayout(two, plate, 1, {{-1, 5, size}}, {.NegativeAmountIsNoLimit = true}), "");
 }
 
