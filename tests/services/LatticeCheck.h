@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "ExactMinkowski.h"
 #include "OverlapDepth.h"
 #include "Region.h"
 #include "platenest/services/arrayInfo.h"
@@ -22,7 +23,13 @@ inline double DepthAt(const TPaths& Fixed, const TPaths& Moving, const TPoint2D&
   const TIntRect a = TPathUtils::BoundBox(Fixed);
   const TIntRect b = TPathUtils::BoundBox(moved);
   if (a.Right <= b.Left || b.Right <= a.Left || a.Top <= b.Bottom || b.Top <= a.Bottom) return 0;
-  return OverlapArea(Fixed, moved) == 0 ? 0 : OverlapDepth(Fixed, moved);
+  const double depth = OverlapArea(Fixed, moved) == 0 ? 0 : OverlapDepth(Fixed, moved);
+  if (depth <= kAllowedDepth) return depth;
+  // Common slivers of less than a path unit may be taken for wide ones, but nothing is deeper than its way out is long.
+  const TPaths forbidden = ForbiddenRegion(Fixed, Moving);
+  const TIntPoint at = UnitsOf(At);
+  if (PlaceOf(at, forbidden) != TPlace::Inside) return 0;
+  return std::min(depth, DistanceToBorder(at, forbidden) / kPathScale);
 }
 
 // Deepest overlap of the part with its copies on the lattice from -3 to 3; copies on opposite sides are alike.
