@@ -90,6 +90,15 @@ std::span<const Field<Options>> FieldsOf<Options>() {
 }
 
 template <>
+std::span<const Field<LabelSize>> FieldsOf<LabelSize>() {
+  static constexpr Field<LabelSize> fields[] = {
+      {"width", true, [](LabelSize& r) -> Slot { return NumberAt{&r.Width}; }},
+      {"height", true, [](LabelSize& r) -> Slot { return NumberAt{&r.Height}; }},
+  };
+  return fields;
+}
+
+template <>
 std::span<const Field<Job>> FieldsOf<Job>() {
   static constexpr Field<Job> fields[] = {
       {"schema", true,
@@ -132,6 +141,22 @@ std::span<const Field<Job>> FieldsOf<Job>() {
        [](Job& r) -> Slot {
          return ChoiceAt{kQualityNames, &r.Quality};
        }},
+      {"part", false,
+       [](Job& r) -> Slot {
+         return TextAt{&r.PartId, true};
+       }},
+      {"along", false,
+       [](Job& r) -> Slot {
+         return ChoiceAt{kAlongNames, &r.Direction};
+       }},
+      {"separate", false, [](Job& r) -> Slot { return FlagAt{&r.Separate}; }},
+      {"inner_lines", false,
+       [](Job& r) -> Slot {
+         return ListAt<PolygonRing>{&r.InnerLines, limits::kInnerLines};
+       }},
+      {"label", false, [](Job& r) -> Slot { return ObjectAt<LabelSize>{&r.Label.emplace()}; }},
+      {"offset", false, [](Job& r) -> Slot { return NumberAt{&r.Offset}; }},
+      {"radius", false, [](Job& r) -> Slot { return NumberAt{&r.Radius}; }},
       {"options", false, [](Job& r) -> Slot { return ObjectAt<Options>{&r.Run}; }},
   };
   return fields;
@@ -162,11 +187,11 @@ namespace {
 // Stands for a list of plates that the form leaves out.
 const Plate kAbsentPlates{.Id = {}, .Width = -1};
 
-// Only a job of kind Nfp may leave its plates out.
+// Only jobs about shapes may leave their plates out.
 void ResolvePlates(Job& AJob, bool IsWhole, FaultList& Faults) {
   if (AJob.Plates != std::vector{kAbsentPlates}) return;
   AJob.Plates.clear();
-  if (IsWhole && AJob.Kind != JobKind::Nfp) Faults.AddMissing("", "plates");
+  if (IsWhole && !IsOfShapes(AJob.Kind)) Faults.AddMissing("", "plates");
 }
 
 void WritePlate(JsonWriter& Out, const Plate& APlate) {
@@ -209,6 +234,24 @@ void WriteIds(JsonWriter& Out, std::string_view Name, const std::vector<std::str
   Out.EndList();
 }
 
+void WriteArrayWish(JsonWriter& Out, const Job& AJob) {
+  if (!AJob.PartId.empty()) Out.Member("part", AJob.PartId);
+  if (AJob.Kind == JobKind::Array || AJob.Direction != Along::Free) Out.Member("along", AlongName(AJob.Direction));
+  if (AJob.Separate) Out.Member("separate", true);
+}
+
+void WriteLabelWish(JsonWriter& Out, const Job& AJob) {
+  if (!AJob.InnerLines.empty()) WriteContours(Out, "inner_lines", AJob.InnerLines);
+  if (AJob.Label) {
+    Out.Key("label");
+    Out.BeginObject(JsonStyle::Line);
+    Out.Member("width", AJob.Label->Width);
+    Out.Member("height", AJob.Label->Height);
+    Out.EndObject();
+  }
+  if (AJob.Offset != 0) Out.Member("offset", AJob.Offset);
+}
+
 void WriteOptions(JsonWriter& Out, const Options& Run) {
   Out.BeginObject(JsonStyle::Line);
   Out.Member("method", Run.Method);
@@ -235,6 +278,11 @@ using namespace detail;
 std::string_view KindName(JobKind Kind) {
   const auto index = static_cast<std::size_t>(Kind);
   return index < std::size(kKindNames) ? kKindNames[index] : "";
+}
+
+std::string_view AlongName(Along Direction) {
+  const auto index = static_cast<std::size_t>(Direction);
+  return index < std::size(kAlongNames) ? kAlongNames[index] : "";
 }
 
 std::string_view QualityName(NfpQuality Quality) {
@@ -276,7 +324,7 @@ std::string JobToJson(const Job& AJob) {
   out.Member("units", AJob.Units);
   out.Member("gap", AJob.Gap);
   WriteMargin(out, AJob.Margin);
-  if (AJob.Kind != JobKind::Nfp || !AJob.Plates.empty()) {
+  if (!IsOfShapes(AJob.Kind) || !AJob.Plates.empty()) {
     out.Key("plates");
     out.BeginList(JsonStyle::Block);
     for (const Plate& plate : AJob.Plates) WritePlate(out, plate);
@@ -291,6 +339,9 @@ std::string JobToJson(const Job& AJob) {
   if (AJob.Inside) out.Member("inside", true);
   if (AJob.Kind == JobKind::Nfp || AJob.Quality != NfpQuality::Complete)
     out.Member("quality", QualityName(AJob.Quality));
+  WriteArrayWish(out, AJob);
+  WriteLabelWish(out, AJob);
+  if (AJob.Radius) out.Member("radius", *AJob.Radius);
   out.Key("options");
   WriteOptions(out, AJob.Run);
   out.EndObject();

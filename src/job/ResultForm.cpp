@@ -1,8 +1,10 @@
+#include <tuple>
 #include <utility>
 
 #include "FormReader.h"
 #include "JobForm.h"
 #include "JsonWriter.h"
+#include "Texts.h"
 
 namespace platenest {
 
@@ -158,6 +160,45 @@ std::span<const Field<NfpPair>> FieldsOf<NfpPair>() {
 }
 
 template <>
+std::span<const Field<ArrayAnswer>> FieldsOf<ArrayAnswer>() {
+  static constexpr Field<ArrayAnswer> fields[] = {
+      {"first", true, [](ArrayAnswer& r) -> Slot { return NumbersAt{r.First}; }},
+      {"second", true, [](ArrayAnswer& r) -> Slot { return NumbersAt{r.Second}; }},
+      {"cell_area", true, [](ArrayAnswer& r) -> Slot { return NotNegative(r.CellArea); }},
+      {"density", true, [](ArrayAnswer& r) -> Slot { return NotNegative(r.Density); }},
+  };
+  return fields;
+}
+
+// A place has its members, no place has none of them.
+template <class T>
+bool IsFound(const T& Answer) {
+  return Answer.Found;
+}
+
+template <>
+std::span<const Field<LabelAnswer>> FieldsOf<LabelAnswer>() {
+  static constexpr auto found = IsFound<LabelAnswer>;
+  static constexpr Field<LabelAnswer> fields[] = {
+      {"found", true, [](LabelAnswer& r) -> Slot { return FlagAt{&r.Found}; }},
+      {"rotated", true, [](LabelAnswer& r) -> Slot { return FlagAt{&r.Rotated}; }, {}, false, found},
+      {"move", true, [](LabelAnswer& r) -> Slot { return NumbersAt{r.Move}; }, {}, false, found},
+      {"margin", true, [](LabelAnswer& r) -> Slot { return NotNegative(r.Margin); }, {}, false, found},
+      {"box", true, [](LabelAnswer& r) -> Slot { return NumbersAt{r.Bounds}; }, {}, false, found},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<SuckerAnswer>> FieldsOf<SuckerAnswer>() {
+  static constexpr Field<SuckerAnswer> fields[] = {
+      {"found", true, [](SuckerAnswer& r) -> Slot { return FlagAt{&r.Found}; }},
+      {"center", true, [](SuckerAnswer& r) -> Slot { return NumbersAt{r.Center}; }, {}, false, IsFound<SuckerAnswer>},
+  };
+  return fields;
+}
+
+template <>
 std::span<const Field<RunInfo>> FieldsOf<RunInfo>() {
   static constexpr Field<RunInfo> fields[] = {
       {"method", true, [](RunInfo& r) -> Slot { return TextAt{&r.Method}; }},
@@ -226,6 +267,9 @@ std::span<const Field<Result>> FieldsOf<Result>() {
        [](Result& r) -> Slot {
          return ListAt<NfpPair>{&r.Pairs, limits::kPairs};
        }},
+      {"array", false, [](Result& r) -> Slot { return ObjectAt<ArrayAnswer>{&r.Array.emplace()}; }},
+      {"label", false, [](Result& r) -> Slot { return ObjectAt<LabelAnswer>{&r.Label.emplace()}; }},
+      {"sucker", false, [](Result& r) -> Slot { return ObjectAt<SuckerAnswer>{&r.Sucker.emplace()}; }},
       {"warnings", true,
        [](Result& r) -> Slot {
          return ListAt<std::string>{&r.Warnings, limits::kCopies};
@@ -244,6 +288,27 @@ void ResolveTimes(RunInfo& Run, FaultList& Faults) {
   if (!Run.Deterministic) return;
   Run.Threads = RunInfo{}.Threads;
   Run.Seconds = RunInfo{}.Seconds;
+}
+
+// The member that tells the answer of a kind is there in this kind, and in no other. A run of kind Nfp that ended early
+// tells a list.
+void RequireAnswer(const Result& AResult, FaultList& Faults) {
+  const std::tuple<JobKind, std::string_view, bool> members[] = {
+      {JobKind::Array, "array", AResult.Array.has_value()},
+      {JobKind::Label, "label", AResult.Label.has_value()},
+      {JobKind::Sucker, "sucker", AResult.Sucker.has_value()}};
+  for (const auto& [kind, name, isThere] : members) {
+    if (kind == AResult.Kind && !isThere) Faults.AddMissing("", name);
+    if (kind != AResult.Kind && isThere)
+      Faults.AddInput("conflict", Joined("/", name),
+                      Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));
+  }
+}
+
+// What stands beside the word that there is no place says nothing.
+void ResolvePlaces(Result& AResult) {
+  if (AResult.Label && !AResult.Label->Found) AResult.Label = LabelAnswer{};
+  if (AResult.Sucker && !AResult.Sucker->Found) AResult.Sucker = SuckerAnswer{};
 }
 
 template <class T>
@@ -323,6 +388,43 @@ void WritePairs(JsonWriter& Out, const Result& AResult) {
   WritePair(Out, AResult.Pairs[0]);
 }
 
+void WriteArray(JsonWriter& Out, const ArrayAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("first", Answer.First);
+  Out.Member("second", Answer.Second);
+  Out.Member("cell_area", Answer.CellArea);
+  Out.Member("density", Answer.Density);
+  Out.EndObject();
+}
+
+void WriteLabel(JsonWriter& Out, const LabelAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("found", Answer.Found);
+  if (Answer.Found) {
+    Out.Member("rotated", Answer.Rotated);
+    Out.Member("move", Answer.Move);
+    Out.Member("margin", Answer.Margin);
+    Out.Member("box", Answer.Bounds);
+  }
+  Out.EndObject();
+}
+
+void WriteSucker(JsonWriter& Out, const SuckerAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("found", Answer.Found);
+  if (Answer.Found) Out.Member("center", Answer.Center);
+  Out.EndObject();
+}
+
+// A member that stands only where there is an answer of its kind.
+template <class T>
+void WriteAnswer(JsonWriter& Out, std::string_view Name, const std::optional<T>& Answer,
+                 void (*Write)(JsonWriter&, const T&)) {
+  if (!Answer) return;
+  Out.Key(Name);
+  Write(Out, *Answer);
+}
+
 void WriteWarning(JsonWriter& Out, const std::string& Warning) {
   Out.Value(Warning);
 }
@@ -370,6 +472,8 @@ Result ParseResult(std::string_view Json) {
     FormReader reader(ObjectAt<Result>{&result}, faults);
     const bool isWhole = ReadJson(Json, limits::kResultBytes, reader, faults);
     if (isWhole) ResolveTimes(result.Run, faults);
+    if (isWhole) RequireAnswer(result, faults);
+    ResolvePlaces(result);
     faults.Raise();
     return result;
   });
@@ -393,6 +497,9 @@ std::string ResultToJson(const Result& AResult) {
   WriteList(out, "plates", AResult.Plates, WritePlateUse);
   WriteList(out, "parts", AResult.Parts, WritePartUse);
   WritePairs(out, AResult);
+  WriteAnswer(out, "array", AResult.Array, WriteArray);
+  WriteAnswer(out, "label", AResult.Label, WriteLabel);
+  WriteAnswer(out, "sucker", AResult.Sucker, WriteSucker);
   WriteList(out, "warnings", AResult.Warnings, WriteWarning);
   out.Key("run");
   WriteRun(out, AResult.Run);
