@@ -1,5 +1,8 @@
 #include "platenest/layoutcheck/PartSvg.h"
 
+#include <cmath>
+#include <cstdlib>
+
 #include "ShapePainter.h"
 #include "XmlText.h"
 #include "platenest/foundation/Types.h"
@@ -12,7 +15,8 @@ namespace {
 using detail::TBounds;
 using detail::XmlText;
 
-constexpr int kRings = 1;  // of neighbours around the part
+constexpr int kMostSteps = 3;     // of a vector to a neighbour that is drawn
+constexpr double kNearby = 0.25;  // how far around the part neighbours are drawn, as a share of its box
 constexpr int kMarkColour = 5;
 
 TPictureContours Rectangle(const TPlacedBox& Box, double Margin) {
@@ -43,12 +47,24 @@ class TPartPainter {
   }
 
  private:
+  TBounds PartBounds() const {
+    TBounds part;
+    part.Add(FPicture.Part);
+    return part;
+  }
+
   std::vector<TPoint2D> Neighbours() const {
     std::vector<TPoint2D> moves;
     if (!FPicture.Lattice) return moves;
-    for (int j = -kRings; j <= kRings; ++j)
-      for (int i = -kRings; i <= kRings; ++i)
-        if (i != 0 || j != 0) moves.push_back(FPicture.Lattice->First * i + FPicture.Lattice->Second * j);
+    const TPoint2D reach = PartBounds().Extent() * (1 + kNearby);
+    for (int j = -kMostSteps; j <= kMostSteps; ++j) {
+      for (int i = -kMostSteps; i <= kMostSteps; ++i) {
+        const TPoint2D move = FPicture.Lattice->First * i + FPicture.Lattice->Second * j;
+        const bool isNear = std::fabs(move.X) < reach.X && std::fabs(move.Y) < reach.Y;
+        const bool isNext = std::abs(i) + std::abs(j) == 1;
+        if ((i != 0 || j != 0) && (isNear || isNext)) moves.push_back(move);
+      }
+    }
     return moves;
   }
 
@@ -67,6 +83,7 @@ class TPartPainter {
 
   std::vector<detail::TLegendRow> Legend() const {
     std::vector<detail::TLegendRow> rows{{KindColour(detail::kPartColour), "part: " + FPicture.PartId}};
+    if (!FPicture.Lines.empty()) rows.push_back({KindColour(detail::kMovingColour), "inner lines"});
     for (const std::string& remark : FPicture.Remarks) rows.push_back({KindColour(kMarkColour), remark});
     return rows;
   }
@@ -93,9 +110,7 @@ class TPartPainter {
   }
 
   void Cell(const TLattice& Lattice) {
-    TBounds part;
-    part.Add(FPicture.Part);
-    const TPoint2D start = part.Low;
+    const TPoint2D start = PartBounds().Low;
     Stroked("cell", KindColour(kMarkColour), true);
     FPainter.Data({{start, start + Lattice.First, start + Lattice.First + Lattice.Second, start + Lattice.Second}});
     Stroked("vectors", KindColour(kMarkColour), false);

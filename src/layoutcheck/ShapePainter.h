@@ -22,6 +22,7 @@ class TBounds {
  public:
   void Add(const TPoint2D& P);
   void Add(const TPictureContours& Contours, const TPoint2D& Move = {0, 0});
+  TPoint2D Extent() const { return High - Low; }
   bool HasExtent() const { return High.X > Low.X && High.Y > Low.Y; }
 
   TPoint2D Low{HUGE_VAL, HUGE_VAL};

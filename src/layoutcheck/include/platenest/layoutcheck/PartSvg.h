@@ -29,7 +29,7 @@ struct TPartPicture {
   std::vector<std::string> Remarks;  // rows of the legend below the part's own
   TPictureContours Part;
   TPictureContours Lines;           // open ones, on the part
-  std::optional<TLattice> Lattice;  // drawn with its eight neighbours, the cell and its two vectors
+  std::optional<TLattice> Lattice;  // drawn with the neighbours nearby, the cell and its two vectors
   std::optional<TPictureLabel> Label;
   std::optional<TPictureDisc> Disc;
 };
