@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -71,9 +72,20 @@ TPaths SomePaths(TInput& Input) {
 bool MakesAShortRow(const TPaths& NFP, const TPoint2D& Step) {
   const TIntRect box = TPathUtils::BoundBox(NFP);
   if (!box.IsValid()) return true;
-  const double extent = std::fmax(static_cast<double>(box.Width()), static_cast<double>(box.Height())) * 1e-5;
-  const auto few = [&](double Part) { return !(extent / std::fabs(Part) > 200) || extent / std::fabs(Part) > 2e6; };
+  const double extents[] = {static_cast<double>(box.Width()) * 1e-5, static_cast<double>(box.Height()) * 1e-5};
+  const auto few = [&](double Part) {
+    return std::all_of(std::begin(extents), std::end(extents), [&](double Extent) {
+      const double copies = Extent / std::fabs(Part);
+      return !(copies > 200) || copies > 2e6;
+    });
+  };
   return few(Step.X) && few(Step.Y) && few(Step.Mag());
+}
+
+// A ray at a small angle stays long among the copies of the row; parallel ones are refused.
+bool IsShallow(const TPoint2D& A, const TPoint2D& B) {
+  const double sine = std::fabs(A.CrossMul(B)) / (A.Mag() * B.Mag());
+  return sine > 1e-7 && sine < 0.1;
 }
 
 void Require(bool Condition) {
@@ -91,7 +103,8 @@ void TryArray(TInput& Input) {
       if (MakesAShortRow(nfp, first)) TArrayInfoAlgo::CalcBest2ndArrayTrans(nfp, first, tol);
       return;
     case 1:
-      if (MakesAShortRow(nfp, {first.Mag(), first.Mag()})) TArrayInfoAlgo::Calc2ndArrayTrans(nfp, first, second);
+      if (MakesAShortRow(nfp, {first.Mag(), first.Mag()}) && !IsShallow(first, second))
+        TArrayInfoAlgo::Calc2ndArrayTrans(nfp, first, second);
       return;
     case 2: {
       const TPoint2D unit = TArrayInfoAlgo::ToUnit2ndArrayTrans(first, second);

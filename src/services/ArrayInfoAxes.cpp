@@ -4,6 +4,7 @@
 
 #include "ArrayInfoRow.h"
 #include "ArrayInfoRules.h"
+#include "UsableShape.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/PolyOffsetter.h"
 #include "platenest/foundation/Rounding.h"
@@ -20,8 +21,7 @@ enum class TAxis { X, Y };
 using TMakeNfp = void (*)(const TVHPolygonList&, double, TPaths&);
 
 void RequireOffset(double Offset) {
-  if (!(std::fabs(Offset) <= kMaxNfpCoordinate))
-    throw TArgumentError("[Error] TArrayInfoAlgo.CalcNFP: Offset is not finite or too large");
+  if (!IsUsable(Offset)) throw TArgumentError("[Error] TArrayInfoAlgo.CalcNFP: Offset is not finite or too large");
 }
 
 // The operations that take one outline read the first path, and an offset does not promise that this is it.

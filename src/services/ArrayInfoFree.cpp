@@ -71,8 +71,7 @@ TPoint2D ShortenedBy(TPoint2D V, const TPoint2D& Step) {
   return V;
 }
 
-// Raises one coordinate of V by whole first vectors until it is not negative; First is that vector's coordinate and
-// leads up whatever its sign.
+// Raises one coordinate of V by First or its opposite, whichever leads up, until it is not negative.
 TPoint2D RaisedAboveZero(TPoint2D V, const TPoint2D& First, double TPoint2D::*Coordinate) {
   const TPoint2D up = First.*Coordinate < 0 ? -First : First;
   while (V.*Coordinate < 0) V += up;

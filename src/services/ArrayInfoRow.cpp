@@ -54,8 +54,9 @@ int RowCopies(double Count, std::string_view Operation) {
 }
 
 TPaths UniteRow(const TPaths& Paths, int Count, const TPoint2D& Vector, TRowForm Form, std::string_view Operation) {
+  if (Count < 0) return {};
   if (Count > TArrayInfoAlgo::kMaxRowCopies) Refuse(Operation, "a row has too many copies");
-  const double reach = std::max(Count, 0) * std::max(std::fabs(Vector.X), std::fabs(Vector.Y)) * kPathScale;
+  const double reach = Count * std::max(std::fabs(Vector.X), std::fabs(Vector.Y)) * kPathScale;
   RequireReach(Paths, Count > 0 ? reach : 0, Operation);
   TClipper clipper;
   bool hasPaths = false;

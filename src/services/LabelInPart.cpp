@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ArrayInfoRules.h"
+#include "UsableShape.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/PolylineTree.h"
 #include "platenest/foundation/Rounding.h"
@@ -118,6 +119,8 @@ double TLabelInPartAlgo::DoCalcLabelPosInPart(const TVPolyline2DList& LayerLines
 }
 
 TVHPolygon TLabelInPartAlgo::ExpandLine(const TVPolyline2D& line, double delta) {
+  if (!IsUsable(line) || !IsUsable(delta))
+    throw TArgumentError("[Error] TLabelInPartAlgo.ExpandLine: a number is not finite or too large");
   TClipperOffset offset(kLineMiterLimit, kLineArcTol);
   offset.AddPath(TPathUtils::CreatePath(line, kPathScale), ClipperLib::jtSquare, ClipperLib::etClosedLine);
   TPaths paths;

@@ -1,7 +1,7 @@
-#include <cmath>
+#include <algorithm>
 
 #include "ArrayInfoRules.h"
-#include "platenest/NfpAlgorithmSet/PartNfp.h"
+#include "UsableShape.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/PolyOffsetter.h"
 #include "platenest/services/arrayInfo.h"
@@ -13,11 +13,8 @@ using namespace detail;
 namespace {
 
 void RequireUsable(const TVHPolygon& Part, double Radius) {
-  bool usable = !std::isnan(Radius) && std::fabs(Radius) <= kMaxNfpCoordinate;
-  for (const TVPolyline2D& contour : Part)
-    for (const TPoint2D& point : contour)
-      usable = usable && std::fabs(point.X) <= kMaxNfpCoordinate && std::fabs(point.Y) <= kMaxNfpCoordinate;
-  if (!usable)
+  const auto isUsable = [](const TVPolyline2D& Contour) { return IsUsable(Contour); };
+  if (!IsUsable(Radius) || !std::all_of(Part.begin(), Part.end(), isUsable))
     throw TArgumentError("[Error] TSuckerInPartAlgo.CalcSuckerPosInPart: a number is not finite or too large");
 }
 

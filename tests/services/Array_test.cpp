@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <numbers>
 
 #include "ForEachSeed.h"
@@ -130,8 +131,10 @@ TEST(ArrayInfo, RowOfCopies) {
   EXPECT_EQ(group[0].front(), group[0].back());
   EXPECT_EQ(TPathUtils::BoundBox(group), (TIntRect{-500000, 500000, 100000, -100000}));
   EXPECT_DOUBLE_EQ(TPathUtils::Area(group), 20e10);
-  TArray::CalcGroupNFP(UnitNfp(), -1, {2, 0}, group);
-  EXPECT_TRUE(group.empty());
+  for (const int count : {-1, std::numeric_limits<int>::min()}) {
+    TArray::CalcGroupNFP(UnitNfp(), count, {2, 0}, group);
+    EXPECT_TRUE(group.empty());
+  }
 }
 
 TEST(ArrayInfo, SecondVectorClearsTheRow) {
@@ -215,8 +218,7 @@ TEST(ArrayInfo, BestPlaceIsNearTheRowThenNearTheOrigin) {
 
 // A first vector along X never tries the place straight above the origin, only vertices and middles.
 TEST(ArrayInfo, PlacesOnTheAxesHangOnTheFirstVectorsY) {
-  const TPaths group{
-      {{-400000, 100000}, {300000, 135000}, {300000, -130000}, {-400000, -130000}, {-400000, 100000}}};
+  const TPaths group{{{-400000, 100000}, {300000, 135000}, {300000, -130000}, {-400000, -130000}, {-400000, 100000}}};
   const TVRect2D bound = TVRect2D::FromBounds(2, -2, -2, 2);
   const auto flat = TArray::CalcBest2ndArrayTransWithGroupNFP(group, {1, 0}, 1e-3, bound);
   EXPECT_EQ(flat.Value, TIntPoint(-50000, 117500));

@@ -39,7 +39,8 @@ using TPair = std::pair<A, B>;
 // kMaxRowCoordinate.
 //
 // Cost: that of the no-fit polygon, if it is not given; one union of at most 2n + 1 copies of NFP, where n copies of
-// the first vector reach across its box; the rest is linear in the points.
+// the first vector reach across its box; the rest is linear in the points. The union is quadratic in n where all copies
+// lie upon each other: 10000 of them take minutes.
 class PLATENEST_API TArrayInfoAlgo {
  public:
   TArrayInfoAlgo() = delete;
@@ -186,7 +187,8 @@ class PLATENEST_API TLabelInPartAlgo {
   static double DoCalcLabelPosInPart(const TVPolyline2DList& LayerLines, const TVPolyline2DList& InnerLines,
                                      const TVRect2D& LabelRect, double Offset, TPoint2D& TransVec);
   // The band of a line, delta to either side, with squared corners; always that of the closed line. No band:
-  // "[ERROR] TLabelInPartAlgo.SetOpenLineClosed: 图形计算错误".
+  // "[ERROR] TLabelInPartAlgo.SetOpenLineClosed: 图形计算错误"; numbers that TNFPCalculator would refuse:
+  // TArgumentError.
   static TVHPolygon ExpandLine(const TVPolyline2D& line, double delta);
   // The translations at which the label lies in the parts and off the inner shapes, at ntConcaveHull; empty if none.
   static void CalcNFP(const TVHPolygonList& parts, const TVHPolygonList& inner, const TVHPolygonList& label,
