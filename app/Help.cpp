@@ -99,7 +99,7 @@ repeats where that is. Without a place "found" is false and the exit code is 1.
 constexpr std::string_view kLabelExamples = R"(
 Examples:
   platenest label cover-label.json --svg out/
-  platenest label cover-label.json --label 60x20 --offset 2 -o label.json
+  platenest label cover-label.json --label 18x6 --offset 1 -o label.json
 )";
 
 constexpr std::string_view kSuckerPage = R"(
@@ -111,7 +111,7 @@ false and the exit code is 1.
 constexpr std::string_view kSuckerExamples = R"(
 Examples:
   platenest sucker cover-gripper.json --svg out/
-  platenest sucker cover-gripper.json --radius 12 -o gripper.json
+  platenest sucker cover-gripper.json --radius 4.5 -o gripper.json
 )";
 
 constexpr std::string_view kCheckPage = R"(

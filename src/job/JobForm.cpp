@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "FormFields.h"
 #include "FormReader.h"
 #include "JsonWriter.h"
 #include "Texts.h"
@@ -14,18 +15,12 @@ namespace detail {
 template <>
 std::span<const Field<Plate>> FieldsOf<Plate>() {
   static constexpr Field<Plate> fields[] = {
-      {"id", false,
-       [](Plate& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"width", true, [](Plate& r) -> Slot { return NumberAt{&r.Width}; }},
-      {"height", true, [](Plate& r) -> Slot { return NumberAt{&r.Height}; }},
-      {"count", false,
-       [](Plate& r) -> Slot {
-         return WholeAt{&kPlateCountRule, &r.Count};
-       }},
-      {"cost", false, [](Plate& r) -> Slot { return NumberAt{&r.Cost}; }},
-      {"remnant", false, [](Plate& r) -> Slot { return FlagAt{&r.Remnant}; }},
+      {"id", false, Id<&Plate::Id>},
+      {"width", true, Number<&Plate::Width>},
+      {"height", true, Number<&Plate::Height>},
+      {"count", false, Whole<&Plate::Count, kPlateCountRule>},
+      {"cost", false, Number<&Plate::Cost>},
+      {"remnant", false, Flag<&Plate::Remnant>},
   };
   return fields;
 }
@@ -33,36 +28,15 @@ std::span<const Field<Plate>> FieldsOf<Plate>() {
 template <>
 std::span<const Field<Part>> FieldsOf<Part>() {
   static constexpr Field<Part> fields[] = {
-      {"id", false,
-       [](Part& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"width", true, [](Part& r) -> Slot { return NumberAt{&r.Width}; }, "outline"},
-      {"height", true, [](Part& r) -> Slot { return NumberAt{&r.Height}; }, "outline"},
-      {"amount", false,
-       [](Part& r) -> Slot {
-         return WholeAt{&kAmountRule, &r.Amount};
-       }},
-      {"rotate", false,
-       [](Part& r) -> Slot {
-         return ChoiceAt{kRotateNames, &r.Turn};
-       }},
-      {"value", false, [](Part& r) -> Slot { return NumberAt{&r.Value}; }},
-      {"label", false, [](Part& r) -> Slot { return TextAt{&r.Label}; }},
-      {"outline",
-       false,
-       [](Part& r) -> Slot {
-         return ListAt<PolygonPoint>{&r.Outline, limits::kVertices};
-       },
-       {},
-       false},
-      {"holes",
-       false,
-       [](Part& r) -> Slot {
-         return ListAt<PolygonRing>{&r.Holes, limits::kHoles};
-       },
-       {},
-       false},
+      {"id", false, Id<&Part::Id>},
+      {"width", true, Number<&Part::Width>, "outline"},
+      {"height", true, Number<&Part::Height>, "outline"},
+      {"amount", false, Whole<&Part::Amount, kAmountRule>},
+      {"rotate", false, Choice<&Part::Turn, kRotateNames>},
+      {"value", false, Number<&Part::Value>},
+      {"label", false, Text<&Part::Label>},
+      {"outline", false, List<&Part::Outline, limits::kVertices>, {}, false},
+      {"holes", false, List<&Part::Holes, limits::kHoles>, {}, false},
   };
   return fields;
 }
@@ -70,21 +44,12 @@ std::span<const Field<Part>> FieldsOf<Part>() {
 template <>
 std::span<const Field<Options>> FieldsOf<Options>() {
   static constexpr Field<Options> fields[] = {
-      {"method", false, [](Options& r) -> Slot { return TextAt{&r.Method}; }},
-      {"time_limit", false, [](Options& r) -> Slot { return NumberAt{&r.TimeLimit}; }},
-      {"seed", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kSeedRule, &r.Seed};
-       }},
-      {"threads", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kThreadsRule, &r.Threads};
-       }},
-      {"memory_limit", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kMemoryRule, &r.MemoryLimit};
-       }},
-      {"deterministic", false, [](Options& r) -> Slot { return FlagAt{&r.Deterministic}; }},
+      {"method", false, Text<&Options::Method>},
+      {"time_limit", false, Number<&Options::TimeLimit>},
+      {"seed", false, Whole<&Options::Seed, kSeedRule>},
+      {"threads", false, Whole<&Options::Threads, kThreadsRule>},
+      {"memory_limit", false, Whole<&Options::MemoryLimit, kMemoryRule>},
+      {"deterministic", false, Flag<&Options::Deterministic>},
   };
   return fields;
 }
@@ -92,8 +57,8 @@ std::span<const Field<Options>> FieldsOf<Options>() {
 template <>
 std::span<const Field<LabelSize>> FieldsOf<LabelSize>() {
   static constexpr Field<LabelSize> fields[] = {
-      {"width", true, [](LabelSize& r) -> Slot { return NumberAt{&r.Width}; }},
-      {"height", true, [](LabelSize& r) -> Slot { return NumberAt{&r.Height}; }},
+      {"width", true, Number<&LabelSize::Width>},
+      {"height", true, Number<&LabelSize::Height>},
   };
   return fields;
 }
@@ -101,20 +66,11 @@ std::span<const Field<LabelSize>> FieldsOf<LabelSize>() {
 template <>
 std::span<const Field<Job>> FieldsOf<Job>() {
   static constexpr Field<Job> fields[] = {
-      {"schema", true,
-       [](Job&) -> Slot {
-         return ChoiceAt{kJobSchemaNames, {}};
-       }},
-      {"name", false, [](Job& r) -> Slot { return TextAt{&r.Name}; }},
-      {"kind", true,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kKindNames, &r.Kind};
-       }},
-      {"units", false,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kUnitNames, &r.Units};
-       }},
-      {"gap", false, [](Job& r) -> Slot { return NumberAt{&r.Gap}; }},
+      {"schema", true, Constant<Job, kJobSchemaNames>},
+      {"name", false, Text<&Job::Name>},
+      {"kind", true, Choice<&Job::Kind, kKindNames>},
+      {"units", false, Choice<&Job::Units, kUnitNames>},
+      {"gap", false, Number<&Job::Gap>},
       {"margin", false,
        [](Job& r) -> Slot {
          return NumbersAt{r.Margin, true};
@@ -124,40 +80,19 @@ std::span<const Field<Job>> FieldsOf<Job>() {
          r.Plates.clear();  // of what stands for an absent list
          return ListAt<Plate>{&r.Plates, limits::kPlateKinds};
        }},
-      {"parts", true,
-       [](Job& r) -> Slot {
-         return ListAt<Part>{&r.Parts, limits::kPartKinds};
-       }},
-      {"fixed", false,
-       [](Job& r) -> Slot {
-         return IdsAt{&r.Fixed, limits::kPartKinds};
-       }},
-      {"moving", false,
-       [](Job& r) -> Slot {
-         return IdsAt{&r.Moving, limits::kPartKinds};
-       }},
-      {"inside", false, [](Job& r) -> Slot { return FlagAt{&r.Inside}; }},
-      {"quality", false,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kQualityNames, &r.Quality};
-       }},
-      {"part", false,
-       [](Job& r) -> Slot {
-         return TextAt{&r.PartId, true};
-       }},
-      {"along", false,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kAlongNames, &r.Direction};
-       }},
-      {"separate", false, [](Job& r) -> Slot { return FlagAt{&r.Separate}; }},
-      {"inner_lines", false,
-       [](Job& r) -> Slot {
-         return ListAt<PolygonRing>{&r.InnerLines, limits::kInnerLines};
-       }},
-      {"label", false, [](Job& r) -> Slot { return ObjectAt<LabelSize>{&r.Label.emplace()}; }},
-      {"offset", false, [](Job& r) -> Slot { return NumberAt{&r.Offset}; }},
-      {"radius", false, [](Job& r) -> Slot { return NumberAt{&r.Radius}; }},
-      {"options", false, [](Job& r) -> Slot { return ObjectAt<Options>{&r.Run}; }},
+      {"parts", true, List<&Job::Parts, limits::kPartKinds>},
+      {"fixed", false, Ids<&Job::Fixed, limits::kPartKinds>},
+      {"moving", false, Ids<&Job::Moving, limits::kPartKinds>},
+      {"inside", false, Flag<&Job::Inside>},
+      {"quality", false, Choice<&Job::Quality, kQualityNames>},
+      {"part", false, Id<&Job::PartId>},
+      {"along", false, Choice<&Job::Direction, kAlongNames>},
+      {"separate", false, Flag<&Job::Separate>},
+      {"inner_lines", false, List<&Job::InnerLines, limits::kInnerLines>},
+      {"label", false, Optional<&Job::Label>},
+      {"offset", false, Number<&Job::Offset>},
+      {"radius", false, Number<&Job::Radius>},
+      {"options", false, Object<&Job::Run>},
   };
   return fields;
 }
