@@ -20,7 +20,11 @@ using detail::TextOf;
 
 constexpr int kMostSteps = 40;        // of the shortest vectors to each side
 constexpr int kMostReductions = 200;  // far more than vectors within the limits need
-constexpr double kLeastStep = 1e-5;   // drawing units
+// How much too near a copy at a corner may pass, as shares of the tolerance and, where the gap is far larger, of the
+// gap.
+constexpr double kArcOfTol = 0.05;
+constexpr double kArcOfGap = 1e-7;
+constexpr double kLeastStep = 1e-5;  // drawing units
 // Area that shapes may share and still keep apart, in square path units: a few units along an edge's rounding.
 constexpr double kShared = 100;
 constexpr double kMostLength = 1e12;  // path units, of vectors and places
@@ -104,7 +108,8 @@ std::string CheckLattice(const TPaths& Part, const TLattice& Lattice, double Gap
   if (!(Lattice.CellArea() > 0)) return "the vectors span no cell";
   const TLattice shortest = Reduced(Lattice);
   if (!(std::hypot(shortest.First.X, shortest.First.Y) >= kLeastStep)) return "copies lie on each other";
-  const TPaths grown = Grown(Part, (Gap - Tol) * kPathScale, ClipperLib::jtRound);
+  const TPaths grown = Grown(Part, (Gap - Tol) * kPathScale, ClipperLib::jtRound,
+                             std::max(kArcOfTol * Tol, kArcOfGap * Gap) * kPathScale);
   if (grown.empty()) return "";
   const TIntRect box = TPathUtils::BoundBox(grown);
   const double reach = (std::hypot(box.Width(), box.Height()) + kPathScale) / kPathScale;

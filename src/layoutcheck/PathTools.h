@@ -6,9 +6,10 @@
 // What the checkers of shapes share. Path units.
 namespace platenest::detail {
 
-// Offset by whole units. A shape that vanishes leaves nothing.
-inline TPaths Grown(const TPaths& Shape, double Delta, ClipperLib::JoinType Join = ClipperLib::jtMiter) {
-  TClipperOffset offset(2.0, 0.25);
+// Offset by whole units. A shape that vanishes leaves nothing. Arcs of a round join are up to ArcTol too flat.
+inline TPaths Grown(const TPaths& Shape, double Delta, ClipperLib::JoinType Join = ClipperLib::jtMiter,
+                    double ArcTol = 0.25) {
+  TClipperOffset offset(2.0, ArcTol);
   offset.AddPaths(Shape, Join, ClipperLib::etClosedPolygon);
   TPaths result;
   offset.Execute(result, Delta);

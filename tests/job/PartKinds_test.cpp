@@ -110,6 +110,25 @@ TEST(ArrayRun, SpacesCopiesByTheirBoxWhereTheKernelGivesUp) {
   EXPECT_THAT(result.Array->Second, ElementsAre(1001, 0));
 }
 
+// A row of the slanted needle takes hundreds of thousands of overlapping copies. A part as fine as the cleaning of
+// paths leaves no vector at all, which the core refuses.
+TEST(ArrayRun, SparesEndlessRowsAndTellsWhatTheCoreRefuses) {
+  const Part slender = Polygon("n", {{0, 0}, {1e4, 1e4}, {1e4 - 0.5, 1e4}});
+  const Result result = Answered(ArrayJob(slender, Along::X));
+  EXPECT_THAT(result.Warnings, ElementsAre(HasSubstr("too slender")));
+  EXPECT_EQ(result.Array->First[1], 0);
+  EXPECT_EQ(result.Run.Method, "rows");
+  EXPECT_LT(result.Array->First[0], 1);
+  const Job tiny = ArrayJob({.Id = "t", .Width = 0.001, .Height = 0.001}, Along::X);
+  try {
+    run(tiny);
+    FAIL() << "an array of no vector";
+  } catch (const InputError& error) {
+    EXPECT_EQ(error.Faults().front().Place, "/along");
+    EXPECT_THAT(error.Faults().front().Detail, HasSubstr("[Error] TArrayInfoAlgo."));
+  }
+}
+
 TEST(LabelRun, PutsALabelUprightTurnedOrNowhere) {
   const Part square = Polygon("s", Square(100, 0, 10));
   const LabelAnswer upright = *Answered(LabelJob(square, 2, 1, 0.5)).Label;
