@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "CommandTable.h"
@@ -167,6 +169,18 @@ TEST(Convert, TurnsTablesIntoJobsAndBack) {
 TEST(Schema, IsPrintedForBothForms) {
   EXPECT_EQ(RunLine("schema job").Out, std::string(JobSchema()) + (JobSchema().ends_with('\n') ? "" : "\n"));
   EXPECT_THAT(RunLine("schema result").Out, HasSubstr("platenest-result/1"));
+}
+
+TEST(Examples, EachIsAnsweredByTheCommandOfItsKind) {
+  const TempFolder folder;
+  for (const auto& entry : std::filesystem::directory_iterator(PLATENEST_EXAMPLES)) {
+    const std::string file = entry.path().string();
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    const std::string kind(KindName(ParseJob(text.str()).Kind));
+    EXPECT_EQ(folder.Run(kind + " " + file + " -o result.json --svg out/ --quiet").Exit, 0) << file;
+    EXPECT_EQ(folder.Run("check " + file + " result.json --quiet").Exit, 0) << file;
+  }
 }
 
 // Each page tells the command's options, and its examples run in their order, each as it stands there.
