@@ -60,9 +60,11 @@ std::optional<std::string> ParseText(std::string_view Text) {
   return std::string(Text);
 }
 
-std::optional<NfpQuality> ParseQuality(std::string_view Text) {
-  for (int i = 0; i <= static_cast<int>(NfpQuality::Exact); ++i)
-    if (QualityName(static_cast<NfpQuality>(i)) == Text) return static_cast<NfpQuality>(i);
+// One of the enumerators up to Last, by its name.
+template <auto Last, std::string_view (*NameOf)(decltype(Last))>
+std::optional<decltype(Last)> ParseName(std::string_view Text) {
+  for (int i = 0; i <= static_cast<int>(Last); ++i)
+    if (NameOf(static_cast<decltype(Last)>(i)) == Text) return static_cast<decltype(Last)>(i);
   return std::nullopt;
 }
 
@@ -111,7 +113,14 @@ JobOverrides ReadJobOverrides(OptionReader& Reader) {
   job.Fixed = Reader.Read("--fixed", ParseText, "the id of a part");
   job.Moving = Reader.Read("--moving", ParseText, "the id of a part");
   job.Inside = Reader.Has("--inside");
-  job.Quality = Reader.Read("--quality", ParseQuality, "convex, concave, complete or exact");
+  job.Quality =
+      Reader.Read("--quality", ParseName<NfpQuality::Exact, QualityName>, "convex, concave, complete or exact");
+  job.Of = Reader.Read("--of", ParseText, "the id of a part");
+  job.Direction = Reader.Read("--along", ParseName<Along::Free, AlongName>, "x, y, xy or free");
+  job.Separate = Reader.Has("--separate");
+  job.LabelSides = Reader.Read("--label", ParseSize, "WIDTHxHEIGHT, for example 60x25");
+  job.Offset = Reader.Read("--offset", ParseNumber, "a number");
+  job.Radius = Reader.Read("--radius", ParseNumber, "a number");
   return job;
 }
 
@@ -135,6 +144,14 @@ constexpr OptionPlace kOptionPlaces[] = {
     {"/moving", "--moving", "", [](const JobOverrides& o) { return o.Moving.has_value(); }},
     {"/inside", "--inside", "", [](const JobOverrides& o) { return o.Inside; }},
     {"/quality", "--quality", "", [](const JobOverrides& o) { return o.Quality.has_value(); }},
+    {"/part", "--of", "", [](const JobOverrides& o) { return o.Of.has_value(); }},
+    {"/along", "--along", "", [](const JobOverrides& o) { return o.Direction.has_value(); }},
+    {"/separate", "--separate", "", [](const JobOverrides& o) { return o.Separate; }},
+    {"/label/width", "--label", "width ", [](const JobOverrides& o) { return o.LabelSides.has_value(); }},
+    {"/label/height", "--label", "height ", [](const JobOverrides& o) { return o.LabelSides.has_value(); }},
+    {"/label", "--label", "", [](const JobOverrides& o) { return o.LabelSides.has_value(); }},
+    {"/offset", "--offset", "", [](const JobOverrides& o) { return o.Offset.has_value(); }},
+    {"/radius", "--radius", "", [](const JobOverrides& o) { return o.Radius.has_value(); }},
     {"/units", "--units", "", [](const JobOverrides& o) { return o.Units.has_value(); }},
     {"/options/method", "--method", "", [](const JobOverrides& o) { return o.Method.has_value(); }},
     {"/options/time_limit", "--time-limit", "", [](const JobOverrides& o) { return o.TimeLimit.has_value(); }},
@@ -194,6 +211,12 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
   if (Moving) AJob.Moving = {*Moving};
   AJob.Inside |= Inside;
   Replace(AJob.Quality, Quality);
+  Replace(AJob.PartId, Of);
+  Replace(AJob.Direction, Direction);
+  AJob.Separate |= Separate;
+  if (LabelSides) AJob.Label = LabelSize{LabelSides->Width, LabelSides->Height};
+  Replace(AJob.Offset, Offset);
+  if (Radius) AJob.Radius = Radius;
 }
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {

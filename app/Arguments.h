@@ -32,6 +32,12 @@ struct JobOverrides {
   std::optional<std::string> Moving;
   bool Inside = false;
   std::optional<NfpQuality> Quality;
+  std::optional<std::string> Of;
+  std::optional<Along> Direction;
+  bool Separate = false;
+  std::optional<RectSize> LabelSides;
+  std::optional<double> Offset;
+  std::optional<double> Radius;
   bool AreTheJob = false;  // there is no job file: every place of the job is an option's
 
   // Sizes replace those of the only plate or part, which is added when there is none. Raises OptionError where one

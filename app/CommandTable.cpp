@@ -7,20 +7,27 @@ namespace {
 constexpr CommandRow kCommands[] = {
     {Command::One, "one", "[JOB]", 0, 1, "how many of one size on one plate"},
     {Command::Nfp, "nfp", "JOB", 1, 1, "no-fit polygons, or the regions where parts fit inside others"},
+    {Command::Array, "array", "JOB", 1, 1, "two vectors that repeat a part"},
+    {Command::Label, "label", "JOB", 1, 1, "where a label fits in a part, with its margin"},
+    {Command::Sucker, "sucker", "JOB", 1, 1, "where a round gripper holds a part"},
     {Command::Check, "check", "JOB RESULT", 2, 2, "is this result valid for this job"},
     {Command::Convert, "convert", "INPUT OUTPUT", 2, 2, "CSV, text rectangle file and JSON into each other"},
     {Command::Schema, "schema", "job|result", 1, 1, "print a JSON Schema"},
 };
 
-constexpr std::uint8_t Bit(Command Id) {
-  return static_cast<std::uint8_t>(1U << static_cast<unsigned>(Id));
+constexpr std::uint16_t Bit(Command Id) {
+  return static_cast<std::uint16_t>(1U << static_cast<unsigned>(Id));
 }
-constexpr std::uint8_t kOne = Bit(Command::One);
-constexpr std::uint8_t kNfp = Bit(Command::Nfp);
-constexpr std::uint8_t kRects = kOne | Bit(Command::Check) | Bit(Command::Convert);
-constexpr std::uint8_t kShapes = kNfp | Bit(Command::Check) | Bit(Command::Convert);
-constexpr std::uint8_t kJobs = kRects | kShapes;
-constexpr std::uint8_t kAll = kJobs | Bit(Command::Schema);
+constexpr std::uint16_t kOne = Bit(Command::One);
+constexpr std::uint16_t kReaders = Bit(Command::Check) | Bit(Command::Convert);
+constexpr std::uint16_t kOfPart = Bit(Command::Array) | Bit(Command::Label) | Bit(Command::Sucker);
+constexpr std::uint16_t kRuns = kOne | Bit(Command::Nfp) | kOfPart;
+constexpr std::uint16_t kRects = kOne | kReaders;
+constexpr std::uint16_t kPairs = Bit(Command::Nfp) | kReaders;
+constexpr std::uint16_t kArrays = Bit(Command::Array) | kReaders;
+constexpr std::uint16_t kLabels = Bit(Command::Label) | kReaders;
+constexpr std::uint16_t kJobs = kRuns | kReaders;
+constexpr std::uint16_t kAll = kJobs | Bit(Command::Schema);
 
 using enum OptionGroup;
 constexpr OptionRow kOptions[] = {
@@ -28,12 +35,18 @@ constexpr OptionRow kOptions[] = {
     {"--plates", "FILE", Job, Bit(Command::Convert), "the plates as a CSV table, where INPUT is one of parts"},
     {"--part", "WxH", Job, kRects, "size of the part, for example 300x200"},
     {"--amount", "N", Job, kRects, "copies of the part; without it as many as fit"},
-    {"--gap", "LENGTH", Job, kRects, "least distance between two parts (default 0)"},
+    {"--gap", "LENGTH", Job, kRects | kArrays, "least distance between two parts (default 0)"},
     {"--margin", "LENGTHS", Job, kRects, "kept free at the plate's edges: one number, or left,bottom,right,top"},
-    {"--fixed", "ID", Job, kShapes, "the part that stands still; without it all, one after the other"},
-    {"--moving", "ID", Job, kShapes, "the part that moves; without it all, one after the other"},
-    {"--inside", "", Job, kShapes, "where the moving part lies within the fixed one"},
-    {"--quality", "NAME", Job, kShapes, "convex, concave, complete or exact (default complete)"},
+    {"--fixed", "ID", Job, kPairs, "the part that stands still; without it all, one after the other"},
+    {"--moving", "ID", Job, kPairs, "the part that moves; without it all, one after the other"},
+    {"--inside", "", Job, kPairs, "where the moving part lies within the fixed one"},
+    {"--quality", "NAME", Job, kPairs, "convex, concave, complete or exact (default complete)"},
+    {"--of", "ID", Job, kOfPart | kReaders, "the part that is meant; needless if there is only one"},
+    {"--along", "NAME", Job, kArrays, "where the vectors go: x, y, xy or free (default free)"},
+    {"--separate", "", Job, kArrays, "copies along an axis do not reach into the part's hollows"},
+    {"--label", "WxH", Job, kLabels, "size of the label"},
+    {"--offset", "LENGTH", Job, kLabels, "least margin all round the label (default 0)"},
+    {"--radius", "LENGTH", Job, Bit(Command::Sucker) | kReaders, "radius of the gripper"},
     {"--units", "NAME", Job, kJobs, "mm, cm, m, in or none; a name only, nothing is converted (default mm)"},
     {"--method", "NAME", Run, kRects, "auto, strip or trim (default auto)"},
     {"--time-limit", "SECONDS", Run, kJobs, "time for the search (default 60, 0 for none)"},
@@ -41,8 +54,8 @@ constexpr OptionRow kOptions[] = {
     {"--threads", "N", Run, kJobs, "threads that work (default: up to 4)"},
     {"--memory-limit", "SIZE", Run, kJobs, "bytes, or with K, M or G (default 1G)"},
     {"--deterministic", "", Run, kJobs, "the same bytes for the same job and seed, on any machine load"},
-    {"-o", "FILE", Output, kOne | kNfp | Bit(Command::Schema), "write to FILE instead of standard output"},
-    {"--svg", "DIR", Output, kOne | kNfp, "a picture of each layout or pair, DIR/layout-001-x1.svg or DIR/nfp-001.svg"},
+    {"-o", "FILE", Output, kRuns | Bit(Command::Schema), "write to FILE instead of standard output"},
+    {"--svg", "DIR", Output, kRuns, "a picture of each answer, for example DIR/layout-001-x1.svg"},
     {"--csv", "FILE", Output, kOne, "the placements as a table"},
     {"--require-all", "", Output, kOne | Bit(Command::Check), "exit with 1 when demand is left"},
     {"--quiet", "", Messages, kAll, "nothing on standard error but errors"},

@@ -7,7 +7,7 @@
 // The commands and options, once: the reader of the command line and the help pages both go by these tables.
 namespace platenest {
 
-enum class Command : std::uint8_t { One, Nfp, Check, Convert, Schema };
+enum class Command : std::uint8_t { One, Nfp, Array, Label, Sucker, Check, Convert, Schema };
 
 struct CommandRow {
   Command Id;
@@ -24,7 +24,7 @@ struct OptionRow {
   std::string_view Name;
   std::string_view Value;  // empty: a flag
   OptionGroup Group;
-  std::uint8_t Commands;  // bit 1 << Command
+  std::uint16_t Commands;  // bit 1 << Command
   std::string_view Text;
 };
 

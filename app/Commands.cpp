@@ -123,13 +123,25 @@ std::string ThreeDigits(int Number) {
   return std::string(number.size() < 3 ? 3 - number.size() : 0, '0') + number;
 }
 
+bool IsOfOnePart(const Result& AResult) {
+  return AResult.Array || AResult.Label || AResult.Sucker;
+}
+
 int PictureCount(const Result& AResult) {
+  if (IsOfOnePart(AResult)) return 1;
   return AResult.Kind == JobKind::Nfp ? Size(AResult.Pairs) : Size(AResult.Layouts);
 }
 
 std::string PictureName(const Result& AResult, int Index) {
-  if (AResult.Kind == JobKind::Nfp) return "nfp-" + ThreeDigits(Index + 1) + ".svg";
-  return "layout-" + ThreeDigits(Index + 1) + "-x" + std::to_string(AResult.Layouts[Index].Copies) + ".svg";
+  const std::string number = ThreeDigits(Index + 1);
+  if (AResult.Kind == JobKind::Nfp || IsOfOnePart(AResult))
+    return std::string(KindName(AResult.Kind)) + "-" + number + ".svg";
+  return "layout-" + number + "-x" + std::to_string(AResult.Layouts[Index].Copies) + ".svg";
+}
+
+std::string Picture(const Job& AJob, const Result& AResult, int Index) {
+  if (IsOfOnePart(AResult)) return PartToSvg(AJob, AResult);
+  return AResult.Kind == JobKind::Nfp ? PairToSvg(AJob, AResult, Index) : LayoutToSvg(AResult, Index);
 }
 
 // The result comes first: nothing that fails later may lose it.
@@ -138,10 +150,8 @@ void WriteOutputs(const Job& AJob, const Result& AResult, const Arguments& Args)
   if (!Args.CsvFile.empty()) WriteOutput(Args.CsvFile, ResultToCsv(AResult));
   if (Args.SvgFolder.empty()) return;
   const std::filesystem::path folder = Args.SvgFolder;
-  for (int i = 0; i < PictureCount(AResult); ++i) {
-    const std::string picture = AResult.Kind == JobKind::Nfp ? PairToSvg(AJob, AResult, i) : LayoutToSvg(AResult, i);
-    WriteFile((folder / PictureName(AResult, i)).string(), picture);
-  }
+  for (int i = 0; i < PictureCount(AResult); ++i)
+    WriteFile((folder / PictureName(AResult, i)).string(), Picture(AJob, AResult, i));
 }
 
 std::string WrittenText(const Result& AResult, const Arguments& Args) {
@@ -157,6 +167,12 @@ std::string WrittenText(const Result& AResult, const Arguments& Args) {
   return text.empty() ? text : "  written    " + Printable(text) + "\n";
 }
 
+// The exit code of an answer that has passed the check.
+int ExitOf(const Result& AResult, const Arguments& Args) {
+  const bool isLacking = LacksPlace(AResult) || (Args.RequireAll && UnplacedCopies(AResult) > 0);
+  return isLacking ? kExitFaults : kExitDone;
+}
+
 int RunJob(const Arguments& Args, JobKind Kind, Messages& Out, const Runner& Run) {
   const Job job = LoadJob(Args, Out);
   RequireKind(job, Kind);
@@ -165,7 +181,7 @@ int RunJob(const Arguments& Args, JobKind Kind, Messages& Out, const Runner& Run
   const Result result = Answer(job, Args, Run);
   WriteOutputs(job, result, Args);
   Out.Note(SummaryText(result) + WrittenText(result, Args));
-  return Args.RequireAll && UnplacedCopies(result) > 0 ? kExitFaults : kExitDone;
+  return ExitOf(result, Args);
 }
 
 int RunCheck(const Arguments& Args, Messages& Out) {
@@ -252,6 +268,12 @@ int RunCommand(const Arguments& Args, Messages& Out, const Runner& Run) {
       return RunJob(Args, JobKind::One, Out, Run);
     case Command::Nfp:
       return RunJob(Args, JobKind::Nfp, Out, Run);
+    case Command::Array:
+      return RunJob(Args, JobKind::Array, Out, Run);
+    case Command::Label:
+      return RunJob(Args, JobKind::Label, Out, Run);
+    case Command::Sucker:
+      return RunJob(Args, JobKind::Sucker, Out, Run);
     case Command::Check:
       return RunCheck(Args, Out);
     case Command::Convert:

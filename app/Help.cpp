@@ -32,7 +32,7 @@ constexpr std::string_view kExitCodes = R"(
 Exit codes:
   0    a checked result was written, complete or not (see its status)
   1    the same, but --require-all was given and demand is left; or check found
-       faults
+       faults; or label or sucker found no place
   2    wrong options
   3    wrong input: the message names the place
   4    input over a limit
@@ -71,6 +71,47 @@ constexpr std::string_view kNfpExamples = R"(
 Examples:
   platenest nfp brackets.json --svg out/
   platenest nfp plate.json --inside --quality complete -o region.json
+)";
+
+constexpr std::string_view kArrayPage = R"(
+Works out two vectors that repeat a part: copies moved by whole multiples of the
+two keep the gap from each other. JOB is a job file of kind array, or - for
+standard input; options win over it. The first vector goes along x or y, both
+along their axes (xy), or wherever copies lie densest (free).
+
+With --separate copies along an axis pass the whole extent of the part instead of
+reaching into its hollows. The answer states the area of the lattice cell and how
+much of it the part fills.
+)";
+constexpr std::string_view kArrayExamples = R"(
+Examples:
+  platenest array l-shape.json --svg out/
+  platenest array l-shape.json --along x --gap 5 -o vectors.json
+)";
+
+constexpr std::string_view kLabelPage = R"(
+Works out where a label fits in a part, clear of its inner lines, and how much
+margin it has all round: upright if it can, else turned by a quarter about its own
+centre. JOB is a job file of kind label, or - for standard input; options win over
+it. The label stands from (0,0); "move" of the answer takes it to its place, "box"
+repeats where that is. Without a place "found" is false and the exit code is 1.
+)";
+constexpr std::string_view kLabelExamples = R"(
+Examples:
+  platenest label cover-label.json --svg out/
+  platenest label cover-label.json --label 18x6 --offset 1 -o label.json
+)";
+
+constexpr std::string_view kSuckerPage = R"(
+Works out where a round gripper holds a part: at the part's centroid if the disc
+lies inside there, else as near to it as possible. JOB is a job file of kind
+sucker, or - for standard input; options win over it. Without a place "found" is
+false and the exit code is 1.
+)";
+constexpr std::string_view kSuckerExamples = R"(
+Examples:
+  platenest sucker cover-gripper.json --svg out/
+  platenest sucker cover-gripper.json --radius 4.5 -o gripper.json
 )";
 
 constexpr std::string_view kCheckPage = R"(
@@ -117,6 +158,12 @@ Page PageOf(Command Id) {
       return {kOnePage, kOneExamples};
     case Command::Nfp:
       return {kNfpPage, kNfpExamples};
+    case Command::Array:
+      return {kArrayPage, kArrayExamples};
+    case Command::Label:
+      return {kLabelPage, kLabelExamples};
+    case Command::Sucker:
+      return {kSuckerPage, kSuckerExamples};
     case Command::Check:
       return {kCheckPage, kCheckExamples};
     case Command::Convert:

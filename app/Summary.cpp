@@ -88,6 +88,34 @@ std::string LayoutsText(const Result& AResult) {
   return text;
 }
 
+std::string PointText(const std::array<double, 2>& V) {
+  return Fixed(V[0], 3) + ", " + Fixed(V[1], 3);
+}
+
+std::string ArrayText(const ArrayAnswer& Answer) {
+  return "two vectors\n" + Line("first", PointText(Answer.First)) + Line("second", PointText(Answer.Second)) +
+         Line("cell", Fixed(Answer.CellArea, 3) + ", of which the part fills " + Fixed(Answer.Density * 100, 1) + " %");
+}
+
+std::string LabelText(const LabelAnswer& Answer) {
+  if (!Answer.Found) return "no place for the label\n";
+  return std::string("a place for the label") + (Answer.Rotated ? ", turned" : "") + "\n" +
+         Line("from", PointText({Answer.Bounds[0], Answer.Bounds[1]})) +
+         Line("to", PointText({Answer.Bounds[2], Answer.Bounds[3]})) + Line("margin", Fixed(Answer.Margin, 3));
+}
+
+std::string SuckerText(const SuckerAnswer& Answer) {
+  if (!Answer.Found) return "no place for the gripper\n";
+  return "a place for the gripper\n" + Line("center", PointText(Answer.Center));
+}
+
+std::string AnswerText(const Result& AResult) {
+  if (AResult.Array) return ArrayText(*AResult.Array);
+  if (AResult.Label) return LabelText(*AResult.Label);
+  if (AResult.Sucker) return SuckerText(*AResult.Sucker);
+  return AResult.Kind == JobKind::Nfp ? PairsText(AResult) : LayoutsText(AResult);
+}
+
 }  // namespace
 
 Int64 UnplacedCopies(const Result& AResult) {
@@ -98,8 +126,7 @@ Int64 UnplacedCopies(const Result& AResult) {
 
 std::string SummaryText(const Result& AResult) {
   std::string text = (AResult.Name.empty() ? "" : Printable(AResult.Name) + ": ") +
-                     std::string(StatusName(AResult.Status)) + ", " +
-                     (AResult.Kind == JobKind::Nfp ? PairsText(AResult) : LayoutsText(AResult));
+                     std::string(StatusName(AResult.Status)) + ", " + AnswerText(AResult);
   if (!AResult.Warnings.empty()) text += Line("warning", Printable(AResult.Warnings.front()));
   return text + Line("method", AResult.Run.Method + ", " + Fixed(AResult.Run.Seconds, 2) + " s");
 }

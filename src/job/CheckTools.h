@@ -19,6 +19,7 @@ struct NumberRule {
   double High;
 };
 
+inline constexpr NumberRule kDistanceRule{0, false, 0, limits::kLargestSize};
 inline constexpr NumberRule kSizeRule{0, true, limits::kSmallestSize, limits::kLargestSize};
 
 inline void CheckNumber(double V, const NumberRule& Rule, const PlaceOf& Place, FaultList& Faults) {

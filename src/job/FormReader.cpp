@@ -177,10 +177,11 @@ template <class T>
 void FormReader::CheckComplete(const Frame&, const T&) {}
 
 template <class T>
-void FormReader::CheckComplete(const Frame& Closed, const ObjectAt<T>&) {
+void FormReader::CheckComplete(const Frame& Closed, const ObjectAt<T>& Object) {
   std::uint64_t bit = 1;
   for (const Field<T>& field : FieldsOf<T>()) {
-    if (field.Required && (Closed.Seen & bit) == 0 && !SeenIn<T>(Closed.Seen, field.Instead))
+    const bool isRequired = field.Required && (field.When == nullptr || field.When(*Object.Target));
+    if (isRequired && (Closed.Seen & bit) == 0 && !SeenIn<T>(Closed.Seen, field.Instead))
       FFaults.AddMissing(Pointer(), field.Name);
     bit <<= 1;
   }

@@ -5,6 +5,7 @@
 
 #include "CheckTools.h"
 #include "JobForm.h"
+#include "KindChecks.h"
 #include "NfpChecks.h"
 #include "Texts.h"
 
@@ -14,7 +15,6 @@ namespace detail {
 
 namespace {
 
-constexpr NumberRule kDistanceRule{0, false, 0, limits::kLargestSize};
 constexpr NumberRule kValueRule{0, true, 0, limits::kWorth};
 constexpr NumberRule kCostRule{0, false, 0, limits::kWorth};
 constexpr NumberRule kTimeRule{0, false, 0, limits::kTimeLimit};
@@ -24,18 +24,32 @@ struct KindRule {
   std::span<const std::string_view> Methods;
   bool OnePlateKind;
   bool OnePart;
-  bool IsOfShapes;  // no plates; parts may be polygons
+  void (*Ask)(const Job&, FaultList&);  // the checks of its own members
 };
 
 constexpr std::string_view kOneMethods[] = {"auto", "strip", "fiveblock", "trim"};
 constexpr std::string_view kFillMethods[] = {"auto", "smart", "raster", "rskf", "bigfirst", "strips"};
 constexpr std::string_view kJobMethods[] = {"auto", "repeat", "svc", "cg"};
-constexpr std::string_view kNfpMethods[] = {"auto"};
+constexpr std::string_view kShapeMethods[] = {"auto"};
+
+// Without limit on both sides a job would never end.
+void CheckEnd(const Job& AJob, FaultList& Faults) {
+  const auto part = std::ranges::find_if(AJob.Parts, [](const Part& p) { return !p.Amount; });
+  const auto plate = std::ranges::find_if(AJob.Plates, [](const Plate& p) { return !p.Count; });
+  if (part == AJob.Parts.end() || plate == AJob.Plates.end()) return;
+  Faults.AddInput("conflict", Joined("/parts/", part - AJob.Parts.begin(), "/amount"),
+                  Joined("must not be null while the count of /plates/", plate - AJob.Plates.begin(),
+                         " is null too: such a job has no end"));
+}
+
 // In the order of JobKind.
-constexpr KindRule kKindRules[] = {{kOneMethods, true, true, false},
-                                   {kFillMethods, true, false, false},
-                                   {kJobMethods, false, false, false},
-                                   {kNfpMethods, false, false, true}};
+constexpr KindRule kKindRules[] = {{kOneMethods, true, true, nullptr},
+                                   {kFillMethods, true, false, nullptr},
+                                   {kJobMethods, false, false, CheckEnd},
+                                   {kShapeMethods, false, false, FindPairFaults},
+                                   {kShapeMethods, false, false, FindArrayFaults},
+                                   {kShapeMethods, false, false, FindLabelFaults},
+                                   {kShapeMethods, false, false, FindSuckerFaults}};
 
 void CheckCount(const std::optional<int>& V, const WholeRule& Rule, const PlaceOf& Place, FaultList& Faults) {
   if (!V) return;
@@ -151,29 +165,17 @@ void CheckMethod(const Job& AJob, const KindRule& Rule, FaultList& Faults) {
       Joined(Quoted(method), " turns parts, but /parts/", locked - AJob.Parts.begin(), " asks for `rotate` none"));
 }
 
-// Without limit on both sides a job would never end.
-void CheckEnd(const Job& AJob, FaultList& Faults) {
-  const auto part = std::ranges::find_if(AJob.Parts, [](const Part& p) { return !p.Amount; });
-  const auto plate = std::ranges::find_if(AJob.Plates, [](const Plate& p) { return !p.Count; });
-  if (part == AJob.Parts.end() || plate == AJob.Plates.end()) return;
-  Faults.AddInput("conflict", Joined("/parts/", part - AJob.Parts.begin(), "/amount"),
-                  Joined("must not be null while the count of /plates/", plate - AJob.Plates.begin(),
-                         " is null too: such a job has no end"));
-}
-
 void CheckKind(const Job& AJob, FaultList& Faults) {
   const auto kind = static_cast<std::size_t>(AJob.Kind);
   if (kind >= std::size(kKindRules))
     return Faults.AddInput("choice", "/kind", Joined("must be one of ", Listed(kKindNames)));
   const KindRule& rule = kKindRules[kind];
-  if (rule.IsOfShapes)
-    FindPairFaults(AJob, Faults);
-  else
-    RefuseShapes(AJob, Faults);
-  if (!rule.IsOfShapes) CheckEntries(Size(AJob.Plates), limits::kPlateKinds, rule.OnePlateKind, "/plates", Faults);
+  RefuseForeignMembers(AJob, Faults);
+  if (rule.Ask != nullptr) rule.Ask(AJob, Faults);
+  if (!IsOfShapes(AJob.Kind))
+    CheckEntries(Size(AJob.Plates), limits::kPlateKinds, rule.OnePlateKind, "/plates", Faults);
   CheckEntries(Size(AJob.Parts), limits::kPartKinds, rule.OnePart, "/parts", Faults);
   CheckMethod(AJob, rule, Faults);
-  if (AJob.Kind == JobKind::Job) CheckEnd(AJob, Faults);
 }
 
 void CheckHead(const Job& AJob, FaultList& Faults) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "FormFields.h"
 #include "FormReader.h"
 #include "JsonWriter.h"
 #include "Texts.h"
@@ -14,18 +15,12 @@ namespace detail {
 template <>
 std::span<const Field<Plate>> FieldsOf<Plate>() {
   static constexpr Field<Plate> fields[] = {
-      {"id", false,
-       [](Plate& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"width", true, [](Plate& r) -> Slot { return NumberAt{&r.Width}; }},
-      {"height", true, [](Plate& r) -> Slot { return NumberAt{&r.Height}; }},
-      {"count", false,
-       [](Plate& r) -> Slot {
-         return WholeAt{&kPlateCountRule, &r.Count};
-       }},
-      {"cost", false, [](Plate& r) -> Slot { return NumberAt{&r.Cost}; }},
-      {"remnant", false, [](Plate& r) -> Slot { return FlagAt{&r.Remnant}; }},
+      {"id", false, Id<&Plate::Id>},
+      {"width", true, Number<&Plate::Width>},
+      {"height", true, Number<&Plate::Height>},
+      {"count", false, Whole<&Plate::Count, kPlateCountRule>},
+      {"cost", false, Number<&Plate::Cost>},
+      {"remnant", false, Flag<&Plate::Remnant>},
   };
   return fields;
 }
@@ -33,36 +28,15 @@ std::span<const Field<Plate>> FieldsOf<Plate>() {
 template <>
 std::span<const Field<Part>> FieldsOf<Part>() {
   static constexpr Field<Part> fields[] = {
-      {"id", false,
-       [](Part& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"width", true, [](Part& r) -> Slot { return NumberAt{&r.Width}; }, "outline"},
-      {"height", true, [](Part& r) -> Slot { return NumberAt{&r.Height}; }, "outline"},
-      {"amount", false,
-       [](Part& r) -> Slot {
-         return WholeAt{&kAmountRule, &r.Amount};
-       }},
-      {"rotate", false,
-       [](Part& r) -> Slot {
-         return ChoiceAt{kRotateNames, &r.Turn};
-       }},
-      {"value", false, [](Part& r) -> Slot { return NumberAt{&r.Value}; }},
-      {"label", false, [](Part& r) -> Slot { return TextAt{&r.Label}; }},
-      {"outline",
-       false,
-       [](Part& r) -> Slot {
-         return ListAt<PolygonPoint>{&r.Outline, limits::kVertices};
-       },
-       {},
-       false},
-      {"holes",
-       false,
-       [](Part& r) -> Slot {
-         return ListAt<PolygonRing>{&r.Holes, limits::kHoles};
-       },
-       {},
-       false},
+      {"id", false, Id<&Part::Id>},
+      {"width", true, Number<&Part::Width>, "outline"},
+      {"height", true, Number<&Part::Height>, "outline"},
+      {"amount", false, Whole<&Part::Amount, kAmountRule>},
+      {"rotate", false, Choice<&Part::Turn, kRotateNames>},
+      {"value", false, Number<&Part::Value>},
+      {"label", false, Text<&Part::Label>},
+      {"outline", false, List<&Part::Outline, limits::kVertices>, {}, false},
+      {"holes", false, List<&Part::Holes, limits::kHoles>, {}, false},
   };
   return fields;
 }
@@ -70,21 +44,21 @@ std::span<const Field<Part>> FieldsOf<Part>() {
 template <>
 std::span<const Field<Options>> FieldsOf<Options>() {
   static constexpr Field<Options> fields[] = {
-      {"method", false, [](Options& r) -> Slot { return TextAt{&r.Method}; }},
-      {"time_limit", false, [](Options& r) -> Slot { return NumberAt{&r.TimeLimit}; }},
-      {"seed", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kSeedRule, &r.Seed};
-       }},
-      {"threads", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kThreadsRule, &r.Threads};
-       }},
-      {"memory_limit", false,
-       [](Options& r) -> Slot {
-         return WholeAt{&kMemoryRule, &r.MemoryLimit};
-       }},
-      {"deterministic", false, [](Options& r) -> Slot { return FlagAt{&r.Deterministic}; }},
+      {"method", false, Text<&Options::Method>},
+      {"time_limit", false, Number<&Options::TimeLimit>},
+      {"seed", false, Whole<&Options::Seed, kSeedRule>},
+      {"threads", false, Whole<&Options::Threads, kThreadsRule>},
+      {"memory_limit", false, Whole<&Options::MemoryLimit, kMemoryRule>},
+      {"deterministic", false, Flag<&Options::Deterministic>},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<LabelSize>> FieldsOf<LabelSize>() {
+  static constexpr Field<LabelSize> fields[] = {
+      {"width", true, Number<&LabelSize::Width>},
+      {"height", true, Number<&LabelSize::Height>},
   };
   return fields;
 }
@@ -92,20 +66,11 @@ std::span<const Field<Options>> FieldsOf<Options>() {
 template <>
 std::span<const Field<Job>> FieldsOf<Job>() {
   static constexpr Field<Job> fields[] = {
-      {"schema", true,
-       [](Job&) -> Slot {
-         return ChoiceAt{kJobSchemaNames, {}};
-       }},
-      {"name", false, [](Job& r) -> Slot { return TextAt{&r.Name}; }},
-      {"kind", true,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kKindNames, &r.Kind};
-       }},
-      {"units", false,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kUnitNames, &r.Units};
-       }},
-      {"gap", false, [](Job& r) -> Slot { return NumberAt{&r.Gap}; }},
+      {"schema", true, Constant<Job, kJobSchemaNames>},
+      {"name", false, Text<&Job::Name>},
+      {"kind", true, Choice<&Job::Kind, kKindNames>},
+      {"units", false, Choice<&Job::Units, kUnitNames>},
+      {"gap", false, Number<&Job::Gap>},
       {"margin", false,
        [](Job& r) -> Slot {
          return NumbersAt{r.Margin, true};
@@ -115,24 +80,19 @@ std::span<const Field<Job>> FieldsOf<Job>() {
          r.Plates.clear();  // of what stands for an absent list
          return ListAt<Plate>{&r.Plates, limits::kPlateKinds};
        }},
-      {"parts", true,
-       [](Job& r) -> Slot {
-         return ListAt<Part>{&r.Parts, limits::kPartKinds};
-       }},
-      {"fixed", false,
-       [](Job& r) -> Slot {
-         return IdsAt{&r.Fixed, limits::kPartKinds};
-       }},
-      {"moving", false,
-       [](Job& r) -> Slot {
-         return IdsAt{&r.Moving, limits::kPartKinds};
-       }},
-      {"inside", false, [](Job& r) -> Slot { return FlagAt{&r.Inside}; }},
-      {"quality", false,
-       [](Job& r) -> Slot {
-         return ChoiceAt{kQualityNames, &r.Quality};
-       }},
-      {"options", false, [](Job& r) -> Slot { return ObjectAt<Options>{&r.Run}; }},
+      {"parts", true, List<&Job::Parts, limits::kPartKinds>},
+      {"fixed", false, Ids<&Job::Fixed, limits::kPartKinds>},
+      {"moving", false, Ids<&Job::Moving, limits::kPartKinds>},
+      {"inside", false, Flag<&Job::Inside>},
+      {"quality", false, Choice<&Job::Quality, kQualityNames>},
+      {"part", false, Id<&Job::PartId>},
+      {"along", false, Choice<&Job::Direction, kAlongNames>},
+      {"separate", false, Flag<&Job::Separate>},
+      {"inner_lines", false, List<&Job::InnerLines, limits::kInnerLines>},
+      {"label", false, Optional<&Job::Label>},
+      {"offset", false, Number<&Job::Offset>},
+      {"radius", false, Number<&Job::Radius>},
+      {"options", false, Object<&Job::Run>},
   };
   return fields;
 }
@@ -162,11 +122,11 @@ namespace {
 // Stands for a list of plates that the form leaves out.
 const Plate kAbsentPlates{.Id = {}, .Width = -1};
 
-// Only a job of kind Nfp may leave its plates out.
+// Only jobs about shapes may leave their plates out.
 void ResolvePlates(Job& AJob, bool IsWhole, FaultList& Faults) {
   if (AJob.Plates != std::vector{kAbsentPlates}) return;
   AJob.Plates.clear();
-  if (IsWhole && AJob.Kind != JobKind::Nfp) Faults.AddMissing("", "plates");
+  if (IsWhole && !IsOfShapes(AJob.Kind)) Faults.AddMissing("", "plates");
 }
 
 void WritePlate(JsonWriter& Out, const Plate& APlate) {
@@ -209,6 +169,24 @@ void WriteIds(JsonWriter& Out, std::string_view Name, const std::vector<std::str
   Out.EndList();
 }
 
+void WriteArrayWish(JsonWriter& Out, const Job& AJob) {
+  if (!AJob.PartId.empty()) Out.Member("part", AJob.PartId);
+  if (AJob.Kind == JobKind::Array || AJob.Direction != Along::Free) Out.Member("along", AlongName(AJob.Direction));
+  if (AJob.Separate) Out.Member("separate", true);
+}
+
+void WriteLabelWish(JsonWriter& Out, const Job& AJob) {
+  if (!AJob.InnerLines.empty()) WriteContours(Out, "inner_lines", AJob.InnerLines);
+  if (AJob.Label) {
+    Out.Key("label");
+    Out.BeginObject(JsonStyle::Line);
+    Out.Member("width", AJob.Label->Width);
+    Out.Member("height", AJob.Label->Height);
+    Out.EndObject();
+  }
+  if (AJob.Offset != 0) Out.Member("offset", AJob.Offset);
+}
+
 void WriteOptions(JsonWriter& Out, const Options& Run) {
   Out.BeginObject(JsonStyle::Line);
   Out.Member("method", Run.Method);
@@ -235,6 +213,11 @@ using namespace detail;
 std::string_view KindName(JobKind Kind) {
   const auto index = static_cast<std::size_t>(Kind);
   return index < std::size(kKindNames) ? kKindNames[index] : "";
+}
+
+std::string_view AlongName(Along Direction) {
+  const auto index = static_cast<std::size_t>(Direction);
+  return index < std::size(kAlongNames) ? kAlongNames[index] : "";
 }
 
 std::string_view QualityName(NfpQuality Quality) {
@@ -276,7 +259,7 @@ std::string JobToJson(const Job& AJob) {
   out.Member("units", AJob.Units);
   out.Member("gap", AJob.Gap);
   WriteMargin(out, AJob.Margin);
-  if (AJob.Kind != JobKind::Nfp || !AJob.Plates.empty()) {
+  if (!IsOfShapes(AJob.Kind) || !AJob.Plates.empty()) {
     out.Key("plates");
     out.BeginList(JsonStyle::Block);
     for (const Plate& plate : AJob.Plates) WritePlate(out, plate);
@@ -291,6 +274,9 @@ std::string JobToJson(const Job& AJob) {
   if (AJob.Inside) out.Member("inside", true);
   if (AJob.Kind == JobKind::Nfp || AJob.Quality != NfpQuality::Complete)
     out.Member("quality", QualityName(AJob.Quality));
+  WriteArrayWish(out, AJob);
+  WriteLabelWish(out, AJob);
+  if (AJob.Radius) out.Member("radius", *AJob.Radius);
   out.Key("options");
   WriteOptions(out, AJob.Run);
   out.EndObject();

@@ -16,6 +16,11 @@ std::span<const Field<Plate>> FieldsOf<Plate>();
 template <>
 std::span<const Field<Part>> FieldsOf<Part>();
 
+// Kinds that ask about shapes: they have no plates.
+constexpr bool IsOfShapes(JobKind Kind) {
+  return Kind >= JobKind::Nfp;
+}
+
 // Gives a part that stated no amount the one that Kind means by it.
 void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind);
 

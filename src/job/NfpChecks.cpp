@@ -26,8 +26,8 @@ std::string ContourPlace(int PartIndex, int ContourIndex) {
   return Joined("/parts/", PartIndex, "/holes/", ContourIndex - 1);
 }
 
-// Whether the points can be worked with at all.
-bool CheckPoints(const PolygonRing& AContour, const std::string& Place, FaultList& Faults) {
+// Whether the points are within the limits.
+bool CheckCoordinates(const PolygonRing& AContour, const std::string& Place, FaultList& Faults) {
   if (Size(AContour) > limits::kVertices) {
     Faults.AddLimit(Place, Joined("must have at most ", limits::kVertices, " points, found ", Size(AContour)));
     return false;
@@ -46,12 +46,22 @@ bool CheckPoints(const PolygonRing& AContour, const std::string& Place, FaultLis
       return false;
     }
   }
-  const TPath path = PathOf(AContour);
-  if (path.size() < 3) {
-    Faults.AddInput("entries", Place, Joined("must have at least 3 different points, found ", Size(path)));
-    return false;
-  }
-  if (ClipperLib::Area(path) != 0) return true;
+  return true;
+}
+
+// Whether there are enough points for a shape or, with Least 2, for a line.
+bool CheckPoints(const PolygonRing& AContour, int Least, const std::string& Place, FaultList& Faults) {
+  if (!CheckCoordinates(AContour, Place, Faults)) return false;
+  const int count = Size(PathOf(AContour));
+  if (count >= Least) return true;
+  Faults.AddInput("entries", Place, Joined("must have at least ", Least, " different points, found ", count));
+  return false;
+}
+
+// Whether a contour can be worked with at all.
+bool CheckContour(const PolygonRing& AContour, const std::string& Place, FaultList& Faults) {
+  if (!CheckPoints(AContour, 3, Place, Faults)) return false;
+  if (ClipperLib::Area(PathOf(AContour)) != 0) return true;
   Faults.AddInput("shape", Place, "must enclose an area");
   return false;
 }
@@ -129,18 +139,24 @@ void CheckContours(const Part& APart, int Index, FaultList& Faults) {
   crossings.Tell(Index, Faults);
 }
 
+std::vector<std::string_view> IdsOf(const std::vector<Part>& Parts) {
+  std::vector<std::string_view> ids;
+  for (const Part& part : Parts) ids.push_back(part.Id);
+  return ids;
+}
+
+std::string NamesNoPart(const Job& AJob, std::string_view Id) {
+  return Joined("names no part, found ", Quoted(Id), NearMiss(Id, IdsOf(AJob.Parts)));
+}
+
 void CheckIdList(const Job& AJob, const std::vector<std::string>& Ids, std::string_view Member, FaultList& Faults) {
   std::unordered_map<std::string_view, bool> seen;  // look-up only
-  std::vector<std::string_view> known;
-  for (const Part& part : AJob.Parts) {
-    seen.emplace(part.Id, false);
-    known.push_back(part.Id);
-  }
+  for (const Part& part : AJob.Parts) seen.emplace(part.Id, false);
   for (int i = 0; i < Size(Ids); ++i) {
     const std::string place = Ids.size() == 1 ? Joined("/", Member) : Joined("/", Member, "/", i);
     const auto found = seen.find(Ids[i]);
     if (found == seen.end()) {
-      Faults.AddInput("choice", place, Joined("names no part, found ", Quoted(Ids[i]), NearMiss(Ids[i], known)));
+      Faults.AddInput("choice", place, NamesNoPart(AJob, Ids[i]));
     } else if (std::exchange(found->second, true)) {
       Faults.AddInput("duplicate-id", place, Joined(Quoted(Ids[i]), " stands twice in the list"));
     }
@@ -171,6 +187,14 @@ void CheckPairs(const Job& AJob, FaultList& Faults) {
 
 }  // namespace
 
+void FindSubjectFaults(const Job& AJob, FaultList& Faults) {
+  if (AJob.Parts.empty()) return;
+  if (SubjectOf(AJob)) return;
+  if (AJob.PartId.empty())
+    return Faults.AddInput("missing", "/part", Joined("must name one of the ", Size(AJob.Parts), " parts"));
+  Faults.AddInput("choice", "/part", NamesNoPart(AJob, AJob.PartId));
+}
+
 void FindShapeFaults(const Part& APart, int Index, FaultList& Faults) {
   if (APart.Outline.empty()) {
     if (!APart.Holes.empty()) Faults.AddInput("conflict", Joined("/parts/", Index, "/holes"), "need an `outline`");
@@ -186,32 +210,27 @@ void FindShapeFaults(const Part& APart, int Index, FaultList& Faults) {
   if (VertexCount(APart) > limits::kVertexProduct / 3)
     return Faults.AddLimit(Joined("/parts/", Index), Joined("must have at most ", limits::kVertexProduct / 3,
                                                             " points in all its contours, found ", VertexCount(APart)));
-  bool isSound = CheckPoints(APart.Outline, place, Faults);
+  bool isSound = CheckContour(APart.Outline, place, Faults);
   if (isSound) CheckBoxSize(APart.Outline, place, Faults);
   for (int i = 0; i < Size(APart.Holes); ++i)
-    isSound &= CheckPoints(APart.Holes[i], ContourPlace(Index, i + 1), Faults);
+    isSound &= CheckContour(APart.Holes[i], ContourPlace(Index, i + 1), Faults);
   if (isSound && !Faults.Knows(Joined("/parts/", Index))) CheckContours(APart, Index, Faults);
 }
 
-void RefuseShapes(const Job& AJob, FaultList& Faults) {
-  const std::string_view kind = KindName(AJob.Kind);
-  for (int i = 0; i < Size(AJob.Parts); ++i)
-    if (!AJob.Parts[i].Outline.empty())
-      Faults.AddInput("conflict", ContourPlace(i, 0), Joined("has no meaning in a job of kind `", kind, "`"));
-  const std::pair<std::string_view, bool> members[] = {{"/fixed", !AJob.Fixed.empty()},
-                                                       {"/moving", !AJob.Moving.empty()},
-                                                       {"/inside", AJob.Inside},
-                                                       {"/quality", AJob.Quality != NfpQuality::Complete}};
-  for (const auto& [place, isGiven] : members)
-    if (isGiven)
-      Faults.AddInput("conflict", std::string(place), Joined("has no meaning in a job of kind `", kind, "`"));
+void FindLineFaults(const std::vector<PolygonRing>& Lines, std::string_view Member, FaultList& Faults) {
+  const std::string place = Joined("/", Member);
+  if (Size(Lines) > limits::kInnerLines)
+    return Faults.AddLimit(place, Joined("must have at most ", limits::kInnerLines, " entries, found ", Size(Lines)));
+  Int64 points = 0;
+  for (int i = 0; i < Size(Lines) && !Faults.Full(); ++i) {
+    points += Size(Lines[i]);
+    CheckPoints(Lines[i], 2, Joined(place, "/", i), Faults);
+  }
+  if (points > limits::kVertices)
+    Faults.AddLimit(place, Joined("must have at most ", limits::kVertices, " points in all, found ", points));
 }
 
 void FindPairFaults(const Job& AJob, FaultList& Faults) {
-  if (!AJob.Plates.empty())
-    Faults.AddInput("entries", "/plates", "must be left out in a job of kind `nfp`: a plate is a part with an outline");
-  if (AJob.Gap != 0) Faults.AddInput("conflict", "/gap", "has no meaning in a job of kind `nfp`");
-  if (AJob.Margin != Job{}.Margin) Faults.AddInput("conflict", "/margin", "has no meaning in a job of kind `nfp`");
   if (QualityName(AJob.Quality).empty())
     Faults.AddInput("choice", "/quality", Joined("must be one of ", Listed(kQualityNames)));
   CheckIdList(AJob, AJob.Fixed, "fixed", Faults);

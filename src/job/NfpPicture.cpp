@@ -11,15 +11,6 @@ namespace {
 
 using namespace detail;
 
-TPictureContours Drawn(const std::vector<PolygonRing>& Contours) {
-  TPictureContours drawn;
-  for (const PolygonRing& contour : Contours) {
-    auto& points = drawn.emplace_back();
-    for (const PolygonPoint& point : contour) points.push_back({point[0], point[1]});
-  }
-  return drawn;
-}
-
 const Part& PartOf(const Job& AJob, const std::string& Id) {
   const auto part = std::ranges::find(AJob.Parts, Id, &Part::Id);
   if (part == AJob.Parts.end()) throw TRangeError("[Error] PairToSvg: no part " + Id);
@@ -38,9 +29,9 @@ std::string PairToSvg(const Job& AJob, const Result& AResult, int PairIndex) {
   picture.MovingId = pair.Moving;
   picture.Units = AResult.Units;
   picture.IsInside = AJob.Inside;
-  picture.Fixed = Drawn(ContoursOf(PartOf(AJob, pair.Fixed)));
-  picture.Moving = Drawn(ContoursOf(PartOf(AJob, pair.Moving)));
-  picture.Region = Drawn(pair.Paths);
+  picture.Fixed = PointsOf(ContoursOf(PartOf(AJob, pair.Fixed)));
+  picture.Moving = PointsOf(ContoursOf(PartOf(AJob, pair.Moving)));
+  picture.Region = PointsOf(pair.Paths);
   return NfpSvg(picture);
 }
 

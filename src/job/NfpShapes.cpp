@@ -41,6 +41,13 @@ std::vector<TPairOfParts> PairsOf(const Job& AJob) {
   return pairs;
 }
 
+std::optional<int> SubjectOf(const Job& AJob) {
+  if (AJob.PartId.empty()) return AJob.Parts.size() == 1 ? std::optional(0) : std::nullopt;
+  const auto part = std::ranges::find(AJob.Parts, AJob.PartId, &Part::Id);
+  if (part == AJob.Parts.end()) return std::nullopt;
+  return static_cast<int>(part - AJob.Parts.begin());
+}
+
 std::vector<PolygonRing> ContoursOf(const Part& APart) {
   if (APart.Outline.empty()) return {{{0, 0}, {APart.Width, 0}, {APart.Width, APart.Height}, {0, APart.Height}}};
   std::vector<PolygonRing> contours{APart.Outline};
@@ -72,6 +79,12 @@ TVHPolygon ShapeOf(const Part& APart) {
   return shape;
 }
 
+TVHPolygon ClosedShapeOf(const Part& APart) {
+  TVHPolygon shape = ShapeOf(APart);
+  for (TVPolyline2D& contour : shape) contour.push_back(TPoint2D(contour.front()));
+  return shape;
+}
+
 TPath PathOf(const PolygonRing& AContour) {
   TPath path;
   for (const PolygonPoint& point : AContour) {
@@ -92,6 +105,19 @@ TPaths PathsOf(const Part& APart) {
   TPaths paths = PathsOf(ContoursOf(APart));
   TPathUtils::SetIsClockwise(paths, false);
   return paths;
+}
+
+std::vector<std::vector<TPoint2D>> PointsOf(const std::vector<PolygonRing>& Contours) {
+  std::vector<std::vector<TPoint2D>> lists;
+  for (const PolygonRing& contour : Contours) {
+    auto& points = lists.emplace_back();
+    for (const PolygonPoint& point : contour) points.push_back({point[0], point[1]});
+  }
+  return lists;
+}
+
+double AreaOf(const Part& APart) {
+  return TPathUtils::Area(PathsOf(APart)) / (kPathScale * kPathScale);
 }
 
 std::vector<PolygonRing> ContoursOf(const TPaths& Paths) {

@@ -217,9 +217,10 @@ Job JobFromRectText(std::string_view Text, std::string_view FileName) {
 
 Converted JobToRectText(const Job& AJob) {
   CheckJob(AJob);
-  if (AJob.Kind == JobKind::Nfp)
+  if (IsOfShapes(AJob.Kind))
     throw InputError(
-        Fault{"conflict", "/kind", "`nfp` has no plates and cannot be written to a text rectangle file", ""});
+        Fault{"conflict", "/kind",
+              Joined("`", KindName(AJob.Kind), "` has no plates and cannot be written to a text rectangle file"), ""});
   Converted out{"", Losses(AJob)};
   const Plate& plate = AJob.Plates[0];
   out.Text = Joined(plate.Width, " ", plate.Height, "\n");

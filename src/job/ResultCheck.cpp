@@ -5,8 +5,9 @@
 #include <string>
 
 #include "Assembly.h"
-#include "NfpResultCheck.h"
+#include "JobForm.h"
 #include "OneSizeVerdict.h"
+#include "ShapeResultCheck.h"
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/Measures.h"
@@ -234,7 +235,7 @@ void TResultCheck::CheckBoundsAndStatus() {
 
 std::vector<Fault> CheckResult(const Job& AJob, const Result& AResult) {
   CheckJob(AJob);
-  if (AJob.Kind == JobKind::Nfp) return CheckPairs(AJob, AResult);
+  if (IsOfShapes(AJob.Kind)) return CheckShapeResult(AJob, AResult);
   return TResultCheck(AJob, AResult).Run();
 }
 

@@ -1,8 +1,11 @@
+#include <tuple>
 #include <utility>
 
+#include "FormFields.h"
 #include "FormReader.h"
 #include "JobForm.h"
 #include "JsonWriter.h"
+#include "Texts.h"
 
 namespace platenest {
 
@@ -14,23 +17,14 @@ namespace {
 constexpr int kAbsentThreads = 0;
 constexpr double kAbsentSeconds = -1;
 
-NumberAt NotNegative(double& Target) {
-  return {&Target, false, 0};
-}
-
 }  // namespace
 
 template <>
 std::span<const Field<Summary>> FieldsOf<Summary>() {
   static constexpr Field<Summary> fields[] = {
-      {"plates", true,
-       [](Summary& r) -> Slot {
-         return WholeAt{&kTallyRule, &r.Plates};
-       }},
-      {"usage", true, [](Summary& r) -> Slot { return NotNegative(r.Usage); }},
-      {"part_area", true, [](Summary& r) -> Slot { return NotNegative(r.PartArea); }},
-      {"plate_area", true, [](Summary& r) -> Slot { return NotNegative(r.PlateArea); }},
-      {"cost", true, [](Summary& r) -> Slot { return NotNegative(r.Cost); }},
+      {"plates", true, Whole<&Summary::Plates, kTallyRule>}, {"usage", true, NotNegative<&Summary::Usage>},
+      {"part_area", true, NotNegative<&Summary::PartArea>},  {"plate_area", true, NotNegative<&Summary::PlateArea>},
+      {"cost", true, NotNegative<&Summary::Cost>},
   };
   return fields;
 }
@@ -38,9 +32,9 @@ std::span<const Field<Summary>> FieldsOf<Summary>() {
 template <>
 std::span<const Field<Bound>> FieldsOf<Bound>() {
   static constexpr Field<Bound> fields[] = {
-      {"what", true, [](Bound& r) -> Slot { return TextAt{&r.What}; }},
-      {"kind", true, [](Bound& r) -> Slot { return TextAt{&r.Kind}; }},
-      {"value", true, [](Bound& r) -> Slot { return NumberAt{&r.Value}; }},
+      {"what", true, Text<&Bound::What>},
+      {"kind", true, Text<&Bound::Kind>},
+      {"value", true, Number<&Bound::Value>},
   };
   return fields;
 }
@@ -48,13 +42,10 @@ std::span<const Field<Bound>> FieldsOf<Bound>() {
 template <>
 std::span<const Field<Placement>> FieldsOf<Placement>() {
   static constexpr Field<Placement> fields[] = {
-      {"part", true,
-       [](Placement& r) -> Slot {
-         return TextAt{&r.Part, true};
-       }},
-      {"rotated", true, [](Placement& r) -> Slot { return FlagAt{&r.Rotated}; }},
-      {"trans", true, [](Placement& r) -> Slot { return NumbersAt{r.Trans}; }},
-      {"box", true, [](Placement& r) -> Slot { return NumbersAt{r.Bounds}; }},
+      {"part", true, Id<&Placement::Part>},
+      {"rotated", true, Flag<&Placement::Rotated>},
+      {"trans", true, Numbers<&Placement::Trans>},
+      {"box", true, Numbers<&Placement::Bounds>},
   };
   return fields;
 }
@@ -62,28 +53,19 @@ std::span<const Field<Placement>> FieldsOf<Placement>() {
 template <>
 std::span<const Field<Layout>> FieldsOf<Layout>() {
   static constexpr Field<Layout> fields[] = {
-      {"plate", true,
-       [](Layout& r) -> Slot {
-         return TextAt{&r.Plate, true};
-       }},
-      {"width", true, [](Layout& r) -> Slot { return NotNegative(r.Width); }},
-      {"height", true, [](Layout& r) -> Slot { return NotNegative(r.Height); }},
-      {"copies", true,
-       [](Layout& r) -> Slot {
-         return WholeAt{&kCopiesRule, &r.Copies};
-       }},
-      {"usage", true, [](Layout& r) -> Slot { return NotNegative(r.Usage); }},
-      {"used_box", true, [](Layout& r) -> Slot { return NumbersAt{r.UsedBox}; }},
+      {"plate", true, Id<&Layout::Plate>},
+      {"width", true, NotNegative<&Layout::Width>},
+      {"height", true, NotNegative<&Layout::Height>},
+      {"copies", true, Whole<&Layout::Copies, kCopiesRule>},
+      {"usage", true, NotNegative<&Layout::Usage>},
+      {"used_box", true, Numbers<&Layout::UsedBox>},
       {"min_clearance", true,
        [](Layout& r) -> Slot {
          return NumberAt{&r.MinClearance, true};
        }},
-      {"edge_to_edge", true, [](Layout& r) -> Slot { return FlagAt{&r.EdgeToEdge}; }},
-      {"free_box", true, [](Layout& r) -> Slot { return NumbersAt{r.FreeBox}; }},
-      {"placements", true,
-       [](Layout& r) -> Slot {
-         return ListAt<Placement>{&r.Placements, limits::kCopies};
-       }},
+      {"edge_to_edge", true, Flag<&Layout::EdgeToEdge>},
+      {"free_box", true, Numbers<&Layout::FreeBox>},
+      {"placements", true, List<&Layout::Placements, limits::kCopies>},
   };
   return fields;
 }
@@ -91,18 +73,9 @@ std::span<const Field<Layout>> FieldsOf<Layout>() {
 template <>
 std::span<const Field<PlateUse>> FieldsOf<PlateUse>() {
   static constexpr Field<PlateUse> fields[] = {
-      {"id", true,
-       [](PlateUse& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"used", true,
-       [](PlateUse& r) -> Slot {
-         return WholeAt{&kTallyRule, &r.Used};
-       }},
-      {"count", true,
-       [](PlateUse& r) -> Slot {
-         return WholeAt{&kPlateCountRule, &r.Count};
-       }},
+      {"id", true, Id<&PlateUse::Id>},
+      {"used", true, Whole<&PlateUse::Used, kTallyRule>},
+      {"count", true, Whole<&PlateUse::Count, kPlateCountRule>},
   };
   return fields;
 }
@@ -110,26 +83,11 @@ std::span<const Field<PlateUse>> FieldsOf<PlateUse>() {
 template <>
 std::span<const Field<PartUse>> FieldsOf<PartUse>() {
   static constexpr Field<PartUse> fields[] = {
-      {"id", true,
-       [](PartUse& r) -> Slot {
-         return TextAt{&r.Id, true};
-       }},
-      {"amount", true,
-       [](PartUse& r) -> Slot {
-         return WholeAt{&kAmountRule, &r.Amount};
-       }},
-      {"placed", true,
-       [](PartUse& r) -> Slot {
-         return WholeAt{&kTallyRule, &r.Placed};
-       }},
-      {"unplaced", true,
-       [](PartUse& r) -> Slot {
-         return WholeAt{&kTallyRule, &r.Unplaced};
-       }},
-      {"reason", false,
-       [](PartUse& r) -> Slot {
-         return ChoiceAt{kReasonNames, &r.Reason};
-       }},
+      {"id", true, Id<&PartUse::Id>},
+      {"amount", true, Whole<&PartUse::Amount, kAmountRule>},
+      {"placed", true, Whole<&PartUse::Placed, kTallyRule>},
+      {"unplaced", true, Whole<&PartUse::Unplaced, kTallyRule>},
+      {"reason", false, Choice<&PartUse::Reason, kReasonNames>},
   };
   return fields;
 }
@@ -137,22 +95,49 @@ std::span<const Field<PartUse>> FieldsOf<PartUse>() {
 template <>
 std::span<const Field<NfpPair>> FieldsOf<NfpPair>() {
   static constexpr Field<NfpPair> fields[] = {
-      {"fixed", true,
-       [](NfpPair& r) -> Slot {
-         return TextAt{&r.Fixed, true};
-       }},
-      {"moving", true,
-       [](NfpPair& r) -> Slot {
-         return TextAt{&r.Moving, true};
-       }},
-      {"quality", true,
-       [](NfpPair& r) -> Slot {
-         return ChoiceAt{kQualityNames, &r.Quality};
-       }},
-      {"paths", true,
-       [](NfpPair& r) -> Slot {
-         return ListAt<PolygonRing>{&r.Paths, limits::kCopies};
-       }},
+      {"fixed", true, Id<&NfpPair::Fixed>},
+      {"moving", true, Id<&NfpPair::Moving>},
+      {"quality", true, Choice<&NfpPair::Quality, kQualityNames>},
+      {"paths", true, List<&NfpPair::Paths, limits::kCopies>},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<ArrayAnswer>> FieldsOf<ArrayAnswer>() {
+  static constexpr Field<ArrayAnswer> fields[] = {
+      {"first", true, Numbers<&ArrayAnswer::First>},
+      {"second", true, Numbers<&ArrayAnswer::Second>},
+      {"cell_area", true, NotNegative<&ArrayAnswer::CellArea>},
+      {"density", true, NotNegative<&ArrayAnswer::Density>},
+  };
+  return fields;
+}
+
+// A place has its members, no place has none of them.
+template <class T>
+bool IsFound(const T& Answer) {
+  return Answer.Found;
+}
+
+template <>
+std::span<const Field<LabelAnswer>> FieldsOf<LabelAnswer>() {
+  static constexpr auto found = IsFound<LabelAnswer>;
+  static constexpr Field<LabelAnswer> fields[] = {
+      {"found", true, Flag<&LabelAnswer::Found>},
+      {"rotated", true, Flag<&LabelAnswer::Rotated>, {}, false, found},
+      {"move", true, Numbers<&LabelAnswer::Move>, {}, false, found},
+      {"margin", true, NotNegative<&LabelAnswer::Margin>, {}, false, found},
+      {"box", true, Numbers<&LabelAnswer::Bounds>, {}, false, found},
+  };
+  return fields;
+}
+
+template <>
+std::span<const Field<SuckerAnswer>> FieldsOf<SuckerAnswer>() {
+  static constexpr Field<SuckerAnswer> fields[] = {
+      {"found", true, Flag<&SuckerAnswer::Found>},
+      {"center", true, Numbers<&SuckerAnswer::Center>, {}, false, IsFound<SuckerAnswer>},
   };
   return fields;
 }
@@ -160,23 +145,14 @@ std::span<const Field<NfpPair>> FieldsOf<NfpPair>() {
 template <>
 std::span<const Field<RunInfo>> FieldsOf<RunInfo>() {
   static constexpr Field<RunInfo> fields[] = {
-      {"method", true, [](RunInfo& r) -> Slot { return TextAt{&r.Method}; }},
-      {"seed", true,
-       [](RunInfo& r) -> Slot {
-         return WholeAt{&kSeedRule, &r.Seed};
-       }},
-      {"threads", false,
-       [](RunInfo& r) -> Slot {
-         return WholeAt{&kThreadsRule, &r.Threads};
-       }},
-      {"time_limit", true, [](RunInfo& r) -> Slot { return NotNegative(r.TimeLimit); }},
-      {"memory_limit", true,
-       [](RunInfo& r) -> Slot {
-         return WholeAt{&kMemoryRule, &r.MemoryLimit};
-       }},
-      {"deterministic", true, [](RunInfo& r) -> Slot { return FlagAt{&r.Deterministic}; }},
-      {"version", true, [](RunInfo& r) -> Slot { return TextAt{&r.Version}; }},
-      {"seconds", false, [](RunInfo& r) -> Slot { return NotNegative(r.Seconds); }},
+      {"method", true, Text<&RunInfo::Method>},
+      {"seed", true, Whole<&RunInfo::Seed, kSeedRule>},
+      {"threads", false, Whole<&RunInfo::Threads, kThreadsRule>},
+      {"time_limit", true, NotNegative<&RunInfo::TimeLimit>},
+      {"memory_limit", true, Whole<&RunInfo::MemoryLimit, kMemoryRule>},
+      {"deterministic", true, Flag<&RunInfo::Deterministic>},
+      {"version", true, Text<&RunInfo::Version>},
+      {"seconds", false, NotNegative<&RunInfo::Seconds>},
   };
   return fields;
 }
@@ -184,53 +160,26 @@ std::span<const Field<RunInfo>> FieldsOf<RunInfo>() {
 template <>
 std::span<const Field<Result>> FieldsOf<Result>() {
   static constexpr Field<Result> fields[] = {
-      {"schema", true,
-       [](Result&) -> Slot {
-         return ChoiceAt{kResultSchemaNames, {}};
-       }},
-      {"name", true, [](Result& r) -> Slot { return TextAt{&r.Name}; }},
-      {"kind", true,
-       [](Result& r) -> Slot {
-         return ChoiceAt{kKindNames, &r.Kind};
-       }},
-      {"units", true,
-       [](Result& r) -> Slot {
-         return ChoiceAt{kUnitNames, &r.Units};
-       }},
-      {"gap", true, [](Result& r) -> Slot { return NotNegative(r.Gap); }},
-      {"margin", true, [](Result& r) -> Slot { return NumbersAt{r.Margin}; }},
-      {"status", true,
-       [](Result& r) -> Slot {
-         return ChoiceAt{kStatusNames, &r.Status};
-       }},
-      {"proved", true, [](Result& r) -> Slot { return FlagAt{&r.Proved}; }},
-      {"summary", true, [](Result& r) -> Slot { return ObjectAt<Summary>{&r.Total}; }},
-      {"bounds", true,
-       [](Result& r) -> Slot {
-         return ListAt<Bound>{&r.Bounds, limits::kCopies};
-       }},
-      {"layouts", true,
-       [](Result& r) -> Slot {
-         return ListAt<Layout>{&r.Layouts, limits::kCopies};
-       }},
-      {"plates", true,
-       [](Result& r) -> Slot {
-         return ListAt<PlateUse>{&r.Plates, limits::kPlateKinds};
-       }},
-      {"parts", true,
-       [](Result& r) -> Slot {
-         return ListAt<PartUse>{&r.Parts, limits::kPartKinds};
-       }},
+      {"schema", true, Constant<Result, kResultSchemaNames>},
+      {"name", true, Text<&Result::Name>},
+      {"kind", true, Choice<&Result::Kind, kKindNames>},
+      {"units", true, Choice<&Result::Units, kUnitNames>},
+      {"gap", true, NotNegative<&Result::Gap>},
+      {"margin", true, Numbers<&Result::Margin>},
+      {"status", true, Choice<&Result::Status, kStatusNames>},
+      {"proved", true, Flag<&Result::Proved>},
+      {"summary", true, Object<&Result::Total>},
+      {"bounds", true, List<&Result::Bounds, limits::kCopies>},
+      {"layouts", true, List<&Result::Layouts, limits::kCopies>},
+      {"plates", true, List<&Result::Plates, limits::kPlateKinds>},
+      {"parts", true, List<&Result::Parts, limits::kPartKinds>},
       {"nfp", false, [](Result& r) -> Slot { return ObjectAt<NfpPair>{&r.Pairs.emplace_back()}; }},
-      {"pairs", false,
-       [](Result& r) -> Slot {
-         return ListAt<NfpPair>{&r.Pairs, limits::kPairs};
-       }},
-      {"warnings", true,
-       [](Result& r) -> Slot {
-         return ListAt<std::string>{&r.Warnings, limits::kCopies};
-       }},
-      {"run", true, [](Result& r) -> Slot { return ObjectAt<RunInfo>{&r.Run}; }},
+      {"pairs", false, List<&Result::Pairs, limits::kPairs>},
+      {"array", false, Optional<&Result::Array>},
+      {"label", false, Optional<&Result::Label>},
+      {"sucker", false, Optional<&Result::Sucker>},
+      {"warnings", true, List<&Result::Warnings, limits::kCopies>},
+      {"run", true, Object<&Result::Run>},
   };
   return fields;
 }
@@ -244,6 +193,27 @@ void ResolveTimes(RunInfo& Run, FaultList& Faults) {
   if (!Run.Deterministic) return;
   Run.Threads = RunInfo{}.Threads;
   Run.Seconds = RunInfo{}.Seconds;
+}
+
+// The member that tells the answer of a kind is there in this kind, and in no other. A run of kind Nfp that ended early
+// tells a list.
+void RequireAnswer(const Result& AResult, FaultList& Faults) {
+  const std::tuple<JobKind, std::string_view, bool> members[] = {
+      {JobKind::Array, "array", AResult.Array.has_value()},
+      {JobKind::Label, "label", AResult.Label.has_value()},
+      {JobKind::Sucker, "sucker", AResult.Sucker.has_value()}};
+  for (const auto& [kind, name, isThere] : members) {
+    if (kind == AResult.Kind && !isThere) Faults.AddMissing("", name);
+    if (kind != AResult.Kind && isThere)
+      Faults.AddInput("conflict", Joined("/", name),
+                      Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));
+  }
+}
+
+// What stands beside the word that there is no place says nothing.
+void ResolvePlaces(Result& AResult) {
+  if (AResult.Label && !AResult.Label->Found) AResult.Label = LabelAnswer{};
+  if (AResult.Sucker && !AResult.Sucker->Found) AResult.Sucker = SuckerAnswer{};
 }
 
 template <class T>
@@ -323,6 +293,43 @@ void WritePairs(JsonWriter& Out, const Result& AResult) {
   WritePair(Out, AResult.Pairs[0]);
 }
 
+void WriteArray(JsonWriter& Out, const ArrayAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("first", Answer.First);
+  Out.Member("second", Answer.Second);
+  Out.Member("cell_area", Answer.CellArea);
+  Out.Member("density", Answer.Density);
+  Out.EndObject();
+}
+
+void WriteLabel(JsonWriter& Out, const LabelAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("found", Answer.Found);
+  if (Answer.Found) {
+    Out.Member("rotated", Answer.Rotated);
+    Out.Member("move", Answer.Move);
+    Out.Member("margin", Answer.Margin);
+    Out.Member("box", Answer.Bounds);
+  }
+  Out.EndObject();
+}
+
+void WriteSucker(JsonWriter& Out, const SuckerAnswer& Answer) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("found", Answer.Found);
+  if (Answer.Found) Out.Member("center", Answer.Center);
+  Out.EndObject();
+}
+
+// A member that stands only where there is an answer of its kind.
+template <class T>
+void WriteAnswer(JsonWriter& Out, std::string_view Name, const std::optional<T>& Answer,
+                 void (*Write)(JsonWriter&, const T&)) {
+  if (!Answer) return;
+  Out.Key(Name);
+  Write(Out, *Answer);
+}
+
 void WriteWarning(JsonWriter& Out, const std::string& Warning) {
   Out.Value(Warning);
 }
@@ -370,6 +377,8 @@ Result ParseResult(std::string_view Json) {
     FormReader reader(ObjectAt<Result>{&result}, faults);
     const bool isWhole = ReadJson(Json, limits::kResultBytes, reader, faults);
     if (isWhole) ResolveTimes(result.Run, faults);
+    if (isWhole) RequireAnswer(result, faults);
+    ResolvePlaces(result);
     faults.Raise();
     return result;
   });
@@ -393,6 +402,9 @@ std::string ResultToJson(const Result& AResult) {
   WriteList(out, "plates", AResult.Plates, WritePlateUse);
   WriteList(out, "parts", AResult.Parts, WritePartUse);
   WritePairs(out, AResult);
+  WriteAnswer(out, "array", AResult.Array, WriteArray);
+  WriteAnswer(out, "label", AResult.Label, WriteLabel);
+  WriteAnswer(out, "sucker", AResult.Sucker, WriteSucker);
   WriteList(out, "warnings", AResult.Warnings, WriteWarning);
   out.Key("run");
   WriteRun(out, AResult.Run);

@@ -5,11 +5,14 @@
 #include <thread>
 #include <utility>
 
+#include "ArrayRun.h"
 #include "Assembly.h"
+#include "JobForm.h"
 #include "NfpRun.h"
 #include "OneSize.h"
 #include "OneSizeBounds.h"
 #include "OneSizeVerdict.h"
+#include "PlaceRun.h"
 #include "RunControl.h"
 
 namespace platenest {
@@ -41,9 +44,10 @@ Result BeginResult(const Job& AJob) {
 
 // What the forms allow but no method of this kind keeps or answers.
 void RequireAnswerable(const Job& AJob) {
-  if (AJob.Kind == JobKind::Nfp) return;
+  if (IsOfShapes(AJob.Kind)) return;
   if (AJob.Kind != JobKind::One)
-    throw InputError({"choice", "/kind", "this version answers jobs of the kinds `one` and `nfp` only", ""});
+    throw InputError({"choice", "/kind",
+                      "this version answers jobs of the kinds `one`, `nfp`, `array`, `label` and `sucker` only", ""});
   if (AJob.Run.Method == "fiveblock")
     throw InputError(
         {"choice", "/options/method", "this version knows the methods `auto`, `strip` and `trim` for kind `one`", ""});
@@ -121,6 +125,21 @@ void AnswerOne(const Job& AJob, TRunControl& Control, Result& AResult) {
                   .BoundValue = static_cast<double>(most)});
 }
 
+void Answer(const Job& AJob, TRunControl& Control, Result& AResult) {
+  switch (AJob.Kind) {
+    case JobKind::Nfp:
+      return AnswerPairs(AJob, Control, AResult);
+    case JobKind::Array:
+      return AnswerArray(AJob, AResult);
+    case JobKind::Label:
+      return AnswerLabel(AJob, AResult);
+    case JobKind::Sucker:
+      return AnswerSucker(AJob, AResult);
+    default:
+      return AnswerOne(AJob, Control, AResult);
+  }
+}
+
 }  // namespace
 
 Result run(const Job& AJob, const RunHooks& Hooks) {
@@ -130,10 +149,7 @@ Result run(const Job& AJob, const RunHooks& Hooks) {
     TRunControl control(AJob.Run, Hooks);
     if (control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});
     Result result = BeginResult(AJob);
-    if (AJob.Kind == JobKind::Nfp)
-      AnswerPairs(AJob, control, result);
-    else
-      AnswerOne(AJob, control, result);
+    Answer(AJob, control, result);
     result.Run.Seconds = control.Seconds();
     return result;
   } catch (const JobError&) {

@@ -50,9 +50,10 @@ inline constexpr WholeRule kTallyRule{0, kMostInt};   // a count in a result
 inline constexpr WholeRule kCopiesRule{1, kMostInt};  // plates cut by one layout
 
 inline constexpr std::string_view kUnitNames[] = {"mm", "cm", "m", "in", "none"};
-inline constexpr std::string_view kKindNames[] = {"one", "fill", "job", "nfp"};
+inline constexpr std::string_view kKindNames[] = {"one", "fill", "job", "nfp", "array", "label", "sucker"};
 inline constexpr std::string_view kRotateNames[] = {"any", "none"};
 inline constexpr std::string_view kQualityNames[] = {"convex", "concave", "complete", "exact"};
+inline constexpr std::string_view kAlongNames[] = {"x", "y", "xy", "free"};
 inline constexpr std::string_view kStatusNames[] = {"complete", "partial", "time_limit", "stopped"};
 inline constexpr std::string_view kReasonNames[] = {"too_large", "no_stock", "time", "left_by_method"};
 
@@ -85,7 +86,7 @@ struct TextAt {
 // required.
 struct ChoiceAt {
   std::span<const std::string_view> Names;
-  std::variant<std::monostate, std::string*, JobKind*, Rotate*, NfpQuality*, ResultStatus*> Target;
+  std::variant<std::monostate, std::string*, JobKind*, Rotate*, NfpQuality*, Along*, ResultStatus*> Target;
 };
 
 // A list of exactly as many numbers as the target holds, or, if OneForAll, one number for all of them.
@@ -118,7 +119,8 @@ using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, Num
                           ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,  //
                           ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
                           ListAt<PolygonPoint>,  //
-                          ListAt<PolygonRing>>;
+                          ListAt<PolygonRing>, ObjectAt<LabelSize>, ObjectAt<ArrayAnswer>, ObjectAt<LabelAnswer>,
+                          ObjectAt<SuckerAnswer>>;
 
 // A member of the form of a record.
 template <class T>
@@ -126,8 +128,9 @@ struct Field {
   std::string_view Name;
   bool Required;
   Slot (*At)(T&);
-  std::string_view Instead = {};  // the member that makes a required one needless
-  bool InTables = true;           // a cell can hold it
+  std::string_view Instead = {};     // the member that makes a required one needless
+  bool InTables = true;              // a cell can hold it
+  bool (*When)(const T&) = nullptr;  // a required member is needless where this does not hold
 };
 
 template <class T>

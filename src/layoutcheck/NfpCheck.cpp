@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
+#include "PathTools.h"
 #include "TextOf.h"
-#include "platenest/foundation/ClipperAdapter.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Types.h"
 
@@ -14,7 +14,9 @@ namespace platenest {
 
 namespace {
 
-using ClipperLib::pftNonZero;
+using detail::Clipped;
+using detail::Grown;
+using detail::Meet;
 
 // Area that rounding may leave where paths touch: this much for each unit of their length.
 constexpr double kSliver = 2;
@@ -25,28 +27,6 @@ constexpr double kSharedGrown = 10;
 // How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross
 // fault would show.
 constexpr double kBeside[] = {4, 400};
-
-TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type) {
-  TClipper clipper;
-  clipper.AddPaths(Subject, ClipperLib::ptSubject, true);
-  clipper.AddPaths(Clip, ClipperLib::ptClip, true);
-  TPaths result;
-  clipper.Execute(Type, result, pftNonZero, pftNonZero);
-  return result;
-}
-
-// Offset by whole units. A shape that vanishes leaves nothing.
-TPaths Grown(const TPaths& Shape, double Delta) {
-  TClipperOffset offset(2.0, 0.25);
-  offset.AddPaths(Shape, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
-  TPaths result;
-  offset.Execute(result, Delta);
-  return result;
-}
-
-bool Meet(const TIntRect& A, const TIntRect& B) {
-  return A.Left < B.Right && B.Left < A.Right && A.Bottom < B.Top && B.Bottom < A.Top;
-}
 
 // One size of the moving shape against the fixed one.
 class TTrial {

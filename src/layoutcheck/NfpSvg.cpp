@@ -4,9 +4,8 @@
 #include <cmath>
 #include <string_view>
 
-#include "SvgWriter.h"
+#include "ShapePainter.h"
 #include "XmlText.h"
-#include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Types.h"
 #include "platenest/layoutcheck/Svg.h"
 
@@ -14,41 +13,8 @@ namespace platenest {
 
 namespace {
 
+using detail::TBounds;
 using detail::XmlText;
-
-// Sizes of the drawing, as shares of its longer side.
-constexpr double kBorder = 0.03;
-constexpr double kLine = 1.0 / 500;
-constexpr double kDot = 1.0 / 110;
-constexpr double kText = 0.022;
-
-constexpr double kLineHeight = 1.5;  // of the legend, ems
-constexpr double kTextStart = 1.4;   // ems right of the legend's marks
-constexpr int kDrawnDigits = 10;     // of the longer side
-constexpr double kMostCoordinate = 1e15;
-
-// Positions in the palette.
-constexpr int kFixedColour = 7;
-constexpr int kForbiddenColour = 1;
-constexpr int kAllowedColour = 2;
-constexpr int kMovingColour = 6;
-
-class TBounds {
- public:
-  void Add(const TPoint2D& P) {
-    if (!(std::fabs(P.X) <= kMostCoordinate && std::fabs(P.Y) <= kMostCoordinate))
-      throw TArgumentError("[Error] LayoutCheck.NfpSvg: a coordinate cannot be drawn");
-    Low = {std::min(Low.X, P.X), std::min(Low.Y, P.Y)};
-    High = {std::max(High.X, P.X), std::max(High.Y, P.Y)};
-  }
-  void Add(const TPictureContours& Contours, const TPoint2D& Move = {0, 0}) {
-    for (const auto& contour : Contours)
-      for (const TPoint2D& point : contour) Add(point + Move);
-  }
-
-  TPoint2D Low{HUGE_VAL, HUGE_VAL};
-  TPoint2D High{-HUGE_VAL, -HUGE_VAL};
-};
 
 double LengthOf(const std::vector<TPoint2D>& Contour) {
   double length = 0;
@@ -89,27 +55,20 @@ class TNfpPainter {
   explicit TNfpPainter(const TNfpPicture& Picture)
       : FPicture(Picture),
         FPlaces(PlacesOn(Picture.Region, Picture.MostPlaces)),
-        FBounds(BoundsOf()),
-        FLong(std::max(FBounds.High.X - FBounds.Low.X, FBounds.High.Y - FBounds.Low.Y)),
-        FOut(FLong, kDrawnDigits),
+        FPainter(BoundsOf(), Legend()),
+        FOut(FPainter.Out()),
         FFixed(XmlText(Picture.FixedId)),
         FMoving(XmlText(Picture.MovingId)) {}
 
   std::string Paint() {
-    FLeft = FBounds.Low.X - kBorder * FLong;
-    FTop = FBounds.High.Y + kBorder * FLong;
-    FWidth = FBounds.High.X - FBounds.Low.X + 2 * kBorder * FLong;
-    FHeight = FBounds.High.Y - FBounds.Low.Y + 2 * kBorder * FLong;
-    const double legend = (3 * kLineHeight + 0.5) * kText * FLong;
-    detail::OpenSvg(FOut, FWidth, FHeight + legend, FPicture.Units);
-    Head();
-    FOut << "<rect width=\"" << FWidth << "\" height=\"" << FHeight + legend << "\" fill=\"#fff\"/>\n";
-    FOut << "<g transform=\"matrix(1 0 0 -1 " << -FLeft << " " << FTop << ")\">\n";
+    const std::string pair = FPicture.MovingId + (FPicture.IsInside ? " inside " : " around ") + FPicture.FixedId;
+    FPainter.Open(FPicture.Title.empty() ? pair : FPicture.Title + ": " + pair,
+                  (FPicture.IsInside ? "Inner-fit region of " : "No-fit polygon of ") + pair + ": " +
+                      std::string(Claim()) + ". " + std::to_string(FPlaces.size()) +
+                      " places of the part are outlined.",
+                  FPicture.Units);
     Shapes();
-    FOut << "</g>\n";
-    Legend();
-    FOut << "</svg>\n";
-    return FOut.Take();
+    return FPainter.Close();
   }
 
  private:
@@ -119,9 +78,13 @@ class TNfpPainter {
     bounds.Add(FPicture.Region);
     for (const TPoint2D& place : FPlaces) bounds.Add(FPicture.Moving, place);
     if (FPlaces.empty()) bounds.Add(FPicture.Moving);
-    if (!(bounds.High.X > bounds.Low.X && bounds.High.Y > bounds.Low.Y))
-      throw TArgumentError("[Error] LayoutCheck.NfpSvg: the shapes have no extent");
     return bounds;
+  }
+
+  std::vector<detail::TLegendRow> Legend() const {
+    return {{KindColour(detail::kPartColour), "fixed: " + FPicture.FixedId},
+            {RegionColour(), (FPicture.IsInside ? "region: " : "polygon: ") + std::string(Claim())},
+            {KindColour(detail::kMovingColour), "moving: " + FPicture.MovingId + ", dots: its reference point"}};
   }
 
   std::string_view Claim() const {
@@ -129,26 +92,9 @@ class TNfpPainter {
     return FPicture.Region.empty() ? "no place" : "the reference point may stand anywhere inside";
   }
 
-  void Head() {
-    FOut << "<title>";
-    if (!FPicture.Title.empty()) FOut << XmlText(FPicture.Title) << ": ";
-    FOut << FMoving << (FPicture.IsInside ? " inside " : " around ") << FFixed << "</title>\n<desc>";
-    FOut << (FPicture.IsInside ? "Inner-fit region of " : "No-fit polygon of ") << FMoving
-         << (FPicture.IsInside ? " inside " : " around ") << FFixed << ": " << Claim() << ". "
-         << static_cast<double>(FPlaces.size()) << " places of the part are outlined.</desc>\n";
+  std::string RegionColour() const {
+    return KindColour(FPicture.IsInside ? detail::kAllowedColour : detail::kForbiddenColour);
   }
-
-  void Data(const TPictureContours& Contours, const TPoint2D& Move) {
-    FOut << " d=\"";
-    for (const auto& contour : Contours) {
-      for (std::size_t i = 0; i < contour.size(); ++i)
-        FOut << (i == 0 ? "M" : "L") << contour[i].X + Move.X << " " << contour[i].Y + Move.Y;
-      FOut << "Z";
-    }
-    FOut << "\"/>\n";
-  }
-
-  std::string RegionColour() const { return KindColour(FPicture.IsInside ? kAllowedColour : kForbiddenColour); }
 
   void Region(bool IsFilled) {
     if (FPicture.Region.empty()) return;
@@ -156,61 +102,34 @@ class TNfpPainter {
     if (IsFilled)
       FOut << RegionColour() << "\" fill-opacity=\"0.5\" fill-rule=\"evenodd\"";
     else
-      FOut << "none\" stroke=\"" << RegionColour() << "\" stroke-width=\"" << 1.6 * kLine * FLong
+      FOut << "none\" stroke=\"" << RegionColour() << "\" stroke-width=\"" << 1.6 * FPainter.Line()
            << "\" stroke-linejoin=\"round\"";
-    Data(FPicture.Region, {0, 0});
+    FPainter.Data(FPicture.Region);
   }
 
   // A polygon lies below the fixed part, a region on the plate; its border is always on top.
   void Shapes() {
-    const double line = kLine * FLong;
     if (!FPicture.IsInside) Region(true);
-    FOut << "<path data-part=\"" << FFixed << "\" fill=\"" << KindColour(kFixedColour)
-         << "\" fill-rule=\"evenodd\" stroke=\"#1c1c1c\" stroke-width=\"" << line << "\"";
-    Data(FPicture.Fixed, {0, 0});
+    FOut << "<path data-part=\"" << FFixed << "\" fill=\"" << KindColour(detail::kPartColour)
+         << "\" fill-rule=\"evenodd\" stroke=\"#1c1c1c\" stroke-width=\"" << FPainter.Line() << "\"";
+    FPainter.Data(FPicture.Fixed);
     if (FPicture.IsInside) Region(true);
     Region(false);
     for (const TPoint2D& place : FPlaces) {
-      FOut << "<path data-part=\"" << FMoving << "\" fill=\"none\" stroke=\"" << KindColour(kMovingColour)
-           << "\" stroke-width=\"" << line << "\" stroke-linejoin=\"round\"";
-      Data(FPicture.Moving, place);
-      FOut << "<circle cx=\"" << place.X << "\" cy=\"" << place.Y << "\" r=\"" << kDot * FLong / 2 << "\" fill=\""
-           << KindColour(kMovingColour) << "\"/>\n";
+      FOut << "<path data-part=\"" << FMoving << "\" fill=\"none\" stroke=\"" << KindColour(detail::kMovingColour)
+           << "\" stroke-width=\"" << FPainter.Line() << "\" stroke-linejoin=\"round\"";
+      FPainter.Data(FPicture.Moving, place);
+      FOut << "<circle cx=\"" << place.X << "\" cy=\"" << place.Y << "\" r=\"" << FPainter.Dot() << "\" fill=\""
+           << KindColour(detail::kMovingColour) << "\"/>\n";
     }
-  }
-
-  // Lengths within the group are brought into the range of common type sizes, see RectLayoutSvg. Texts shrink to fit.
-  void Legend() {
-    const double scale = detail::PowerOfTen(FLong) / 1000;
-    const std::string texts[] = {"fixed: " + FPicture.FixedId,
-                                 std::string(FPicture.IsInside ? "region: " : "polygon: ") + std::string(Claim()),
-                                 "moving: " + FPicture.MovingId + ", dots: its reference point"};
-    const std::string colours[] = {KindColour(kFixedColour), RegionColour(), KindColour(kMovingColour)};
-    double widest = 1;
-    for (const std::string& text : texts) widest = std::max(widest, detail::TextWidth(text) + kTextStart);
-    const double em = std::min(kText * FLong, (FWidth - 2 * kBorder * FLong) / widest) / scale;
-    FOut << "<g transform=\"translate(" << kBorder * FLong << " " << FHeight << ") scale(" << scale
-         << ")\" font-family=\"Arial,Helvetica,sans-serif\" font-size=\"" << em << "\" fill=\"#1c1c1c\">\n";
-    for (int i = 0; i < 3; ++i) {
-      const double y = i * kLineHeight * em;
-      FOut << "<rect y=\"" << y << "\" width=\"" << em << "\" height=\"" << em << "\" fill=\"" << colours[i]
-           << "\"/><text x=\"" << kTextStart * em << "\" y=\"" << y + 0.85 * em << "\">" << XmlText(texts[i])
-           << "</text>\n";
-    }
-    FOut << "</g>\n";
   }
 
   const TNfpPicture& FPicture;
   const std::vector<TPoint2D> FPlaces;
-  const TBounds FBounds;
-  const double FLong;
-  detail::TWriter FOut;
+  detail::TShapePainter FPainter;
+  detail::TWriter& FOut;
   const std::string FFixed;
   const std::string FMoving;
-  double FLeft = 0;
-  double FTop = 0;
-  double FWidth = 0;
-  double FHeight = 0;
 };
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "CommandTable.h"
@@ -66,6 +68,52 @@ TEST(Nfp, AnswersPairsDrawsThemAndTheAnswersPassTheCheck) {
   EXPECT_EQ(folder.Run("one job.json").Exit, 3);
 }
 
+// A job of one of the kinds about one part.
+std::string PartJob(const std::string& Kind, const std::string& Members) {
+  return R"({"schema": "platenest-job/1", "name": "angle", "kind": ")" + Kind +
+         R"(", "parts": [{"id": "l", "outline": [[0, 0], [40, 0], [40, 10], [10, 10], [10, 30], [0, 30]]},
+             {"id": "board", "width": 90, "height": 40}], "part": "l")" +
+         Members + "}";
+}
+
+TEST(PartKinds, AnswerDrawAndPassTheCheck) {
+  const TempFolder folder;
+  folder.Write("array.json", PartJob("array", ""));
+  const Outcome array = folder.Run("array array.json --along y --separate --gap 2 -o a.json --svg out/");
+  EXPECT_EQ(array.Exit, 0) << array.Err;
+  EXPECT_THAT(array.Err, HasSubstr("angle: complete, two vectors\n  first      0.000, 32.000\n"));
+  EXPECT_THAT(array.Err, HasSubstr("written    a.json, out/array-001.svg\n"));
+  EXPECT_THAT(folder.Read("out/array-001.svg"), HasSubstr("data-cell"));
+  EXPECT_EQ(folder.Run("check array.json a.json --along y").Exit, 0);
+  EXPECT_EQ(folder.Run("check array.json a.json --gap 3").Exit, 1);
+  EXPECT_THAT(folder.Run("array array.json --of k").Err, HasSubstr("--of: names no part, found \"k\""));
+  EXPECT_THAT(folder.Run("array array.json --separate").Err, HasSubstr("--separate: goes with `along`"));
+  EXPECT_EQ(folder.Run("array array.json --along z").Exit, 2);
+  EXPECT_EQ(folder.Run("label array.json").Exit, 3);
+  EXPECT_EQ(folder.Run("array array.json --radius 3").Exit, 2);
+
+  folder.Write("label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
+  EXPECT_EQ(folder.Run("label label.json -o l.json --svg out/ --quiet").Exit, 0);
+  EXPECT_EQ(folder.Run("check label.json l.json").Exit, 0);
+  EXPECT_EQ(folder.Run("check label.json l.json --label 21x5").Exit, 1);
+  EXPECT_THAT(folder.Run("label label.json --label 20x0").Err, HasSubstr("--label: height must be above 0"));
+}
+
+TEST(PartKinds, NoPlaceIsAnAnswerWithExitCode1) {
+  const TempFolder folder;
+  folder.Write("label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
+  folder.Write("sucker.json", PartJob("sucker", R"(, "radius": 4)"));
+  const Outcome label = folder.Run("label label.json --offset 9");
+  EXPECT_EQ(label.Exit, 1);
+  EXPECT_THAT(label.Err, HasSubstr("angle: complete, no place for the label\n"));
+  EXPECT_FALSE(ParseResult(label.Out).Label->Found);
+  EXPECT_EQ(folder.Run("sucker sucker.json --of board").Exit, 0);
+  const Outcome sucker = folder.Run("sucker sucker.json --radius 30 -o s.json --svg out/");
+  EXPECT_EQ(sucker.Exit, 1);
+  EXPECT_THAT(sucker.Err, HasSubstr("no place for the gripper\n"));
+  EXPECT_THAT(folder.Read("out/sucker-001.svg"), HasSubstr("no place for the gripper"));
+}
+
 TEST(Check, JudgesTheResultForTheJobAndTheOptionsThatWonInTheRun) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
@@ -105,12 +153,27 @@ TEST(Convert, TurnsRectanglesAndTablesIntoJobsAndBack) {
   EXPECT_THAT(folder.Read("parts.csv"), HasSubstr("side,720.5,560,24"));
 }
 
+TEST(Examples, EachIsAnsweredByTheCommandOfItsKind) {
+  const TempFolder folder;
+  for (const auto& entry : std::filesystem::directory_iterator(PLATENEST_EXAMPLES)) {
+    const std::string file = entry.path().string();
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    const std::string kind(KindName(ParseJob(text.str()).Kind));
+    EXPECT_EQ(folder.Run(kind + " " + file + " -o result.json --svg out/ --quiet").Exit, 0) << file;
+    EXPECT_EQ(folder.Run("check " + file + " result.json --quiet").Exit, 0) << file;
+  }
+}
+
 // Each page tells the command's options, and its examples run in their order, each as it stands there.
 TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
   folder.Write("brackets.json", kShapes);
   folder.Write("plate.json", kShapes);
+  folder.Write("l-shape.json", PartJob("array", ""));
+  folder.Write("cover-label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
+  folder.Write("cover-gripper.json", PartJob("sucker", R"(, "radius": 4)"));
   folder.Write("demand.txt", "1000 500\n300 200 60000 8\n");
   folder.Write("demand.csv", "id,width,height,amount\na,300,200,4\nb,450,120,2\n");
   for (const CommandRow& command : CommandTable()) {

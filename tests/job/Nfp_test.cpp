@@ -6,6 +6,7 @@
 
 #include "FaultText.h"
 #include "NfpShapes.h"
+#include "ShapeJobs.h"
 #include "platenest/NfpAlgorithmSet/NfpTypes.h"
 #include "platenest/job/Convert.h"
 #include "platenest/job/Run.h"
@@ -15,16 +16,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::SizeIs;
-
-const PolygonRing kL = {{0, 0}, {4, 0}, {4, 1}, {1, 1}, {1, 3}, {0, 3}};
-
-Part Polygon(const std::string& Id, PolygonRing Outline, std::vector<PolygonRing> Holes = {}) {
-  return {.Id = Id, .Outline = std::move(Outline), .Holes = std::move(Holes)};
-}
-
-PolygonRing Square(double Left, double Bottom, double Side) {
-  return {{Left, Bottom}, {Left + Side, Bottom}, {Left + Side, Bottom + Side}, {Left, Bottom + Side}};
-}
 
 Job NfpJob(std::vector<Part> Parts, bool IsInside = false) {
   Job job;
@@ -38,15 +29,6 @@ Job NfpJob(std::vector<Part> Parts, bool IsInside = false) {
 
 double AreaOf(const NfpPair& Pair) {
   return TPathUtils::Area(detail::PathsOf(Pair.Paths)) / (kPathScale * kPathScale);
-}
-
-std::string CheckFaults(const Job& AJob) {
-  return FaultsOf([&] { CheckJob(AJob); });
-}
-
-std::string Verdict(const Job& AJob, const Result& AResult) {
-  const std::vector<Fault> faults = CheckResult(AJob, AResult);
-  return faults.empty() ? "" : faults[0].Place + ": " + faults[0].Text;
 }
 
 TEST(NfpJob, FaultsHaveTheirCodeAndPlace) {

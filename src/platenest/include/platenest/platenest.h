@@ -10,6 +10,7 @@
 #include "platenest/job/Run.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/NfpCheck.h"
+#include "platenest/layoutcheck/PartCheck.h"
 #include "platenest/services/NFP.h"
-#include "platenest/services/NFP.h"
+#include "platenest/services/arrayInfo.h"
 #include "platenest/version.h"

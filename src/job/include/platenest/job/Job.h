@@ -15,10 +15,13 @@
 namespace platenest {
 
 enum class JobKind : std::uint8_t {
-  One,   // how many of one size on one plate
-  Fill,  // best use of one plate, many sizes
-  Job,   // a whole demand over a stock of plates
-  Nfp,   // no-fit polygons, or the regions where parts fit into others
+  One,     // how many of one size on one plate
+  Fill,    // best use of one plate, many sizes
+  Job,     // a whole demand over a stock of plates
+  Nfp,     // no-fit polygons, or the regions where parts fit into others
+  Array,   // two vectors that repeat a part
+  Label,   // where a label fits in a part, with its margin
+  Sucker,  // where a round gripper holds a part
 };
 
 enum class Rotate : std::uint8_t { Any, None };
@@ -29,6 +32,14 @@ enum class NfpQuality : std::uint8_t {
   Concave,   // rests on reduced outlines that keep the large concavities
   Complete,  // full outlines
   Exact,     // full outlines, never reduced, however long that takes
+};
+
+// Which way the vectors of an array go.
+enum class Along : std::uint8_t {
+  X,     // the first one along the X axis
+  Y,     // the first one along the Y axis
+  XY,    // the first one along the X axis, the second one along the Y axis
+  Free,  // wherever copies lie densest
 };
 
 using PolygonPoint = std::array<double, 2>;
@@ -61,6 +72,13 @@ struct Part {
   friend bool operator==(const Part&, const Part&) = default;
 };
 
+struct LabelSize {
+  double Width = 0;
+  double Height = 0;
+
+  friend bool operator==(const LabelSize&, const LabelSize&) = default;
+};
+
 struct Options {
   std::string Method = "auto";
   double TimeLimit = 60;  // seconds; 0 for none
@@ -86,6 +104,18 @@ struct Job {
   std::vector<std::string> Moving{};
   bool Inside = false;  // where the moving part lies within the fixed one, its holes left out
   NfpQuality Quality = NfpQuality::Complete;
+  // Kinds Array, Label and Sucker: the part that is meant; empty for the only one.
+  std::string PartId{};
+  // Kind Array only; Gap is kept between the copies.
+  Along Direction = Along::Free;
+  bool Separate = false;  // beyond the whole extent of the part along the axis: copies do not reach into its hollows
+  // Kind Label only. Inner lines are open or closed lines of the part that the label keeps clear of, by the margin; an
+  // open one also blocks the way between its two ends.
+  std::vector<PolygonRing> InnerLines{};
+  std::optional<LabelSize> Label{};
+  double Offset = 0;  // least margin all round the label
+  // Kind Sucker only.
+  std::optional<double> Radius{};
 
   friend bool operator==(const Job&, const Job&) = default;
 };
@@ -111,9 +141,11 @@ inline constexpr Int64 kVertexProduct = 4000000;   // of the vertices of two par
 inline constexpr int kHoles = 10000;               // of one part
 inline constexpr Int64 kPairs = 100000;            // of parts in a job of kind Nfp
 inline constexpr double kLargestCoordinate = 1e6;  // of an outline, either side of 0
+inline constexpr int kInnerLines = 10000;          // of one job
 }  // namespace limits
 
 PLATENEST_API std::string_view KindName(JobKind Kind);
+PLATENEST_API std::string_view AlongName(Along Direction);
 PLATENEST_API std::string_view QualityName(NfpQuality Quality);
 
 // Reads a job in the form platenest-job/1. Every fault found is reported, up to 20, each with a JSON Pointer:

@@ -13,7 +13,7 @@
 namespace platenest {
 
 enum class ResultStatus : std::uint8_t {
-  Complete,   // all demand placed, or for kind One the plate is full; for kind Nfp every pair answered
+  Complete,   // all demand placed, or for kind One the plate is full; for kinds of shapes the question is answered
   Partial,    // the search ended by itself with demand left
   TimeLimit,  // the time limit ended it
   Stopped,    // the host or the user ended it
@@ -94,6 +94,36 @@ struct NfpPair {
   friend bool operator==(const NfpPair&, const NfpPair&) = default;
 };
 
+// The answer of kind Array: copies of the part, moved by i * First + j * Second for all whole i and j, keep the gap.
+struct ArrayAnswer {
+  std::array<double, 2> First{0, 0};
+  std::array<double, 2> Second{0, 0};
+  double CellArea = 0;  // of the parallelogram of the two vectors
+  double Density = 0;   // part area over cell area
+
+  friend bool operator==(const ArrayAnswer&, const ArrayAnswer&) = default;
+};
+
+// The answer of kind Label. The label stands from (0, 0) to (Width, Height); where Rotated it is turned a quarter turn
+// about its own centre; then it moves by Move, which makes Bounds. All is 0 where there is no place.
+struct LabelAnswer {
+  bool Found = false;
+  bool Rotated = false;
+  std::array<double, 2> Move{0, 0};
+  double Margin = 0;  // clear all round the label
+  Box Bounds{0, 0, 0, 0};
+
+  friend bool operator==(const LabelAnswer&, const LabelAnswer&) = default;
+};
+
+// The answer of kind Sucker.
+struct SuckerAnswer {
+  bool Found = false;
+  std::array<double, 2> Center{0, 0};
+
+  friend bool operator==(const SuckerAnswer&, const SuckerAnswer&) = default;
+};
+
 // What was in force.
 struct RunInfo {
   std::string Method;
@@ -123,10 +153,18 @@ struct Result {
   std::vector<PartUse> Parts;
   std::vector<std::string> Warnings;
   RunInfo Run;
-  std::vector<NfpPair> Pairs{};  // kind Nfp: moving parts in the order of the job under each fixed one
+  std::vector<NfpPair> Pairs{};          // kind Nfp: moving parts in the order of the job under each fixed one
+  std::optional<ArrayAnswer> Array{};    // kind Array
+  std::optional<LabelAnswer> Label{};    // kind Label
+  std::optional<SuckerAnswer> Sucker{};  // kind Sucker
 
   friend bool operator==(const Result&, const Result&) = default;
 };
+
+// Whether a label or sucker was asked for that has no place.
+inline bool LacksPlace(const Result& AResult) {
+  return (AResult.Label && !AResult.Label->Found) || (AResult.Sucker && !AResult.Sucker->Found);
+}
 
 PLATENEST_API std::string_view StatusName(ResultStatus Status);
 

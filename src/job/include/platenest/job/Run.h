@@ -14,7 +14,8 @@ namespace platenest {
 
 using StopToken = TStopToken;
 
-// In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs that are done and Unplaced the others.
+// Kinds Array, Label and Sucker report nothing. In a run of kind Nfp, whose phase is "nfp", Usage is the share of the
+// pairs that are done and Unplaced the others.
 struct Progress {
   double Seconds = 0;
   std::string Phase;  // the method at work
@@ -43,6 +44,11 @@ PLATENEST_API std::vector<Fault> CheckResult(const Job& AJob, const Result& ARes
 // TRangeError for an unknown pair or part. Cost: linear in the vertices, and one copy of the moving part for each
 // place.
 PLATENEST_API std::string PairToSvg(const Job& AJob, const Result& AResult, int PairIndex);
+
+// One SVG document for a result of kind Array, Label or Sucker: the part among its neighbours with the cell, with the
+// label and its margin, or with the gripper's disc. The part is taken from the job, so the result must belong to it.
+// Raises TRangeError for a result without such an answer or an unknown part.
+PLATENEST_API std::string PartToSvg(const Job& AJob, const Result& AResult);
 
 // One SVG document for a layout of a result; real units, y up.
 PLATENEST_API std::string LayoutToSvg(const Result& AResult, int LayoutIndex);

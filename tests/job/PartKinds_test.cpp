@@ -1,0 +1,280 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+
+#include "ShapeJobs.h"
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+Job PartJob(JobKind Kind, const Part& APart) {
+  Job job;
+  job.Kind = Kind;
+  job.Parts = {APart};
+  return job;
+}
+
+Job ArrayJob(const Part& APart, Along Direction, double Gap = 0) {
+  Job job = PartJob(JobKind::Array, APart);
+  job.Direction = Direction;
+  job.Gap = Gap;
+  return job;
+}
+
+Job LabelJob(const Part& APart, double Width, double Height, double Offset = 0) {
+  Job job = PartJob(JobKind::Label, APart);
+  job.Label = {Width, Height};
+  job.Offset = Offset;
+  return job;
+}
+
+Job SuckerJob(const Part& APart, double Radius) {
+  Job job = PartJob(JobKind::Sucker, APart);
+  job.Radius = Radius;
+  return job;
+}
+
+// Any answer holds against the check and survives its form.
+Result Answered(const Job& AJob) {
+  Result result = run(AJob);
+  EXPECT_EQ(Verdict(AJob, result), "") << JobToJson(AJob);
+  EXPECT_EQ(ParseResult(ResultToJson(result)), result);
+  return result;
+}
+
+// A star-shaped outline with dents, long and slanted for some seeds.
+Part Star(unsigned Seed) {
+  std::mt19937 random(Seed);
+  const auto share = [&] { return static_cast<double>(random() % 10000) / 10000; };
+  const int points = 5 + static_cast<int>(random() % 30);
+  const double stretch = 1 + 6 * share() * share();
+  const double turn = std::numbers::pi * share();
+  PolygonRing outline;
+  for (int i = 0; i < points; ++i) {
+    const double angle = std::numbers::pi * 2 * i / points;
+    const double radius = 20 + 60 * share();
+    const double x = radius * std::cos(angle) * stretch;
+    const double y = radius * std::sin(angle);
+    outline.push_back({x * std::cos(turn) - y * std::sin(turn), x * std::sin(turn) + y * std::cos(turn)});
+  }
+  return Polygon("star", outline);
+}
+
+TEST(ArrayRun, RepeatsRectanglesWithTheGapAndAnglesIntoTheirHollow) {
+  const Part unit{.Id = "u", .Width = 2, .Height = 1};
+  for (const Along along : {Along::X, Along::Y, Along::XY, Along::Free}) {
+    EXPECT_NEAR(Answered(ArrayJob(unit, along)).Array->Density, 1, 1e-6);
+    EXPECT_NEAR(Answered(ArrayJob(unit, along, 0.5)).Array->CellArea, 2.5 * 1.5, 1e-4);
+  }
+  // Angles with arms one wide leave nothing between them.
+  const Result nested = Answered(ArrayJob(Polygon("l", kL), Along::Free));
+  EXPECT_NEAR(nested.Array->Density, 1, 1e-6);
+  EXPECT_NEAR(nested.Array->CellArea * nested.Array->Density, 6, 1e-6);
+}
+
+TEST(ArrayRun, SeparatePassesTheWholeExtent) {
+  const Part u = Polygon("u", {{0, 0}, {10, 0}, {10, 9}, {7, 9}, {7, 2}, {2, 2}, {2, 9}, {0, 9}});
+  Job job = ArrayJob(u, Along::Y);
+  const double near = Answered(job).Array->First[1];
+  job.Separate = true;
+  const Result far = Answered(job);
+  EXPECT_GE(far.Array->First[1], near);
+  EXPECT_NEAR(far.Array->First[0], 0, 0);
+  EXPECT_NEAR(far.Array->First[1], 9, 1e-3);
+}
+
+TEST(ArrayRun, EveryLatticeOfManyShapesPassesItsCheck) {
+  for (unsigned seed = 1; seed <= 25; ++seed) {
+    double best = 1e300;
+    for (const Along along : {Along::X, Along::Y, Along::XY, Along::Free}) {
+      const double cell = Answered(ArrayJob(Star(seed), along, seed % 3)).Array->CellArea;
+      EXPECT_TRUE(along != Along::Free || cell <= best * (1 + 1e-6)) << seed;
+      best = std::min(best, cell);
+    }
+  }
+}
+
+// A needle that the kernel cannot tell from a line.
+TEST(ArrayRun, SpacesCopiesByTheirBoxWhereTheKernelGivesUp) {
+  const Part needle = Polygon("needle", {{0, 0}, {1000, 0.0001}, {1000, 0.0015}});
+  const Result result = Answered(ArrayJob(needle, Along::Y, 1));
+  EXPECT_EQ(result.Run.Method, "boxes");
+  EXPECT_THAT(result.Warnings, ElementsAre(HasSubstr("copies are spaced by its box")));
+  EXPECT_THAT(result.Array->Second, ElementsAre(1001, 0));
+}
+
+// A row of the slanted needle takes hundreds of thousands of overlapping copies. A part as fine as the cleaning of
+// paths leaves no vector at all, which the core refuses.
+TEST(ArrayRun, SparesEndlessRowsAndTellsWhatTheCoreRefuses) {
+  const Part slender = Polygon("n", {{0, 0}, {1e4, 1e4}, {1e4 - 0.5, 1e4}});
+  const Result result = Answered(ArrayJob(slender, Along::X));
+  EXPECT_THAT(result.Warnings, ElementsAre(HasSubstr("too slender")));
+  EXPECT_EQ(result.Array->First[1], 0);
+  EXPECT_EQ(result.Run.Method, "rows");
+  EXPECT_LT(result.Array->First[0], 1);
+  const Job tiny = ArrayJob({.Id = "t", .Width = 0.001, .Height = 0.001}, Along::X);
+  try {
+    run(tiny);
+    FAIL() << "an array of no vector";
+  } catch (const InputError& error) {
+    EXPECT_EQ(error.Faults().front().Place, "/along");
+    EXPECT_THAT(error.Faults().front().Detail, HasSubstr("[Error] TArrayInfoAlgo."));
+  }
+}
+
+TEST(LabelRun, PutsALabelUprightTurnedOrNowhere) {
+  const Part square = Polygon("s", Square(100, 0, 10));
+  const LabelAnswer upright = *Answered(LabelJob(square, 2, 1, 0.5)).Label;
+  EXPECT_FALSE(upright.Rotated);
+  EXPECT_DOUBLE_EQ(upright.Margin, 3.875);
+  EXPECT_NEAR(upright.Bounds[0], 104, 0.2);
+  const Part bar{.Id = "bar", .Width = 10, .Height = 50};
+  const LabelAnswer turned = *Answered(LabelJob(bar, 40, 5)).Label;
+  EXPECT_TRUE(turned.Rotated);
+  EXPECT_NEAR(turned.Bounds[2] - turned.Bounds[0], 5, 1e-9);
+  EXPECT_NEAR(turned.Move[0] + 20, 5, 2.5) << "turned about its own centre";
+  for (const Job& job : {LabelJob(square, 11, 1), LabelJob(square, 1, 1, 6)}) {
+    const Result none = Answered(job);
+    EXPECT_TRUE(LacksPlace(none));
+    EXPECT_EQ(none.Status, ResultStatus::Complete);
+    EXPECT_THAT(ResultToJson(none), HasSubstr("\"label\": {\"found\": false}"));
+    EXPECT_THAT(PartToSvg(job, none), HasSubstr("no place for the label"));
+  }
+}
+
+TEST(LabelRun, KeepsClearOfInnerLinesAndHoles) {
+  Job job = LabelJob(Polygon("s", Square(0, 0, 100), {Square(5, 5, 20)}), 30, 10, 1);
+  job.InnerLines = {{{50, 0}, {50, 100}}, {{60, 20}, {90, 20}, {90, 80}}};
+  const Result result = Answered(job);
+  EXPECT_GE(result.Label->Margin, 1);
+  Result shifted = result;
+  shifted.Label->Move[0] += 30;
+  shifted.Label->Bounds[0] += 30;
+  shifted.Label->Bounds[2] += 30;
+  EXPECT_THAT(Verdict(job, shifted), HasSubstr("/label: the label with its margin "));
+}
+
+TEST(PlaceRun, PlacesOnManyShapesPassTheirCheck) {
+  int found = 0;
+  for (unsigned seed = 1; seed <= 40; ++seed) {
+    Job job = LabelJob(Star(seed), 5 + 3 * seed, 3 + seed % 17, seed % 2);
+    if (seed % 4 == 0) job.InnerLines = {{{-30, -30}, {30, 30}}, {{-30, 30}, {0, 0}, {-20, 0}}};
+    found += LacksPlace(Answered(job)) ? 0 : 1;
+    found += LacksPlace(Answered(SuckerJob(Star(seed), 2 + seed))) ? 0 : 1;
+  }
+  EXPECT_GT(found, 50);
+  EXPECT_LT(found, 80) << "some places must be missing";
+}
+
+TEST(SuckerRun, HoldsAtTheCentroidOrNextToAHole) {
+  const Part square = Polygon("s", Square(0, 0, 10));
+  EXPECT_THAT(Answered(SuckerJob(square, 2)).Sucker->Center, ElementsAre(testing::DoubleNear(5, 1e-6), testing::_));
+  EXPECT_TRUE(LacksPlace(Answered(SuckerJob(square, 5.01))));
+  const SuckerAnswer ring = *Answered(SuckerJob(Polygon("r", Square(0, 0, 30), {Square(10, 10, 10)}), 4)).Sucker;
+  EXPECT_TRUE(ring.Found);
+}
+
+TEST(PartKinds, SameJobSameBytes) {
+  Job job = ArrayJob(Star(3), Along::Free, 2);
+  job.Run.Deterministic = true;
+  const std::string text = ResultToJson(run(job));
+  EXPECT_EQ(ResultToJson(run(job)), text);
+  EXPECT_EQ(PartToSvg(job, run(job)), PartToSvg(job, run(job)));
+}
+
+TEST(PartKinds, FaultsHaveTheirPlace) {
+  const auto faultsOf = [](JobKind Kind, auto Spoil) {
+    Job job = PartJob(Kind, Polygon("l", kL));
+    if (Kind == JobKind::Label) job.Label = {1, 1};
+    if (Kind == JobKind::Sucker) job.Radius = 1;
+    Spoil(job);
+    return CheckFaults(job);
+  };
+  EXPECT_EQ(faultsOf(JobKind::Array, [](Job&) {}), "none");
+  EXPECT_EQ(faultsOf(JobKind::Array, [](Job& j) { j.PartId = "m"; }), "InputError: choice /part");
+  EXPECT_EQ(faultsOf(JobKind::Array, [](Job& j) { j.Direction = static_cast<Along>(4); }), "InputError: choice /along");
+  EXPECT_EQ(faultsOf(JobKind::Array, [](Job& j) { j.Parts.push_back({.Id = "b", .Width = 1, .Height = 1}); }),
+            "InputError: missing /part");
+  EXPECT_EQ(faultsOf(JobKind::Array, [](Job& j) { j.Separate = true; }), "InputError: conflict /separate");
+  EXPECT_EQ(faultsOf(JobKind::Array,
+                     [](Job& j) {
+                       j.Parts[0].Outline.clear();
+                       for (int i = 0; i < 2001; ++i) {
+                         const double angle = std::numbers::pi * 2 * i / 2001;
+                         j.Parts[0].Outline.push_back({1000 * std::cos(angle), 1000 * std::sin(angle)});
+                       }
+                     }),
+            "LimitError: limit /parts/0");
+  EXPECT_EQ(faultsOf(JobKind::Label, [](Job& j) { j.Label->Height = 0; }), "InputError: range /label/height");
+  EXPECT_EQ(faultsOf(JobKind::Label, [](Job& j) { j.Offset = std::nan(""); }), "InputError: range /offset");
+  EXPECT_EQ(faultsOf(JobKind::Label,
+                     [](Job& j) {
+                       j.InnerLines = {kL, {{1, 1}, {2, INFINITY}}};
+                     }),
+            "InputError: range /inner_lines/1/1/1");
+  EXPECT_EQ(faultsOf(JobKind::Label, [](Job& j) { j.InnerLines.assign(10001, kL); }), "LimitError: limit /inner_lines");
+  EXPECT_EQ(faultsOf(JobKind::Sucker, [](Job& j) { j.Radius = 2e6; }), "LimitError: limit /radius");
+  EXPECT_EQ(faultsOf(JobKind::Sucker, [](Job& j) { j.Gap = j.Offset = 1; }),
+            "InputError: conflict /gap, conflict /offset");
+}
+
+TEST(PartKinds, TheCheckFindsWhatAResultGetsWrong) {
+  const Job array = ArrayJob(Polygon("l", kL), Along::X, 0.25);
+  const Job label = LabelJob(Polygon("s", Square(0, 0, 10)), 2, 1, 1);
+  const Job sucker = SuckerJob(Polygon("s", Square(0, 0, 10)), 2);
+  const std::tuple<const Job*, std::string, void (*)(Result&)> cases[] = {
+      {&array, "/array: the copy at ",
+       [](Result& r) {
+         r.Array->First = {0.9, 0};
+       }},
+      {&array, "/array: the copy at ", [](Result& r) { r.Gap = 0.26; }},
+      {&array, "/array: the vectors span no cell",
+       [](Result& r) {
+         r.Array->Second = {0, 0};
+       }},
+      {&array, "/array: a vector is too long",
+       [](Result& r) {
+         r.Array->Second = {0, 1e300};
+       }},
+      {&array, "/array/first: ", [](Result& r) { std::swap(r.Array->First, r.Array->Second); }},
+      {&array, "/array/cell_area: ", [](Result& r) { r.Array->CellArea *= 1.0001; }},
+      {&array, "/array/density: ", [](Result& r) { r.Array->Density *= 1.0001; }},
+      {&array, "/array: is missing", [](Result& r) { r.Array.reset(); }},
+      {&array, "/gap: ", [](Result& r) { r.Gap = 0; }},
+      {&label, "/label/box: ", [](Result& r) { r.Label->Rotated = true; }},
+      {&label, "/label/margin: ", [](Result& r) { r.Label->Margin = 0.5; }},
+      {&label, "/label: the label with its margin does not", [](Result& r) { r.Label->Margin = 5; }},
+      {&label, "/sucker: ", [](Result& r) { r.Sucker.emplace(); }},
+      {&label, "/status: ", [](Result& r) { r.Status = ResultStatus::Partial; }},
+      {&sucker, "/sucker: the disc sticks out",
+       [](Result& r) {
+         r.Sucker->Center = {1.9, 5};
+       }},
+      {&sucker, "/sucker: the centre lies outside",
+       [](Result& r) {
+         r.Sucker->Center = {-50, 5};
+       }},
+  };
+  for (const auto& [job, message, spoil] : cases) {
+    Result bad = run(*job);
+    spoil(bad);
+    EXPECT_THAT(Verdict(*job, bad), HasSubstr(message));
+  }
+}
+
+TEST(PartKinds, PicturesNeedTheirPart) {
+  Job job = ArrayJob(Polygon("l", kL), Along::Free);
+  const Result result = run(job);
+  job.PartId = "m";
+  EXPECT_THROW(PartToSvg(job, result), TRangeError);
+}
+
+}  // namespace
+}  // namespace platenest

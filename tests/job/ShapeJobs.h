@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "FaultText.h"
+#include "platenest/job/Run.h"
+
+// Parts for jobs about shapes, and what is said about such jobs and their results.
+namespace platenest {
+
+inline const PolygonRing kL = {{0, 0}, {4, 0}, {4, 1}, {1, 1}, {1, 3}, {0, 3}};
+
+inline Part Polygon(const std::string& Id, PolygonRing Outline, std::vector<PolygonRing> Holes = {}) {
+  return {.Id = Id, .Outline = std::move(Outline), .Holes = std::move(Holes)};
+}
+
+inline PolygonRing Square(double Left, double Bottom, double Side) {
+  return {{Left, Bottom}, {Left + Side, Bottom}, {Left + Side, Bottom + Side}, {Left, Bottom + Side}};
+}
+
+inline std::string CheckFaults(const Job& AJob) {
+  return FaultsOf([&] { CheckJob(AJob); });
+}
+
+inline std::string Verdict(const Job& AJob, const Result& AResult) {
+  const std::vector<Fault> faults = CheckResult(AJob, AResult);
+  return faults.empty() ? "" : faults[0].Place + ": " + faults[0].Text;
+}
+
+}  // namespace platenest
