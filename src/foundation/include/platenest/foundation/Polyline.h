@@ -65,12 +65,16 @@ class PLATENEST_API TVPolyline2D : public TVPoint2DList {
   // The convex hull, always counter-clockwise, without repeated closing point and without vertices on straight edges
   // (Andrew 1979). Fewer than three points: those points. Points on one line: its two ends. Cost: O(n log n).
   void ConvexHull(TVPolyline2D& Hull) const;
-  // Distance from Point to the contour line (not to its inside) and the nearest point on it, the first of equals. An
-  // empty list gives infinity and leaves Nearest alone.
+  // Distance from Point to the contour line (not to its inside) and the nearest point on it, the first of equals. The
+  // closing edge counts, since the borders of offset regions come without repeated first point. An empty list gives
+  // infinity and leaves Nearest alone.
   double DistTo(const TPoint2D& Point, TPoint2D& Nearest) const;
   // Appends where the two contours meet, in order along this one: to Lines the pieces above 1e-6 that run along each
   // other, in the direction of this contour, one per pair of edges; to Points all other crossings and contacts within
-  // 1e-6, those on a piece left out. Cost: the product of the two point counts, with a box test per pair.
+  // 1e-6, those on a piece left out. Closing edges count on both sides. The tolerance does not grow with the
+  // coordinates: from about 1e9 on, pieces along the axes and true crossings are still found, but contacts at vertices
+  // and pieces on slanted edges may be lost in rounding. Cost: the product of the two point counts, with a box test per
+  // pair.
   void CrossWith(const TVPolyline2D& Other, TVPoint2DList& Points, TVLine2DList& Lines) const;
 };
 
