@@ -126,12 +126,17 @@ TPaths Common(const TPaths& A, const TPaths& B) {
   return result;
 }
 
+// Slivers below a path unit turn inside out in the offset; a true rest keeps its distance from the border.
 bool Survives(const TPaths& Region, double Inset) {
   TClipperOffset offset;
   offset.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
   TPaths rest;
   offset.Execute(rest, -Inset);
-  return !rest.empty();
+  const auto isDeep = [&](const TIntPoint& p) {
+    return PlaceOf(p, Region) != TPlace::Outside && DistanceToBorder(p, Region) >= Inset - 1;
+  };
+  return std::any_of(rest.begin(), rest.end(),
+                     [&](const TPath& path) { return std::any_of(path.begin(), path.end(), isDeep); });
 }
 
 }  // namespace
