@@ -12,6 +12,7 @@ namespace platenest {
 namespace {
 
 constexpr double kSquareScale = kPathScale * kPathScale;
+constexpr double kRoundingOfOffset = 2;  // path units that a vertex may be off
 
 struct TSide {
   TIntPoint A;
@@ -133,7 +134,7 @@ bool Survives(const TPaths& Region, double Inset) {
   TPaths rest;
   offset.Execute(rest, -Inset);
   const auto isDeep = [&](const TIntPoint& p) {
-    return PlaceOf(p, Region) != TPlace::Outside && DistanceToBorder(p, Region) >= Inset - 1;
+    return PlaceOf(p, Region) != TPlace::Outside && DistanceToBorder(p, Region) >= Inset - kRoundingOfOffset;
   };
   return std::any_of(rest.begin(), rest.end(),
                      [&](const TPath& path) { return std::any_of(path.begin(), path.end(), isDeep); });
