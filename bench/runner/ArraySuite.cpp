@@ -4,8 +4,9 @@
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <numbers>
 
-#include "LatticeDepth.h"
+#include "LatticeCheck.h"
 #include "LatticeSearch.h"
 #include "NfpCase.h"
 #include "NfpPairs.h"
@@ -16,6 +17,7 @@ namespace platenest::bench {
 namespace {
 
 constexpr double kTol = 1e-3;
+constexpr std::array kDirections = {0.3, 1.0, std::numbers::pi / 2, 3.6};  // radians, of the second vector
 constexpr Int64 kFewPoints = 40;
 
 using TLattice = TPair<TPoint2D, TPoint2D>;
@@ -92,6 +94,24 @@ void Judge(TTally& Tally, const TNfpShape& Part, const char* Form, const TLattic
   if (depth > test::kAllowedDepth || density > 1.0001) AddFault(Tally, Part.Name, text);
 }
 
+// The forms along the axes with turned and mirrored copies, and the second vector in prescribed directions.
+void JudgeOthers(TTally& Tally, const TNfpShape& Part, const TPaths& NFP, const TLattice& Free) try {
+  const TVHPolygonList shape{Part.Shape};
+  const auto judge = [&](const std::string& name, double depth) {
+    Tally.Deepest = std::max(Tally.Deepest, depth);
+    if (depth > test::kAllowedDepth) AddFault(Tally, Part.Name, name + " overlaps by " + std::to_string(depth));
+  };
+  for (const test::TAxisForm& form : test::kAxisForms)
+    for (const bool separate : {false, true})
+      judge(form.Name + std::string(separate ? ", separate" : ", nearest"), test::AxisFormDepth(form, shape, separate));
+  for (const double angle : kDirections) {
+    const TPoint2D second = TArrayInfoAlgo::Calc2ndArrayTrans(NFP, Free.first, Free.first.RotateBy(angle));
+    judge("directed by " + std::to_string(angle), test::LatticeDepth(PolygonOf(Part.Shape), {Free.first, second}));
+  }
+} catch (const std::exception& error) {
+  AddFault(Tally, Part.Name, std::string("raised ") + error.what());
+}
+
 void Add(TTally& Tally, const TNfpShape& Part, int Repeat) {
   const TVHPolygonList shape{Part.Shape};
   const double area = RegionArea(PolygonOf(Part.Shape));
@@ -110,6 +130,7 @@ void Add(TTally& Tally, const TNfpShape& Part, int Repeat) {
     Judge(Tally, Part, "search", searched, area);
     Tally.Searched.push_back(DensityOf(area, searched));
     if (Tally.Searched.back() > 0) Tally.Shares.push_back(DensityOf(area, lattice) / Tally.Searched.back());
+    JudgeOthers(Tally, Part, nfp, lattice);
   }
 }
 

@@ -88,4 +88,21 @@ inline const TAxisForm kAxisForms[] = {
      }},
 };
 
+// Deepest overlap of the copies that the form puts on its axis, beside the shape and beside a row of it.
+inline double AxisFormDepth(const TAxisForm& Form, const TVHPolygonList& Shape, bool Separate) {
+  const TPaths fixed = PathsOf(Shape);
+  const TPaths copy = PathsOf(AboutBoxCenter(Shape, Form.PointMove));
+  TPaths nfp;
+  Form.MakeNfp(Shape, 0, nfp);
+  const auto [ahead, back] = Form.First({}, nfp, 0, Separate);
+  double depth = DepthAt(fixed, copy, ahead * Form.Axis);
+  const bool hasWayBack = Form.MakeNfp != TArrayInfoAlgo::CalcNFP;
+  if (hasWayBack) depth = std::max(depth, DepthAt(fixed, copy, -back * Form.Axis));
+  const TPoint2D row = Form.Axis.X == 0 ? TPoint2D{TArrayInfoAlgo::CalcArrayTransX(Shape, {}, 0, true), 0}
+                                        : TPoint2D{0, TArrayInfoAlgo::CalcArrayTransY(Shape, {}, 0, true)};
+  const auto [aheadOfRow, backOfRow] = Form.Second({}, row, nfp, 0, Separate);
+  depth = std::max(depth, RowDepth(fixed, copy, row, aheadOfRow * Form.Axis));
+  return hasWayBack ? std::max(depth, RowDepth(fixed, copy, row, -backOfRow * Form.Axis)) : depth;
+}
+
 }  // namespace platenest::test
