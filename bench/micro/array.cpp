@@ -35,6 +35,22 @@ BENCHMARK(BM_ArrayVectors)
                    {0, 1, 2}})
     ->Unit(benchmark::kMicrosecond);
 
+// A row of so many copies to either side, one union: each a half of its width from the next, or all within one width.
+void BM_Row(benchmark::State& State) {
+  TPaths nfp;
+  TArrayInfoAlgo::CalcNFP({MakeShape(TShapeKind::Star, 40, 100, 1)}, 0, nfp);
+  const int count = static_cast<int>(State.range(0));
+  const double width = static_cast<double>(TPathUtils::BoundBox(nfp).Width()) / kPathScale;
+  const TPoint2D step{State.range(1) > 0 ? width / (2 * count) : width / 2, 0.01};
+  TPaths row;
+  for (auto _ : State) {
+    TArrayInfoAlgo::CalcGroupNFP(nfp, count, step, row);
+    benchmark::DoNotOptimize(row);
+  }
+  State.counters["copies"] = 2 * count + 1;
+}
+BENCHMARK(BM_Row)->ArgNames({"count", "heaped"})->ArgsProduct({{10, 50}, {0, 1}})->Unit(benchmark::kMillisecond);
+
 // A label of an eighth of the part's extent, with an inner line or none, over parts of all kinds; the median of the
 // parts stands beside the mean that the time tells.
 void BM_Label(benchmark::State& State) {
