@@ -11,7 +11,7 @@ namespace platenest::bench {
 namespace {
 
 // The least growth at which the label about the origin meets a point of the segment: the growth is a convex function
-// along it, of straight pieces, so the least one is found by comparing slopes.
+// along it, so the least one is closed in by thirds.
 double GrowthTo(const TPoint2D& A, const TPoint2D& B, double HalfWidth, double HalfHeight) {
   const auto at = [&](double t) {
     const TPoint2D p = A + t * (B - A);
@@ -22,7 +22,10 @@ double GrowthTo(const TPoint2D& A, const TPoint2D& B, double HalfWidth, double H
   for (int i = 0; i < 60; ++i) {
     const double left = low + (high - low) / 3;
     const double right = high - (high - low) / 3;
-    (at(left) > at(right) ? low : high) = at(left) > at(right) ? left : right;
+    if (at(left) > at(right))
+      low = left;
+    else
+      high = right;
   }
   return std::min({at(0), at(1), at((low + high) / 2)});
 }
