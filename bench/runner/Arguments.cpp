@@ -13,7 +13,8 @@ const char* const kUsage =
     "                                   [--inside] [--oracle off|sampling|area] [--quiet]\n"
     "       platenest_bench nfp-random|nfp-inside|nfp-jigsaw [--pairs N] [--seed S] [--edges N] [--json FILE]\n"
     "                                   [--oracle off|sampling|area]\n"
-    "       platenest_bench nfp-layout FILE...\n";
+    "       platenest_bench nfp-layout FILE...\n"
+    "       platenest_bench array|label FILE... [--json FILE] [--repeat N] [--most PARTS] [--turned]\n";
 
 namespace {
 
@@ -27,7 +28,7 @@ bool ReadOracle(std::string_view Word, TOracle& Oracle) {
 }
 
 bool TakesFiles(std::string_view Suite) {
-  return Suite == "one" || Suite == "nfp" || Suite == "nfp-layout";
+  return Suite == "one" || Suite == "nfp" || Suite == "nfp-layout" || Suite == "array" || Suite == "label";
 }
 
 bool IsSuite(std::string_view Suite) {

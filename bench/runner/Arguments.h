@@ -15,7 +15,7 @@ struct TArguments {
   int Repeat = 1;
   int Rows = 0;
   bool Quiet = false;
-  int Most = 400;  // pairs of an instance
+  int Most = 400;  // pairs or parts of an instance
   int Pair = -1;   // the one pair to run, by its number
   bool Turned = false;
   bool Inside = false;

@@ -5,20 +5,38 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace platenest::bench {
 
+namespace {
+
+double CpuMs() {
+  timespec time{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+}  // namespace
+
 double MedianMs(int Repeat, const std::function<void()>& Work) {
-  std::vector<double> times;
+  return MedianTimes(Repeat, Work).Ms;
+}
+
+TTimes MedianTimes(int Repeat, const std::function<void()>& Work) {
+  std::vector<double> wall;
+  std::vector<double> cpu;
   for (int i = 0; i < Repeat; ++i) {
+    const double cpuStart = CpuMs();
     const auto start = std::chrono::steady_clock::now();
     Work();
-    times.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    wall.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    cpu.push_back(CpuMs() - cpuStart);
   }
-  return Quantile(std::move(times), 0.5);
+  return {Quantile(std::move(wall), 0.5), Quantile(std::move(cpu), 0.5)};
 }
 
 double Quantile(std::vector<double> Values, double Q) {

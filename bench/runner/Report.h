@@ -23,6 +23,14 @@ struct TRow {
 // The median time of Repeat calls in milliseconds.
 double MedianMs(int Repeat, const std::function<void()>& Work);
 
+struct TTimes {
+  double Ms = 0;
+  double CpuMs = 0;  // of the process
+};
+
+// The medians of both clocks.
+TTimes MedianTimes(int Repeat, const std::function<void()>& Work);
+
 // The q-quantile, 0 <= q <= 1, of a list that is sorted inside.
 double Quantile(std::vector<double> Values, double Q);
 

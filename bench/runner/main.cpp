@@ -3,6 +3,8 @@
 #include <exception>
 
 #include "Arguments.h"
+#include "ArraySuite.h"
+#include "LabelSuite.h"
 #include "NfpCampaign.h"
 #include "NfpSuite.h"
 #include "OneSuite.h"
@@ -44,6 +46,8 @@ std::vector<TRow> RunOne(const TArguments& Arguments) {
 std::vector<TRow> Run(const TArguments& Arguments) {
   if (Arguments.Suite == "one") return RunOne(Arguments);
   if (Arguments.Suite == "nfp") return RunNfpSuite(Arguments);
+  if (Arguments.Suite == "array") return RunArraySuite(Arguments);
+  if (Arguments.Suite == "label") return RunLabelSuite(Arguments);
   if (Arguments.Suite == "nfp-layout") return RunLayoutCampaign(Arguments);
   return RunNfpCampaign(Arguments);
 }

@@ -305,21 +305,10 @@ TEST(ArrayInfo, CopiesOfRandomShapesKeepClear) {
     const TShapeKind kind = kShapeKinds[Seed % kShapeKinds.size()];
     SCOPED_TRACE(NameOf(kind));
     const TVHPolygonList shape{MakeShape(kind, 12, 40, Seed)};
-    const TPaths fixed = test::PathsOf(shape);
     for (const test::TAxisForm& form : test::kAxisForms) {
       SCOPED_TRACE(form.Name);
-      const TPaths copy = test::PathsOf(test::AboutBoxCenter(shape, form.PointMove));
-      TPaths nfp;
-      form.MakeNfp(shape, 0, nfp);
-      const TPoint2D across = form.Axis.X == 0 ? TPoint2D{TArray::CalcArrayTransX(shape, {}, 0, true), 0}
-                                               : TPoint2D{0, TArray::CalcArrayTransY(shape, {}, 0, true)};
-      for (const bool separate : {false, true}) {
-        const auto [ahead, back] = form.First(kNoShape, nfp, 0, separate);
-        EXPECT_LE(test::DepthAt(fixed, copy, ahead * form.Axis), test::kAllowedDepth);
-        EXPECT_LE(test::DepthAt(fixed, copy, -back * form.Axis), form.Name[1] == 0 ? 1e9 : test::kAllowedDepth);
-        const auto [ahead2, back2] = form.Second(kNoShape, across, nfp, 0, separate);
-        EXPECT_LE(test::RowDepth(fixed, copy, across, ahead2 * form.Axis), test::kAllowedDepth);
-      }
+      for (const bool separate : {false, true})
+        EXPECT_LE(test::AxisFormDepth(form, shape, separate), test::kAllowedDepth);
     }
     TPaths nfp;
     TArray::CalcNFP(shape, 0, nfp);

@@ -1,56 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <cmath>
-
-#include "ExactMinkowski.h"
-#include "OverlapDepth.h"
-#include "Region.h"
+#include "LatticeDepth.h"
 #include "platenest/services/arrayInfo.h"
 
-// Judges lattices and rows by the oracle: how deep copies overlap, in drawing units.
+// What the tests of arrays share: the twelve forms along the axes and the copies that they move.
 namespace platenest::test {
-
-// What cleaning and the rounding of paths may cost.
-inline constexpr double kAllowedDepth = 5e-4;
-
-inline TIntPoint UnitsOf(const TPoint2D& Vector) {
-  return TPathUtils::CreateIntPoint(Vector, kPathScale);
-}
-
-inline double DepthAt(const TPaths& Fixed, const TPaths& Moving, const TPoint2D& At) {
-  const TPaths moved = TPathUtils::Translate(Moving, TPathUtils::CreatePointL2D(UnitsOf(At)));
-  const TIntRect a = TPathUtils::BoundBox(Fixed);
-  const TIntRect b = TPathUtils::BoundBox(moved);
-  if (a.Right <= b.Left || b.Right <= a.Left || a.Top <= b.Bottom || b.Top <= a.Bottom) return 0;
-  const double depth = OverlapArea(Fixed, moved) == 0 ? 0 : OverlapDepth(Fixed, moved);
-  if (depth <= kAllowedDepth) return depth;
-  // Common slivers of less than a path unit may be taken for wide ones, but nothing is deeper than its way out is long.
-  const TPaths forbidden = ForbiddenRegion(Fixed, Moving);
-  const TIntPoint at = UnitsOf(At);
-  if (PlaceOf(at, forbidden) != TPlace::Inside) return 0;
-  return std::min(depth, DistanceToBorder(at, forbidden) / kPathScale);
-}
-
-// Deepest overlap of the part with its copies on the lattice from -3 to 3; copies on opposite sides are alike.
-inline double LatticeDepth(const TPaths& Part, const TPair<TPoint2D, TPoint2D>& Lattice) {
-  double deepest = 0;
-  for (int i = -3; i <= 3; ++i)
-    for (int j = 0; j <= 3; ++j)
-      if (j > 0 || i > 0) deepest = std::max(deepest, DepthAt(Part, Part, i * Lattice.first + j * Lattice.second));
-  return deepest;
-}
-
-// Deepest overlap of Moving at At with the row of Fixed along Step.
-inline double RowDepth(const TPaths& Fixed, const TPaths& Moving, const TPoint2D& Step, const TPoint2D& At) {
-  double deepest = 0;
-  for (int k = -3; k <= 3; ++k) deepest = std::max(deepest, DepthAt(Fixed, Moving, At - k * Step));
-  return deepest;
-}
-
-inline double CellArea(const TPair<TPoint2D, TPoint2D>& Lattice) {
-  return std::fabs(Lattice.first.CrossMul(Lattice.second));
-}
 
 // The shape with every point moved by PointMove, about the centre of its box.
 template <class Move>
@@ -133,5 +87,22 @@ inline const TAxisForm kAxisForms[] = {
        return TPoint2D{P.X, -P.Y};
      }},
 };
+
+// Deepest overlap of the copies that the form puts on its axis, beside the shape and beside a row of it.
+inline double AxisFormDepth(const TAxisForm& Form, const TVHPolygonList& Shape, bool Separate) {
+  const TPaths fixed = PathsOf(Shape);
+  const TPaths copy = PathsOf(AboutBoxCenter(Shape, Form.PointMove));
+  TPaths nfp;
+  Form.MakeNfp(Shape, 0, nfp);
+  const auto [ahead, back] = Form.First({}, nfp, 0, Separate);
+  double depth = DepthAt(fixed, copy, ahead * Form.Axis);
+  const bool hasWayBack = Form.MakeNfp != TArrayInfoAlgo::CalcNFP;
+  if (hasWayBack) depth = std::max(depth, DepthAt(fixed, copy, -back * Form.Axis));
+  const TPoint2D row = Form.Axis.X == 0 ? TPoint2D{TArrayInfoAlgo::CalcArrayTransX(Shape, {}, 0, true), 0}
+                                        : TPoint2D{0, TArrayInfoAlgo::CalcArrayTransY(Shape, {}, 0, true)};
+  const auto [aheadOfRow, backOfRow] = Form.Second({}, row, nfp, 0, Separate);
+  depth = std::max(depth, RowDepth(fixed, copy, row, aheadOfRow * Form.Axis));
+  return hasWayBack ? std::max(depth, RowDepth(fixed, copy, row, -backOfRow * Form.Axis)) : depth;
+}
 
 }  // namespace platenest::test

@@ -137,6 +137,11 @@ TEST(NfpOracle, MeasuresOverlap) {
   const TPaths moved = TPathUtils::Translate(kUnitSquare, {75000, 0});
   EXPECT_NEAR(OverlapDepth(kUnitSquare, moved), 0.25, 2e-5);
   EXPECT_EQ(OverlapDepth(kUnitSquare, TPathUtils::Translate(kUnitSquare, {100000, 0})), 0);
+  // Five drawing units long, a fiftieth of a path unit wide: alone, and beside a square of 500 units.
+  TPaths region{{{482355, -1595341}, {-16805, -1585374}, {-16806, -1585374}, {482354, -1595341}}};
+  EXPECT_LE(InnerWidth(region), 4e-5);
+  region.push_back({{0, 0}, {300, 400}, {-100, 700}, {-400, 300}});
+  EXPECT_NEAR(InnerWidth(region), 0.005, 4e-5);
 }
 
 // The checks must find what is wrong, not only pass what is right.

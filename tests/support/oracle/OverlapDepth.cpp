@@ -11,6 +11,8 @@ namespace platenest {
 
 namespace {
 
+constexpr double kRoundingOfOffset = 2;  // path units that a vertex may be off
+
 struct TSide {
   TIntPoint A;
   TIntPoint B;
@@ -106,12 +108,17 @@ bool AnyStretchInside(std::vector<TSide>& Sides, const TIntRect& Box, const TDou
   return false;
 }
 
+// Slivers below a path unit turn inside out in the offset; a true rest keeps its distance from the border.
 bool Survives(const TPaths& Region, double Inset) {
   TClipperOffset offset;
   offset.AddPaths(Region, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
   TPaths rest;
   offset.Execute(rest, -Inset);
-  return !rest.empty();
+  const auto isDeep = [&](const TIntPoint& p) {
+    return PlaceOf(p, Region) != TPlace::Outside && DistanceToBorder(p, Region) >= Inset - kRoundingOfOffset;
+  };
+  return std::any_of(rest.begin(), rest.end(),
+                     [&](const TPath& path) { return std::any_of(path.begin(), path.end(), isDeep); });
 }
 
 }  // namespace

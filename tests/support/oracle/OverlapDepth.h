@@ -9,7 +9,7 @@ namespace platenest {
 bool Overlaps(const TPaths& A, const TPaths& B);
 bool OverlapsAt(const TPaths& Static, const TPaths& Dynamic, const TIntPoint& At);
 
-// Diameter of the largest disc in the common area, in drawing units and to one path unit: no move shorter than this
+// Diameter of the largest disc in the common area, in drawing units and to four path units: no move shorter than this
 // separates the polygons. A sharp tip may go deeper than it says. 0 without overlap.
 double OverlapDepth(const TPaths& A, const TPaths& B);
 
