@@ -81,11 +81,7 @@ double DepthOf(const TTask& Task, const TAnswer& Answer) {
   const TVRect2D label = Answer.IsTurned ? Turned(Task.Label) : Task.Label;
   const TVRect2D grown = label.Translate(Answer.TransVec).Inflate(Answer.Margin);
   const TPaths placed = PolygonOf(TVHPolygon{TVPolyline2D(grown)});
-  const TPaths part = PolygonOf(Task.Room.Part);
-  const TIntRect box = TPathUtils::BoundBox(part);
-  double depth = 0;
-  for (const TPaths& around : PlateSurroundings(part, std::max(box.Width(), box.Height())))
-    depth = std::max(depth, OverlapDepth(around, placed));
+  double depth = DepthOutside(PolygonOf(Task.Room.Part), placed);
   for (const TVPolyline2D& line : Task.Lines)
     depth = std::max(depth, OverlapDepth(PolygonOf(TLabelInPartAlgo::ExpandLine(line, kLineHalfWidth)), placed));
   return depth;

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "ForEachSeed.h"
-#include "InnerFit.h"
 #include "LatticeCheck.h"
 #include "Shapes.h"
 #include "platenest/foundation/Errors.h"
@@ -145,8 +144,7 @@ TEST(Label, LiesInRandomPartsOffTheirLines) {
       if (margin < 0) continue;
       ++found;
       const TPaths placed = BoxPaths(start.Translate(at).Inflate(margin));
-      for (const TPaths& around : PlateSurroundings(PolygonOf(part), 10'000'000))
-        EXPECT_LE(OverlapDepth(around, placed), test::kAllowedDepth);
+      EXPECT_LE(DepthOutside(PolygonOf(part), placed), test::kAllowedDepth);
       for (const TVPolyline2D& line : inner)
         EXPECT_LE(OverlapDepth(PolygonOf(TLabelInPartAlgo::ExpandLine(line, 0.01)), placed), test::kAllowedDepth);
     }

@@ -145,7 +145,12 @@ double OverlapDepth(const TPaths& A, const TPaths& B) {
   return InnerWidth(Clipped(A, B, ClipperLib::ctIntersection));
 }
 
+double DepthOutside(const TPaths& Plate, const TPaths& Part) {
+  return InnerWidth(Clipped(Part, Plate, ClipperLib::ctDifference));
+}
+
 double InnerWidth(const TPaths& Region) {
+  if (Region.empty()) return 0;
   double low = 0;
   double high = std::sqrt(std::max(0.0, TPathUtils::Area(Region)) / std::numbers::pi) + 1;
   while (high - low > 0.5) {

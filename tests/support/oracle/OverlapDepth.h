@@ -13,6 +13,9 @@ bool OverlapsAt(const TPaths& Static, const TPaths& Dynamic, const TIntPoint& At
 // separates the polygons. A sharp tip may go deeper than it says. 0 without overlap.
 double OverlapDepth(const TPaths& A, const TPaths& B);
 
+// The same for what of Part lies out of Plate.
+double DepthOutside(const TPaths& Plate, const TPaths& Part);
+
 // The diameter of the largest disc in a region, as above.
 double InnerWidth(const TPaths& Region);
 
