@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platenest/URectNest/RectRecords.h"
+
+namespace platenest {
+
+// Tightens a finished layout toward the lower left corner of its plate, without turning or losing a rectangle.
+class PLATENEST_API TRectJostler {
+ public:
+  TRectJostler() = delete;
+
+  // Fills NewRects with the rectangles of OriRects as they lie after all blocks have dropped to the left, then down,
+  // and both once more. True when NewRects has as many of them, which is always so but for an empty OriRects: then
+  // the result is false and NewRects stays as it is. The two lists may be one.
+  //
+  // AlignSameHor: neighbours of one Part.Idx and turn in a row, up to 0.1 further apart than AGap, close up and move
+  // as one block. AlignSameVert: likewise rows, or single rectangles, above each other with equal left and right
+  // sides. Rectangles that share an Idx must have one size. Blocks never rise: with either flag a rectangle thinner
+  // than 0.1 that lies in a hole of a block is still pushed out of it, and with it what lies beyond. The order of
+  // NewRects is that of the last drop, by the bottom of the blocks.
+  //
+  // Lengths in plate units. OriRects lies relative to the lower left corner of APlate, whose position plays no part,
+  // and keeps AGap; then no rectangle ends further right or higher than before. Afterwards rectangles are at least
+  // AGap - 1e-5 apart in x or y, less twice ATol, within which two sides count as being in line; 1e-4 is a good value,
+  // one below the rounding errors of the coordinates is none. An AGap of 0 or below means that they may touch.
+  //
+  // TArgumentError for numbers that are not finite, sizes that are not above 0, a plate without an inside and an ATol
+  // below 0; TAssertionError for a rectangle that begins below the plate by more than ATol, or lies above it. NewRects
+  // is unchanged then. What sticks out at the top or lies beside the plate is dropped like the rest.
+  // No state; safe on any thread. Cost: O(n log n), and for n blocks O(n * steps of the skyline under a block).
+  static bool TryJostle(const TNestedRects& OriRects, TNestedRects& NewRects, const TVRect2D& APlate, double AGap,
+                        bool AlignSameHor, bool AlignSameVert, double ATol);
+};
+
+}  // namespace platenest
