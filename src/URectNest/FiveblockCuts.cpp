@@ -44,12 +44,14 @@ bool TFiveblockSearch::NextY2(TFrame& F) {
   const std::span<const TWidth> y2s = In(F.Y2s);
   const TWidth& y1 = In(F.Y1s)[F.AtY1];
   const Int64 spare = F.Spare - y1.Waste;
+  if (F.LeastWaste > spare) return false;
   const int mostY2 = F.IsTwin ? Length(F.Column) - y1.Length : Length(F.Column);
   const int centreLength = Length(F.X2) - Length(F.X1);
   const int centreRow = FPoints.Position(centreLength);
-  for (std::size_t at = F.AtY2; at < y2s.size(); ++at) {
+  while (F.AboveY1 < y2s.size() && y2s[F.AboveY1].Position <= y1.Position) ++F.AboveY1;
+  for (std::size_t at = std::max(F.AtY2, F.AboveY1); at < y2s.size(); ++at) {
     const TWidth& y2 = y2s[at];
-    if (y2.Position <= y1.Position || y2.Waste > spare) continue;
+    if (y2.Waste > spare) continue;
     if (y2.Length > mostY2) break;
     const int width = y2.Length - y1.Length;
     const Int64 lost = Int64{centreLength} * width - Worth(centreRow, FPoints.Position(width)) * FUnit;
@@ -94,7 +96,9 @@ bool TFiveblockSearch::NextX2(TFrame& F) {
   F.Y1s = Keep(F.Below, F.Widths.First + 3 * room, F.Spare, Length(F.X2), false);
   F.Y2s = Keep(F.Above, F.Widths.First + 4 * room, F.Spare, rest, false);
   F.IsTwin = Length(F.X1) == rest;
-  F.AtY1 = F.AtY2 = 0;
+  F.AtY1 = F.AtY2 = F.AboveY1 = 0;
+  const auto leastFirst = [](const TWidth& left, const TWidth& right) { return left.Waste < right.Waste; };
+  F.LeastWaste = F.Y2s.Count > 0 ? std::ranges::min(In(F.Y2s), leastFirst).Waste : 0;
   return true;
 }
 

@@ -124,6 +124,8 @@ class TFiveblockSearch {
     TRange Y2s;
     std::size_t AtY1 = 0;  // the next pair of them
     std::size_t AtY2 = 0;
+    std::size_t AboveY1 = 0;  // the first of Y2s above the Y1 at work
+    Int64 LeastWaste = 0;     // of Y2s
 
     int Blocks = 0;  // of the cut at work
     int Block = 0;   // the next one to weigh
