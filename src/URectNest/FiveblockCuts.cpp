@@ -105,7 +105,7 @@ bool TFiveblockSearch::NextX2(TFrame& F) {
 // Copies to To the widths of From at which no more than Most is lost once a block of this length and the width, or the
 // width's rest, lies beside them.
 TFiveblockSearch::TRange TFiveblockSearch::Keep(TRange From, std::size_t To, Int64 Most, int BlockLength, bool ByRest) {
-  const int whole = Length(static_cast<int>(FFrames.back().Column));
+  const int whole = Length(FFrames.back().Column);
   const int* const worth = &Worth(FPoints.Position(BlockLength), 0);
   const TWidth* const from = FArena.data() + From.First;
   TWidth* to = FArena.data() + To;

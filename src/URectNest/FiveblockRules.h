@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 #include "platenest/foundation/Types.h"
 
 // The numbers of the five-block nest.

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstddef>
 
 #include "Scale.h"
 #include "platenest/URectNest/URectNest.h"
 #include "platenest/foundation/Rounding.h"
-#include "platenest/foundation/Sort.h"
 
 namespace platenest::detail {
 

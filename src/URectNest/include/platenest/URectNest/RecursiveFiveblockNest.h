@@ -39,7 +39,7 @@ class PLATENEST_API TRecursiveFiveblockNest {
   //
   // The result depends on nothing but the arguments and, when time runs out, on the clock. TRangeError for more copies
   // than an int can count. One object may serve several threads.
-  // Cost: O(units of the plate's length) and, for c pairs of raster points, 40 bytes and in practice far less than c
+  // Cost: O(units of the plate's length) and, for c pairs of raster points, 36 bytes and in practice far less than c
   // cuts each.
   int SingleNest(TNestedRects& AResultList, int AMaxDepth, int ALevel) const;
 
