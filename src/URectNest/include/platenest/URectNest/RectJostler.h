@@ -15,8 +15,8 @@ class PLATENEST_API TRectJostler {
   //
   // AlignSameHor: neighbours of one Part.Idx and turn in a row, up to 0.1 further apart than AGap, close up and move
   // as one block. AlignSameVert: likewise rows, or single rectangles, above each other with equal left and right
-  // sides. Rectangles that share an Idx must have one size. Blocks never rise: with either flag a rectangle thinner
-  // than 0.1 that lies in a hole of a block is still pushed out of it, and with it what lies beyond. The order of
+  // sides. Rectangles that share an Idx must have one size. A rectangle thinner than 0.1 that lies in a hole of a
+  // block is pushed out of it, and with it what lies beyond. The order of
   // NewRects is that of the last drop, by the bottom of the blocks.
   //
   // Lengths in plate units. OriRects lies relative to the lower left corner of APlate, whose position plays no part,
