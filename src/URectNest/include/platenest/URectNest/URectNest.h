@@ -5,6 +5,7 @@
 #include "platenest/URectNest/CoEdge.h"
 #include "platenest/URectNest/Raster.h"
 #include "platenest/URectNest/RectFile.h"
+#include "platenest/URectNest/RectJostler.h"
 #include "platenest/URectNest/RectRecords.h"
 #include "platenest/URectNest/RectangleNest.h"
 #include "platenest/URectNest/Strips.h"
