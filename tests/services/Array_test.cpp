@@ -265,11 +265,13 @@ TEST(ArrayInfo, NfpIsOrientedInPlace) {
   EXPECT_GT(TPathUtils::Area(nfp), 0);
 }
 
-// Outlines that are turned against each other must not cancel where copies of the row overlap.
+// Outlines that are turned against each other must not cancel where copies of the row overlap, also in a polygon that
+// an earlier call has oriented. A later path within the first one is a hole, however it ran before.
 TEST(ArrayInfo, SeveralOutlinesForbidTogether) {
-  TPaths nfp{Box(-1, -1, 1, 1), Box(2, -1, 4, 1), Box(-4, -1, -2, 1)};
-  const TPoint2D second = TArray::CalcBest2ndArrayTrans(nfp, {1.5, 0}, 1e-3);
-  EXPECT_NEAR(second.Y, 1, 1e-9);
+  TPaths nfp{Box(-2, -1, 2, 1), Box(3, -1, 5, 1), Box(-5, -1, -3, 1)};
+  for (int call = 0; call < 2; ++call) EXPECT_NEAR(TArray::CalcBest2ndArrayTrans(nfp, {1, 0}, 1e-3).Y, 1, 1e-9);
+  TPaths holed{Box(-9, -9, 9, 9), Box(2, 2, 4, 4)};
+  ExpectNear(TArray::CalcBest2ndArrayTrans(holed, {12, 0}, 1e-3), {2, 2});
 }
 
 TEST(ArrayInfo, DirectedSecondVector) {
