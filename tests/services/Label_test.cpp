@@ -104,6 +104,16 @@ TEST(Label, ClearOfInnerLines) {
   EXPECT_THROW(TLabelInPartAlgo::ExpandLine(open, 1e300), TNestError);
 }
 
+// Obstacles that the label has no polygon around are an error, whether or not the label fits the part.
+TEST(Label, ObstaclesAreAskedForWithoutAnyPlaceInThePart) {
+  const TVHPolygonList part{TVHPolygon{BoxLine(1, 1)}};
+  const TVHPolygonList tooLarge{TVHPolygon{BoxLine(2, 2)}};
+  TPaths nfp;
+  EXPECT_THROW(TLabelInPartAlgo::CalcNFP(part, {TVHPolygon{TVPolyline2D{{0, 0}, {1, 0}}}}, tooLarge, nfp), TNestError);
+  TLabelInPartAlgo::CalcNFP(part, {TVHPolygon{BoxLine(1, 1)}}, tooLarge, nfp);
+  EXPECT_TRUE(nfp.empty());
+}
+
 TEST(Label, PlaceNearTheMiddleOfTheLongerExtent) {
   constexpr Int64 u = 100000;
   // The first crossing in the order of the path, which is not the lowest one.
