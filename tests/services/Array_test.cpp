@@ -140,6 +140,8 @@ TEST(ArrayInfo, RowOfCopies) {
 TEST(ArrayInfo, SecondVectorClearsTheRow) {
   // A row that leans over: its copy at (1, 1) still reaches down to the axis.
   EXPECT_NEAR(TArray::Calc2ndArrayTransX(kNoShape, {0.5, 0.5}, UnitNfp(), 0, true), 2, 1e-5);
+  // Nothing is left of this polygon, so there is nothing to keep clear of.
+  EXPECT_EQ(TArray::Calc2ndArrayTransX(UnitSquare(), {0.5, -0.5}, {}, -2, true), 0);
   // A negative step makes no row; then the shape speaks again, as if there were no first vector.
   EXPECT_NEAR(TArray::Calc2ndArrayTransX(UnitSquare(), {0.5, -0.5}, UnitNfp(), 0, true), 1, 1e-5);
   EXPECT_THAT(ErrorOf([] {
