@@ -12,7 +12,6 @@ namespace platenest {
 namespace {
 
 using TLabel = TLabelInPartAlgo;
-
 TVPolyline2D BoxLine(double Width, double Height) {
   return {{0, 0}, {Width, 0}, {Width, Height}, {0, Height}, {0, 0}};
 }
