@@ -16,9 +16,9 @@ constexpr double kReducedTol = 2000;
 
 // What a check may cost: trials of all pairs, each with all points of its pair, and contacts of all pairs. A lone pair
 // of common parts is looked at whole.
-constexpr Int64 kMostWork = 400'000;
-constexpr Int64 kMostContacts = 20'000;
-constexpr Int64 kMostContactsOfPair = 1'000;
+constexpr Int64 kMostWork = 2'000'000;
+constexpr Int64 kMostContacts = 200'000;
+constexpr Int64 kMostContactsOfPair = 4'000;
 constexpr Int64 kFewestSamples = 24;
 constexpr Int64 kMostSamples = 2'000;
 

@@ -103,6 +103,8 @@ class TShapeCheck {
     const auto& [fixed, moving] = Parts;
     const bool isKnown = pair.Fixed == FJob.Parts[fixed].Id && pair.Moving == FJob.Parts[moving].Id;
     Require(isKnown, place, "is not the pair of the job at this place");
+    // The kernel may do better than asked for, but nothing is exact unasked.
+    Require(pair.Quality <= std::max(FJob.Quality, NfpQuality::Complete), place + "/quality", "was not asked for");
     const bool isOnGrid = IsOnGrid(pair.Paths);
     Require(isOnGrid, place + "/paths", "has a coordinate that is too large or has more than five decimals");
     if (!isKnown || !isOnGrid) return;
