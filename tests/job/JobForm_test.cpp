@@ -143,9 +143,7 @@ TEST(JobForm, LimitsHoldExactly) {
 
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {parts(10000, ""), parts(10001, ""), "/parts"},
-      {parts(2, R"(,"amount":500000)"), parts(2, R"(,"amount":500001)"), "/parts"},
       {parts(1, R"(,"amount":1000000)"), parts(1, R"(,"amount":1000001)"), "/parts/0/amount"},
-      {parts(1, R"(,"amount":null)"), parts(1, R"(,"amount":4294967297)"), "/parts/0/amount"},
       {parts(1, R"(,"id":"é)" + id + "\""), parts(1, R"(,"id":"é)" + id + "x\""), "/parts/0/id"},
       {plates(limits::kPlateKinds), plates(limits::kPlateKinds + 1), "/plates"},
       {WithPart(R"("width":0.001,"height":1000)"), WithPart(R"("width":0.0009999,"height":1)"), "/parts/0/width"},
