@@ -51,6 +51,8 @@ TEST(NfpCheck, ComparesAreasOfSmallPairs) {
   EXPECT_EQ(CheckNfp(kFrame, right, whole), "");
   EXPECT_EQ(CheckNfp({kFrame.Moving, kFrame.Fixed, false}, {Box(-10, -10, 2, 2), Box(-6, -6, -2, -2, true)}, whole), "")
       << "a hole of the moving shape";
+  EXPECT_EQ(CheckNfp({kFrame.Moving, {Box(0, 0, 10, 10)}, false}, {Box(-10, -10, 2, 2)}, whole), "")
+      << "the fixed shape within the moving one";
   const TNfpQuestion plate{kFrame.Fixed, {Box(0, 0, 1, 1)}, true};
   EXPECT_THAT(CheckNfp(plate, {}, whole), HasSubstr("would fit at ["));
   EXPECT_EQ(CheckNfp(plate, {}), "");
