@@ -163,17 +163,17 @@ TEST(PartKinds, SameJobSameBytes) {
 
 // Time runs out while the no-fit polygon of many points is made: what needs none stands, and a place is not looked for.
 TEST(PartKinds, TimeCutsTheSearches) {
-  PolygonRing slanted = Disc(800);
+  PolygonRing slanted = Round(300, [](int i) { return 1000 + 50 * (i % 2); });
   for (auto& [x, y] : slanted) y = x + y / 5;
   Job job = ArrayJob(Polygon("slanted", slanted), Along::Free);
   job.Run.TimeLimit = 1e-3;
   const Result cut = Answered(job);
   EXPECT_EQ(cut.Status, ResultStatus::TimeLimit);
-  EXPECT_TRUE(cut.Run.Method == "rows" || cut.Run.Method == "boxes") << cut.Run.Method;
+  EXPECT_THAT(cut.Run.Method, testing::AnyOf("rows", "columns", "boxes"));
   job.Run.Deterministic = true;
   const Result whole = run(job);
-  EXPECT_EQ(std::tuple(whole.Status, whole.Run.Method), std::tuple(ResultStatus::Complete, "free"))
-      << "a counted clock";
+  EXPECT_EQ(whole.Status, ResultStatus::Complete) << "a counted clock";
+  EXPECT_LT(whole.Array->CellArea, cut.Array->CellArea);
 }
 
 TEST(PartKinds, FaultsHaveTheirPlace) {
