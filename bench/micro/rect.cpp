@@ -69,8 +69,8 @@ TNestedRects LooseLayout(int Side, bool IsOneBlock) {
   TNestedRects list;
   for (int k = 0; k < Side * Side; ++k) {
     const TNestRect& part = parts[random() % parts.size()];
-    const double x = IsOneBlock ? 0 : random() % 8 * (100 - part.BoundBox.Width()) / 8;
-    const double y = IsOneBlock ? 0 : random() % 8 * (100 - part.BoundBox.Height()) / 8;
+    const double x = IsOneBlock ? 0 : static_cast<double>(random() % 8) / 8 * (100 - part.BoundBox.Width());
+    const double y = IsOneBlock ? 0 : static_cast<double>(random() % 8) / 8 * (100 - part.BoundBox.Height());
     list.emplace_back(part, false, TPoint2D{k % Side * 100 + x, k / Side * 100 + y});
   }
   return list;
