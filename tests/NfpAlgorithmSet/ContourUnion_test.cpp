@@ -60,26 +60,6 @@ TPath RandomContour(std::mt19937& Random, int Points, int Cells, int Cell) {
   return path;
 }
 
-TEST(ContourUnion, LeavesTouchesToClipper) {
-  const struct {
-    const char* What;
-    TPath Contour;
-    int Paths;  // -1: left to Clipper
-  } cases[] = {
-      {"an angle", {{0, 0}, {9, 0}, {9, 4}, {4, 4}, {4, 9}, {0, 9}}, 1},
-      {"clockwise", {{0, 9}, {4, 9}, {4, 4}, {9, 4}, {9, 0}, {0, 0}}, 0},
-      {"no area", {{0, 0}, {9, 9}}, 0},
-      {"a vertex on an edge", {{0, 0}, {9, 0}, {9, 9}, {5, 0}, {0, 9}}, -1},
-      {"two vertices in one", {{0, 0}, {5, 4}, {9, 0}, {9, 9}, {5, 4}, {0, 9}}, -1},
-      {"crosses at an end, rounded", {{0, 0}, {9, 0}, {9, 2}, {0, 1}, {9, 1}, {9, 9}}, -1},
-  };
-  for (const auto& c : cases) {
-    TPaths paths;
-    EXPECT_EQ(Unite({c.Contour}, paths), c.Paths >= 0) << c.What;
-    EXPECT_EQ(Size(paths), std::max(c.Paths, 0)) << c.What;
-  }
-}
-
 // Random contours cross themselves and each other in any way; on the coarse grid they touch as well.
 TEST(ContourUnion, IsThatOfClipper) {
   int united = 0;
@@ -132,18 +112,6 @@ TEST(ConvexPair, IsTheRingOfTheGraph) {
     EXPECT_EQ(FromLeast(UnionOf({path})), FromLeast(TPaths{ring}));
   });
   EXPECT_GT(merged, 200);
-}
-
-TEST(ConvexPair, LeavesTheOthersToTheGraph) {
-  const TKMPLoop square = LoopOf(Rect(0, 0, 2, 2));
-  TPath ring;
-  EXPECT_TRUE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, 0}, {0, 1}}), ring));
-  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {4, 0}, {1, 1}, {0, 4}}), ring)) << "concave";
-  EXPECT_FALSE(MergeConvexLoops(square, LoopOf(Clockwise(Rect(0, 0, 1, 1))), ring));
-  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, 1e-6}, {0, 1}}), ring)) << "edges next to parallel";
-  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, -1e-6}, {0, 1}}), ring)) << "the same before a full turn";
-  const TKMPLoop skew = LoopOf({{0, 0}, {3, 1}, {0, 1}});
-  EXPECT_FALSE(MergeConvexLoops(skew, skew, ring)) << "rounding decides on the vertex between parallel edges";
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 
 #include "Contours.h"
 #include "PathFixtures.h"
-#include "Shapes.h"
 #include "platenest/foundation/DiscRoller.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Simplify.h"
@@ -180,19 +179,6 @@ TEST(KineticLoop, LineSimplificationFollowsTheDisc) {
   EXPECT_EQ(house(1e-3).ToReducedLoop(0, ntExact).FCount(), 5) << "no line step at all";
   const TKMPLoop arrow = LoopOf({{0, 0}, {0.1, 0.05}, {0, 0.1}, {0.05, 0.05}});
   EXPECT_EQ(arrow.ToReducedLoop(0, ntExact).FCount(), 3) << "the hull is the last resort";
-}
-
-// That they lie inside is shown with the reducers.
-TEST(KineticLoop, ReducedCavitiesRunClockwiseAndAreSmaller) {
-  for (const TShapeKind kind : kShapeKinds) {
-    const TKMPLoop loop = LoopOf(Clockwise(MakeShape(kind, 1200, 300, 5).front()));
-    for (const int level : {1, 2, 3, 4, 6}) {
-      const TKMPLoop reduced = loop.ToReducedInnerLoop(level);
-      EXPECT_LE(reduced.FCount(), loop.FCount()) << NameOf(kind);
-      EXPECT_LT(reduced.Area(), 0);
-      EXPECT_GE(reduced.Area(), loop.Area() * (1 + 1e-12));
-    }
-  }
 }
 
 }  // namespace

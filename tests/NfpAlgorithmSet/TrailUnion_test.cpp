@@ -4,7 +4,6 @@
 
 #include "ChipCollector.h"
 #include "ForEachSeed.h"
-#include "InnerFit.h"
 #include "NfpSampling.h"
 #include "PathFixtures.h"
 
@@ -48,25 +47,6 @@ TEST(TrailUnion, IsTheForbiddenRegion) {
     const TPaths exact = ForbiddenRegion(TPaths{OuterOf(pair.Static)}, TPaths{OuterOf(pair.Dynamic)});
     ExpectRegion(United(ChipsOf(OuterOf(pair.Static), OuterOf(pair.Dynamic)), true), exact, 2e-5 * RegionArea(exact));
   });
-}
-
-TEST(TrailUnion, IsWhereAPartFitsIntoACavity) {
-  int fitting = 0;
-  ForEachSeed(200, [&](unsigned seed) {
-    const TShapePair pair = MakePair(24, seed);
-    if (pair.StaticKind == TShapeKind::Slit) return;  // its walls below 0.001 vanish when a loop is made
-    TPath cavity = OuterOf(pair.Static);
-    const TPaths plate{cavity};
-    TPath part = OuterOf(pair.Dynamic);
-    for (TIntPoint& point : part) point = {point.X / 4, point.Y / 4};
-    if (!IsSimple(TPaths{part}) || RegionArea({part}) >= RegionArea(plate)) return;
-    ClipperLib::ReversePath(cavity);
-    const TPaths paths = United(ChipsOf(cavity, part), false);
-    const TPaths exact = InnerFitRegion(plate, {part});
-    if (!exact.empty()) ++fitting;
-    ExpectRegion(paths, exact, 1e-4 * RegionArea(exact) + 1e-4);
-  });
-  EXPECT_GT(fitting, 60);
 }
 
 TEST(TrailUnion, CountsEqualChipsAsOftenAsTheyAreThere) {
