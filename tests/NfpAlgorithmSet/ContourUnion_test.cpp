@@ -114,5 +114,17 @@ TEST(ConvexPair, IsTheRingOfTheGraph) {
   EXPECT_GT(merged, 200);
 }
 
+TEST(ConvexPair, LeavesTheOthersToTheGraph) {
+  const TKMPLoop square = LoopOf(Rect(0, 0, 2, 2));
+  TPath ring;
+  EXPECT_TRUE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, 0}, {0, 1}}), ring));
+  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {4, 0}, {1, 1}, {0, 4}}), ring)) << "concave";
+  EXPECT_FALSE(MergeConvexLoops(square, LoopOf(Clockwise(Rect(0, 0, 1, 1))), ring));
+  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, 1e-6}, {0, 1}}), ring)) << "edges next to parallel";
+  EXPECT_FALSE(MergeConvexLoops(square, LoopOf({{0, 0}, {1, -1e-6}, {0, 1}}), ring)) << "the same before a full turn";
+  const TKMPLoop skew = LoopOf({{0, 0}, {3, 1}, {0, 1}});
+  EXPECT_FALSE(MergeConvexLoops(skew, skew, ring)) << "rounding decides on the vertex between parallel edges";
+}
+
 }  // namespace
 }  // namespace platenest
