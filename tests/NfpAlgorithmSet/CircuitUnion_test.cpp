@@ -96,6 +96,17 @@ TEST(CircuitUnion, RunsAgainstTheEdgesUnlessTheLoopsRunOppositeWays) {
   }
 }
 
+TEST(CircuitUnion, TakesTheOutlineInPlaceOfTheCircuits) {
+  const TVectorGraph graph = GraphWith({{0, 0}, {0, 3}, {3, 3}});
+  TFound found(graph, TCircuits(90, {0, 1, 2}));
+  found.FSccOutline = Rect(0, 0, 5, 5);
+  TConvolutionProbe convolution(Rect(0, 0, 1, 1), Rect(0, 0, 1, 1));
+  TPaths paths;
+  EXPECT_TRUE(convolution.UnionCircuits(found, paths, false));
+  EXPECT_EQ(TPathUtils::Area(paths), 25e10);
+  EXPECT_EQ(convolution._edgeCount, 0);
+}
+
 TEST(CircuitUnion, StopsOnTooMuchWork) {
   struct TRow {
     TNFPType Required;

@@ -52,5 +52,21 @@ TEST(JhonsonCircuits, FindsEveryCircuitInDepthFirstOrder) {
   }
 }
 
+// 0 -> 1 -> 2 -> ... -> n -> 1, and 1 -> n + 1 -> 0. Recursion would need a stack frame per vertex on the way along the
+// ring, and again when the way home from 1 frees all of it from its far end.
+TEST(JhonsonCircuits, WalksAndFreesARingOfAMillionVertices) {
+  constexpr int n = 1'000'000;
+  TIdGraph graph(n + 2);
+  graph.AddEdgeNoErr(0, 1);
+  AddRing(graph, 1, n);
+  graph.AddEdgeNoErr(1, n + 1);
+  graph.AddEdgeNoErr(n + 1, 0);
+  TJhonsonCircuits<int> search(graph, 2);
+  search.FindCircuits();
+  ASSERT_EQ(search.CircuitCount(), 2);
+  EXPECT_EQ(Ids(search.GetCircuit(0)), (std::vector<int>{0, 1, n + 1}));
+  EXPECT_EQ(Size(search.GetCircuit(1)), n);
+}
+
 }  // namespace
 }  // namespace platenest

@@ -9,9 +9,14 @@
 #include <string>
 #include <utility>
 
+#include "AllocationCounter.h"
+#include "ChipCollector.h"
+#include "Contours.h"
 #include "ForEachSeed.h"
 #include "GraphFixtures.h"
+#include "PathFixtures.h"
 #include "platenest/NfpAlgorithmSet/TarjanComponents.h"
+#include "platenest/foundation/Random.h"
 
 namespace platenest {
 namespace {
@@ -23,7 +28,7 @@ using TCircuits = std::vector<std::vector<int>>;
 
 struct TProbe : TKineticCircuits {
   using TKineticCircuits::blocked, TKineticCircuits::Stack, TKineticCircuits::curGraph, TKineticCircuits::EdgeVisited;
-  using TKineticCircuits::DepthLimit;
+  using TKineticCircuits::DepthLimit, TKineticCircuits::FindLoop, TKineticCircuits::startVertex;
   using TKineticCircuits::TKineticCircuits, TKineticCircuits::CyclesFrom, TKineticCircuits::TryCalcOutline;
 };
 
@@ -89,6 +94,51 @@ TEST(KineticCircuits, WalksMeetCircuitsOverEveryWayIntoAVertex) {
   EXPECT_THAT(search.EdgeVisited[2], ElementsAre(1, 3)) << "the pair 1, 2 as well";
 }
 
+TEST(KineticCircuits, APairOfOppositeEdgesCoversItsEndsButIsNoCircuit) {
+  const TVectorGraph pair = OnCircleGraph(2, {{0, 1}, {1, 0}});
+  TKineticCircuits noCircuit(pair, 2);
+  EXPECT_TRUE(noCircuit.DFSLoops(false, ntComplete, 0));
+  EXPECT_EQ(noCircuit.CircuitCount(), 0);
+
+  // 0 -> 2 -> 3 -> 0 and 0 <-> 1 -> 3: the walk meets 1 on the pair, comes to 3 from 2 only, and never asks for a loop
+  // through 1. Outside a plate the unused edge from 1 to 3 brings it back, as a special cycle.
+  const TVectorGraph graph = OnCircleGraph(4, {{0, 1}, {0, 2}, {2, 3}, {3, 0}, {1, 0}, {1, 3}});
+  TKineticCircuits inside(graph, 2), outside(graph, 2);
+  EXPECT_TRUE(inside.DFSLoops(true, ntComplete, 0) && outside.DFSLoops(false, ntComplete, 0));
+  EXPECT_THAT(CircuitsOf(inside), ElementsAre(ElementsAre(0, 2, 3)));
+  EXPECT_THAT(CircuitsOf(outside), ElementsAre(ElementsAre(0, 2, 3), ElementsAre(1, 3, 0)));
+  EXPECT_TRUE(!outside.IsSpecCycle(0) && outside.IsSpecCycle(1));
+}
+
+TEST(KineticCircuits, ChipsGraphAndWalksTakeNoMemoryOnceWarm) {
+  std::mt19937 random(3);
+  TVectorGraph walked = OnCircleGraph(500, {});
+  AddRing(walked, 0, 500);
+  for (int i = 0; i < 1500; ++i) walked.AddEdge(static_cast<int>(random() % 500), static_cast<int>(random() % 500));
+  TProbe search(walked, 2);
+  search.DFSLoops(true, ntComplete, 0);
+  search.curGraph = walked.CloneAdjcent();
+  int found = 0;
+  const auto walkAll = [&] {
+    for (int& id = search.startVertex = 0; id < 500; ++id) found += search.FindLoop(id).empty() ? 0 : 1;
+  };
+  const auto allocations = [](const auto& action) {
+    action();
+    const TAllocationCounter counter;
+    action();
+    return counter.Count();
+  };
+  const TRandomScope seed(5);
+  const TKMPLoop a = LoopOf(test::Star(60, 100, 0.3)), b = LoopOf(test::Star(45, 60, 0.3));
+  TChipList chips;
+  TVectorGraph graph(0);
+  EXPECT_EQ(allocations([&] { detail::CollectConvolution(a, b, chips); }), 0);
+  EXPECT_EQ(allocations([&] { graph.Restart(chips, true); }), 0);
+  EXPECT_EQ(allocations(walkAll), 0);
+  EXPECT_GT(std::min(Size(chips), graph.VertexCount()), 1000);
+  EXPECT_GT(found, 500);
+}
+
 // Random graphs without opposite edges, some of them in several components.
 TVectorGraph RandomVectorGraph(std::mt19937& Random) {
   const int count = 3 + static_cast<int>(Random() % 57);
@@ -141,6 +191,41 @@ TVectorGraph EaredRing(int Ring, int Ears) {
   }
   for (int i = 0; i < Ring; ++i) graph.AddEdge(i, (i + 1) % Ring);
   return graph;
+}
+
+// Petals 0 -> a -> b -> c -> 0, each with a short cut from a to c that the loops leave out.
+TEST(KineticCircuits, EndsAfter260SpecialCycles) {
+  constexpr int petals = 400;
+  TVectorGraph graph = OnCircleGraph(1 + 3 * petals, {});
+  for (int a = 1; a < 1 + 3 * petals; a += 3)
+    for (const auto& [start, dest] : TEdges{{0, a}, {a, a + 2}, {a, a + 1}, {a + 1, a + 2}, {a + 2, 0}})
+      graph.AddEdge(start, dest);
+  TKineticCircuits search(graph, 2);
+  EXPECT_TRUE(search.DFSLoops(true, ntComplete, 0));
+  int special = 0;
+  for (int i = 0; i < search.CircuitCount(); ++i) special += search.IsSpecCycle(i) ? 1 : 0;
+  EXPECT_EQ(special, 260);
+}
+
+// Two giant rings of 2500 and 2000 vertices among small ones, the shorter one as far across as told.
+int MainComponentAmongGiants(double Radius, int SmallRings, int Vertices) {
+  std::vector<TPoint2D> points = OnCircle(2500, 100);
+  for (const TPoint2D& point : OnCircle(2000, Radius)) points.push_back(point);
+  points.resize(static_cast<std::size_t>(Vertices));
+  TVectorGraph graph = VectorGraphOf(points, {});
+  AddRing(graph, 0, 2500);
+  AddRing(graph, 2500, 2000);
+  for (int i = 0; i < SmallRings; ++i) AddRing(graph, 4500 + 3 * i, 3);
+  TKineticCircuits search(graph, 2);
+  EXPECT_TRUE(search.DFSLoops(false, ntComplete, 0));
+  return search.LongestSccCount();
+}
+
+TEST(KineticCircuits, PrefersTheWiderOfTwoGiantsInALargeGraphOfManyComponents) {
+  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66667), 2000);
+  EXPECT_EQ(MainComponentAmongGiants(99, 80, 66667), 2500);
+  EXPECT_EQ(MainComponentAmongGiants(101, 79, 66667), 2500);
+  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66666), 2500);
 }
 
 TEST(KineticCircuits, GivesUpOnTooManyPoints) {
@@ -197,6 +282,18 @@ TEST(CircuitOutline, NeedsAsManyCrossingsAsVerticesAndAThirdOfTheGraph) {
       << "one crossing, four vertices";
   EXPECT_TRUE(HasOutline(StarPolygon(5, 2, 9, 12))) << "5 crossings, 0.32 * 17 rounds to 5";
   EXPECT_FALSE(HasOutline(StarPolygon(5, 2, 0, 13))) << "0.32 * 18 rounds to 6";
+}
+
+// Thirty thousand edges across one disc would cross some hundred million times.
+TEST(CircuitOutline, IsNotTriedWhereItWouldNotEnd) {
+  constexpr int count = 5000;
+  std::mt19937 random(1);
+  TVectorGraph graph = OnCircleGraph(count, {});
+  for (int i = 0; i < 6 * count; ++i) graph.AddEdge(i % count, static_cast<int>(random() % count));
+  TKineticCircuits search(graph, 2);
+  EXPECT_FALSE(search.DFSLoops(false, ntComplete, 0));
+  EXPECT_TRUE(search.SccOutline().empty());
+  EXPECT_GT(search.CircuitCount(), 5);
 }
 
 // Going round many times, with short cuts home near the end: few circuits, each almost as long as the graph.

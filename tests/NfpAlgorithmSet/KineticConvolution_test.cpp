@@ -7,6 +7,7 @@
 #include <cmath>
 #include <iterator>
 #include <numeric>
+#include <tuple>
 
 #include "ChipCollector.h"
 #include "Contours.h"
@@ -197,6 +198,37 @@ TEST(KineticConvolution, LikenessTakesTheFirstRuleThatHolds) {
       {"a circle and a square", LoopOf(Circle(50, 1)), squareOf(50), 0},
   };
   for (const TRow& row : rows) EXPECT_EQ(TKineticConvolution::LoopSimilar(row.A, row.B), row.Similar) << row.What;
+}
+
+// By the level alone. Exact requests are never reduced for their size.
+TEST(KineticConvolution, OuterBudgetDependsOnChipsEdgesAndQuality) {
+  struct TRow {
+    int Static, Dynamic;
+    TNFPType Required;
+    int Level;
+  };
+  for (const TRow& row : {TRow{200, 200, ntExact, -1}, TRow{200, 200, ntConvexHull, 2}, TRow{200, 200, ntNone, -1},
+                          TRow{500, 500, ntComplete, -1}, TRow{501, 500, ntComplete, 1}, TRow{501, 500, ntExact, -1}}) {
+    const TRandomScope random(1);
+    const TKMPLoop fixed = LoopOf(Star(row.Static, 100, 0.2)), moving = LoopOf(Star(row.Dynamic, 100, 0.2));
+    int level = 7;
+    TKineticConvolution(row.Required, false).Convolve(fixed, moving, false, level);
+    EXPECT_EQ(level, row.Level) << row.Static << " edges at quality " << static_cast<int>(row.Required);
+  }
+}
+
+TEST(KineticConvolution, InsideEdgesDecideAndWhatIsTooLargeCostsNothing) {
+  const TKMPLoop cavity = LoopOf(Clockwise(Rect(-100, -100, 200, 200)));
+  for (const auto& [edges, required, level] : {std::tuple{360, ntComplete, 0}, std::tuple{361, ntComplete, 1},
+                                               std::tuple{361, ntConcaveHull, 1}, std::tuple{361, ntExact, 0}}) {
+    const TResult result = Convolved(cavity, LoopOf(Circle(edges, 50)), true, required);
+    EXPECT_EQ(result.Level, level) << edges;
+    EXPECT_NEAR(result.Area(), 100 * 100 - 7, 8) << edges;
+  }
+  const TResult large = Convolved(cavity, LoopOf(Rect(0, 0, 201, 2)), true, ntComplete, true);
+  EXPECT_EQ(large.Level, -1);
+  EXPECT_TRUE(large.Paths.empty());
+  EXPECT_EQ(large.Did.Chips, 0);
 }
 
 // A star holds its centre, so the moving one overlaps the fixed one when its centre is at any vertex of it.

@@ -105,6 +105,29 @@ TEST(KineticLoop, RandomLoopsHoldTheirContour) {
   }
 }
 
+TEST(KineticLoop, AGivenAreaIsKeptAndParallelsCountOnRequest) {
+  for (const auto& [given, kept] : {std::pair{-7.0, -7.0}, {1e-12, 1.0}}) {
+    TVPolyline2D contour = UnitSquare();
+    TKMPLoop loop;
+    loop.SetArea(given);
+    loop.Initialize(contour);
+    EXPECT_DOUBLE_EQ(loop.Area(), kept);
+    EXPECT_DOUBLE_EQ(loop.ToConvexLoop().Area(), 1) << "a stand-in has its own";
+  }
+  for (const double lift : {0.9e-9, -0.9e-9, 1.1e-9, -1.1e-9}) {
+    const bool isParallel = std::fabs(lift) < 1e-9;
+    TKMPEdge edge, other;
+    edge.FDirectionVector = {100, 0};
+    other.FDirectionVector = {100, lift};
+    double mul = 0;
+    for (const bool withParallels : {false, true}) {
+      EXPECT_EQ(edge.IsLeft(other, withParallels, mul), isParallel ? withParallels : lift > 0) << lift;
+      EXPECT_EQ(edge.isRight(other, withParallels, mul), isParallel ? withParallels : lift < 0) << lift;
+    }
+    EXPECT_DOUBLE_EQ(mul, 100 * lift);
+  }
+}
+
 TEST(KineticLoop, NeedleBecomesItsInflatedBox) {
   const TRandomScope seed(3);
   for (int round = 0; round < 200; ++round) {

@@ -123,6 +123,12 @@ TEST(PartNfp, HolesOfEitherPartAreFreePlaces) {
   }
 }
 
+TEST(PartNfp, PartsOfSimilarAreaDoNotLookIntoHoles) {
+  const TVHPolygon frame{Box(0, 10, 0, 10), Box(0.01, 9.99, 0.01, 9.99)};
+  EXPECT_THAT(NfpOf(frame, {{Box(0, 9.998, 0, 9.998)}}), SizeIs(1));
+  EXPECT_THAT(NfpOf(frame, {{Box(0, 9.97, 0, 9.97)}}), SizeIs(2));
+}
+
 TEST(PlateNfp, RandomPlatesAgreeWithTheOracle) {
   ForEachSeed(20, [](unsigned Seed) {
     const TVHPolygon part = MakeShape(kShapeKinds[Seed % kShapeKinds.size()], 12, 8, Seed);
@@ -196,6 +202,16 @@ TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
   TVHPolygon moving{test::Circle(201, 20)};
   kernel.Nfp(fixed, moving, false, paths);
   EXPECT_EQ(kernel.Returned(), ntComplete);
+}
+
+// Thinned before the convolution, which would be too heavy at this quality.
+TEST(PartNfp, HeavyPairsBelowCompleteAreThinned) {
+  const TVHPolygon fixed{test::Circle(2100, 50)};
+  const TVHPolygon moving{test::Circle(1500, 20)};
+  const TPaths paths = NfpOf(fixed, moving, false, ntConcaveHull);
+  ASSERT_THAT(paths, SizeIs(1));
+  EXPECT_LT(paths[0].size(), 3400U);
+  EXPECT_EQ(CheckNfpBySampling(fixed, moving, paths, 1, {60, 0.005}), "");
 }
 
 // A hull is asked for by the product of the point counts; whether the result counts as one follows that rule alone. No

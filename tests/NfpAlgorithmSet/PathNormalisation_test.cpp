@@ -131,6 +131,35 @@ TEST(PathNormalisation, TriesHolesInTheirOrder) {
   }
 }
 
+TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
+  const TVPolyline2D box = Rect(0, 0, 1, 1), pentagon = test::Circle(5, 1);
+  const TVPolyline2D comb2 = CombOf(2, 0.1), comb3 = CombOf(3, 0.1), comb4 = CombOf(4, 0.1);
+  struct TRow {
+    TVPolyline2D St, Dy;
+    int Similar, Unused, Points, Bump;
+    bool Removed;
+  };
+  const TRow rows[] = {
+      {box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
+      {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
+      {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
+      {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
+      {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true},
+  };
+  for (const TRow& row : rows) {
+    TConvolutionProbe convolution(row.St, row.Dy);
+    convolution._selfNfp = row.Similar;
+    TVPolyline2D outline = test::Circle(row.Points - 1, 7);
+    const TPoint2D middle = (outline[0] + outline[1]) * 0.5;
+    outline.insert(outline.begin() + 1, middle * (1 + row.Bump / kPathScale / middle.Mag()));
+    TPaths paths(row.Unused, Sliver(12'000));
+    paths.push_back(PathOf(outline));
+    EXPECT_TRUE(convolution.NormorlizePaths(paths, false));
+    EXPECT_EQ(Size(paths[0]), row.Points - (row.Removed ? 1 : 0))
+        << "similar " << row.Similar << ", " << row.Points << " points, bump " << row.Bump;
+  }
+}
+
 TEST(PathNormalisation, RefusesOutlinesThatAreTooSmall) {
   const TVPolyline2D small = Rect(0, 0, 2, 2), large = Rect(0, 0, 10, 10), comb = CombOf(6);  // comb: 24 edges, 17
   const TVPolyline2D shortComb = CombOf(5);

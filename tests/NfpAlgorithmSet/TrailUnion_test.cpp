@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "ChipCollector.h"
 #include "ForEachSeed.h"
 #include "NfpSampling.h"
@@ -69,7 +71,7 @@ TEST(TrailUnion, LeavesOutWhatCancelsAndWhatIsStraight) {
   EXPECT_EQ(TPathUtils::Area(paths), 20e10);
 }
 
-TEST(TrailUnion, JoinsAFewLooseEndsOnly) {
+TEST(TrailUnion, JoinsAFewLooseEndsAndIsUsableAfterAFailure) {
   TChipList whole;
   AddSquare(whole, 0, 6);
   AddSquare(whole, 3, 8);
@@ -83,7 +85,12 @@ TEST(TrailUnion, JoinsAFewLooseEndsOnly) {
   for (int i = 0; i < 5; ++i) scattered.push_back({{1.0 * i, 0}, {1.0 * i, 1}});
   EXPECT_FALSE(UnionOfTrails(scattered, false, paths));
   EXPECT_TRUE(paths.empty());
+  EXPECT_EQ(TPathUtils::Area(United(whole, false)), 52e10);
   EXPECT_FALSE(UnionOfTrails({}, false, paths));
+  TChipList bad = whole;
+  bad[6].FEndPoint.X = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_THROW(UnionOfTrails(bad, false, paths), TRangeError);
+  EXPECT_EQ(TPathUtils::Area(United(whole, false)), 52e10);
 }
 
 }  // namespace
