@@ -57,10 +57,8 @@ TEST(JhonsonCircuits, FindsEveryCircuitInDepthFirstOrder) {
 TEST(JhonsonCircuits, WalksAndFreesARingOfAMillionVertices) {
   constexpr int n = 1'000'000;
   TIdGraph graph(n + 2);
-  graph.AddEdgeNoErr(0, 1);
   AddRing(graph, 1, n);
-  graph.AddEdgeNoErr(1, n + 1);
-  graph.AddEdgeNoErr(n + 1, 0);
+  for (const auto& [start, dest] : {std::pair{0, 1}, {1, n + 1}, {n + 1, 0}}) graph.AddEdgeNoErr(start, dest);
   TJhonsonCircuits<int> search(graph, 2);
   search.FindCircuits();
   ASSERT_EQ(search.CircuitCount(), 2);

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "AllocationCounter.h"
@@ -44,6 +45,13 @@ std::vector<TPoint2D> OnCircle(int Count, double Radius = 100) {
 
 TVectorGraph OnCircleGraph(int Count, const TEdges& Edges) {
   return VectorGraphOf(OnCircle(Count), Edges);
+}
+
+void AddRandomEdges(TVectorGraph& Graph, int Count, unsigned Seed) {
+  std::mt19937 random(Seed);
+  const unsigned n = static_cast<unsigned>(Graph.VertexCount());
+  for (unsigned i = 0; i < static_cast<unsigned>(Count); ++i)
+    Graph.AddEdge(static_cast<int>(i % n), static_cast<int>(random() % n));
 }
 
 TCircuits CircuitsOf(const TKineticCircuits& Search) {
@@ -111,10 +119,9 @@ TEST(KineticCircuits, APairOfOppositeEdgesCoversItsEndsButIsNoCircuit) {
 }
 
 TEST(KineticCircuits, ChipsGraphAndWalksTakeNoMemoryOnceWarm) {
-  std::mt19937 random(3);
   TVectorGraph walked = OnCircleGraph(500, {});
   AddRing(walked, 0, 500);
-  for (int i = 0; i < 1500; ++i) walked.AddEdge(static_cast<int>(random() % 500), static_cast<int>(random() % 500));
+  AddRandomEdges(walked, 1500, 3);
   TProbe search(walked, 2);
   search.DFSLoops(true, ntComplete, 0);
   search.curGraph = walked.CloneAdjcent();
@@ -208,24 +215,20 @@ TEST(KineticCircuits, EndsAfter260SpecialCycles) {
 }
 
 // Two giant rings of 2500 and 2000 vertices among small ones, the shorter one as far across as told.
-int MainComponentAmongGiants(double Radius, int SmallRings, int Vertices) {
-  std::vector<TPoint2D> points = OnCircle(2500, 100);
-  for (const TPoint2D& point : OnCircle(2000, Radius)) points.push_back(point);
-  points.resize(static_cast<std::size_t>(Vertices));
-  TVectorGraph graph = VectorGraphOf(points, {});
-  AddRing(graph, 0, 2500);
-  AddRing(graph, 2500, 2000);
-  for (int i = 0; i < SmallRings; ++i) AddRing(graph, 4500 + 3 * i, 3);
-  TKineticCircuits search(graph, 2);
-  EXPECT_TRUE(search.DFSLoops(false, ntComplete, 0));
-  return search.LongestSccCount();
-}
-
 TEST(KineticCircuits, PrefersTheWiderOfTwoGiantsInALargeGraphOfManyComponents) {
-  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66667), 2000);
-  EXPECT_EQ(MainComponentAmongGiants(99, 80, 66667), 2500);
-  EXPECT_EQ(MainComponentAmongGiants(101, 79, 66667), 2500);
-  EXPECT_EQ(MainComponentAmongGiants(101, 80, 66666), 2500);
+  for (const auto& [radius, smallRings, vertices] :
+       {std::tuple{101, 80, 66667}, std::tuple{99, 80, 66667}, {101, 79, 66667}, {101, 80, 66666}}) {
+    std::vector<TPoint2D> points = OnCircle(2500, 100);
+    for (const TPoint2D& point : OnCircle(2000, radius)) points.push_back(point);
+    points.resize(static_cast<std::size_t>(vertices));
+    TVectorGraph graph = VectorGraphOf(points, {});
+    AddRing(graph, 0, 2500);
+    AddRing(graph, 2500, 2000);
+    for (int i = 0; i < smallRings; ++i) AddRing(graph, 4500 + 3 * i, 3);
+    TKineticCircuits search(graph, 2);
+    EXPECT_TRUE(search.DFSLoops(false, ntComplete, 0));
+    EXPECT_EQ(search.LongestSccCount(), radius > 100 && smallRings == 80 && vertices == 66667 ? 2000 : 2500);
+  }
 }
 
 TEST(KineticCircuits, GivesUpOnTooManyPoints) {
@@ -286,10 +289,8 @@ TEST(CircuitOutline, NeedsAsManyCrossingsAsVerticesAndAThirdOfTheGraph) {
 
 // Thirty thousand edges across one disc would cross some hundred million times.
 TEST(CircuitOutline, IsNotTriedWhereItWouldNotEnd) {
-  constexpr int count = 5000;
-  std::mt19937 random(1);
-  TVectorGraph graph = OnCircleGraph(count, {});
-  for (int i = 0; i < 6 * count; ++i) graph.AddEdge(i % count, static_cast<int>(random() % count));
+  TVectorGraph graph = OnCircleGraph(5000, {});
+  AddRandomEdges(graph, 30'000, 1);
   TKineticCircuits search(graph, 2);
   EXPECT_FALSE(search.DFSLoops(false, ntComplete, 0));
   EXPECT_TRUE(search.SccOutline().empty());

@@ -202,18 +202,18 @@ TEST(KineticConvolution, LikenessTakesTheFirstRuleThatHolds) {
 
 // By the level alone. Exact requests are never reduced for their size.
 TEST(KineticConvolution, OuterBudgetDependsOnChipsEdgesAndQuality) {
-  struct TRow {
-    int Static, Dynamic;
-    TNFPType Required;
-    int Level;
-  };
-  for (const TRow& row : {TRow{200, 200, ntExact, -1}, TRow{200, 200, ntConvexHull, 2}, TRow{200, 200, ntNone, -1},
-                          TRow{500, 500, ntComplete, -1}, TRow{501, 500, ntComplete, 1}, TRow{501, 500, ntExact, -1}}) {
+  using TRow = std::tuple<int, TNFPType, int>;
+  for (const auto& [edges, required, expected] : {TRow{200, ntExact, -1},
+                                                  {200, ntConvexHull, 2},
+                                                  {200, ntNone, -1},
+                                                  {500, ntComplete, -1},
+                                                  {501, ntComplete, 1},
+                                                  {501, ntExact, -1}}) {
     const TRandomScope random(1);
-    const TKMPLoop fixed = LoopOf(Star(row.Static, 100, 0.2)), moving = LoopOf(Star(row.Dynamic, 100, 0.2));
+    const TKMPLoop star = LoopOf(Star(edges, 100, 0.2));
     int level = 7;
-    TKineticConvolution(row.Required, false).Convolve(fixed, moving, false, level);
-    EXPECT_EQ(level, row.Level) << row.Static << " edges at quality " << static_cast<int>(row.Required);
+    TKineticConvolution(required, false).Convolve(star, star, false, level);
+    EXPECT_EQ(level, expected) << edges << " edges at quality " << static_cast<int>(required);
   }
 }
 
@@ -227,8 +227,7 @@ TEST(KineticConvolution, InsideEdgesDecideAndWhatIsTooLargeCostsNothing) {
   }
   const TResult large = Convolved(cavity, LoopOf(Rect(0, 0, 201, 2)), true, ntComplete, true);
   EXPECT_EQ(large.Level, -1);
-  EXPECT_TRUE(large.Paths.empty());
-  EXPECT_EQ(large.Did.Chips, 0);
+  EXPECT_TRUE(large.Paths.empty() && large.Did.Chips == 0);
 }
 
 // A star holds its centre, so the moving one overlaps the fixed one when its centre is at any vertex of it.

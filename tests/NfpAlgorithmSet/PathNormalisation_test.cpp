@@ -155,8 +155,7 @@ TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
     TPaths paths(row.Unused, Sliver(12'000));
     paths.push_back(PathOf(outline));
     EXPECT_TRUE(convolution.NormorlizePaths(paths, false));
-    EXPECT_EQ(Size(paths[0]), row.Points - (row.Removed ? 1 : 0))
-        << "similar " << row.Similar << ", " << row.Points << " points, bump " << row.Bump;
+    EXPECT_EQ(Size(paths[0]) < row.Points, row.Removed) << row.Points << " points, bump " << row.Bump;
   }
 }
 
