@@ -94,17 +94,11 @@ TEST(CircuitUnion, RunsAgainstTheEdgesUnlessTheLoopsRunOppositeWays) {
     EXPECT_TRUE(convolution.UnionCircuits(TFound(graph, {{3, 2, 1, 0}}), paths, false));
     EXPECT_EQ(TPathUtils::Area(paths), isCavity ? 9e10 : 0);
   }
-}
-
-TEST(CircuitUnion, TakesTheOutlineInPlaceOfTheCircuits) {
-  const TVectorGraph graph = GraphWith({{0, 0}, {0, 3}, {3, 3}});
-  TFound found(graph, TCircuits(90, {0, 1, 2}));
-  found.FSccOutline = Rect(0, 0, 5, 5);
-  TConvolutionProbe convolution(Rect(0, 0, 1, 1), Rect(0, 0, 1, 1));
+  TFound outlined(graph, TCircuits(90, {0, 1, 2}));
+  outlined.FSccOutline = Rect(0, 0, 5, 5);
   TPaths paths;
-  EXPECT_TRUE(convolution.UnionCircuits(found, paths, false));
-  EXPECT_EQ(TPathUtils::Area(paths), 25e10);
-  EXPECT_EQ(convolution._edgeCount, 0);
+  EXPECT_TRUE(TConvolutionProbe(square, square).UnionCircuits(outlined, paths, false));
+  EXPECT_EQ(TPathUtils::Area(paths), 25e10) << "the outline in place of the circuits";
 }
 
 TEST(CircuitUnion, StopsOnTooMuchWork) {

@@ -29,7 +29,8 @@ using TCircuits = std::vector<std::vector<int>>;
 
 struct TProbe : TKineticCircuits {
   using TKineticCircuits::blocked, TKineticCircuits::Stack, TKineticCircuits::curGraph, TKineticCircuits::EdgeVisited;
-  using TKineticCircuits::DepthLimit, TKineticCircuits::FindLoop, TKineticCircuits::startVertex;
+  using TKineticCircuits::DepthLimit, TKineticCircuits::FindLoop, TKineticCircuits::SpecCycles,
+      TKineticCircuits::startVertex;
   using TKineticCircuits::TKineticCircuits, TKineticCircuits::CyclesFrom, TKineticCircuits::TryCalcOutline;
 };
 
@@ -45,13 +46,6 @@ std::vector<TPoint2D> OnCircle(int Count, double Radius = 100) {
 
 TVectorGraph OnCircleGraph(int Count, const TEdges& Edges) {
   return VectorGraphOf(OnCircle(Count), Edges);
-}
-
-void AddRandomEdges(TVectorGraph& Graph, int Count, unsigned Seed) {
-  std::mt19937 random(Seed);
-  const unsigned n = static_cast<unsigned>(Graph.VertexCount());
-  for (unsigned i = 0; i < static_cast<unsigned>(Count); ++i)
-    Graph.AddEdge(static_cast<int>(i % n), static_cast<int>(random() % n));
 }
 
 TCircuits CircuitsOf(const TKineticCircuits& Search) {
@@ -118,34 +112,6 @@ TEST(KineticCircuits, APairOfOppositeEdgesCoversItsEndsButIsNoCircuit) {
   EXPECT_TRUE(!outside.IsSpecCycle(0) && outside.IsSpecCycle(1));
 }
 
-TEST(KineticCircuits, ChipsGraphAndWalksTakeNoMemoryOnceWarm) {
-  TVectorGraph walked = OnCircleGraph(500, {});
-  AddRing(walked, 0, 500);
-  AddRandomEdges(walked, 1500, 3);
-  TProbe search(walked, 2);
-  search.DFSLoops(true, ntComplete, 0);
-  search.curGraph = walked.CloneAdjcent();
-  int found = 0;
-  const auto walkAll = [&] {
-    for (int& id = search.startVertex = 0; id < 500; ++id) found += search.FindLoop(id).empty() ? 0 : 1;
-  };
-  const auto allocations = [](const auto& action) {
-    action();
-    const TAllocationCounter counter;
-    action();
-    return counter.Count();
-  };
-  const TRandomScope seed(5);
-  const TKMPLoop a = LoopOf(test::Star(60, 100, 0.3)), b = LoopOf(test::Star(45, 60, 0.3));
-  TChipList chips;
-  TVectorGraph graph(0);
-  EXPECT_EQ(allocations([&] { detail::CollectConvolution(a, b, chips); }), 0);
-  EXPECT_EQ(allocations([&] { graph.Restart(chips, true); }), 0);
-  EXPECT_EQ(allocations(walkAll), 0);
-  EXPECT_GT(std::min(Size(chips), graph.VertexCount()), 1000);
-  EXPECT_GT(found, 500);
-}
-
 // Random graphs without opposite edges, some of them in several components.
 TVectorGraph RandomVectorGraph(std::mt19937& Random) {
   const int count = 3 + static_cast<int>(Random() % 57);
@@ -200,6 +166,32 @@ TVectorGraph EaredRing(int Ring, int Ears) {
   return graph;
 }
 
+TEST(KineticCircuits, ChipsGraphAndWalksTakeNoMemoryOnceWarm) {
+  const TVectorGraph walked = EaredRing(300, 200);
+  TProbe search(walked, 2);
+  search.DFSLoops(true, ntComplete, 0);
+  search.curGraph = walked.CloneAdjcent();
+  int found = 0;
+  const auto walkAll = [&] {
+    for (int& id = search.startVertex = 0; id < 500; ++id) found += search.FindLoop(id).empty() ? 0 : 1;
+  };
+  const auto allocations = [](const auto& action) {
+    action();
+    const TAllocationCounter counter;
+    action();
+    return counter.Count();
+  };
+  const TRandomScope seed(5);
+  const TKMPLoop a = LoopOf(test::Star(60, 100, 0.3)), b = LoopOf(test::Star(45, 60, 0.3));
+  TChipList chips;
+  TVectorGraph graph(0);
+  EXPECT_EQ(allocations([&] { detail::CollectConvolution(a, b, chips); }), 0);
+  EXPECT_EQ(allocations([&] { graph.Restart(chips, true); }), 0);
+  EXPECT_EQ(allocations(walkAll), 0);
+  EXPECT_GT(std::min(Size(chips), graph.VertexCount()), 1000);
+  EXPECT_GT(found, 500);
+}
+
 // Petals 0 -> a -> b -> c -> 0, each with a short cut from a to c that the loops leave out.
 TEST(KineticCircuits, EndsAfter260SpecialCycles) {
   constexpr int petals = 400;
@@ -207,11 +199,9 @@ TEST(KineticCircuits, EndsAfter260SpecialCycles) {
   for (int a = 1; a < 1 + 3 * petals; a += 3)
     for (const auto& [start, dest] : TEdges{{0, a}, {a, a + 2}, {a, a + 1}, {a + 1, a + 2}, {a + 2, 0}})
       graph.AddEdge(start, dest);
-  TKineticCircuits search(graph, 2);
+  TProbe search(graph, 2);
   EXPECT_TRUE(search.DFSLoops(true, ntComplete, 0));
-  int special = 0;
-  for (int i = 0; i < search.CircuitCount(); ++i) special += search.IsSpecCycle(i) ? 1 : 0;
-  EXPECT_EQ(special, 260);
+  EXPECT_EQ(search.SpecCycles.size(), 260U);
 }
 
 // Two giant rings of 2500 and 2000 vertices among small ones, the shorter one as far across as told.
@@ -289,8 +279,9 @@ TEST(CircuitOutline, NeedsAsManyCrossingsAsVerticesAndAThirdOfTheGraph) {
 
 // Thirty thousand edges across one disc would cross some hundred million times.
 TEST(CircuitOutline, IsNotTriedWhereItWouldNotEnd) {
+  std::mt19937 random(1);
   TVectorGraph graph = OnCircleGraph(5000, {});
-  AddRandomEdges(graph, 30'000, 1);
+  for (int i = 0; i < 30'000; ++i) graph.AddEdge(i % 5000, static_cast<int>(random() % 5000));
   TKineticCircuits search(graph, 2);
   EXPECT_FALSE(search.DFSLoops(false, ntComplete, 0));
   EXPECT_TRUE(search.SccOutline().empty());

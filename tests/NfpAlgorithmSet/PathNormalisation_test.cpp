@@ -139,14 +139,18 @@ TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
     int Similar, Unused, Points, Bump;
     bool Removed;
   };
-  const TRow rows[] = {
-      {box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
-      {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
-      {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
-      {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
-      {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true},
-  };
-  for (const TRow& row : rows) {
+  for (const TRow& row : {
+           TRow{box, box, 2, 0, 36, 19, true},
+           {box, box, 2, 0, 36, 21, false},
+           {box, box, 2, 0, 35, 14, false},
+           {box, box, 2, 1, 16, 19, true},
+           {pentagon, pentagon, 2, 0, 9, 14, true},
+           {pentagon, pentagon, 2, 0, 9, 16, false},
+           {pentagon, box, 2, 0, 9, 14, false},
+           {comb3, comb2, 4, 0, 8, 14, true},
+           {comb3, comb2, 3, 0, 8, 14, false},
+           {comb3, comb4, 3, 0, 8, 14, true},
+       }) {
     TConvolutionProbe convolution(row.St, row.Dy);
     convolution._selfNfp = row.Similar;
     TVPolyline2D outline = test::Circle(row.Points - 1, 7);
@@ -201,6 +205,11 @@ TPath PolygonPath(double X, double Y, int Points, double Area) {
 }
 
 TEST(PathNormalisation, EmptiesASoleInnerPathThatIsNoRegion) {
+  const auto slot = [](int points, Int64 height) {
+    TPath path{{90'000, height}, {0, height}};
+    for (int i = 0; i < points - 2; ++i) path.push_back({90'000 * i / (points - 3), 0});
+    return path;
+  };
   struct TRow {
     const char* What;
     TPath Path;
@@ -213,7 +222,10 @@ TEST(PathNormalisation, EmptiesASoleInnerPathThatIsNoRegion) {
       {"box below 1e-6", PolygonPath(2, 2, 4, 0.9e-6), 0},
       {"box above", PolygonPath(2, 2, 4, 1.1e-6), 1},
       {"hexagon", PolygonPath(2, 2, 6, 0.9e-6), 1},
-      {"a slot is cleaned away", {{0, 0}, {100'000, 0}, {100'000, 14}, {0, 14}}, 0},
+      {"a slot is cleaned away", slot(4, 14), 0},
+      {"a wider one is not", slot(4, 16), 1},
+      {"with nine points it is", slot(9, 24), 0},
+      {"up to its width", slot(9, 26), 1},
       {"two points", {{0, 0}, {9, 9}}, 0},
   };
   for (TRow& row : rows) {
