@@ -206,8 +206,7 @@ TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
 
 // Thinned before the convolution, which would be too heavy at this quality.
 TEST(PartNfp, HeavyPairsBelowCompleteAreThinned) {
-  const TVHPolygon fixed{test::Circle(2100, 50)};
-  const TVHPolygon moving{test::Circle(1500, 20)};
+  const TVHPolygon fixed{test::Circle(2100, 50)}, moving{test::Circle(1500, 20)};
   const TPaths paths = NfpOf(fixed, moving, false, ntConcaveHull);
   ASSERT_THAT(paths, SizeIs(1));
   EXPECT_LT(paths[0].size(), 3400U);

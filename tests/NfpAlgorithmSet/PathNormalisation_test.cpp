@@ -139,18 +139,12 @@ TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
     int Similar, Unused, Points, Bump;
     bool Removed;
   };
-  for (const TRow& row : {
-           TRow{box, box, 2, 0, 36, 19, true},
-           {box, box, 2, 0, 36, 21, false},
-           {box, box, 2, 0, 35, 14, false},
-           {box, box, 2, 1, 16, 19, true},
-           {pentagon, pentagon, 2, 0, 9, 14, true},
-           {pentagon, pentagon, 2, 0, 9, 16, false},
-           {pentagon, box, 2, 0, 9, 14, false},
-           {comb3, comb2, 4, 0, 8, 14, true},
-           {comb3, comb2, 3, 0, 8, 14, false},
-           {comb3, comb4, 3, 0, 8, 14, true},
-       }) {
+  const TRow rows[] = {{box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
+                       {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
+                       {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
+                       {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
+                       {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true}};
+  for (const TRow& row : rows) {
     TConvolutionProbe convolution(row.St, row.Dy);
     convolution._selfNfp = row.Similar;
     TVPolyline2D outline = test::Circle(row.Points - 1, 7);
