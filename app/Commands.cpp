@@ -167,9 +167,14 @@ std::string WrittenText(const Result& AResult, const Arguments& Args) {
   return text.empty() ? text : "  written    " + Printable(text) + "\n";
 }
 
+// Copies without a place, or pairs without an answer.
+bool LeavesDemand(const Result& AResult) {
+  return UnplacedCopies(AResult) > 0 || (AResult.Kind == JobKind::Nfp && AResult.Status != ResultStatus::Complete);
+}
+
 // The exit code of an answer that has passed the check.
 int ExitOf(const Result& AResult, const Arguments& Args) {
-  const bool isLacking = LacksPlace(AResult) || (Args.RequireAll && UnplacedCopies(AResult) > 0);
+  const bool isLacking = LacksPlace(AResult) || (Args.RequireAll && LeavesDemand(AResult));
   return isLacking ? kExitFaults : kExitDone;
 }
 
@@ -198,7 +203,7 @@ int RunCheck(const Arguments& Args, Messages& Out) {
   if (!faults.empty()) return kExitFaults;
   Out.Note("OK: " + Printable(Out.Source()) + " is valid for " +
            Printable(jobPath == "-" ? "standard input" : jobPath) + "\n");
-  return Args.RequireAll && UnplacedCopies(result) > 0 ? kExitFaults : kExitDone;
+  return Args.RequireAll && LeavesDemand(result) ? kExitFaults : kExitDone;
 }
 
 enum class FileForm : std::uint8_t { Json, Csv, Text };

@@ -54,7 +54,7 @@ the search and writes the best answer so far; a second one leaves at once.
 constexpr std::string_view kOneExamples = R"(
 Examples:
   platenest one --plate 2440x1220 --part 300x200 --gap 5 --svg out/
-  platenest one job.json -o result.json
+  platenest one panel.json -o result.json
 )";
 
 constexpr std::string_view kNfpPage = R"(
@@ -122,8 +122,8 @@ with options that won over the job file is checked with the same options.
 )";
 constexpr std::string_view kCheckExamples = R"(
 Examples:
-  platenest check job.json result.json
-  platenest check job.json result.json --require-all
+  platenest check panel.json result.json
+  platenest check panel.json result.json --require-all
 )";
 
 constexpr std::string_view kConvertPage = R"(

@@ -1,6 +1,9 @@
 #include <benchmark/benchmark.h>
 
+#include <random>
+
 #include "platenest/URectNest/Raster.h"
+#include "platenest/URectNest/RectJostler.h"
 #include "platenest/URectNest/RectangleNest.h"
 #include "platenest/URectNest/RecursiveFiveblockNest.h"
 
@@ -71,6 +74,41 @@ BENCHMARK(BM_Fiveblock)
     ->Args({124, 81, 21, 10})
     ->Args({114, 120, 24, 18})
     ->Unit(benchmark::kMicrosecond);
+
+// Rectangles of 24 sizes in cells of 100 by 100, each somewhere in its cell, as blocks of one; or of one size, 0.05
+// apart, as one block of all.
+TNestedRects LooseLayout(int Side, bool IsOneBlock) {
+  std::mt19937 random(1);
+  std::uniform_int_distribution<int> size(20, 90);
+  TNestRectList parts;
+  for (int k = 0; k < 24; ++k) parts.emplace_back(1, k, TVRect2D::FromSize(size(random), size(random)));
+  if (IsOneBlock) parts.assign(1, TNestRect(1, 0, TVRect2D::FromSize(99.95, 99.95)));
+  TNestedRects list;
+  for (int k = 0; k < Side * Side; ++k) {
+    const TNestRect& part = parts[random() % parts.size()];
+    const double x = IsOneBlock ? 0 : static_cast<double>(random() % 8) / 8 * (100 - part.BoundBox.Width());
+    const double y = IsOneBlock ? 0 : static_cast<double>(random() % 8) / 8 * (100 - part.BoundBox.Height());
+    list.emplace_back(part, false, TPoint2D{k % Side * 100 + x, k / Side * 100 + y});
+  }
+  return list;
+}
+
+void BM_Jostle(benchmark::State& State) {
+  const int side = static_cast<int>(State.range(0));
+  const bool isOneBlock = State.range(1) != 0;
+  const TNestedRects loose = LooseLayout(side, isOneBlock);
+  const TVRect2D plate = TVRect2D::FromSize(side * 100, side * 100);
+  TNestedRects list;
+  for (auto _ : State) benchmark::DoNotOptimize(TRectJostler::TryJostle(loose, list, plate, 0, true, isOneBlock, 1e-4));
+  State.counters["rects"] = list.Count();
+  State.counters["top"] = list.BoundBox().Top;
+}
+BENCHMARK(BM_Jostle)
+    ->ArgNames({"side", "one_block"})
+    ->Args({45, 0})
+    ->Args({45, 1})
+    ->Args({142, 0})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace platenest

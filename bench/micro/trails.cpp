@@ -2,15 +2,21 @@
 
 #include <vector>
 
-#include "ConvolutionFixtures.h"
+#include "ChipCollector.h"
 #include "NfpInstances.h"
+#include "Shapes.h"
 #include "TrailUnion.h"
+#include "platenest/NfpAlgorithmSet/PartNfp.h"
 
 namespace platenest {
 namespace {
 
 TChipList ChipsOf(const TVHPolygon& Static, const TVHPolygon& Dynamic) {
-  return TPlainConvolution(OuterOf(Static), Negated({OuterOf(Dynamic)}).front()).Chips;
+  TVPolyline2D fixed = Static.front();
+  TVPolyline2D moving = TPartNFP::GetSymmetry(Dynamic.front());
+  TChipList chips;
+  detail::CollectConvolution(TPartNFP::GetKMPLoop(fixed, 0), TPartNFP::GetKMPLoop(moving, 0), chips);
+  return chips;
 }
 
 void Unite(benchmark::State& State, const std::vector<TChipList>& Lists) {

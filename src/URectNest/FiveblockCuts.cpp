@@ -48,6 +48,7 @@ bool TFiveblockSearch::NextY2(TFrame& F) {
   const int mostY2 = F.IsTwin ? Length(F.Column) - y1.Length : Length(F.Column);
   const int centreLength = Length(F.X2) - Length(F.X1);
   const int centreRow = FPoints.Position(centreLength);
+  FSteps += static_cast<int>(y2s.size() - std::min(F.AtY2, y2s.size()));
   while (F.AboveY1 < y2s.size() && y2s[F.AboveY1].Position <= y1.Position) ++F.AboveY1;
   for (std::size_t at = std::max(F.AtY2, F.AboveY1); at < y2s.size(); ++at) {
     const TWidth& y2 = y2s[at];

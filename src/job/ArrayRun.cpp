@@ -5,6 +5,7 @@
 #include <cmath>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -78,21 +79,32 @@ bool TakesTooLong(double Row, const TPaths& Nfp) {
 // The candidates of a job. What goes wrong with the direction asked for counts, with others it does not.
 class TCandidates {
  public:
-  TCandidates(const Job& AJob, Result& AResult) : FJob(AJob), FResult(AResult) {}
+  TCandidates(const Job& AJob, const TRunControl& Control, Result& AResult)
+      : FJob(AJob), FControl(Control), FResult(AResult) {}
 
   std::vector<TCandidate> Find() {
-    const std::string error = ErrorOf([&] { TArrayInfoAlgo::CalcNFP({ShapeOf(SubjectPart(FJob))}, FJob.Gap, FNfp); });
-    if (error.empty() && !FNfp.empty())
-      SearchAll();
-    else
-      FResult.Warnings.push_back(
-          Joined("the no-fit polygon of the part failed (", error, "): copies are spaced by its box"));
+    if (!IsCut()) SearchAll();
     AddSpacedByBox();
     return std::move(FFound);
   }
 
  private:
+  // Whether the run is to end here, which the status then says.
+  bool IsCut() {
+    const std::optional<ResultStatus> cut = FControl.Interruption();
+    if (cut) FResult.Status = *cut;
+    return cut.has_value();
+  }
+
   void SearchAll() {
+    const std::string error = ErrorOf([&] { TArrayInfoAlgo::CalcNFP({ShapeOf(SubjectPart(FJob))}, FJob.Gap, FNfp); });
+    if (!error.empty() || FNfp.empty())
+      return FResult.Warnings.push_back(
+          Joined("the no-fit polygon of the part failed (", error, "): copies are spaced by its box"));
+    if (!IsCut()) SearchDirections();
+  }
+
+  void SearchDirections() {
     const std::string error = Search(FJob.Direction, FJob.Separate, true);
     if (!error.empty())
       throw InputError({"shape", "/along",
@@ -100,9 +112,13 @@ class TCandidates {
                                AlongName(FJob.Direction)),
                         error});
     if (FJob.Direction == Along::Free)
-      for (const Along direction : {Along::X, Along::Y, Along::XY}) Search(direction, false, false);
+      for (const Along direction : {Along::X, Along::Y, Along::XY}) SearchMore(direction, false);
     else if (!FJob.Separate)
-      Search(FJob.Direction, true, false);
+      SearchMore(FJob.Direction, true);
+  }
+
+  void SearchMore(Along Direction, bool Separate) {
+    if (!IsCut()) Search(Direction, Separate, false);
   }
 
   // The error of the search, if there is one.
@@ -143,6 +159,7 @@ class TCandidates {
   }
 
   const Job& FJob;
+  const TRunControl& FControl;
   Result& FResult;
   TPaths FNfp;
   std::vector<TCandidate> FFound;
@@ -166,8 +183,8 @@ ArrayAnswer AnswerOf(const Job& AJob, const TLattice& Lattice) {
 
 }  // namespace
 
-void AnswerArray(const Job& AJob, Result& AResult) {
-  std::vector<TCandidate> candidates = TCandidates(AJob, AResult).Find();
+void AnswerArray(const Job& AJob, const TRunControl& Control, Result& AResult) {
+  std::vector<TCandidate> candidates = TCandidates(AJob, Control, AResult).Find();
   std::string verdict;
   while (!candidates.empty()) {
     const TCandidate candidate = TakeSmallest(candidates);

@@ -126,7 +126,7 @@ const Plate kAbsentPlates{.Id = {}, .Width = -1};
 void ResolvePlates(Job& AJob, bool IsWhole, FaultList& Faults) {
   if (AJob.Plates != std::vector{kAbsentPlates}) return;
   AJob.Plates.clear();
-  if (IsWhole && !IsOfShapes(AJob.Kind)) Faults.AddMissing("", "plates");
+  if (IsWhole && !IsOfShapes(AJob.Kind) && !Faults.Knows("/kind")) Faults.AddMissing("", "plates");
 }
 
 void WritePlate(JsonWriter& Out, const Plate& APlate) {

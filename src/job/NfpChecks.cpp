@@ -175,10 +175,9 @@ void CheckVertexProducts(const Job& AJob, const std::vector<TPairOfParts>& Pairs
 }
 
 void CheckPairs(const Job& AJob, FaultList& Faults) {
-  const Int64 fixed = AJob.Fixed.empty() ? Size(AJob.Parts) : Size(AJob.Fixed);
-  const Int64 moving = AJob.Moving.empty() ? Size(AJob.Parts) : Size(AJob.Moving);
-  if (fixed * moving > limits::kPairs)
-    return Faults.AddLimit("/parts", Joined("must make at most ", limits::kPairs, " pairs, found ", fixed * moving));
+  const Int64 count = PairCount(AJob);
+  if (count > limits::kPairs)
+    return Faults.AddLimit("/parts", Joined("must make at most ", limits::kPairs, " pairs, found ", count));
   const std::vector<TPairOfParts> pairs = PairsOf(AJob);
   if (pairs.empty() && !AJob.Parts.empty() && !Faults.Knows("/fixed") && !Faults.Knows("/moving"))
     Faults.AddInput("entries", "/parts", "must make at least 1 pair of two parts");

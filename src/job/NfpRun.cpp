@@ -82,11 +82,6 @@ void WarnOfQuality(const Job& AJob, Result& AResult) {
                                     QualityName(AJob.Quality), ", which was asked for"));
 }
 
-ResultStatus StatusOf(const TRunControl& Control, bool IsWhole) {
-  if (IsWhole) return ResultStatus::Complete;
-  return Control.StoppedByCaller() ? ResultStatus::Stopped : ResultStatus::TimeLimit;
-}
-
 }  // namespace
 
 void AnswerPairs(const Job& AJob, TRunControl& Control, Result& AResult) {
@@ -96,15 +91,17 @@ void AnswerPairs(const Job& AJob, TRunControl& Control, Result& AResult) {
   std::vector<TVHPolygon> shapes;
   for (const Part& part : AJob.Parts) shapes.push_back(ShapeOf(part));
   for (const TPairOfParts& pair : pairs) {
-    if (Control.StoppedByCaller() || Control.OutOfTime()) break;
+    if (const std::optional<ResultStatus> cut = Control.Interruption()) {
+      AResult.Status = *cut;
+      break;
+    }
     AResult.Pairs.push_back(AnswerPair(AJob, shapes, pair));
     Control.Report({.Phase = "nfp",
                     .Usage = static_cast<double>(AResult.Pairs.size()) / static_cast<double>(pairs.size()),
                     .Unplaced = Size(pairs) - Size(AResult.Pairs),
                     .BoundValue = {}});
   }
-  AResult.Status = StatusOf(Control, AResult.Pairs.size() == pairs.size());
-  if (AResult.Pairs.empty() && Control.StoppedByCaller())
+  if (AResult.Pairs.empty() && AResult.Status == ResultStatus::Stopped)
     throw StoppedError({"stopped", "", "stopped before any result", ""});
   WarnOfQuality(AJob, AResult);
 }

@@ -41,6 +41,11 @@ std::vector<TPairOfParts> PairsOf(const Job& AJob) {
   return pairs;
 }
 
+Int64 PairCount(const Job& AJob) {
+  const Int64 fixed = AJob.Fixed.empty() ? Size(AJob.Parts) : Size(AJob.Fixed);
+  return fixed * (AJob.Moving.empty() ? Size(AJob.Parts) : Size(AJob.Moving));
+}
+
 std::optional<int> SubjectOf(const Job& AJob) {
   if (AJob.PartId.empty()) return AJob.Parts.size() == 1 ? std::optional(0) : std::nullopt;
   const auto part = std::ranges::find(AJob.Parts, AJob.PartId, &Part::Id);

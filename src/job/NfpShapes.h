@@ -21,6 +21,9 @@ struct TPairOfParts {
 // not asked for within itself.
 std::vector<TPairOfParts> PairsOf(const Job& AJob);
 
+// At least as many as there are pairs: with a part itself, whether it is asked for or not.
+Int64 PairCount(const Job& AJob);
+
 // The position of the part that a job about one part means; nothing if that is not clear.
 std::optional<int> SubjectOf(const Job& AJob);
 

@@ -1,5 +1,7 @@
 #include "NfpVerdict.h"
 
+#include <algorithm>
+
 #include "NfpShapes.h"
 #include "platenest/layoutcheck/NfpCheck.h"
 
@@ -12,6 +14,14 @@ namespace {
 constexpr double kFullTol = 100;
 constexpr double kReducedTol = 2000;
 
+// What a check may cost: trials of all pairs, each with all points of its pair, and contacts of all pairs. A lone pair
+// of common parts is looked at whole.
+constexpr Int64 kMostWork = 2'000'000;
+constexpr Int64 kMostContacts = 200'000;
+constexpr Int64 kMostContactsOfPair = 4'000;
+constexpr Int64 kFewestSamples = 24;
+constexpr Int64 kMostSamples = 2'000;
+
 }  // namespace
 
 std::string PairVerdict(const Job& AJob, int Fixed, int Moving, const TPaths& Paths, NfpQuality Quality) {
@@ -19,6 +29,12 @@ std::string PairVerdict(const Job& AJob, int Fixed, int Moving, const TPaths& Pa
   TNfpCheckOptions options;
   options.IsFull = isFull;
   options.Tol = isFull ? kFullTol : kReducedTol;
+  const Int64 fixedCount = VertexCount(AJob.Parts[Fixed]);
+  const Int64 movingCount = VertexCount(AJob.Parts[Moving]);
+  const Int64 pairs = PairCount(AJob);
+  options.MostSamples =
+      static_cast<int>(std::clamp(kMostWork / (pairs * (fixedCount + movingCount)), kFewestSamples, kMostSamples));
+  options.MostContacts = std::min(kMostContacts / pairs, kMostContactsOfPair);
   return CheckNfp({PathsOf(AJob.Parts[Fixed]), PathsOf(AJob.Parts[Moving]), AJob.Inside}, Paths, options);
 }
 

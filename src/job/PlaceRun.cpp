@@ -1,6 +1,7 @@
 #include "PlaceRun.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -28,17 +29,30 @@ TVPolyline2DList LinesOf(const std::vector<PolygonRing>& Lines) {
   return lines;
 }
 
+// Whether the run is to end before the next search.
+bool IsCut(const TRunControl& Control, Result& AResult) {
+  const std::optional<ResultStatus> cut = Control.Interruption();
+  if (cut == ResultStatus::Stopped) throw StoppedError({"stopped", "", "stopped before any result", ""});
+  if (!cut) return false;
+  AResult.Status = *cut;
+  AResult.Warnings.push_back("time was over before the search ended");
+  return true;
+}
+
 // The search for one orientation of the label.
 class TLabelSearch {
  public:
-  TLabelSearch(const Job& AJob, Result& AResult) : FJob(AJob), FResult(AResult), FInner(LinesOf(AJob.InnerLines)) {
+  TLabelSearch(const Job& AJob, const TRunControl& Control, Result& AResult)
+      : FJob(AJob), FControl(Control), FResult(AResult), FInner(LinesOf(AJob.InnerLines)) {
     for (const TVPolyline2D& contour : ClosedShapeOf(SubjectPart(AJob))) FLayer.push_back(contour);
   }
 
   // The label is taken for larger by Growth all round.
   LabelAnswer Place(double Growth) const {
-    for (const bool isRotated : {false, true})
+    for (const bool isRotated : {false, true}) {
+      if (IsCut(FControl, FResult)) break;
       if (const LabelAnswer answer = PlaceTurned(isRotated, Growth); answer.Found) return answer;
+    }
     return {};
   }
 
@@ -68,6 +82,7 @@ class TLabelSearch {
   }
 
   const Job& FJob;
+  const TRunControl& FControl;
   Result& FResult;
   TVPolyline2DList FLayer;
   const TVPolyline2DList FInner;
@@ -75,9 +90,9 @@ class TLabelSearch {
 
 }  // namespace
 
-void AnswerLabel(const Job& AJob, Result& AResult) {
+void AnswerLabel(const Job& AJob, const TRunControl& Control, Result& AResult) {
   AResult.Run.Method = "bisection";
-  const TLabelSearch search(AJob, AResult);
+  const TLabelSearch search(AJob, Control, AResult);
   std::string verdict;
   for (const double growth : {0.0, kReduced}) {
     AResult.Label = search.Place(growth);
@@ -87,10 +102,11 @@ void AnswerLabel(const Job& AJob, Result& AResult) {
   throw CheckError({"check", "", "no place of the label passed the check", verdict});
 }
 
-void AnswerSucker(const Job& AJob, Result& AResult) {
+void AnswerSucker(const Job& AJob, const TRunControl& Control, Result& AResult) {
   AResult.Run.Method = "offset";
   TPoint2D center;
   SuckerAnswer& answer = AResult.Sucker.emplace();
+  if (IsCut(Control, AResult)) return;
   if (!TSuckerInPartAlgo::CalcSuckerPosInPart(ClosedShapeOf(SubjectPart(AJob)), *AJob.Radius, center)) return;
   answer = {true, {center.X, center.Y}};
   const std::string verdict = SuckerVerdict(AJob, answer);

@@ -196,14 +196,15 @@ void ResolveTimes(RunInfo& Run, FaultList& Faults) {
 }
 
 // The member that tells the answer of a kind is there in this kind, and in no other. A run of kind Nfp that ended early
-// tells a list.
+// may tell no pair.
 void RequireAnswer(const Result& AResult, FaultList& Faults) {
   const std::tuple<JobKind, std::string_view, bool> members[] = {
+      {JobKind::Nfp, "pairs", !AResult.Pairs.empty()},
       {JobKind::Array, "array", AResult.Array.has_value()},
       {JobKind::Label, "label", AResult.Label.has_value()},
       {JobKind::Sucker, "sucker", AResult.Sucker.has_value()}};
   for (const auto& [kind, name, isThere] : members) {
-    if (kind == AResult.Kind && !isThere) Faults.AddMissing("", name);
+    if (kind == AResult.Kind && kind != JobKind::Nfp && !isThere) Faults.AddMissing("", name);
     if (kind != AResult.Kind && isThere)
       Faults.AddInput("conflict", Joined("/", name),
                       Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));

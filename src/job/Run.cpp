@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -88,8 +89,9 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
 // What the run's end says beside the answer's own verdict.
 void NoteInterruption(const TRunControl& Control, Result& AResult) {
   if (AResult.Status == ResultStatus::Complete) return;
-  if (!Control.StoppedByCaller() && !Control.OutOfTime()) return;
-  AResult.Status = Control.StoppedByCaller() ? ResultStatus::Stopped : ResultStatus::TimeLimit;
+  const std::optional<ResultStatus> cut = Control.Interruption();
+  if (!cut) return;
+  AResult.Status = *cut;
   PartUse& part = AResult.Parts[0];
   if (part.Reason == "left_by_method") part.Reason = "time";
 }
@@ -127,11 +129,11 @@ void Answer(const Job& AJob, TRunControl& Control, Result& AResult) {
     case JobKind::Nfp:
       return AnswerPairs(AJob, Control, AResult);
     case JobKind::Array:
-      return AnswerArray(AJob, AResult);
+      return AnswerArray(AJob, Control, AResult);
     case JobKind::Label:
-      return AnswerLabel(AJob, AResult);
+      return AnswerLabel(AJob, Control, AResult);
     case JobKind::Sucker:
-      return AnswerSucker(AJob, AResult);
+      return AnswerSucker(AJob, Control, AResult);
     default:
       return AnswerOne(AJob, Control, AResult);
   }

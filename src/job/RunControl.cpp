@@ -39,6 +39,11 @@ bool TRunControl::StoppedByCaller() const {
   return FRefused || (FHooks.Stop != nullptr && FHooks.Stop->StopRequested());
 }
 
+std::optional<ResultStatus> TRunControl::Interruption() const {
+  if (StoppedByCaller()) return ResultStatus::Stopped;
+  return OutOfTime() ? std::optional(ResultStatus::TimeLimit) : std::nullopt;
+}
+
 double TRunControl::Seconds() const {
   return (RealMs() - FStart) / 1000;
 }

@@ -22,6 +22,8 @@ class TRunControl {
 
   bool StoppedByCaller() const;
   bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
+  // How the run ends now, if it is to end.
+  std::optional<ResultStatus> Interruption() const;
   double Seconds() const;
   // Tells the caller of an improvement; a refusal stops the run.
   void Report(Progress Now);

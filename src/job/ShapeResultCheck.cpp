@@ -31,8 +31,7 @@ class TShapeCheck {
   std::vector<Fault> Run() {
     CheckHead();
     if (FJob.Kind == JobKind::Nfp) CheckPairs();
-    if (FJob.Kind != JobKind::Nfp)
-      Require(FResult.Status == ResultStatus::Complete, "/status", "must be complete in a job of this kind");
+    if (FJob.Kind != JobKind::Nfp) Require(MayHave(FResult.Status), "/status", "cannot be with this answer");
     if (FJob.Kind == JobKind::Array && IsThere(FResult.Array, "/array")) CheckArray(*FResult.Array);
     if (FJob.Kind == JobKind::Label && IsThere(FResult.Label, "/label")) CheckLabelAnswer(*FResult.Label);
     if (FJob.Kind == JobKind::Sucker && IsThere(FResult.Sucker, "/sucker")) CheckSucker(*FResult.Sucker);
@@ -43,6 +42,13 @@ class TShapeCheck {
   bool IsFull() const { return Size(FFaults) >= JobError::kMaxFaults; }
   void Require(bool Holds, std::string Place, std::string Text) {
     if (!Holds && !IsFull()) FFaults.push_back({"check", std::move(Place), std::move(Text), ""});
+  }
+
+  // Time or a stop may cut the search for a denser array, and that for a place before there is any.
+  bool MayHave(ResultStatus Status) const {
+    if (Status == ResultStatus::Complete) return true;
+    if (Status == ResultStatus::Partial) return false;
+    return FJob.Kind == JobKind::Array || (LacksPlace(FResult) && Status == ResultStatus::TimeLimit);
   }
 
   template <class T>
@@ -57,6 +63,7 @@ class TShapeCheck {
     Require(FResult.Units == FJob.Units, "/units", "are not the units of the job");
     Require(FResult.Name == FJob.Name, "/name", "is not the name of the job");
     Require(FResult.Gap >= FJob.Gap, "/gap", Joined("is smaller than the gap of the job, ", FJob.Gap));
+    Require(FResult.Margin == FJob.Margin, "/margin", foreign);
     Require(!FResult.Proved && FResult.Bounds.empty(), "/proved", foreign);
     Require(FResult.Layouts.empty() && FResult.Plates.empty() && FResult.Parts.empty() && FResult.Total == Summary{},
             "/layouts", foreign);
@@ -96,6 +103,8 @@ class TShapeCheck {
     const auto& [fixed, moving] = Parts;
     const bool isKnown = pair.Fixed == FJob.Parts[fixed].Id && pair.Moving == FJob.Parts[moving].Id;
     Require(isKnown, place, "is not the pair of the job at this place");
+    // The kernel may do better than asked for, but nothing is exact unasked.
+    Require(pair.Quality <= std::max(FJob.Quality, NfpQuality::Complete), place + "/quality", "was not asked for");
     const bool isOnGrid = IsOnGrid(pair.Paths);
     Require(isOnGrid, place + "/paths", "has a coordinate that is too large or has more than five decimals");
     if (!isKnown || !isOnGrid) return;

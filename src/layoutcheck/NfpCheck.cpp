@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "EnclosedPlaces.h"
 #include "PathTools.h"
 #include "TextOf.h"
 #include "platenest/foundation/Rounding.h"
@@ -24,6 +25,8 @@ constexpr double kSliver = 2;
 // one, in square path units, for rounding: the tip of a needle shares no more than a few dozen.
 constexpr double kSharedShrunk = 0.05;
 constexpr double kSharedGrown = 10;
+// Half the least width, in Tol, of a piece that is wrong by area.
+constexpr double kAreaDepth = 2;
 // How far beside the boundary a lost place is looked for, in Tol: just beyond what may be wrong, and where a gross
 // fault would show.
 constexpr double kBeside[] = {4, 400};
@@ -142,15 +145,40 @@ std::string CheckLosses(const TNfpQuestion& Question, const TPaths& Region, cons
   return "";
 }
 
+Int64 PointCount(const TPaths& Shape) {
+  Int64 count = 0;
+  for (const TPath& path : Shape) count += Size(path);
+  return count;
+}
+
+// A place that Enclosing encloses and Enclosed does not, more than Depth away from both borders.
+std::optional<TIntPoint> DeepIn(const TPaths& Enclosing, const TPaths& Enclosed, double Depth) {
+  const TPaths deep = Grown(Clipped(Enclosing, Enclosed, ClipperLib::ctDifference), -Depth);
+  return deep.empty() ? std::nullopt : std::optional(deep.front().front());
+}
+
+std::string CheckArea(const TNfpQuestion& Question, const TPaths& Region, const TNfpCheckOptions& Options) {
+  const TPaths truth = detail::EnclosedPlaces(Question);
+  const double depth = kAreaDepth * Options.Tol;
+  const auto missing = DeepIn(truth, Region, depth);
+  const auto surplus = DeepIn(Region, truth, depth);
+  if (const auto& wrong = Question.IsInside ? surplus : missing)
+    return (Question.IsInside ? "the moving part sticks out at " : "the parts overlap at ") + PlaceText(*wrong);
+  const auto& lost = Question.IsInside ? missing : surplus;
+  return lost && Options.IsFull ? "the moving part would fit at " + PlaceText(*lost) : "";
+}
+
 }  // namespace
 
 std::string CheckNfp(const TNfpQuestion& Question, const TPaths& Region, const TNfpCheckOptions& Options) {
-  if (Region.empty()) return Question.IsInside ? "" : "there is no polygon";
+  if (Region.empty() && !Question.IsInside) return "there is no polygon";
   if (!WindsOnce(Region)) return "the paths overlap, or turn the wrong way";
   // Two places for each edge: a corner and the middle, or two beside it.
   const std::vector<TEdge> edges = SomeEdges(Region, std::max(1, Options.MostSamples / 2));
-  const std::string overlap = CheckBoundary(Question, edges, Options.Tol);
-  return overlap.empty() && Options.IsFull ? CheckLosses(Question, Region, edges, Options.Tol) : overlap;
+  std::string fault = CheckBoundary(Question, edges, Options.Tol);
+  if (fault.empty() && Options.IsFull) fault = CheckLosses(Question, Region, edges, Options.Tol);
+  const bool isSmall = PointCount(Question.Fixed) * PointCount(Question.Moving) <= Options.MostContacts;
+  return fault.empty() && isSmall ? CheckArea(Question, Region, Options) : fault;
 }
 
 }  // namespace platenest

@@ -81,7 +81,7 @@ TPaths RowAcross(TAxis Axis, TMakeNfp Make, const char* Operation, const TVHPoly
   const double step = Axis == TAxis::X ? ArrayTransVec.Y : ArrayTransVec.X;
   if (step == 0 || !std::isfinite(ArrayTransVec.X) || !std::isfinite(ArrayTransVec.Y))
     throw TArgumentError("[Error] TArrayInfoAlgo." + std::string(Operation) + ": ArrayTransVec参数错误");
-  const int count = RowCopies(std::floor(extent / step), Operation);
+  const int count = box.IsValid() ? RowCopies(std::floor(extent / step), Operation) : 0;
   return UniteRow(paths, count, ArrayTransVec, TRowForm::AllSubjects, Operation);
 }
 

@@ -81,18 +81,8 @@ TPaths UnitePair(const TPaths& Subject, const TPath& Clip, const TPoint2D& Vecto
 }
 
 TPaths CounterClockwiseForRow(TPaths& NFP, std::string_view Operation) {
-  double largest = 0;
-  for (const TPath& path : NFP)
-    if (std::fabs(ClipperLib::Area(path)) > std::fabs(largest)) largest = ClipperLib::Area(path);
-  const auto outlines =
-      std::count_if(NFP.begin(), NFP.end(), [&](const TPath& Path) { return ClipperLib::Area(Path) * largest > 0; });
-  if (outlines < 2) {
-    TPathUtils::SetIsClockwise(NFP, false, false);
-    return NFP;
-  }
-  const TPaths material = UniteRow(NFP, 0, Origin2D, TRowForm::AllSubjects, Operation);
   TPathUtils::SetIsClockwise(NFP, false, false);
-  return material;
+  return NFP.size() < 2 ? NFP : UniteRow(NFP, 0, Origin2D, TRowForm::AllSubjects, Operation);
 }
 
 }  // namespace platenest::detail

@@ -21,9 +21,9 @@ TPaths UniteRow(const TPaths& Paths, int Count, const TPoint2D& Vector, TRowForm
 // The union of Subject with Clip moved by Vector, as above.
 TPaths UnitePair(const TPaths& Subject, const TPath& Clip, const TPoint2D& Vector, std::string_view Operation);
 
-// Sets the first path counter-clockwise and the others clockwise, in place, and returns what to make a row of. That is
-// NFP itself but where it has several outlines: all of those must run counter-clockwise, since overlapping copies of
-// opposite outlines would cancel and free what they forbid.
+// Sets the first path counter-clockwise and the others clockwise, in place, and returns what to make a row of: the
+// region that they fill, its outlines counter-clockwise. Outlines apart from the first one would else run clockwise,
+// and overlapping copies of opposite outlines would cancel and free what they forbid.
 TPaths CounterClockwiseForRow(TPaths& NFP, std::string_view Operation);
 
 }  // namespace platenest::detail

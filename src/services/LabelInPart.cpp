@@ -132,13 +132,14 @@ TVHPolygon TLabelInPartAlgo::ExpandLine(const TVPolyline2D& line, double delta) 
 void TLabelInPartAlgo::CalcNFP(const TVHPolygonList& parts, const TVHPolygonList& inner, const TVHPolygonList& label,
                                TPaths& NFP) {
   const TNFP fits = TNFPCalculator::CalcNFP(label, parts, true, ntConcaveHull, "", "");
-  if (inner.empty() || fits.IsEmpty()) {
-    NFP = fits.IsEmpty() ? TPaths() : *fits.NFP;
+  TPaths region = fits.IsEmpty() ? TPaths() : *fits.NFP;
+  if (inner.empty()) {
+    NFP = std::move(region);
     return;
   }
   const TNFP blocked = TNFPCalculator::CalcNFP(label, inner, false, ntConcaveHull, "", "");
   TClipper clipper;
-  clipper.AddPaths(*fits.NFP, ClipperLib::ptSubject, true);
+  clipper.AddPaths(region, ClipperLib::ptSubject, true);
   clipper.AddPaths(*blocked.NFP, ClipperLib::ptClip, true);
   clipper.Execute(ClipperLib::ctDifference, NFP, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
 }

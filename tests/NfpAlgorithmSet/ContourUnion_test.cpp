@@ -16,7 +16,6 @@ namespace platenest {
 namespace {
 
 using detail::DropFlatVertices;
-using detail::IsConvexCounterClockwise;
 using detail::MergeConvexLoops;
 using detail::TContours;
 
@@ -41,10 +40,6 @@ bool Unite(const TPaths& Contours, TPaths& Paths) {
   return UniteContours(contours, Paths);
 }
 
-bool UniteContour(const TPath& Contour, TPaths& Paths) {
-  return Unite({Contour}, Paths);
-}
-
 TPaths FromLeast(TPaths Paths) {
   for (TPath& path : Paths) path = FromLeast(std::move(path));
   const auto before = [](const TPath& a, const TPath& b) {
@@ -63,38 +58,6 @@ TPath RandomContour(std::mt19937& Random, int Points, int Cells, int Cell) {
   }
   DropFlatVertices(path, 0);
   return path;
-}
-
-TEST(SimpleContour, FlatVerticesGo) {
-  TPath path{{7, 7}, {2, 0}, {4, 0}, {4, 4}, {4, 9}, {4, 4}, {0, 4}, {0, 4}, {0, 0}, {1, 0}};
-  DropFlatVertices(path, 1);
-  EXPECT_EQ(path, (TPath{{7, 7}, {4, 0}, {4, 4}, {0, 4}, {0, 0}})) << "what stands before stays";
-  TPath needle{{0, 0}, {5, 5}, {9, 9}, {2, 2}};
-  DropFlatVertices(needle, 0);
-  EXPECT_TRUE(needle.empty());
-}
-
-TEST(SimpleContour, IsConvex) {
-  const TPath box{{0, 0}, {9, 0}, {9, 4}, {0, 4}};
-  EXPECT_TRUE(IsConvexCounterClockwise(box));
-  EXPECT_FALSE(IsConvexCounterClockwise(TPath(box.rbegin(), box.rend()))) << "clockwise";
-  EXPECT_FALSE(IsConvexCounterClockwise(TPath{{0, 0}, {9, 0}, {2, 2}, {0, 9}}));
-  EXPECT_FALSE(IsConvexCounterClockwise(TPath{{9, 0}, {3, 9}, {0, 2}, {9, 5}, {1, 9}})) << "left turns, twice round";
-  EXPECT_FALSE(IsConvexCounterClockwise(TPath{}));
-}
-
-TEST(ContourUnion, LeavesTouchesToClipper) {
-  TPaths paths;
-  EXPECT_TRUE(UniteContour(TPath{{0, 0}, {9, 0}, {9, 4}, {4, 4}, {4, 9}, {0, 9}}, paths));
-  EXPECT_EQ(paths.size(), 1u);
-  EXPECT_TRUE(UniteContour(TPath{{0, 9}, {4, 9}, {4, 4}, {9, 4}, {9, 0}, {0, 0}}, paths));
-  EXPECT_TRUE(paths.empty()) << "clockwise";
-  EXPECT_FALSE(UniteContour(TPath{{0, 0}, {9, 0}, {9, 9}, {5, 0}, {0, 9}}, paths)) << "a vertex on an edge";
-  EXPECT_FALSE(UniteContour(TPath{{0, 0}, {5, 4}, {9, 0}, {9, 9}, {5, 4}, {0, 9}}, paths)) << "two vertices in one";
-  EXPECT_FALSE(UniteContour(TPath{{0, 0}, {9, 0}, {9, 2}, {0, 1}, {9, 1}, {9, 9}}, paths))
-      << "crosses at an end, rounded";
-  EXPECT_TRUE(UniteContour(TPath{{0, 0}, {9, 9}}, paths));
-  EXPECT_TRUE(paths.empty()) << "no area";
 }
 
 // Random contours cross themselves and each other in any way; on the coarse grid they touch as well.
@@ -117,67 +80,36 @@ TEST(ContourUnion, IsThatOfClipper) {
   EXPECT_GT(united, 2000);
 }
 
-TEST(ContourUnion, CountsHowOftenContoursWind) {
-  const TPath outer{{0, 0}, {900, 0}, {900, 900}, {0, 900}};
-  const TPath inner{{300, 300}, {600, 300}, {600, 600}, {300, 600}};
-  const TPath hole(inner.rbegin(), inner.rend());
-  TPaths paths;
-  ASSERT_TRUE(Unite({outer, hole}, paths));
-  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer, hole}));
-  ASSERT_TRUE(Unite({outer, inner}, paths));
-  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer})) << "covered twice";
-  ASSERT_TRUE(Unite({outer, inner, {{400, 500}, {500, 500}, {500, 400}, {400, 400}}}, paths));
-  EXPECT_EQ(FromLeast(paths), FromLeast(TPaths{outer})) << "still covered once";
-  ASSERT_TRUE(Unite({}, paths));
-  EXPECT_TRUE(paths.empty());
-}
-
 // A convex contour with many axis-parallel and some parallel edges.
 TVPolyline2D HullOnGrid(unsigned Seed) {
   std::mt19937 random(Seed);
-  TVPolyline2D points;
-  const auto place = [&] { return 0.1 * static_cast<double>(random() % 9); };
-  for (int i = 0; i < 12; ++i) {
-    const double x = place();
-    points.push_back({x, place()});
-  }
   TVPolyline2D hull;
-  points.ConvexHull(hull);
+  TPathUtils::CreatePolyline(RandomContour(random, 12, 9, 10'000), kPathScale).ConvexHull(hull);
   hull.SetIsClockwise(false);
   return hull;
 }
 
 // The ring is what the graph of the chips and Clipper make of the pair.
-void ExpectRingOfGraph(const TKMPLoop& Static, const TKMPLoop& Dynamic, const TPath& Ring) {
-  TKineticConvolution convolution(ntComplete, false);
-  int level = 0;
-  const TVectorGraph graph = convolution.Convolve(Static, Dynamic, false, level);
-  TKineticCircuits circuits(graph, 2);
-  ASSERT_TRUE(circuits.DFSLoops(false, ntComplete, 0));
-  ASSERT_EQ(circuits.CircuitCount(), 1);
-  TPath path;
-  circuits.TransCircuitToPath(0, path);
-  const TPaths united = UnionOf({path});
-  ASSERT_EQ(united.size(), 1u);
-  EXPECT_EQ(FromLeast(united.front()), FromLeast(Ring));
-}
-
 TEST(ConvexPair, IsTheRingOfTheGraph) {
   int merged = 0;
   ForEachSeed(400, [&](unsigned seed) {
-    const bool onGrid = seed % 2 == 0;
-    const int edges = 3 + static_cast<int>(seed % 60);
     const auto contour = [&](unsigned number) {
-      return onGrid ? HullOnGrid(number)
-                    : TPathUtils::CreatePolyline(PolygonOf(MakeShape(TShapeKind::Convex, edges, 50, number)).front(),
-                                                 kPathScale);
+      const int edges = 3 + static_cast<int>(seed % 60);
+      return seed % 2 == 0 ? HullOnGrid(number) : MakeShape(TShapeKind::Convex, edges, 50, number).front();
     };
     const TKMPLoop fixed = LoopOf(contour(2 * seed));
     const TKMPLoop moving = LoopOf(Mirrored(contour(2 * seed + 1)));
     TPath ring;
     if (!MergeConvexLoops(fixed, moving, ring)) return;
     ++merged;
-    ExpectRingOfGraph(fixed, moving, ring);
+    int level = 0;
+    const TVectorGraph graph = TKineticConvolution(ntComplete, false).Convolve(fixed, moving, false, level);
+    TKineticCircuits circuits(graph, 2);
+    ASSERT_TRUE(circuits.DFSLoops(false, ntComplete, 0));
+    ASSERT_EQ(circuits.CircuitCount(), 1);
+    TPath path;
+    circuits.TransCircuitToPath(0, path);
+    EXPECT_EQ(FromLeast(UnionOf({path})), FromLeast(TPaths{ring}));
   });
   EXPECT_GT(merged, 200);
 }

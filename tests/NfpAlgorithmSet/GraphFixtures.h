@@ -25,7 +25,8 @@ inline TVectorGraph VectorGraphOf(const std::vector<TPoint2D>& Points, const std
 }
 
 // First -> First + 1 -> ... -> First + Length - 1 -> First.
-inline void AddRing(TIdGraph& Graph, int First, int Length) {
+template <class TGraph>
+void AddRing(TGraph& Graph, int First, int Length) {
   for (int i = 0; i < Length; ++i) Graph.AddEdgeNoErr(First + i, First + (i + 1) % Length);
 }
 

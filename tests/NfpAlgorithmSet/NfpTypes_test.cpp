@@ -15,7 +15,6 @@ TEST(NfpTypes, CopiesShareTheirPathsAndClonesDoNot) {
   const TNFP clone = nfp.Clone();
   EXPECT_EQ(copy, nfp);
   EXPECT_NE(clone, nfp) << "identity counts, not content";
-  EXPECT_EQ(*clone.NFP, kSquare);
   (*nfp.NFP)[0][2].X = 77;
   EXPECT_EQ((*copy.NFP)[0][2].X, 77);
   EXPECT_EQ(*clone.NFP, kSquare);
@@ -24,16 +23,13 @@ TEST(NfpTypes, CopiesShareTheirPathsAndClonesDoNot) {
 
 TEST(NfpTypes, ResultsWithoutPathsDifferInTypeOnly) {
   EXPECT_EQ(TNFP(nullptr, ntComplete), TNFP(TPaths{}, ntComplete));
-  EXPECT_EQ(TNFP(TPaths{}, ntComplete), TNFP(TPaths{}, ntComplete));
   EXPECT_NE(TNFP(nullptr, ntComplete), TNFP(nullptr, ntNone));
   EXPECT_NE(TNFP(nullptr, ntComplete), TNFP(kSquare, ntComplete));
   EXPECT_TRUE(TNFP().Clone().IsEmpty());
 }
 
 TEST(NfpTypes, OrderCeilingAndNames) {
-  EXPECT_EQ(HighestNFPType.load(), ntComplete);
   EXPECT_TRUE(TNFPTypeUtils::DoesNFPTypeSatisfied(ntComplete, ntComplete));
-  EXPECT_TRUE(TNFPTypeUtils::DoesNFPTypeSatisfied(ntConvexHull, ntExact));
   EXPECT_FALSE(TNFPTypeUtils::DoesNFPTypeSatisfied(ntExact, ntComplete));
   EXPECT_EQ(TNFPTypeUtils::BetterType(ntConvexHull, ntConcaveHull), ntConcaveHull);
   EXPECT_EQ(TNFPTypeUtils::WorseType(ntConvexHull, ntConcaveHull), ntConvexHull);

@@ -32,10 +32,6 @@ TVPolyline2D Box(double Left, double Right, double Bottom, double Top) {
   return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
 }
 
-TVRect2D Bounds(double Left, double Right, double Bottom, double Top) {
-  return TVRect2D::FromBounds(Top, Left, Bottom, Right);
-}
-
 TPath Path(double Left, double Right, double Bottom, double Top) {
   return TPathUtils::CreatePath(TVPolyline2D{{Left, Top}, {Left, Bottom}, {Right, Bottom}, {Right, Top}}, kPathScale);
 }
@@ -81,17 +77,10 @@ TEST(PartNfpRects, InnerRegionStartsAtOneUnitAndEndsWhereThePartIsTooLarge) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Name);
     TPaths paths;
-    TPartNFP::CalcRectInnerNfp(Bounds(0, 10, 0, 10), Bounds(1, 1 + c.Width, 2, 5), paths);
-    if (c.Units < 0) {
-      EXPECT_THAT(paths, IsEmpty());
-      continue;
-    }
-    ASSERT_THAT(paths, SizeIs(1));
-    const TIntRect box = TPathUtils::BoundBox(paths);
-    EXPECT_EQ(box.Left, -100'000);
-    EXPECT_EQ(box.Width(), c.Units);
-    EXPECT_EQ(box.Bottom, -200'000);
-    EXPECT_EQ(box.Top, 500'000);
+    TPartNFP::CalcRectInnerNfp(Box(0, 10, 0, 10).BoundBox(), Box(1, 1 + c.Width, 2, 5).BoundBox(), paths);
+    EXPECT_EQ(paths.empty(), c.Units < 0);
+    if (paths.empty()) continue;
+    EXPECT_EQ(TPathUtils::BoundBox(paths), (TIntRect{-100'000, c.Units - 100'000, 500'000, -200'000}));
   }
 }
 
@@ -109,24 +98,6 @@ TEST(PartNfpRects, TwoRectanglesNeedNoConvolution) {
   EXPECT_EQ(NfpStatistics.Convolutions, 0);
 }
 
-TEST(PartNfpRects, RectangularPlateTakesTheBoxOfAnyPart) {
-  const TVHPolygon plate{{Box(0, 10, 0, 10)}};
-  const TVHPolygon diamond{{{{1, 0}, {2, 1}, {1, 2}, {0, 1}}}};
-  EXPECT_THAT(NfpOf(plate, diamond, true), ElementsAre(Path(0, 8, 0, 8)));
-  const TVHPolygon turned = Turned(plate, 0.3);
-  EXPECT_EQ(CheckInnerFitBySampling(turned, diamond, NfpOf(turned, diamond, true), 1), "");
-}
-
-TEST(PartNfp, FewerThanThreePointsHaveNoPaths) {
-  TPaths paths{Path(0, 1, 0, 1)};
-  TVPolyline2D line{{0, 0}, {1, 1}};
-  TVPolyline2D box = Box(0, 1, 0, 1);
-  EXPECT_EQ(TPartNFP(ntConcaveHull).CalcNfp(box, line, false, paths), ntComplete);
-  EXPECT_THAT(paths, IsEmpty());
-  EXPECT_THAT(NfpOf({}, {box}), IsEmpty());
-  EXPECT_THAT(NfpOf({box}, {}, true), IsEmpty());
-}
-
 TEST(PartNfp, RandomPairsAgreeWithTheOracle) {
   ForEachSeed(40, [](unsigned Seed) {
     const TShapePair pair = MakePair(24, Seed);
@@ -137,50 +108,18 @@ TEST(PartNfp, RandomPairsAgreeWithTheOracle) {
   });
 }
 
-TEST(PartNfp, SwappedRolesMirrorTheResult) {
-  ForEachSeed(10, [](unsigned Seed) {
-    const TShapePair pair = MakePair(20, Seed + 100);
-    const TPaths paths = NfpOf(pair.Static, pair.Dynamic);
-    EXPECT_EQ(Compared(Negated(NfpOf(pair.Dynamic, pair.Static)), paths, 1e-4, kCleaningBand), "");
-  });
-}
-
-TEST(PartNfp, MovedAndTurnedPartsMoveAndTurnTheResult) {
-  ForEachSeed(10, [](unsigned Seed) {
-    const TShapePair pair = MakePair(20, Seed + 200);
-    const TPaths paths = NfpOf(pair.Static, pair.Dynamic);
-    const TPoint2D by{17.25, -3.5};
-    const TPointL2D shift = TPathUtils::CreatePointL2D(TPathUtils::CreateIntPoint(by, kPathScale));
-    EXPECT_EQ(
-        Compared(NfpOf(Moved(pair.Static, by), pair.Dynamic), TPathUtils::Translate(paths, shift), 1e-4, kCleaningBand),
-        "");
-    EXPECT_EQ(Compared(NfpOf(pair.Static, Moved(pair.Dynamic, by)), TPathUtils::Translate(paths, -shift), 1e-4,
-                       kCleaningBand),
-              "");
-    EXPECT_EQ(Compared(NfpOf(Turned(pair.Static, 0.7), Turned(pair.Dynamic, 0.7)), TPathUtils::Rotate(paths, 0.7), 1e-4,
-                       kCleaningBand),
-              "");
-  });
-}
-
 // A part may stand in a hole of the other one: the free places lie clockwise in the outline.
 TEST(PartNfp, HolesOfEitherPartAreFreePlaces) {
   const TVHPolygon frame{Box(0, 16, 0, 10), Box(3, 13, 2, 8)};
-  const TVHPolygon small{{Box(100, 102, 50, 52)}};
-  const TVHPolygon corner{{{{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 3}, {0, 3}}}};
-  const TPaths around = NfpOf(frame, small);
-  ASSERT_THAT(around, SizeIs(2));
-  EXPECT_EQ(TPathUtils::BoundBox(around[1]), (TIntRect{-9'700'000, -8'900'000, -4'400'000, -4'800'000}));
-  EXPECT_LT(ClipperLib::Area(around[1]), 0);
-  const TPaths over = NfpOf(small, frame);
-  ASSERT_THAT(over, SizeIs(2));
-  EXPECT_EQ(TPathUtils::BoundBox(over[1]), (TIntRect{8'900'000, 9'700'000, 4'800'000, 4'400'000}));
-  EXPECT_LT(ClipperLib::Area(over[1]), 0);
+  const TVHPolygon corner{{{{100, 50}, {103, 50}, {103, 51}, {101, 51}, {101, 53}, {100, 53}}}};
   for (const TVHPolygon& part : {corner, Turned(corner, 1)}) {
-    EXPECT_EQ(CheckNfpBySampling(frame, part, NfpOf(frame, part), 1), "");
-    EXPECT_EQ(CheckNfpBySampling(part, frame, NfpOf(part, frame), 1), "");
-    EXPECT_EQ(Compared(NfpOf(frame, part), ForbiddenRegion(frame, part), 1e-6, 2e-5), "");
-    EXPECT_EQ(Compared(NfpOf(part, frame), ForbiddenRegion(part, frame), 1e-6, 2e-5), "");
+    for (const auto& [fixed, moving] : {std::pair{frame, part}, std::pair{part, frame}}) {
+      const TPaths paths = NfpOf(fixed, moving);
+      ASSERT_THAT(paths, SizeIs(2));
+      EXPECT_LT(ClipperLib::Area(paths[1]), 0);
+      EXPECT_EQ(CheckNfpBySampling(fixed, moving, paths, 1), "");
+      EXPECT_EQ(Compared(paths, ForbiddenRegion(fixed, moving), 1e-6, 2e-5), "");
+    }
   }
 }
 
@@ -188,13 +127,6 @@ TEST(PartNfp, PartsOfSimilarAreaDoNotLookIntoHoles) {
   const TVHPolygon frame{Box(0, 10, 0, 10), Box(0.01, 9.99, 0.01, 9.99)};
   EXPECT_THAT(NfpOf(frame, {{Box(0, 9.998, 0, 9.998)}}), SizeIs(1));
   EXPECT_THAT(NfpOf(frame, {{Box(0, 9.97, 0, 9.97)}}), SizeIs(2));
-}
-
-TEST(PlateNfp, HolesOfThePlateAreObstacles) {
-  const TVHPolygon plate{Box(0, 10, 0, 10), Box(4, 6, 4, 6)};
-  const TVHPolygon square{{Box(0, 1, 0, 1)}};
-  EXPECT_DOUBLE_EQ(RegionArea(NfpOf(plate, square, true)), 81 - 9);
-  EXPECT_THAT(NfpOf(plate, {{Box(0, 10.1, 0, 1)}}, true), IsEmpty());
 }
 
 TEST(PlateNfp, RandomPlatesAgreeWithTheOracle) {
@@ -208,15 +140,6 @@ TEST(PlateNfp, RandomPlatesAgreeWithTheOracle) {
     EXPECT_LT(difference.Lost, 1e-4 * difference.Exact + 1e-4);
     EXPECT_EQ(CheckInnerFitBySampling(plate, part, paths, Seed, {60, kCleaningBand, true}), "");
   });
-}
-
-// A frame around a small island in the plate: the island may stand in the hole of the frame.
-TEST(PlateNfp, HolesOfThePartPassOverThoseOfThePlate) {
-  const TVHPolygon plate{Box(0, 20, 0, 20), Box(9.5, 10.5, 9.5, 10.5)};
-  const TVHPolygon frame{Box(0, 6, 0, 6), Box(1, 5, 1, 5)};
-  const TPaths paths = NfpOf(plate, frame, true);
-  EXPECT_NEAR(RegionArea(paths), 14 * 14 - 7 * 7 + 3 * 3, 1e-3);
-  EXPECT_EQ(CheckInnerFitBySampling(plate, frame, paths, 1), "");
 }
 
 // The last piece of a jigsaw: found with the least play that the boxes must have, not without any.
@@ -236,17 +159,17 @@ TEST(PlateNfp, LastPieceOfAJigsawNeedsALittlePlay) {
 
 // Nearly parallel edges leave needles many units long beside the true region, at whose points the part would overlap.
 TEST(PlateNfp, NeedlesAreNoRegions) {
-  const struct {
+  struct TRow {
     TShapeKind Kind;
     double Grow;
     unsigned Seed;
-  } cases[] = {{TShapeKind::NearParallel, 0.00170191, 1656},
-               {TShapeKind::Convex, 0.00087, 6666},
-               {TShapeKind::Holed, 0.00333432, 4100},
-               {TShapeKind::Holed, 0.0026, 5464}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.Seed);
-    const TJigsaw jigsaw = MakeJigsaw(c.Kind, 16, 20, c.Grow, c.Seed);
+  };
+  for (const TRow& row : {TRow{TShapeKind::NearParallel, 0.00170191, 1656},
+                          {TShapeKind::Convex, 0.00087, 6666},
+                          {TShapeKind::Holed, 0.00333432, 4100},
+                          {TShapeKind::Holed, 0.0026, 5464}}) {
+    SCOPED_TRACE(row.Seed);
+    const TJigsaw jigsaw = MakeJigsaw(row.Kind, 16, 20, row.Grow, row.Seed);
     const TVHPolygon cavity{jigsaw.Plate[1]};
     const TVHPolygon part{jigsaw.Part[0]};
     const TPaths paths = NfpOf(cavity, part, true);
@@ -255,31 +178,25 @@ TEST(PlateNfp, NeedlesAreNoRegions) {
   }
 }
 
-TVHPolygon PlateWithHoles(int Count) {
-  TVHPolygon plate{Box(0, 100, 0, 100)};
-  for (int i = 0; i < Count; ++i) {
-    plate.push_back(test::Circle(26, 0.5));
-    plate.back().Translate({5.0 + 9 * (i % 10), 5.0 + 9 * (i / 10)});
-  }
-  return plate;
-}
-
 // After the first of more than 49 holes the others are asked for as hulls, which a part with a hole of its own shows:
-// it is hulled itself. The request after that is none of it, not even where a hole of the plate has raised.
+// it is hulled itself. The request after that is none of it.
 TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
   const TVHPolygon part{test::Polar(402, [](int i) { return i == 0 ? 1.8 : 2; }), Box(-1, 1, -1, 1)};
   TPartNFP kernel(ntComplete);
   TPaths paths;
   for (const int holes : {49, 50}) {
-    TVHPolygon plate = PlateWithHoles(holes);
+    TVHPolygon plate{Box(0, 100, 0, 100)};
+    for (int i = 0; i < holes; ++i) {
+      plate.push_back(test::Circle(26, 0.5));
+      plate.back().Translate({5.0 + 9 * (i % 10), 5.0 + 9 * (i / 10)});
+    }
     TVHPolygon dynamicPart = part;
     kernel.Nfp(plate, dynamicPart, true, paths);
     EXPECT_EQ(dynamicPart[0].IsConvexPolygon(), holes == 50);
+    plate.push_back({{5, 99}, {35, 99}, {20, 99.0001}});  // no loop can be made of it
+    dynamicPart = part;
+    EXPECT_THROW(kernel.Nfp(plate, dynamicPart, true, paths), TNestError);
   }
-  TVHPolygon plate = PlateWithHoles(51);
-  plate.push_back({{5, 99}, {35, 99}, {20, 99.0001}});  // no loop can be made of it
-  TVHPolygon dynamicPart = part;
-  EXPECT_THROW(kernel.Nfp(plate, dynamicPart, true, paths), TNestError);
   // A product of points that would count as hulls if the lowered quality were still asked for.
   TVHPolygon fixed{test::Circle(250, 50)};
   TVHPolygon moving{test::Circle(201, 20)};
@@ -289,32 +206,29 @@ TEST(PlateNfp, ManyHolesLowerTheQualityForTheirRequestOnly) {
 
 // Thinned before the convolution, which would be too heavy at this quality.
 TEST(PartNfp, HeavyPairsBelowCompleteAreThinned) {
-  const TVHPolygon fixed{test::Circle(2100, 50)};
-  const TVHPolygon moving{test::Circle(1500, 20)};
+  const TVHPolygon fixed{test::Circle(2100, 50)}, moving{test::Circle(1500, 20)};
   const TPaths paths = NfpOf(fixed, moving, false, ntConcaveHull);
   ASSERT_THAT(paths, SizeIs(1));
   EXPECT_LT(paths[0].size(), 3400U);
   EXPECT_EQ(CheckNfpBySampling(fixed, moving, paths, 1, {60, 0.005}), "");
 }
 
-// A hull is asked for by the product of the point counts; whether the result counts as one follows that rule alone.
+// A hull is asked for by the product of the point counts; whether the result counts as one follows that rule alone. No
+// request is above the ceiling.
 TEST(PartNfpHulls, ProductOfThePointCountsDecides) {
   const struct {
     int Static, Dynamic;
-    TNFPType Returned;
-  } cases[] = {{250, 200, ntComplete},
-               {2381, 21, ntConvexHull},
-               {400, 130, ntConvexHull},
-               {25, 400, ntComplete},
-               {25, 401, ntConvexHull}};
+    TNFPType Required, Returned;
+  } cases[] = {{250, 200, ntConvexHull, ntComplete},   {2381, 21, ntConvexHull, ntConvexHull},
+               {400, 130, ntConvexHull, ntConvexHull}, {25, 400, ntConvexHull, ntComplete},
+               {25, 401, ntConvexHull, ntConvexHull},  {20, 10, ntExact, ntComplete}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.Static);
     TVHPolygon fixed{test::Circle(c.Static, 50)};
     TVHPolygon moving{test::Circle(c.Dynamic, 20)};
-    TPartNFP kernel(ntConvexHull);
+    TPartNFP kernel(c.Required);
     TPaths paths;
     kernel.Nfp(fixed, moving, false, paths);
-    EXPECT_EQ(kernel.Returned(), c.Returned);
+    EXPECT_EQ(kernel.Returned(), c.Returned) << c.Static;
     EXPECT_THAT(paths, SizeIs(1));
   }
 }
@@ -329,15 +243,6 @@ TEST(PartNfpHulls, PlatesAreNeverHulled) {
   EXPECT_EQ(CheckInnerFitBySampling(plate, part, paths, 1, {100, 1e-3, true}), "");
 }
 
-TEST(PartNfp, RequestsAboveTheCeilingAreLowered) {
-  TVHPolygon fixed{test::Circle(20, 5)};
-  TVHPolygon moving{test::Circle(10, 2)};
-  TPaths paths;
-  TPartNFP kernel(ntExact);
-  kernel.Nfp(fixed, moving, false, paths);
-  EXPECT_EQ(kernel.Returned(), ntComplete);
-}
-
 // Each step but the last convolves a shifted contour, and the paths come back to where the shapes are.
 TEST(PartNfpLadder, StepsAnswerInTurn) {
   const TVPolyline2D zigzag{{0, -0.001}, {1.0 / 6, 0.001}, {1.0 / 3, -0.001}, {0.5, 0.001}};
@@ -346,27 +251,18 @@ TEST(PartNfpLadder, StepsAnswerInTurn) {
     TVHPolygon Static, Dynamic;
   } cases[] = {{1, {test::Circle(13, 2)}, {test::Circle(10, 0.0008)}},
                {2, {zigzag}, {{{0, 0}, {1, 0.1}, {0.3, 1}}}},
-               {3, {test::Circle(12, 1)}, {test::Circle(10, 0.0006)}}};
+               {3, {test::Circle(12, 1)}, {test::Circle(10, 0.0006)}},
+               // Too small for the area test of the convolution: the boxes are left.
+               {4, {{{0, 0}, {100, 0}, {100, 50}, {50, 50}, {50, 100}, {0, 100}}}, {{{0, 0}, {0.02, 0}, {0, 0.02}}}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.Step);
     const TRandomScope seed(1);
     NfpStatistics = {};
     const TPaths paths = NfpOf(c.Static, c.Dynamic);
     EXPECT_EQ(NfpStatistics.Ladder[c.Step], 1);
-    EXPECT_EQ(CheckNfpBySampling(c.Static, c.Dynamic, paths, 1, {60, 0.03, c.Step == 3}), "");
+    EXPECT_EQ(CheckNfpBySampling(c.Static, c.Dynamic, paths, 1, {60, 0.03, c.Step >= 3}), "");
     EXPECT_EQ(BoldPointPrec, 0);
   }
-}
-
-// Too small for the area test of the convolution: every step of the ladder fails in turn but the last one.
-TEST(PartNfpLadder, TinyPartGetsTheBoxes) {
-  NfpStatistics = {};
-  const TVHPolygon fixed{{{{0, 0}, {100, 0}, {100, 50}, {50, 50}, {50, 100}, {0, 100}}}};
-  const TVHPolygon moving{{{{0, 0}, {0.02, 0}, {0, 0.02}}}};
-  const TRandomScope seed(1);
-  EXPECT_THAT(NfpOf(fixed, moving), ElementsAre(Path(-0.02, 100, -0.02, 100)));
-  EXPECT_EQ(NfpStatistics.Ladder[4], 1);
-  EXPECT_EQ(BoldPointPrec, 0);
 }
 
 // Beyond the range of paths: each convolution gives up on its own, the boxes of the last step cannot.
@@ -378,93 +274,47 @@ TEST(PartNfpLadder, BoldPointPrecIsBackAfterAnError) {
   EXPECT_EQ(BoldPointPrec, 0);
 }
 
-TEST(Disturbance, EverySecondVertexMovesALittle) {
-  ForEachSeed(20, [](unsigned Seed) {
-    const TRandomScope random(Seed);
-    const TVPolyline2D shape = test::Polar(40, [](int i) { return i % 2 == 0 ? 10.0 : 7.0; });
-    const TVPolyline2D disturbed = DisturbPolyline(shape, 0.0002);
-    ASSERT_EQ(disturbed.Count(), shape.Count());
-    for (int i = 0; i < shape.Count(); ++i) {
-      const double moved = disturbed[i].DistanceTo(shape[i]);
-      if (i % 2 == 0)
-        EXPECT_GT(moved, 0) << i;
-      else
-        EXPECT_EQ(moved, 0) << i;
-      EXPECT_LT(moved, 0.06);
-    }
-  });
-}
-
-TEST(Disturbance, LongEdgesStayAndKeepTheirPivot) {
+TEST(Disturbance, LongEdgesStayAndRepeatedOrFlatPointsGo) {
   const TRandomScope random(1);
   // The closing edge is long and the start of the walk, so that nothing moves at all.
   const TVPolyline2D held{{0, 0}, {5, 0}, {5, 3}, {90, 40}, {0, 150}};
   const TVPolyline2D same = DisturbPolyline(held, 0.01);
   ASSERT_EQ(same.Count(), held.Count());
   for (int i = 0; i < held.Count(); ++i) EXPECT_EQ(same[i].DistanceTo(held[i]), 0) << i;
-}
-
-TEST(Disturbance, LosesTheRepeatedPointAndSimplifies) {
-  const TRandomScope random(1);
   TVPolyline2D contour{{0, 0}, {5, 0.001}, {10, 0}, {10, 5}, {10, 10}, {0, 10}, {0, 0}};
   DisturbPolylineInPlace(contour, 1e-9);
   EXPECT_EQ(contour.Count(), 4);
 }
 
-TVHPolygonList PackOf(std::vector<TVHPolygon> Parts) {
-  return TVHPolygonList(std::move(Parts));
-}
+using TPack = TVHPolygonList;
 
-TEST(PartsPackNfp, StaticPartsForbidTogether) {
+TEST(PartsPackNfp, StaticPartsForbidTogetherAndDynamicPartsMoveAsOne) {
   const TVHPolygon square{{Box(0, 1, 0, 1)}};
-  const TNFP nfp = TPartsPackNFP().CalcNFP(PackOf({square}), PackOf({square, Moved(square, {3, 0})}), false, ntExact);
-  EXPECT_THAT(*nfp.NFP, SizeIs(2));
-  EXPECT_DOUBLE_EQ(RegionArea(*nfp.NFP), 8);
+  const TVHPolygon plate{{Box(0, 10, 0, 10)}};
+  const TPack pair({square, Moved(square, {1, 0})});
+  const TNFP apart = TPartsPackNFP().CalcNFP(TPack({square}), TPack({square, Moved(square, {3, 0})}), false, ntExact);
+  EXPECT_THAT(*apart.NFP, SizeIs(2));
+  EXPECT_DOUBLE_EQ(RegionArea(*apart.NFP), 8);
   // Several pairs start from the type asked for, though no pair can be exact below the ceiling.
-  EXPECT_EQ(nfp.NFPType, ntExact);
-}
-
-TEST(PartsPackNfp, DynamicPartsMoveAsOne) {
-  const TVHPolygon square{{Box(0, 1, 0, 1)}};
-  const TVHPolygonList dynamics = PackOf({square, Moved(square, {1, 0})});
-  const TNFP outer = TPartsPackNFP().CalcNFP(dynamics, PackOf({square}), false, ntComplete);
-  EXPECT_THAT(*outer.NFP, ElementsAre(SizeIs(4)));
-  EXPECT_DOUBLE_EQ(RegionArea(*outer.NFP), 3 * 2);
-  const TVHPolygon plate{{Box(0, 10, 0, 10)}};
-  const TNFP inner = TPartsPackNFP().CalcNFP(dynamics, PackOf({plate}), true, ntComplete);
-  EXPECT_DOUBLE_EQ(RegionArea(*inner.NFP), 8 * 9);
-  const TVHPolygonList tooLarge = PackOf({square, {{Box(0, 11, 0, 1)}}, square});
-  EXPECT_TRUE(TPartsPackNFP().CalcNFP(tooLarge, PackOf({plate}), true, ntComplete).IsEmpty());
-}
-
-TEST(PartsPackNfp, AnyOfSeveralPlatesWillDo) {
-  const TVHPolygon plate{{Box(0, 10, 0, 10)}};
-  const TVHPolygon exact{{Box(20, 22, 0, 10)}};
-  const TVHPolygonList part = PackOf({{{Box(0, 2, 0, 1)}}});
-  const TNFP nfp = TPartsPackNFP().CalcNFP(part, PackOf({plate, exact}), true, ntComplete);
-  ASSERT_THAT(*nfp.NFP, SizeIs(2));
-  EXPECT_NEAR(RegionArea(*nfp.NFP), 8 * 9 + 9 * 1e-5, 1e-9) << "the exact fit is one unit wide and survives the union";
-}
-
-bool AreIdentical(const TVHPolygonList& A, const TVHPolygonList& B) {
-  const auto samePoint = [](const TPoint2D& P, const TPoint2D& Q) { return P.X == Q.X && P.Y == Q.Y; };
-  const auto sameContour = [&](const TVPolyline2D& P, const TVPolyline2D& Q) {
-    return std::equal(P.begin(), P.end(), Q.begin(), Q.end(), samePoint);
+  EXPECT_EQ(apart.NFPType, ntExact);
+  const auto areaOf = [](const TPack& dynamics, const TPack& statics, bool putInside) {
+    return RegionArea(*TPartsPackNFP().CalcNFP(dynamics, statics, putInside, ntComplete).NFP);
   };
-  return std::equal(A.begin(), A.end(), B.begin(), B.end(), [&](const TVHPolygon& P, const TVHPolygon& Q) {
-    return std::equal(P.begin(), P.end(), Q.begin(), Q.end(), sameContour);
-  });
+  EXPECT_DOUBLE_EQ(areaOf(pair, TPack({square}), false), 3 * 2);
+  EXPECT_DOUBLE_EQ(areaOf(pair, TPack({plate}), true), 8 * 9);
+  EXPECT_DOUBLE_EQ(areaOf(TPack({square, {{Box(0, 11, 0, 1)}}, square}), TPack({plate}), true), 0);
+  // Any plate will do, and a fit without play, one unit wide, survives the union.
+  EXPECT_NEAR(areaOf(TPack({{{Box(0, 2, 0, 1)}}}), TPack({plate, {{Box(20, 22, 0, 10)}}}), true), 72 + 9e-5, 1e-9);
 }
 
 TEST(PartsPackNfp, CalcLeavesItsArgumentsAlone) {
-  TVHPolygon closed{{{{0, 0}, {0, 5}, {2, 2}, {5, 0}, {0, 0}}}};  // clockwise and with repeated first point
-  const TVHPolygonList statics = PackOf({closed});
-  const TVHPolygonList dynamics = PackOf({Moved(closed, {1, 1})});
-  const TVHPolygonList staticsBefore = statics;
-  const TVHPolygonList dynamicsBefore = dynamics;
+  const TVHPolygon closed{{{{0, 0}, {0, 5}, {2, 2}, {5, 0}, {0, 0}}}};  // clockwise and with repeated first point
+  const TPack statics = TPack({closed});
+  const TPack dynamics = TPack({closed});
   for (const bool putInside : {false, true}) TPartsPackNFP().CalcNFP(dynamics, statics, putInside, ntConvexHull);
-  EXPECT_TRUE(AreIdentical(statics, staticsBefore));
-  EXPECT_TRUE(AreIdentical(dynamics, dynamicsBefore));
+  for (const TVHPolygonList& list : {statics, dynamics})
+    for (std::size_t i = 0; i < closed[0].size(); ++i) EXPECT_EQ(list[0][0][i], closed[0][i]);
+  EXPECT_EQ(statics[0][0].size() + dynamics[0][0].size(), 2 * closed[0].size());
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "ExactMinkowski.h"
+#include "Shapes.h"
 #include "platenest/NfpAlgorithmSet/KineticConvolution.h"
 
 namespace platenest {
@@ -42,6 +44,10 @@ inline TVPolyline2D Mirrored(TVPolyline2D Contour) {
 
 inline TPath PathOf(const TVPolyline2D& Contour) {
   return TPathUtils::CreatePath(Contour, kPathScale);
+}
+
+inline TPath OuterOf(const TVHPolygon& Part) {
+  return PolygonOf(Part).front();
 }
 
 struct TConvolutionProbe : TKineticConvolution {

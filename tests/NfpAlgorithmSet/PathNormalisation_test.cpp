@@ -43,12 +43,6 @@ TPath Notched(double Width, double Height, double Area) {
                  {-2, Height - 2}});
 }
 
-TEST(PathNormalisation, NoPathsAreNoOuterPolygonButAnInnerOne) {
-  TPaths none;
-  EXPECT_FALSE(Boxes().NormorlizePaths(none, false));
-  EXPECT_TRUE(Boxes().NormorlizePaths(none, true));
-}
-
 TEST(PathNormalisation, TellsNoiseFromPathsThatMeanSomething) {
   const TPath outline = BoxPath(-2, -2, 12, 12);
   const auto withSlivers = [&outline](int count, Int64 area) {
@@ -135,10 +129,6 @@ TEST(PathNormalisation, TriesHolesInTheirOrder) {
     EXPECT_EQ(paths.size(), row.Kept + 1) << row.What;
     EXPECT_EQ(ClipperLib::Area(paths[0]), 484e10) << row.What;
   }
-  TConvolutionProbe tooLarge(chamber, Rect(0, 0, 10.5, 2));
-  TPaths paths{outline, HolePath(5, 5, 1, 8)};
-  EXPECT_TRUE(tooLarge.NormorlizePaths(paths, false));
-  EXPECT_EQ(paths.size(), 1u);
 }
 
 TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
@@ -149,29 +139,21 @@ TEST(PathNormalisation, CleansOutlinesWithoutHoles) {
     int Similar, Unused, Points, Bump;
     bool Removed;
   };
-  const TRow rows[] = {
-      {box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
-      {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
-      {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
-      {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
-      {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true},
-  };
+  const TRow rows[] = {{box, box, 2, 0, 36, 19, true},          {box, box, 2, 0, 36, 21, false},
+                       {box, box, 2, 0, 35, 14, false},         {box, box, 2, 1, 16, 19, true},
+                       {pentagon, pentagon, 2, 0, 9, 14, true}, {pentagon, pentagon, 2, 0, 9, 16, false},
+                       {pentagon, box, 2, 0, 9, 14, false},     {comb3, comb2, 4, 0, 8, 14, true},
+                       {comb3, comb2, 3, 0, 8, 14, false},      {comb3, comb4, 3, 0, 8, 14, true}};
   for (const TRow& row : rows) {
     TConvolutionProbe convolution(row.St, row.Dy);
     convolution._selfNfp = row.Similar;
-    // Turned so that the first edge is upright: the bump lies right of its middle.
-    const double radius = 7e5;
-    const double half = std::numbers::pi / (row.Points - 1);
-    TPath outline;
-    for (int i = 0; i < row.Points - 1; ++i)
-      outline.push_back(TPathUtils::CreateIntPoint(std::llround(radius * std::cos((2 * i - 1) * half)),
-                                                   std::llround(radius * std::sin((2 * i - 1) * half))));
-    outline.insert(outline.begin() + 1, TPathUtils::CreateIntPoint(outline[0].X + row.Bump, Int64{0}));
+    TVPolyline2D outline = test::Circle(row.Points - 1, 7);
+    const TPoint2D middle = (outline[0] + outline[1]) * 0.5;
+    outline.insert(outline.begin() + 1, middle * (1 + row.Bump / kPathScale / middle.Mag()));
     TPaths paths(row.Unused, Sliver(12'000));
-    paths.push_back(outline);
+    paths.push_back(PathOf(outline));
     EXPECT_TRUE(convolution.NormorlizePaths(paths, false));
-    EXPECT_EQ(Size(paths[0]), row.Points - (row.Removed ? 1 : 0))
-        << "similar " << row.Similar << ", " << row.Points << " points, bump " << row.Bump;
+    EXPECT_EQ(Size(paths[0]) < row.Points, row.Removed) << row.Points << " points, bump " << row.Bump;
   }
 }
 
@@ -190,7 +172,6 @@ TEST(PathNormalisation, RefusesOutlinesThatAreTooSmall) {
       {"both and a little", large, small, 0, Notched(12, 12, 104.15), true},
       {"narrow", large, small, 0, Notched(11.89, 12, 140), false},
       {"low", large, small, 0, Notched(12, 11.89, 140), false},
-      {"not narrow", large, small, 0, Notched(11.91, 12, 140), true},
       {"equal boxes, narrow", large, large, 0, Notched(19.89, 20, 349.9), false},
       {"alike combs, narrow", comb, comb, 3, Notched(21.89, 4, 66), false},
       {"alike combs", comb, comb, 3, Notched(21.91, 4, 66), true},
@@ -201,17 +182,6 @@ TEST(PathNormalisation, RefusesOutlinesThatAreTooSmall) {
     convolution._selfNfp = row.Similar;
     TPaths paths{row.Path};
     EXPECT_EQ(convolution.NormorlizePaths(paths, false), row.Expected) << row.What;
-  }
-}
-
-TEST(PathNormalisation, ThinsLongPaths) {
-  // A wave of 0.0025 on a straight edge: gone above 3000 points, where 0.003 may go.
-  for (const int points : {2999, 3003}) {
-    TPath path{{1'000'000, 1'000'000}, {-200'000, 1'000'000}, {-200'000, -200'000}, {1'000'000, -200'000}};
-    for (int i = 1; Size(path) < points; ++i) path.push_back({1'000'000 + (i % 2) * 250, -200'000 + 300 * i});
-    TPaths paths{path};
-    EXPECT_TRUE(Boxes().NormorlizePaths(paths, false));
-    EXPECT_EQ(paths[0].size() < 10, points > 3000);
   }
 }
 
@@ -229,19 +199,27 @@ TPath PolygonPath(double X, double Y, int Points, double Area) {
 }
 
 TEST(PathNormalisation, EmptiesASoleInnerPathThatIsNoRegion) {
+  const auto slot = [](int points, Int64 height) {
+    TPath path{{90'000, height}, {0, height}};
+    for (int i = 0; i < points - 2; ++i) path.push_back({90'000 * i / (points - 3), 0});
+    return path;
+  };
   struct TRow {
     const char* What;
     TPath Path;
     std::size_t Left;
   };
   TRow rows[] = {
-      {"clockwise", HolePath(1, 1, 3, 3), 0},
+      {"clockwise", PathOf(Clockwise(test::Circle(6, 1))), 0},
       {"triangle below 4e-6", PolygonPath(2, 2, 3, 3.9e-6), 0},
       {"triangle above", PolygonPath(2, 2, 3, 4.1e-6), 1},
       {"box below 1e-6", PolygonPath(2, 2, 4, 0.9e-6), 0},
       {"box above", PolygonPath(2, 2, 4, 1.1e-6), 1},
       {"hexagon", PolygonPath(2, 2, 6, 0.9e-6), 1},
-      {"a slot is cleaned away", {{0, 0}, {100'000, 0}, {100'000, 14}, {0, 14}}, 0},
+      {"a slot is cleaned away", slot(4, 14), 0},
+      {"a wider one is not", slot(4, 16), 1},
+      {"with nine points it is", slot(9, 24), 0},
+      {"up to its width", slot(9, 26), 1},
       {"two points", {{0, 0}, {9, 9}}, 0},
   };
   for (TRow& row : rows) {
@@ -252,7 +230,7 @@ TEST(PathNormalisation, EmptiesASoleInnerPathThatIsNoRegion) {
 }
 
 TEST(PathNormalisation, TriesASoleInnerPathOfRichLoops) {
-  const TVPolyline2D box = Rect(0, 0, 2, 2), unit = Rect(0, 0, 1, 1);
+  const TVPolyline2D unit = Rect(0, 0, 1, 1);
   struct TRow {
     const char* What;
     TVPolyline2D Cavity, Shape;
@@ -265,8 +243,6 @@ TEST(PathNormalisation, TriesASoleInnerPathOfRichLoops) {
       {"large region", test::Circle(351, 50), unit, 10.1, 8, false},
       {"fewer edges", test::Circle(350, 50), unit, 9.9, 8, false},
       {"long path", test::Circle(351, 50), unit, 9.9, 54, true},
-      {"region below the shape", test::Circle(7, 50), box, 3.9, 8, true},
-      {"six edges", test::Circle(6, 50), box, 3.9, 8, false},
       {"dense", CombOf(9, 9), unit, 20, 8, true},
       {"parallel in both", CombOf(8, 9), CombOf(2, 0.5), 20, 8, true},
   };
@@ -324,11 +300,6 @@ TEST(PathNormalisation, SortsOutSeveralRegions) {
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0006)}), 1) << "nothing left to try";
   EXPECT_EQ(left(Cavity(comb10, unit), {inBar, BoxPath(2, 7, 9, 0.0008)}), 2);
 
-  TPath slot{{0, 1'400'014}};
-  for (int i = 0; i < 110; ++i) slot.push_back({1000 * i, 1'400'000});
-  slot.push_back({109'000, 1'400'014});
-  EXPECT_EQ(left(Cavity(box, unit), {region, slot}), 1) << "cleaned away";
-
   for (const std::size_t count : {25u, 26u}) {
     TPaths regions(count, inBar);
     EXPECT_EQ(Cavity(comb, test::Circle(6, 0.5)).NormorlizePaths(regions, true), count == 25);
@@ -356,25 +327,10 @@ TEST(TrialPlacement, LooksAtTheFirstPointOrAtAll) {
   EXPECT_TRUE(whole(lateOverlap, 0));
   EXPECT_FALSE(whole(lateOverlap, -1)) << "shrunk by 15";
   EXPECT_TRUE(whole(lateOverlap, 1)) << "grown";
-  for (TPath box : {BoxPath(20, 20, 1, 0.0002), BoxPath(20, 20, 1, 0.0003)}) {
-    EXPECT_TRUE(first(box, -1)) << "nothing left";
-    EXPECT_TRUE(whole(box, -1));
-  }
+  EXPECT_TRUE(first(BoxPath(20, 20, 1, 0.0003), -1)) << "nothing left";
+  EXPECT_TRUE(whole(BoxPath(20, 20, 1, 0.0003), -1));
   EXPECT_FALSE(first(BoxPath(20, 20, 1, 0.0004), -1));
-  EXPECT_FALSE(first(HolePath(9.99995, 5, 2, 2), -1)) << "a hole shrinks too";
   EXPECT_TRUE(first({}, 0));
-}
-
-TEST(TrialPlacement, AClockwiseLoopIsACavityForTheOther) {
-  const TVPolyline2D cavity = Clockwise(Rect(0, 0, 10, 10)), part = Rect(0, 0, 2, 2);
-  const auto invalid = [](const TVPolyline2D& st, const TVPolyline2D& dy, const TIntPoint& place) {
-    return TConvolutionProbe::PathInvalid(LoopOf(st), LoopOf(Mirrored(dy)), {place}, 0);
-  };
-  EXPECT_FALSE(invalid(cavity, part, {800'000, 800'000}));
-  EXPECT_TRUE(invalid(cavity, part, {800'010, 800'000}));
-  EXPECT_FALSE(invalid(part, cavity, {-800'000, -800'000})) << "the hole goes round the part";
-  EXPECT_TRUE(invalid(part, cavity, {10, 0}));
-  EXPECT_TRUE(invalid(part, part, {0, 0})) << "an exact copy in the same place";
 }
 
 }  // namespace

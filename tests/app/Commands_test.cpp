@@ -20,6 +20,16 @@ constexpr const char* kJob =
     R"({"schema": "platenest-job/1", "name": "panels", "kind": "one", "gap": 5, "margin": 10,
         "plates": [{"id": "board", "width": 1000, "height": 700}], "parts": [{"id": "panel", "width": 300, "height": 200}]})";
 
+std::string TextOf(const std::filesystem::path& Path) {
+  return (std::ostringstream() << std::ifstream(Path).rdbuf()).str();
+}
+
+std::vector<std::string> CopyExamples(const TempFolder& Folder) {
+  for (const auto& entry : std::filesystem::directory_iterator(PLATENEST_EXAMPLES))
+    Folder.Write(entry.path().filename().string(), TextOf(entry.path()));
+  return Folder.List();
+}
+
 TEST(One, AnswersAJobFileAndTheAnswerPassesTheCheck) {
   const TempFolder folder;
   folder.Write("job.json", kJob);
@@ -68,49 +78,30 @@ TEST(Nfp, AnswersPairsDrawsThemAndTheAnswersPassTheCheck) {
   EXPECT_EQ(folder.Run("one job.json").Exit, 3);
 }
 
-// A job of one of the kinds about one part.
-std::string PartJob(const std::string& Kind, const std::string& Members) {
-  return R"({"schema": "platenest-job/1", "name": "angle", "kind": ")" + Kind +
-         R"(", "parts": [{"id": "l", "outline": [[0, 0], [40, 0], [40, 10], [10, 10], [10, 30], [0, 30]]},
-             {"id": "board", "width": 90, "height": 40}], "part": "l")" +
-         Members + "}";
-}
-
 TEST(PartKinds, AnswerDrawAndPassTheCheck) {
   const TempFolder folder;
-  folder.Write("array.json", PartJob("array", ""));
-  const Outcome array = folder.Run("array array.json --along y --separate --gap 2 -o a.json --svg out/");
+  CopyExamples(folder);
+  const Outcome array = folder.Run("array l-shape.json --along y --separate --gap 2 -o a.json --svg out/");
   EXPECT_EQ(array.Exit, 0) << array.Err;
-  EXPECT_THAT(array.Err, HasSubstr("angle: complete, two vectors\n  first      0.000, 32.000\n"));
+  EXPECT_THAT(array.Err, HasSubstr("rows of an angle: complete, two vectors\n  first      0.000, 92.000\n"));
   EXPECT_THAT(array.Err, HasSubstr("written    a.json, out/array-001.svg\n"));
   EXPECT_THAT(folder.Read("out/array-001.svg"), HasSubstr("data-cell"));
-  EXPECT_EQ(folder.Run("check array.json a.json --along y").Exit, 0);
-  EXPECT_EQ(folder.Run("check array.json a.json --gap 3").Exit, 1);
-  EXPECT_THAT(folder.Run("array array.json --of k").Err, HasSubstr("--of: names no part, found \"k\""));
-  EXPECT_THAT(folder.Run("array array.json --separate").Err, HasSubstr("--separate: goes with `along`"));
-  EXPECT_EQ(folder.Run("array array.json --along z").Exit, 2);
-  EXPECT_EQ(folder.Run("label array.json").Exit, 3);
-  EXPECT_EQ(folder.Run("array array.json --radius 3").Exit, 2);
-
-  folder.Write("label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
-  EXPECT_EQ(folder.Run("label label.json -o l.json --svg out/ --quiet").Exit, 0);
-  EXPECT_EQ(folder.Run("check label.json l.json").Exit, 0);
-  EXPECT_EQ(folder.Run("check label.json l.json --label 21x5").Exit, 1);
-  EXPECT_THAT(folder.Run("label label.json --label 20x0").Err, HasSubstr("--label: height must be above 0"));
-}
-
-TEST(PartKinds, NoPlaceIsAnAnswerWithExitCode1) {
-  const TempFolder folder;
-  folder.Write("label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
-  folder.Write("sucker.json", PartJob("sucker", R"(, "radius": 4)"));
-  const Outcome label = folder.Run("label label.json --offset 9");
-  EXPECT_EQ(label.Exit, 1);
-  EXPECT_THAT(label.Err, HasSubstr("angle: complete, no place for the label\n"));
-  EXPECT_FALSE(ParseResult(label.Out).Label->Found);
-  EXPECT_EQ(folder.Run("sucker sucker.json --of board").Exit, 0);
-  const Outcome sucker = folder.Run("sucker sucker.json --radius 30 -o s.json --svg out/");
-  EXPECT_EQ(sucker.Exit, 1);
-  EXPECT_THAT(sucker.Err, HasSubstr("no place for the gripper\n"));
+  const std::tuple<int, std::string, std::string> cases[] = {
+      {0, "check l-shape.json a.json --along y --gap 2", "OK: "},
+      {1, "check l-shape.json a.json --gap 3", "/gap: "},
+      {2, "array l-shape.json --of k", "--of: names no part, found \"k\""},
+      {2, "array l-shape.json --separate", "--separate: goes with `along`"},
+      {2, "array l-shape.json --radius 3", "--radius: has no meaning for array"},
+      {3, "label l-shape.json", "/kind: must be `label`"},
+      {2, "label cover-label.json --label 20x0", "--label: height must be above 0"},
+      {1, "label cover-label.json --offset 90", ": complete, no place for the label\n"},
+      {1, "sucker cover-gripper.json --radius 90 --svg out/", "no place for the gripper\n"},
+  };
+  for (const auto& [exit, line, message] : cases) {
+    const Outcome outcome = folder.Run(line);
+    EXPECT_EQ(outcome.Exit, exit) << line;
+    EXPECT_THAT(outcome.Err, HasSubstr(message)) << line;
+  }
   EXPECT_THAT(folder.Read("out/sucker-001.svg"), HasSubstr("no place for the gripper"));
 }
 
@@ -155,25 +146,30 @@ TEST(Convert, TurnsRectanglesAndTablesIntoJobsAndBack) {
 
 TEST(Examples, EachIsAnsweredByTheCommandOfItsKind) {
   const TempFolder folder;
-  for (const auto& entry : std::filesystem::directory_iterator(PLATENEST_EXAMPLES)) {
-    const std::string file = entry.path().string();
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    const std::string kind(KindName(ParseJob(text.str()).Kind));
+  for (const std::string& file : CopyExamples(folder)) {
+    const std::string kind(KindName(ParseJob(folder.Read(file)).Kind));
     EXPECT_EQ(folder.Run(kind + " " + file + " -o result.json --svg out/ --quiet").Exit, 0) << file;
     EXPECT_EQ(folder.Run("check " + file + " result.json --quiet").Exit, 0) << file;
   }
 }
 
+// Runs the lines of a text that begin with Mark, up to a comment, and tells how many there are.
+int RunLines(const TempFolder& Folder, const std::string& Text, const std::string& Mark) {
+  std::istringstream page(Text);
+  int count = 0;
+  for (std::string line; std::getline(page, line);) {
+    if (!line.starts_with(Mark)) continue;
+    ++count;
+    const Outcome outcome = Folder.Run(line.substr(Mark.size(), line.find('#') - Mark.size()));
+    EXPECT_EQ(outcome.Exit, 0) << line << "\n" << outcome.Err;
+  }
+  return count;
+}
+
 // Each page tells the command's options, and its examples run in their order, each as it stands there.
 TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
   const TempFolder folder;
-  folder.Write("job.json", kJob);
-  folder.Write("brackets.json", kShapes);
-  folder.Write("plate.json", kShapes);
-  folder.Write("l-shape.json", PartJob("array", ""));
-  folder.Write("cover-label.json", PartJob("label", R"(, "label": {"width": 20, "height": 5})"));
-  folder.Write("cover-gripper.json", PartJob("sucker", R"(, "radius": 4)"));
+  CopyExamples(folder);
   folder.Write("demand.txt", "1000 500\n300 200 60000 8\n");
   folder.Write("demand.csv", "id,width,height,amount\na,300,200,4\nb,450,120,2\n");
   for (const CommandRow& command : CommandTable()) {
@@ -181,22 +177,13 @@ TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
     const Outcome help = RunLine(name + " --help");
     EXPECT_TRUE(help.Exit == 0 && help.Err.empty());
     EXPECT_THAT(help.Out, StartsWith("Usage: platenest " + name));
-    EXPECT_THAT(help.Out, HasSubstr("lower right corner"));
     for (const OptionRow& option : OptionTable()) {
       const bool isShown = help.Out.find("\n  " + std::string(option.Name) + " ") != std::string::npos;
       EXPECT_EQ(isShown, Takes(command.Id, option)) << name << " " << option.Name;
     }
-    std::istringstream page(help.Out);
-    int examples = 0;
-    for (std::string line; std::getline(page, line);) {
-      if (!line.starts_with("  platenest ")) continue;
-      ++examples;
-      const Outcome outcome = folder.Run(line.substr(12));
-      EXPECT_EQ(outcome.Exit, 0) << line << "\n" << outcome.Err;
-    }
-    EXPECT_EQ(examples, 2) << name;
+    EXPECT_EQ(RunLines(folder, help.Out, "  platenest "), 2) << name;
   }
-  EXPECT_EQ(ParseJob(folder.Read("demand.json")).Kind, JobKind::Fill);
+  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 9);
   EXPECT_THAT(RunLine("--help").Out, HasSubstr("Exit codes:"));
   EXPECT_THAT(RunLine("--version").Out, testing::MatchesRegex("platenest [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }

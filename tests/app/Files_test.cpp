@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,14 +46,12 @@ TEST(Files, FaultsNameTheFileAndThePlaceAndLeaveAllAsItWas) {
   folder.Write("file", "former");
   folder.Write("job.json", kNineParts);
   folder.Write("bad.json", Replaced(kNineParts, "9,", "\"9\","));
-  folder.Write("fill.json", Replaced(kNineParts, "\"one\"", "\"fill\""));
   folder.Write("r.json", "[]");
   folder.Write("demand.csv", "id,width,height,amount\nside,720,560,2.5\n");
   folder.Write("big.json", kNineParts);
   std::filesystem::resize_file(folder / "big.json", kMostBytes + 1);
   const std::vector<std::string> names = folder.List();
   const std::tuple<int, std::string, std::string> cases[] = {
-      {3, "one fill.json", "fill.json: /kind: must be `one`"},
       {3, "check job.json r.json", "r.json: "},
       {3, "check bad.json r.json", "bad.json: /plates/0/width: "},
       {3, "convert " + folder / "demand.csv" + " r.json --plate 9x9", folder / "demand.csv" + ":2:amount: "},
@@ -64,7 +61,6 @@ TEST(Files, FaultsNameTheFileAndThePlaceAndLeaveAllAsItWas) {
       {5, "one no.json", "no.json: cannot be opened: No such file or directory\n"},
       {5, kSmallRun + " -o missing/r.json", "missing/r.json: cannot be written: No such file or directory\n"},
       {5, kSmallRun + " -o .", ".: cannot be written: Is a directory\n"},
-      {5, kSmallRun + " --csv missing/p.csv", "missing/p.csv: cannot be written: No such file or directory\n"},
       {5, kSmallRun + " --svg file", "file: cannot be made a folder: Not a directory\n"},
       {5, kSmallRun + " -o /dev/full", "/dev/full: cannot be written: No space left on device\n"},
   };
@@ -135,19 +131,6 @@ TEST(Input, GarbageIsRefusedInOneSafeLine) {
     EXPECT_THAT(outcome.Err, StartsWith("platenest: error: standard input: "));
     EXPECT_EQ(outcome.Err.find('\x1b'), std::string::npos);
   }
-}
-
-TEST(Input, ComesFromANamedPipeAndAPipeWithoutAWriterIsGivenUpAtASignal) {
-  const TempFolder folder;
-  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-  const Start start{.Line = "one pipe --quiet", .Folder = folder.Path()};
-  Process process(start);
-  folder.Write("pipe", kNineParts);
-  EXPECT_EQ(ParseResult(process.Finish().Out).Parts.front().Placed, 9);
-  Process waiting(start);
-  waiting.AwaitHandler(SIGINT);
-  waiting.Signal(SIGINT);
-  EXPECT_EQ(waiting.Finish().Exit, 7);
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include "Process.h"
 #include "Program.h"
 #include "ProgressView.h"
-#include "Text.h"
 
 // The program around runs that the library gives only on a bad day, or not at a chosen moment.
 namespace platenest {
@@ -83,11 +82,6 @@ const Runner kThreeSteps = [](const Job& job, const RunHooks& hooks) {
   return run(job, {});
 };
 
-TEST(ProgressLines, StandAtEachImprovementWhereNobodyWatches) {
-  EXPECT_THAT(Execute(RunWith(kThreeSteps)).Err, StartsWith("step  0 s  plates 1  use 25.0 %  bound 8  unplaced 3\n"
-                                                            "step  0 s  plates 1  use 50.0 %  bound 8  unplaced 3\n"));
-}
-
 TEST(ProgressLines, ObjectsAreHeldBackButTheLastNewsComes) {
   const Runner manySteps = [](const Job& job, const RunHooks& hooks) {
     for (int i = 0; i < 1000; ++i) hooks.OnProgress(At("step", 0.25));
@@ -108,8 +102,9 @@ TEST(ProgressLines, OneLineOfATerminalIsRewrittenAndLeftEmpty) {
   const std::string summary = err.substr(err.rfind('\r', err.find("complete")));
   EXPECT_THAT(summary, StartsWith("\rcomplete, "));
   EXPECT_EQ(err.find("\033"), std::string::npos);
-  start.Environment = {{"TERM", "dumb"}};
-  EXPECT_THAT(Execute(start).Err, StartsWith("step  0 s  plates 1  use 25.0 %"));
+  start.TerminalErr = false;
+  EXPECT_THAT(Execute(start).Err, StartsWith("step  0 s  plates 1  use 25.0 %  bound 8  unplaced 3\n"
+                                             "step  0 s  plates 1  use 50.0 %  bound 8  unplaced 3\n"));
 }
 
 TEST(ProgressLines, PaceIsAtMostFiveASecondAndAtLeastOneInTwo) {
@@ -127,17 +122,6 @@ TEST(ProgressLines, PaceIsAtMostFiveASecondAndAtLeastOneInTwo) {
     }
     EXPECT_LE(lines, 60 * 4) << "and one more at the end of a run";
   }
-}
-
-TEST(Texts, NumbersAreWholeAndFiniteAndWordsFindTheirLike) {
-  EXPECT_EQ(ParseNumber("-1.5e3"), -1500);
-  for (const char* text : {"", " 1", "1 ", "1,5", "0x10", "inf", "nan", "1e999", "+1"}) {
-    EXPECT_FALSE(ParseNumber(text)) << text;
-  }
-  constexpr std::string_view kNames[] = {"--gap", "--svg", "--csv"};
-  EXPECT_EQ(NearestWord("--gpa", kNames), "--gap");
-  EXPECT_EQ(NearestWord("--something", kNames), "");
-  EXPECT_EQ(Printable("a\n\x1b[1m\xC2\x9B\xC3\xA9"), "a\\x0a\\x1b[1m\xC2\\x9b\xC3\xA9");
 }
 
 }  // namespace

@@ -61,14 +61,6 @@ bool IsBroken(int Fd) {
   return ::poll(&item, 1, 0) > 0 && (item.revents & POLLERR) != 0;
 }
 
-bool CatchesSignal(pid_t Pid, int Number) {
-  std::ifstream status("/proc/" + std::to_string(Pid) + "/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("SigCgt:")) return (std::stoull(line.substr(7), nullptr, 16) >> (Number - 1) & 1) != 0;
-  }
-  return false;
-}
-
 }  // namespace
 
 Process::Process(const Start& AStart) {
@@ -128,10 +120,6 @@ void Process::Feed(const std::string& Text) {
 
 void Process::AwaitOutput() {
   Await([this] { return HasBytes(FOut); });
-}
-
-void Process::AwaitHandler(int Number) {
-  Await([this, Number] { return CatchesSignal(FPid, Number); });
 }
 
 void Process::AwaitError(const std::string& Text) {

@@ -35,7 +35,6 @@ class Process {
 
   void Feed(const std::string& Text);  // to standard input; returns when the program has taken all of it
   void AwaitOutput();                  // until something waits, unread, on standard output
-  void AwaitHandler(int Number);       // until the program has a handler of its own for this signal
   void AwaitError(const std::string& Text);
   void Signal(int Number) const;
   Outcome Finish();  // reads both streams to their ends; a program that takes over 60 s is killed

@@ -35,9 +35,11 @@ TEST(ResultForm, FaultsHaveTheirCodeAndPlace) {
       {"\"min_clearance\": 4,", "", "InputError: missing /layouts/0"},
       {"\"rotated\": true", "\"rotate\": true",
        "InputError: unknown-key /layouts/0/placements/0/rotate, missing /layouts/0/placements/0"},
+      {"\"layouts\": [",
+       "\"pairs\": [{\"fixed\": \"a\", \"moving\": \"b\", \"quality\": \"exact\", \"paths\": []}], \"layouts\": [",
+       "InputError: conflict /pairs"},
       {"\"threads\": 4, ", "", "InputError: missing /run"},
       {", \"seconds\": 12.4", ", \"seconds\": -1.5", "InputError: range /run/seconds"},
-      {"\"copies\": 4", "\"copies\": 4294967296", "LimitError: limit /layouts/0/copies"},
       {"\"left_by_method\"", "\"time limit\"", "InputError: choice /parts/1/reason"},
       {"\"the margin leaves little\"", "\"a\", 1", "InputError: type /warnings/1"},
   };

@@ -44,17 +44,6 @@ TEST(Texts, Utf8IsJudgedByTheBook) {
   }
 }
 
-TEST(Texts, SlipsAreNamedAndOtherWordsAreNot) {
-  constexpr std::string_view known[] = {"id", "width", "height", "amount", "count"};
-  const std::pair<const char*, const char*> cases[] = {
-      {"amont", "amount"}, {"amuont", "amount"}, {"AMOUNT", "amount"}, {"amounts", "amount"}, {"widht", "width"},
-      {"cuont", "count"},  {"di", "id"},         {"xx", ""},           {"length", ""},        {"", ""}};
-  for (const auto& [word, expected] : cases) {
-    const std::string hint = *expected == 0 ? "" : std::string(", did you mean `") + expected + "`?";
-    EXPECT_EQ(NearMiss(word, known), hint) << word;
-  }
-}
-
 // Texts of the input reach terminals: nothing in them may act there.
 TEST(Texts, QuotedTextStaysOnOneLineAndHarmless) {
   EXPECT_EQ(Quoted("a\n\x1B[2J\x7F\xC2\x9B\"\\"), R"("a\n\u001b[2J\u007f\u009b\"\\")");

@@ -43,12 +43,9 @@ TEST(CheckRectLayout, TellsEachFaultFromAValidLayout) {
       {"left", [](TNestedRects& L) { L[0].Trans.X = -2e-6; }, "placement 0 of part 7 box [-0.000002, 0, 9.999998, 5]"},
       {"top", [](TNestedRects& L) { L[3].Trans.Y = 8.5; }, "reaches 1.5 beyond the top of [0, 0, 22, 12]"},
       {"turned, not told", [](TNestedRects& L) { L[2].IsRotate = false, L[2].Trans.X = 22; }, "5 beyond the right of"},
-      {"stored turned", [](TNestedRects& L) { L[2].Part.BoundBox = TVRect2D::FromSize(4, 5); },
-       "placement 2 of part 4 has size 4 x 5, but the demand says 5 x 4"},
       {"too many", [](TNestedRects& L) { L.push_back(L[2]); }, "placement 4 of part 4 is copy 2 of 1 wanted"},
       {"unknown part", [](TNestedRects& L) { L[2].Part.Idx = 1; }, "placement 2 of part 1 is no part of the demand"},
       {"no number", [nan](TNestedRects& L) { L[1].Trans.Y = nan; }, "placement 1 of part 7 has a size or position"},
-      {"no size", [](TNestedRects& L) { L[1].Part.BoundBox = TVRect2D::FromSize(10, 0); }, "which is not positive"},
   };
   for (const auto& spoiled : cases) {
     TNestedRects layout = FullPlate();
@@ -63,16 +60,8 @@ TEST(CheckRectLayout, AllowsOneMillionthAndNoMore) {
   layout[2].Trans.X -= 0.9e-6;  // into the gap
   EXPECT_EQ(CheckRectLayout(layout, kPlate, kGap, kDemand), "");
   EXPECT_NE(CheckRectLayout(layout, kPlate, kGap, kDemand, {.Tol = 1e-7}), "");
-}
-
-TEST(CheckRectLayout, CornersMayBeNearOnBothAxes) {
-  const TNestRectList demand = {{2, 0, TVRect2D::FromSize(1, 1)}};
-  const auto diagonal = [&](double step) {
-    return CheckRectLayout({{demand[0], false, {0, 0}}, {demand[0], false, {1 + step, 1 + step}}},
-                           TVRect2D::FromSize(9, 9), 5, demand);
-  };
-  EXPECT_EQ(diagonal(5 / std::sqrt(2.0)), "") << "5 apart as the crow flies, 3.54 on each axis";
-  EXPECT_THAT(diagonal(3.53), HasSubstr("placements 0 and 1 are 4.99"));
+  EXPECT_NE(CheckRectLayout(FullPlate(), kPlate, std::nan(""), kDemand), "");
+  EXPECT_GT(CheckTolerance({-1e12, 0, 1, 1}), 1e-4) << "doubles are coarser there";
 }
 
 TEST(CheckRectLayout, ReadsAmounts) {
@@ -83,18 +72,6 @@ TEST(CheckRectLayout, ReadsAmounts) {
   EXPECT_NE(CheckRectLayout(two, plate, 1, {{1, 5, size}, {-9, 5, size}}), "");
   EXPECT_EQ(CheckRectLayout(two, plate, 1, {{2, 5, size}, {-9, 5, size}}), "") << "below 0 counts as none";
   EXPECT_EQ(CheckRectLayout(two, plate, 1, {{-1, 5, size}}, {.NegativeAmountIsNoLimit = true}), "");
-}
-
-TEST(CheckRectLayout, NothingPlacedIsValidOnAnyPlate) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(CheckRectLayout({}, TVRect2D::InvalidRect, nan, {}), "");
-  EXPECT_NE(CheckRectLayout(FullPlate(), TVRect2D::FromSize(22, nan), kGap, kDemand), "");
-  EXPECT_NE(CheckRectLayout(FullPlate(), kPlate, nan, kDemand), "");
-}
-
-TEST(CheckTolerance, GivesWayOnlyWhereDoublesAreCoarser) {
-  EXPECT_EQ(CheckTolerance({0, 0, 1e6, 1e6}), 1e-6);
-  EXPECT_GT(CheckTolerance({-1e12, 0, 1, 1}), 1e-4);
 }
 
 std::vector<TPlacedBox> RandomBoxes(std::mt19937_64& Random, int Count) {

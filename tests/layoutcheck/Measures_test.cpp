@@ -87,26 +87,6 @@ TEST(IsEdgeToEdge, EqualsTheSearchOverAllCuts) {
     const TBoxes boxes = Disjoint(OnGrid(40, 7, 4));
     ASSERT_EQ(IsEdgeToEdge(boxes), NaiveEdgeToEdge(boxes)) << "seed " << seed;
   }
-}
-
-TEST(IsEdgeToEdge, PartsLargeCutPlatesAndStopsAtOnePinwheel) {
-  for (const double kerf : {0.0, 3.0, -0.9e-6}) {
-    TBoxes boxes;
-    for (int i = 0; i < 2000; ++i) {  // columns of 40 at heights of their own
-      const double x = (100 + kerf) * (i / 40), y = (50 + kerf) * (i % 40) + i / 40;
-      boxes.push_back({x, y, x + 100, y + 50});
-    }
-    EXPECT_TRUE(IsEdgeToEdge(boxes)) << kerf;
-    //   a a c      four boxes around a hole, none of which a straight cut can part
-    //   b   c
-    //   b d d
-    const TPlacedBox at = boxes.back();
-    boxes.pop_back();
-    for (const auto& [l, b, r, t] : TBoxes{{0, 2, 2, 3}, {0, 0, 1, 2}, {2, 1, 3, 3}, {1, 0, 3, 1}})
-      boxes.push_back({at.Left + l * at.Width() / 3, at.Bottom + b * at.Height() / 3, at.Left + r * at.Width() / 3,
-                       at.Bottom + t * at.Height() / 3});
-    EXPECT_FALSE(IsEdgeToEdge(boxes)) << kerf;
-  }
   EXPECT_FALSE(IsEdgeToEdge(TBoxes{{0, 0, 2, 2}, {1, 1, 3, 3}}));
 }
 
@@ -167,16 +147,6 @@ TEST(LargestFreeBox, KeepsTheClearanceAndNamesTheOffcutExactly) {
   const TPlacedBox area{0, 0, 40, 20};
   EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 30.1, 20}}, area, 4), (TPlacedBox{30.1 + 4, 0, 40, 20}));
   EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 36, 20}}, area, 4), std::nullopt);
-  EXPECT_EQ(LargestFreeBox(TBoxes{{0, 0, 40 - 1e-7, 20}}, area, 0), std::nullopt) << "a sliver is no offcut";
-  EXPECT_THROW(LargestFreeBox(TBoxes{}, area, -1), TArgumentError);
-  EXPECT_THROW(LargestFreeBox(TBoxes{{3, 0, 2, 1}}, area, 0), TArgumentError);
-}
-
-TEST(MeasureLayout, GathersEverything) {
-  const TBoxes boxes = {{1, 1, 5, 4}, {7, 1, 9, 9}};
-  const TLayoutMeasures m = MeasureLayout(boxes, {0, 0, 20, 10}, {1, 1, 19, 9}, 2);
-  EXPECT_TRUE(m.Usage == 0.14 && m.MinClearance == 2 && m.EdgeToEdge);
-  EXPECT_TRUE((m.Used == TPlacedBox{1, 1, 9, 9}) && (m.Free == TPlacedBox{11, 1, 19, 9}));
 }
 
 }  // namespace

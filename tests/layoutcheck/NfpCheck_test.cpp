@@ -36,11 +36,33 @@ TEST(NfpCheck, SeesALostHoleOnlyWhereFullOutlinesAreClaimed) {
   EXPECT_THAT(CheckNfp(kFrame, {Box(-2, -2, 10, 10), Box(2, 2, 6, 6)}), HasSubstr("wrong way"));
 }
 
+// With areas: a contour that is lost whole, a wrong piece between the samples, and a plate that has room.
+TEST(NfpCheck, ComparesAreasOfSmallPairs) {
+  const TNfpCheckOptions whole{.MostContacts = 100};
+  const TNfpCheckOptions samples{.MostSamples = 2};
+  const TPaths lost{Box(-2, -2, 10, 10)};
+  EXPECT_EQ(CheckNfp(kFrame, lost, samples), "");
+  EXPECT_THAT(CheckNfp(kFrame, lost, whole), HasSubstr("would fit at ["));
+  EXPECT_EQ(CheckNfp(kFrame, lost, {.IsFull = false, .MostContacts = 100}), "");
+  const TPaths right{Box(-2, -2, 10, 10), Box(2, 2, 6, 6, true)};
+  const TPaths wrong{right[0], Box(2, 2, 6, 7, true)};
+  EXPECT_EQ(CheckNfp(kFrame, wrong, samples), "");
+  EXPECT_THAT(CheckNfp(kFrame, wrong, {.MostSamples = 2, .MostContacts = 100}), HasSubstr("the parts overlap at ["));
+  EXPECT_EQ(CheckNfp(kFrame, right, whole), "");
+  EXPECT_EQ(CheckNfp({kFrame.Moving, kFrame.Fixed, false}, {Box(-10, -10, 2, 2), Box(-6, -6, -2, -2, true)}, whole), "")
+      << "a hole of the moving shape";
+  EXPECT_EQ(CheckNfp({kFrame.Moving, {Box(0, 0, 10, 10)}, false}, {Box(-10, -10, 2, 2)}, whole), "")
+      << "the fixed shape within the moving one";
+  const TNfpQuestion plate{kFrame.Fixed, {Box(0, 0, 1, 1)}, true};
+  EXPECT_THAT(CheckNfp(plate, {}, whole), HasSubstr("would fit at ["));
+  EXPECT_EQ(CheckNfp(plate, {}), "");
+  EXPECT_EQ(CheckNfp(plate, {Box(0, 0, 9, 9), Box(1, 1, 8, 8, true)}, whole), "");
+}
+
 // The plate's hole of 2 keeps a square of 1 out of 3 by 3.
 TEST(NfpCheck, JudgesRegionsFromWithin) {
   const TNfpQuestion plate{{Box(0, 0, 10, 10), Box(4, 4, 6, 6, true)}, {Box(0, 0, 1, 1)}, true};
   EXPECT_EQ(CheckNfp(plate, {Box(0, 0, 9, 9), Box(3, 3, 6, 6, true)}), "");
-  EXPECT_EQ(CheckNfp(plate, {}), "");
   EXPECT_THAT(CheckNfp(plate, {Box(0, 0, 9.01, 9), Box(3, 3, 6, 6, true)}), HasSubstr("sticks out at ["));
   EXPECT_THAT(CheckNfp(plate, {Box(0, 0, 8, 9), Box(3, 3, 6, 6, true)}), HasSubstr("would fit at ["));
 }

@@ -9,45 +9,35 @@
 namespace platenest {
 namespace {
 
+using TSucker = TSuckerInPartAlgo;
+
 TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return TVPolyline2D{{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}, {Left, Bottom}};
+  return TVPolyline2D{{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
 }
 
-TVPolyline2D Opened(TVPolyline2D Line) {
-  Line.pop_back();
+TVPolyline2D Closed(TVPolyline2D Line) {
+  Line.push_back(TPoint2D(Line.front()));
   return Line;
 }
 
-TEST(Sucker, CentroidOfASquareOrNone) {
-  const TVHPolygon square{Box(0, 0, 10, 10)};
+// Only the first contour is asked whether it is closed: an open outline means no place, an open hole is a hole.
+TEST(Sucker, CentroidElseNearestPointElseNone) {
+  const TVPolyline2D open = Box(0, 0, 10, 10);
+  const TVPolyline2D hole = Box(4, 4, 6, 6);
   TPoint2D at{-1, -1};
-  EXPECT_FALSE(TSuckerInPartAlgo::CalcSuckerPosInPart(square, 5.01, at));
+  for (const TVHPolygon& part : {TVHPolygon{}, TVHPolygon{open, Closed(hole)}})
+    EXPECT_FALSE(TSucker::CalcSuckerPosInPart(part, 1, at));
+  EXPECT_FALSE(TSucker::CalcSuckerPosInPart({Closed(open)}, 5.01, at));
   EXPECT_EQ(at.X, -1);
-  ASSERT_TRUE(TSuckerInPartAlgo::CalcSuckerPosInPart(square, 2, at));
+  ASSERT_TRUE(TSucker::CalcSuckerPosInPart({Closed(open)}, 2, at));
   EXPECT_EQ(at, (TPoint2D{5, 5}));
-}
-
-// Only the first contour is asked: an open outline means no place, an open hole is a hole.
-TEST(Sucker, FirstContourDecidesForAll) {
-  TPoint2D at{-1, -1};
-  EXPECT_FALSE(TSuckerInPartAlgo::CalcSuckerPosInPart({Opened(Box(0, 0, 10, 10)), Box(4, 4, 6, 6)}, 1, at));
-  EXPECT_FALSE(TSuckerInPartAlgo::CalcSuckerPosInPart({}, 1, at));
-  ASSERT_TRUE(TSuckerInPartAlgo::CalcSuckerPosInPart({Box(0, 0, 10, 10), Opened(Box(4, 4, 6, 6))}, 1, at));
-  EXPECT_GE(std::max(std::fabs(at.X - 5), std::fabs(at.Y - 5)), 2 - 1e-5);
-}
-
-TEST(Sucker, NearestPointTakesTheFirstOfEqualsAndTheClosingEdge) {
-  const TVHPolygonList two{TVHPolygon{Opened(Box(0, 0, 2, 2))}, TVHPolygon{Opened(Box(-4, 0, -2, 2))}};
-  EXPECT_EQ(TSuckerInPartAlgo::CalcNearestPt(two, {-1, 1}), (TPoint2D{0, 1}));
-  EXPECT_EQ(TSuckerInPartAlgo::CalcNearestPt(two, {-1.5, 1}), (TPoint2D{-2, 1}));
-  EXPECT_THROW(TSuckerInPartAlgo::CalcNearestPt({}, {0, 0}), TRangeError);
-}
-
-TEST(Sucker, RefusesNumbersWithoutMeaning) {
-  TPoint2D at;
-  const double inf = std::numeric_limits<double>::infinity();
-  EXPECT_THROW(TSuckerInPartAlgo::CalcSuckerPosInPart({Box(0, 0, 10, 10)}, inf, at), TArgumentError);
-  EXPECT_THROW(TSuckerInPartAlgo::CalcSuckerPosInPart({Box(0, 0, 1e14, 10)}, 1, at), TArgumentError);
+  ASSERT_TRUE(TSucker::CalcSuckerPosInPart({Closed(open), hole}, 1, at));
+  EXPECT_NEAR(std::max(std::fabs(at.X - 5), std::fabs(at.Y - 5)), 2, 1e-5);
+  // The first of equals, here on the closing edge.
+  EXPECT_EQ(TSucker::CalcNearestPt({{open}, {Box(-14, 0, -4, 10)}}, {-2, 5}), (TPoint2D{0, 5}));
+  EXPECT_THROW(TSucker::CalcSuckerPosInPart({Closed(open)}, std::numeric_limits<double>::infinity(), at),
+               TArgumentError);
+  EXPECT_THROW(TSucker::CalcSuckerPosInPart({Closed(Box(0, 0, 1e14, 10))}, 1, at), TArgumentError);
 }
 
 TEST(Sucker, DiscLiesInRandomParts) {
@@ -55,10 +45,10 @@ TEST(Sucker, DiscLiesInRandomParts) {
   ForEachSeed(44, [&](unsigned Seed) {
     TVHPolygon part = MakeShape(kShapeKinds[Seed % kShapeKinds.size()], 14, 50, Seed);
     const TPaths paths = PolygonOf(part);
-    for (TVPolyline2D& contour : part) contour.push_back(contour.front());
+    part.front() = Closed(part.front());
     const double radius = 0.2 + Seed % 7;
     TPoint2D at;
-    if (!TSuckerInPartAlgo::CalcSuckerPosInPart(part, radius, at)) return;
+    if (!TSucker::CalcSuckerPosInPart(part, radius, at)) return;
     ++found;
     const TIntPoint center = TPathUtils::CreateIntPoint(at, kPathScale);
     EXPECT_EQ(PlaceOf(center, paths), TPlace::Inside);

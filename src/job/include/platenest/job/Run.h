@@ -33,6 +33,7 @@ struct RunHooks {
 
 // Answers a job. Every answer has passed the independent checker. Raises JobError kinds only. Runs on the caller's
 // thread plus one watchdog thread; several runs may go on in parallel threads. Process-wide state is left as it was.
+// Stop and time limit cut a run of kind Nfp between two pairs, one of kind Array, Label or Sucker between two searches.
 PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
 
 // Verifies a result against its job with code that shares nothing with the nesters: positions, plate, margin, gap,

@@ -182,8 +182,7 @@ class PLATENEST_API TLabelInPartAlgo {
                                  const TVRect2D& LabelRect, double Offset, bool& DoesRotate, TPoint2D& TransVec);
   // The margin reached all round, or -1: Offset + k / 16 of the way from Offset to half the part's smaller extent, with
   // k from 0 to 15. Fails as TNFPCalculator does, for instance for lines without area, and as ExpandLine. Cost: the
-  // inner-fit region of a rectangle for at most 5 sizes and, while there are inner lines, as many outer no-fit
-  // polygons.
+  // inner-fit region of a rectangle for at most 5 sizes and, if there are inner lines, as many outer no-fit polygons.
   static double DoCalcLabelPosInPart(const TVPolyline2DList& LayerLines, const TVPolyline2DList& InnerLines,
                                      const TVRect2D& LabelRect, double Offset, TPoint2D& TransVec);
   // The band of a line, delta to either side, with squared corners; always that of the closed line. No band:
@@ -191,6 +190,7 @@ class PLATENEST_API TLabelInPartAlgo {
   // TArgumentError.
   static TVHPolygon ExpandLine(const TVPolyline2D& line, double delta);
   // The translations at which the label lies in the parts and off the inner shapes, at ntConcaveHull; empty if none.
+  // The inner shapes are asked for, and may fail, even where the label fits nowhere in the parts.
   static void CalcNFP(const TVHPolygonList& parts, const TVHPolygonList& inner, const TVHPolygonList& label,
                       TPaths& NFP);
   // A place near the middle of the longer extent: on the line across it the first crossing in the order of the paths,
