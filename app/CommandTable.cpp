@@ -48,7 +48,7 @@ constexpr OptionRow kOptions[] = {
     {"--offset", "LENGTH", Job, kLabels, "least margin all round the label (default 0)"},
     {"--radius", "LENGTH", Job, Bit(Command::Sucker) | kReaders, "radius of the gripper"},
     {"--units", "NAME", Job, kJobs, "mm, cm, m, in or none; a name only, nothing is converted (default mm)"},
-    {"--method", "NAME", Run, kRects, "auto, strip or trim (default auto)"},
+    {"--method", "NAME", Run, kRects, "auto, strip, fiveblock or trim (default auto)"},
     {"--time-limit", "SECONDS", Run, kJobs, "time for the search (default 60, 0 for none)"},
     {"--seed", "N", Run, kJobs, "start of the random numbers (default 1)"},
     {"--threads", "N", Run, kJobs, "threads that work (default: up to 4)"},

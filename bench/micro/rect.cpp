@@ -5,6 +5,7 @@
 #include "platenest/URectNest/Raster.h"
 #include "platenest/URectNest/RectJostler.h"
 #include "platenest/URectNest/RectangleNest.h"
+#include "platenest/URectNest/RecursiveFiveblockNest.h"
 
 namespace platenest {
 namespace {
@@ -57,6 +58,22 @@ void BM_Trim(benchmark::State& State) {
   State.counters["placed"] = list.Count();
 }
 BENCHMARK(BM_Trim)->Unit(benchmark::kMillisecond);
+
+// The full search in whole units.
+void BM_Fiveblock(benchmark::State& State) {
+  const auto side = [&State](int i) { return static_cast<double>(State.range(i)); };
+  const TNestRect part(1, 0, TVRect2D::FromSize(side(2), side(3)));
+  const TRecursiveFiveblockNest nest(TVRect2D::FromSize(side(0), side(1)), part, 0, 0);
+  TNestedRects list;
+  for (auto _ : State) benchmark::DoNotOptimize(nest.SingleNest(list, 0, 0));
+  State.counters["placed"] = list.Count();
+}
+BENCHMARK(BM_Fiveblock)
+    ->ArgNames({"length", "width", "a", "b"})
+    ->Args({2440, 1220, 145, 95})
+    ->Args({124, 81, 21, 10})
+    ->Args({114, 120, 24, 18})
+    ->Unit(benchmark::kMicrosecond);
 
 // Rectangles of 24 sizes in cells of 100 by 100, each somewhere in its cell, as blocks of one; or of one size, 0.05
 // apart, as one block of all.

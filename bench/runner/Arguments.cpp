@@ -8,7 +8,7 @@
 namespace platenest::bench {
 
 const char* const kUsage =
-    "usage: platenest_bench one FILE [--json FILE] [--repeat N] [--rows N] [--quiet]\n"
+    "usage: platenest_bench one FILE [--method strip|fiveblock] [--json FILE] [--repeat N] [--rows N] [--quiet]\n"
     "       platenest_bench nfp FILE... [--json FILE] [--repeat N] [--most PAIRS] [--pair NUMBER] [--turned]\n"
     "                                   [--inside] [--oracle off|sampling|area] [--quiet]\n"
     "       platenest_bench nfp-random|nfp-inside|nfp-jigsaw [--pairs N] [--seed S] [--edges N] [--json FILE]\n"
@@ -24,6 +24,12 @@ bool ReadOracle(std::string_view Word, TOracle& Oracle) {
   const auto found = words.find(Word);
   if (found == words.end()) return false;
   Oracle = found->second;
+  return true;
+}
+
+bool ReadMethod(std::string_view Word, TOneMethod& Method) {
+  if (Word != "strip" && Word != "fiveblock") return false;
+  Method = Word == "strip" ? TOneMethod::Strip : TOneMethod::Fiveblock;
   return true;
 }
 
@@ -49,6 +55,7 @@ bool ReadOption(std::string_view Word, const std::string& Value, TArguments& Arg
     Arguments.Json = Value;
     return true;
   }
+  if (Word == "--method") return ReadMethod(Value, Arguments.Method);
   return Word == "--oracle" && ReadOracle(Value, Arguments.Oracle);
 }
 

@@ -8,12 +8,16 @@ namespace platenest::bench {
 // How far the answers of the kernel are judged.
 enum class TOracle { Off, Sampling, Area };
 
+// The nester of the suite for one size on one plate.
+enum class TOneMethod { Strip, Fiveblock };
+
 struct TArguments {
   std::string Suite;
   std::vector<std::string> Files;
   std::string Json;
   int Repeat = 1;
   int Rows = 0;
+  TOneMethod Method = TOneMethod::Strip;
   bool Quiet = false;
   int Most = 400;  // pairs or parts of an instance
   int Pair = -1;   // the one pair to run, by its number

@@ -18,6 +18,7 @@ struct TPalletJob {
   double PartW = 0;
   double Best = 0;
   double Bound = 0;
+  double Five = 0;
 };
 
 std::vector<TPalletJob> ReadPalletFile(const std::string& File) {
@@ -31,9 +32,10 @@ std::vector<TPalletJob> ReadPalletFile(const std::string& File) {
     throw std::runtime_error(File + ": no column " + name);
   };
   const std::size_t l = column("L"), w = column("W"), a = column("l"), b = column("w");
-  const std::size_t best = column("best"), bound = column("bound");
+  const std::size_t best = column("best"), bound = column("bound"), five = column("five");
   std::vector<TPalletJob> jobs;
-  for (const auto& row : all.at("rows")) jobs.push_back({row[l], row[w], row[a], row[b], row[best], row[bound]});
+  for (const auto& row : all.at("rows"))
+    jobs.push_back({row[l], row[w], row[a], row[b], row[best], row[bound], row[five]});
   return jobs;
 }
 
@@ -41,15 +43,23 @@ std::string Text(double V) {
   return std::to_string(static_cast<long long>(V));
 }
 
-TRow Solve(const TPalletJob& Job, int Repeat) {
+void Nest(TOneMethod Method, const TVRect2D& Plate, const TNestRect& Part, TNestedRects& Layout) {
+  if (Method == TOneMethod::Fiveblock) {
+    TRecursiveFiveblockNest(Plate, Part, 0, 0).SingleNest(Layout, 0, 0);
+    return;
+  }
+  bool isFull = false;
+  TRectangleNest(Plate, Part, 0).SingleNest(Layout, isFull);
+}
+
+TRow Solve(const TPalletJob& Job, const TArguments& Arguments) {
   const TVRect2D plate = TVRect2D::FromSize(Job.L, Job.W);
   const TNestRect part(static_cast<int>(Job.Bound) + 1, 0, TVRect2D::FromSize(Job.PartL, Job.PartW));
   TNestedRects layout;
   TRow row;
-  row.Ms = MedianMs(Repeat, [&] {
+  row.Ms = MedianMs(Arguments.Repeat, [&] {
     layout.clear();
-    bool isFull = false;
-    TRectangleNest(plate, part, 0).SingleNest(layout, isFull);
+    Nest(Arguments.Method, plate, part, layout);
   });
   row.Size = Text(Job.L) + "x" + Text(Job.W);
   row.Id = row.Size + "/" + Text(Job.PartL) + "x" + Text(Job.PartW);
@@ -57,17 +67,18 @@ TRow Solve(const TPalletJob& Job, int Repeat) {
   row.Best = Job.Best;
   row.Bound = static_cast<double>(BarnesBound(static_cast<Int64>(Job.L), static_cast<Int64>(Job.W),
                                               static_cast<Int64>(Job.PartL), static_cast<Int64>(Job.PartW)));
+  row.Figures = {{"five", Job.Five}};
   row.Fault = CheckRectLayout(layout, plate, 0, {part});
   return row;
 }
 
 }  // namespace
 
-std::vector<TRow> RunOneSuite(const std::string& File, int Repeat, int MostRows) {
+std::vector<TRow> RunOneSuite(const TArguments& Arguments) {
   std::vector<TRow> rows;
-  for (const TPalletJob& job : ReadPalletFile(File)) {
-    if (MostRows > 0 && Size(rows) == MostRows) break;
-    rows.push_back(Solve(job, Repeat));
+  for (const TPalletJob& job : ReadPalletFile(Arguments.Files.front())) {
+    if (Arguments.Rows > 0 && Size(rows) == Arguments.Rows) break;
+    rows.push_back(Solve(job, Arguments));
   }
   return rows;
 }

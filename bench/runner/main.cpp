@@ -15,24 +15,25 @@ using namespace platenest::bench;
 namespace {
 
 void PrintSummary(const std::vector<TRow>& Rows) {
-  int atBest = 0, atBound = 0, faults = 0;
+  int atBest = 0, atFive = 0, atBound = 0, faults = 0;
   double total = 0;
   std::vector<double> times;
   for (const TRow& row : Rows) {
     atBest += row.Result >= row.Best;
+    atFive += row.Result >= row.Figures.front().second;
     atBound += row.Result >= row.Bound;
     faults += !row.Fault.empty();
     total += row.Ms;
     times.push_back(row.Ms);
   }
-  std::printf("%zu jobs, %d at the best known value, %d at the bound, %d invalid layouts\n", Rows.size(), atBest,
-              atBound, faults);
+  std::printf("%zu jobs, %d at the best known value, %d at the five-block value, %d at the bound, %d invalid layouts\n",
+              Rows.size(), atBest, atFive, atBound, faults);
   std::printf("time %.1f ms, median %.4f ms, p99 %.4f ms, worst %.4f ms, peak memory %.1f MiB\n", total,
               Quantile(times, 0.5), Quantile(times, 0.99), Quantile(times, 1), PeakMemoryMiB());
 }
 
 std::vector<TRow> RunOne(const TArguments& Arguments) {
-  std::vector<TRow> rows = RunOneSuite(Arguments.Files.front(), Arguments.Repeat, Arguments.Rows);
+  std::vector<TRow> rows = RunOneSuite(Arguments);
   if (!Arguments.Quiet) {
     std::printf("%-24s %10s %10s %10s %10s\n", "instance", "result", "best", "bound", "ms");
     for (const TRow& row : rows)

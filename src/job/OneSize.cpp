@@ -5,9 +5,11 @@
 #include <cmath>
 #include <utility>
 
+#include "OneSizeFiveblock.h"
 #include "Scale.h"
 #include "platenest/URectNest/URectNest.h"
 #include "platenest/foundation/Rounding.h"
+#include "platenest/job/Job.h"
 
 namespace platenest::detail {
 
@@ -90,6 +92,25 @@ TOneSizeAnswer RunTrim(const TPrepared& Job) {
   }
 }
 
+// Strips cost next to nothing. Their layout stands where five blocks do worse, which happens when time runs out or when
+// sizes had to be rounded, and where nothing can be won.
+TOneSizeAnswer RunFiveblock(const TPrepared& Job, const TOneSize& Sizes, bool IsAsked) {
+  TOneSizeAnswer strip = RunStrip(Job);
+  const TOneSizeBounds bounds = BoundOneSize(Sizes);
+  const Int64 most = std::min(bounds.Area, bounds.Barnes);
+  const bool isBest = strip.Layout.Count() >= std::min<Int64>(most, Job.Part.Amount);
+  if (isBest && !IsAsked) return strip;
+  if (most > limits::kCopies) {
+    if (IsAsked) strip.Remark = "so many copies may fit that fiveblock was not tried; the strip layout stands";
+    return strip;
+  }
+  TOneSizeAnswer blocks{NestByFiveblock(Sizes, Job.Part), "fiveblock", {}};
+  if (blocks.Layout.Count() > strip.Layout.Count() || (IsAsked && blocks.Layout.Count() == strip.Layout.Count()))
+    return blocks;
+  if (IsAsked) strip.Remark = "fiveblock placed fewer copies in its time; the strip layout stands";
+  return strip;
+}
+
 }  // namespace
 
 std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& Method, const TOneSize& Sizes,
@@ -97,7 +118,8 @@ std::vector<std::function<TOneSizeAnswer()>> OneSizeMethods(const std::string& M
   const TPrepared job = Prepare(Sizes, Amount);
   const auto strip = [job] { return RunStrip(job); };
   if (Method == "trim") return {[job] { return RunTrim(job); }, strip};
-  return {strip};
+  if (Method == "strip") return {strip};
+  return {[job, Sizes, isAsked = Method == "fiveblock"] { return RunFiveblock(job, Sizes, isAsked); }, strip};
 }
 
 }  // namespace platenest::detail

@@ -49,9 +49,6 @@ void RequireAnswerable(const Job& AJob) {
   if (AJob.Kind != JobKind::One)
     throw InputError({"choice", "/kind",
                       "this version answers jobs of the kinds `one`, `nfp`, `array`, `label` and `sucker` only", ""});
-  if (AJob.Run.Method == "fiveblock")
-    throw InputError(
-        {"choice", "/options/method", "this version knows the methods `auto`, `strip` and `trim` for kind `one`", ""});
   if (AJob.Parts[0].Turn == Rotate::None)
     throw InputError({"conflict", "/parts/0/rotate",
                       "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});

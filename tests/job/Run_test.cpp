@@ -51,6 +51,8 @@ struct TRandomJob {
       job.Margin = {SixDigits(width * 0.01), SixDigits(height * 0.02), 0, SixDigits(height * 0.005)};
     if (Uniform(0, 1) < 0.3) job.Parts[0].Amount = 1 + static_cast<int>(Uniform(0, 50));
     if (Uniform(0, 1) < 0.3) job.Run.Method = "trim";
+    if (Uniform(0, 1) < 0.3) job.Run.Method = "fiveblock";
+    job.Run.TimeLimit = 0.03;
     return job;
   }
 
@@ -118,6 +120,42 @@ TEST(RunOne, TrimFallsBackToThePlainNestWhereItRunsOffItsList) {
   const Result result = run(job);
   EXPECT_EQ(result.Parts[0].Placed, 1);
   EXPECT_EQ(result.Run.Method, "strip");
+  EXPECT_EQ(result.Warnings.size(), 1u);
+}
+
+TEST(RunOne, FiveblockNestsKeepTheGapAndAutoTakesThemOnlyForMoreCopies) {
+  struct TCase {
+    Job AJob;
+    int Strips;
+    int Blocks;
+  };
+  const TCase cases[] = {
+      {OneJob(22, 16, 5, 3), 22, 23},           {OneJob(21, 15, 4, 2, 1), 22, 23},
+      {OneJob(0.16, 0.22, 0.03, 0.05), 22, 23}, {OneJob(2.15, 1.55, 0.45, 0.25, 0.05), 22, 23},
+      {OneJob(1000, 500, 300, 200), 8, 8},
+  };
+  for (auto [job, strips, blocks] : cases) {
+    SCOPED_TRACE(JobToJson(job));
+    job.Run.Method = "strip";
+    EXPECT_EQ(Placed(job), strips);
+    job.Run.Method = "auto";
+    Result result = run(job);
+    EXPECT_EQ(std::tuple(result.Parts[0].Placed, result.Proved), std::tuple(blocks, true));
+    EXPECT_EQ(result.Run.Method, blocks > strips ? "fiveblock" : "strip");
+    EXPECT_EQ(result.Layouts[0].UsedBox[0], 0);
+    job.Run.Method = "fiveblock";
+    job.Parts[0].Amount = 7;
+    result = run(job);
+    EXPECT_EQ(std::tuple(result.Parts[0].Placed, result.Run.Method), std::tuple(7, "fiveblock"));
+  }
+}
+
+TEST(RunOne, StripsStandInWhereFiveblockDoesWorse) {
+  Job job = OneJob(1, 1, 1.0 / 7, 1.0 / 7);  // rounded up to whole units, seven sevenths do not fit
+  job.Run.Method = "fiveblock";
+  const Result result = run(job);
+  EXPECT_EQ(result.Run.Method, "strip");
+  EXPECT_EQ(result.Parts[0].Placed, 49);
   EXPECT_EQ(result.Warnings.size(), 1u);
 }
 

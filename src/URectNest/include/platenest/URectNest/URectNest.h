@@ -8,4 +8,5 @@
 #include "platenest/URectNest/RectJostler.h"
 #include "platenest/URectNest/RectRecords.h"
 #include "platenest/URectNest/RectangleNest.h"
+#include "platenest/URectNest/RecursiveFiveblockNest.h"
 #include "platenest/URectNest/Strips.h"
