@@ -1,5 +1,7 @@
 #pragma once
 
+#include <limits>
+
 #include "platenest/foundation/Types.h"
 
 // The numbers of the five-block nest.
@@ -21,6 +23,8 @@ inline constexpr int kStepsPerPoll = 1024;
 
 // A plate of more units is refused: an index of its length would take more than 4 GB.
 inline constexpr double kMostUnits = 1'000'000'000;
+// A rectangle may be longer: none fits then.
+inline constexpr double kMostRectUnits = std::numeric_limits<int>::max();
 
 // Decimals that a rectangle's sizes are rounded to where there is no gap to hide noise in.
 inline constexpr int kSizeDigit = -6;

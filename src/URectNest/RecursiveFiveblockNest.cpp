@@ -27,8 +27,8 @@ constexpr int kNoLimit = std::numeric_limits<int>::max();
 }
 
 // A whole number of units.
-int Units(double Whole, double Least) {
-  if (!(Whole >= Least && Whole <= kMostUnits)) RaiseSizeError();
+int Units(double Whole, double Least, double Most) {
+  if (!(Whole >= Least && Whole <= Most)) RaiseSizeError();
   return Trunc<int>(Whole);
 }
 
@@ -61,8 +61,8 @@ TRecursiveFiveblockNest::TRecursiveFiveblockNest(const TVRect2D& Plate, const TN
                                                  int Digit)
     : FAmp(PowerOfTen(Digit)), FRect(PartRect), FOriPlate(Plate.Translate({-Plate.Left, -Plate.Bottom})) {
   const TVRect2D grown = Plate.Inflate(Gap / 2).Translate({Gap / 2, Gap / 2});
-  FProblem.L = Units(std::floor(std::max(grown.Width() * FAmp, 0.0)), 0);
-  FProblem.W = Units(std::floor(std::max(grown.Height() * FAmp, 0.0)), 0);
+  FProblem.L = Units(std::floor(std::max(grown.Width() * FAmp, 0.0)), 0, kMostUnits);
+  FProblem.W = Units(std::floor(std::max(grown.Height() * FAmp, 0.0)), 0, kMostUnits);
   const double halfGap = RoundHalfEven(FAmp * Gap / 2);
   if (!(std::fabs(halfGap) <= kMostUnits)) RaiseSizeError();
   FGap = Round<int>(halfGap);
@@ -71,7 +71,7 @@ TRecursiveFiveblockNest::TRecursiveFiveblockNest(const TVRect2D& Plate, const TN
   const auto unitsOf = [&](double side) {
     const double units =
         FGap == 0 ? std::ceil(RoundTo(side, kSizeDigit) * FAmp) : RoundHalfEven(side * FAmp + 2.0 * FGap);
-    return Units(units, 1);
+    return Units(units, 1, kMostRectUnits);
   };
   FProblem.A = unitsOf(PartRect.BoundBox.Width());
   FProblem.B = unitsOf(PartRect.BoundBox.Height());

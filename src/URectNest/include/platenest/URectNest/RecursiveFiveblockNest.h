@@ -21,9 +21,11 @@ namespace platenest {
 // Digit at which half the gap is whole.
 class PLATENEST_API TRecursiveFiveblockNest {
  public:
-  // Position of the plate plays no part; a Digit of 0 and below means whole plate units. TRangeError, with a text that
-  // asks to check the digits, where a size is no number or beyond 1e9 units, and where the rectangle with its gap is
-  // less than one unit. A plate without positive sides holds nothing.
+  // Position of the plate plays no part but for rounding: sides that are whole units at the origin may fall short of
+  // them elsewhere and lose one, as 7 does between 1.2 and 8.2. A Digit of 0 and below means whole plate units.
+  // TRangeError, with a text that asks to check the digits, where a size is no number, where the plate is beyond 1e9
+  // units or the rectangle beyond 32 bits, and where the rectangle with its gap is less than one unit. A plate without
+  // positive sides holds nothing.
   TRecursiveFiveblockNest(const TVRect2D& Plate, const TNestRect& PartRect, double Gap, int Digit);
 
   // Returns how many copies fit, whatever the amount is, and adds them to AResultList, relative to the lower left
@@ -33,7 +35,7 @@ class PLATENEST_API TRecursiveFiveblockNest {
   // two: shift it back by half a gap.
   //
   // AMaxDepth is the most levels of cuts, 0 and below for no limit. ALevel sets the time: 4 seconds, and 2 more per
-  // level, at least 1. A plate whose search is expected to take longer gets the best of one guillotine cut at once.
+  // level, at least 1. A plate whose search is expected to take longer, or 1.2 GB, gets the best of one guillotine cut.
   // Otherwise a first pass tries the cuts of one level, a second one searches the blocks as well; a pass that the time
   // or a stop request cuts short is dropped, and 0 is returned when not even the first was finished.
   //
