@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "FakeClock.h"
@@ -112,8 +114,15 @@ TEST(RecursiveFiveblockNest, FindsPinwheelsThatStraightCutsMiss) {
     EXPECT_EQ(Count(problem), full);
     EXPECT_GE(Count(problem, 1), oneLevel);
   }
-  EXPECT_EQ(Count({22, 16, 5, 3}, 1), 22) << "one level of cuts cannot";
+  for (const TNestedRect& placed : LayoutOf({6, 6, 3, 2})) EXPECT_TRUE(placed.IsRotate) << "of two equal grids";
   EXPECT_EQ(TRecursiveFiveblockNest::BarnesUpbound(10, 10, 3, 3), BarnesBound(1000, 1000, 300, 300));
+}
+
+TEST(RecursiveFiveblockNest, DepthLimitsTheLevelsOfCuts) {
+  const auto counts = [](const TProblem& p) { return std::array{Count(p, 1), Count(p, 2), Count(p, 3), Count(p, -1)}; };
+  EXPECT_EQ(counts({22, 16, 5, 3}), (std::array{22, 23, 23, 23}));
+  EXPECT_EQ(counts({106, 101, 19, 7}), (std::array{78, 79, 80, 80}));
+  EXPECT_EQ(counts({137, 77, 16, 13}), (std::array{48, 49, 50, 50}));
 }
 
 TEST(RecursiveFiveblockNest, RandomLayoutsAreValidAndGrowWithDepthUpToTheBound) {
@@ -161,6 +170,9 @@ TEST(RecursiveFiveblockNest, PlateMayLieAnywhereAndTheListIsReplacedOnlyWithoutG
   EXPECT_EQ(nest.SingleNest(list, 0, 0), 4);
   EXPECT_EQ(list.Count(), 4);
   EXPECT_EQ(list.BoundBox().Left, 0);
+  const TVRect2D shortByRounding = TVRect2D::FromSize(7, 7).Translate({1.2, 0});
+  TNestedRects fewer;
+  EXPECT_EQ(TRecursiveFiveblockNest(shortByRounding, part, 0, 0).SingleNest(fewer, 0, 0), 3) << "6 by 7 units";
   TNestedRects again;
   nest.SingleNest(again, 0, 0);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(again.At(i).Trans, list.At(i).Trans) << "a second run of the object";
@@ -180,6 +192,25 @@ TEST(RecursiveFiveblockNest, APassThatRunsOutOfTimeIsDropped) {
     if (seen.empty() || seen.back() != count) seen.push_back(count);
   }
   EXPECT_EQ(seen, (std::vector{0, Count(kLong, 1), Count(kLong)}));
+
+  seen.clear();
+  for (const int late : {2, 3, 4, 5, 6}) {
+    const TClockScope clock([late, reading = 0]() mutable { return ++reading < late ? 0.0 : 5000.0; });
+    seen.push_back(Count({22, 16, 5, 3}));
+  }
+  EXPECT_EQ(seen, (std::vector{0, 0, 22, 22, 23})) << "the clock is read before and after each of two short passes";
+}
+
+TEST(RecursiveFiveblockNest, TimeIsOverOnceItIsPastTheSecondsOfTheLevel) {
+  for (const auto& [level, ms] : {std::pair(0, 4000.0), {1, 6000}, {-1, 2000}, {-3, 1000}}) {
+    const auto countAt = [level = level](double nowMs) {
+      bool isStarted = false;
+      const TClockScope clock([&] { return std::exchange(isStarted, true) ? nowMs : 0.0; });
+      return Count({124, 81, 21, 10}, 0, level);
+    };
+    EXPECT_EQ(countAt(ms), 47) << "level " << level;
+    EXPECT_EQ(countAt(ms + 0.01), 0) << "level " << level;
+  }
 }
 
 // Stops at one reading of the clock and gives the count and the readings after that.
@@ -214,13 +245,16 @@ TEST(RecursiveFiveblockNest, APlateTooLargeForItsTimeGetsOneStraightCut) {
   EXPECT_EQ(Count(large, 0, -3), oneCut);
   EXPECT_EQ(Count({1500, 3000, 137, 83}, 0, -3), oneCut);
   EXPECT_GT(Count(large, 1), oneCut);
-  EXPECT_EQ(Count({5000, 3000, 137, 83}), OneCut(5000, 3000, 137, 83));
+  EXPECT_EQ(Count({2920, 1760, 137, 83}), OneCut(2920, 1760, 137, 83))
+      << "4.02 s expected, 3.98 s without the last row";
+  EXPECT_GT(Count({2920, 1760, 137, 83}, 1, 1), OneCut(2920, 1760, 137, 83));
 }
 
 TEST(RecursiveFiveblockNest, WhatHoldsNothingAndWhatHasNoWholeSizes) {
   EXPECT_EQ(Count({10, 3, 5, 4}), 0);
   EXPECT_EQ(Count({0, 0, 5, 4}), 0);
   EXPECT_EQ(Count({-5, 10, 5, 4}), 0);
+  EXPECT_EQ(Count({100, 100, 2e9, 2e9}), 0);
   const auto textOf = [](const TProblem& p) -> std::string {
     try {
       TRecursiveFiveblockNest(PlateOf(p), PartOf(p), p.Gap, p.Digit);
