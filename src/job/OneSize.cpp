@@ -107,7 +107,7 @@ TOneSizeAnswer RunFiveblock(const TPrepared& Job, const TOneSize& Sizes, bool Is
   TOneSizeAnswer blocks{NestByFiveblock(Sizes, Job.Part), "fiveblock", {}};
   if (blocks.Layout.Count() > strip.Layout.Count() || (IsAsked && blocks.Layout.Count() == strip.Layout.Count()))
     return blocks;
-  if (IsAsked) strip.Remark = "fiveblock placed fewer copies in its time; the strip layout stands";
+  if (IsAsked) strip.Remark = "fiveblock placed fewer copies; the strip layout stands";
   return strip;
 }
 
