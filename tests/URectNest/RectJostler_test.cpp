@@ -75,6 +75,30 @@ TEST(RectJostler, BlocksCloseToAGrid) {
   EXPECT_EQ(CheckRectLayout(Jostled(narrow), TVRect2D::FromSize(12, 2), 0, {part}), "");
 }
 
+// A row may drift: each neighbour is in line with the next. And the result is in order of bottom, then of left sides.
+TEST(RectJostler, SidesWithinAMillionthAreInLine) {
+  TNestedRects row{Placed(20, 10, 0, 0, 9)};
+  for (int i = 0; i < 3; ++i) row.push_back(Placed(20, 20, i * 20.05, 50 + i * 8e-7));
+  for (const bool vert : {true, false})
+    EXPECT_EQ(Places(Jostled(row, 0, true, vert)), (TPlaces{{0, 0}, {0, 10}, {20, 10}, {40, 10}}));
+  row.Last().Trans.Y += 4e-7;
+  EXPECT_EQ(Places(Jostled(row))[1], TPoint2D(40, 0)) << "out of line with the second: falls beside the obstacle";
+  const TNestedRects stacks{Placed(10, 0.1, 0, 0, 1), Placed(10, 0.2, 0, 0.1, 2), Placed(10, 10, 0, 0.1 + 0.2, 3),
+                            Placed(10, 0.3, 10, 0, 4), Placed(10, 10, 10, 0.3, 5)};
+  const TNestedRects ordered = Jostled(stacks, 0, false, false);
+  EXPECT_EQ(ordered.At(3).Part.Idx, 3) << "0.1 + 0.2 above 0.3";
+  EXPECT_EQ(ordered.At(4).Part.Idx, 5);
+}
+
+// The last one comes to lie 5e-5 over the edge of the first, which holds it up only where that exceeds the tolerance.
+TEST(RectJostler, SidesWithinTheToleranceOfTheCallerPassEachOther) {
+  const TNestedRects list{Placed(10, 10, 0, 0, 1), Placed(10 - 5e-5, 20, 0, 10, 2), Placed(10, 20, 10, 10, 3)};
+  EXPECT_EQ(Places(Jostled(list)), (TPlaces{{0, 0}, {10, 0}, {0, 10}}));
+  TNestedRects exact;
+  EXPECT_TRUE(TRectJostler::TryJostle(list, exact, kPlate, 0, true, true, 4e-5));
+  EXPECT_EQ(Places(exact), (TPlaces{{0, 0}, {0, 10}, {10 - 5e-5, 10}}));
+}
+
 TEST(RectJostler, DoorsAndOffThePlate) {
   TNestedRects list{Placed(1, 1, 7, 7)};
   const auto run = [&](const TNestedRects& List, const TVRect2D& Plate = kPlate) {

@@ -180,6 +180,24 @@ TEST(RecursiveFiveblockNest, PlateMayLieAnywhereAndTheListIsReplacedOnlyWithoutG
   EXPECT_GT(list.Count(), 4);
 }
 
+// The final jostling takes sides within 1e-4 for one.
+TEST(RecursiveFiveblockNest, SidesThatCloseNeedSizesScaledToWholeNumbers) {
+  const auto nest = [](const TProblem& P, TNestedRects& List) {
+    TRecursiveFiveblockNest(PlateOf(P), PartOf(P), P.Gap, P.Digit).SingleNest(List, 0, 0);
+  };
+  TNestedRects list{TNestedRect(TNestRect(), false, {500, 500})};
+  const TProblem raises{0.1428, 0.186, 0.0285, 0.0144, 0, 4};
+  EXPECT_THROW(nest(raises, list), TAssertionError);
+  EXPECT_EQ(list.First().Trans, TPoint2D(500, 500)) << "the list stays as it was";
+  const TProblem overlaps{0.1767, 0.4415, 0.0441, 0.0442, 0, 4};
+  nest(overlaps, list);
+  EXPECT_NE(CheckRectLayout(list, PlateOf(overlaps), 0, {PartOf(overlaps)}, {.Tol = 0.01}), "");
+  for (const auto& [l, w, a, b, gap, digit] : {raises, overlaps}) {
+    LayoutOf({l * 10, w * 10, a * 10, b * 10, gap, 3});
+    LayoutOf({RoundHalfEven(l * 1e4), RoundHalfEven(w * 1e4), RoundHalfEven(a * 1e4), RoundHalfEven(b * 1e4)});
+  }
+}
+
 // 2440 x 1220 holds 212 of 145 x 95; one level of cuts finds fewer.
 const TProblem kLong{2440, 1220, 145, 95};
 

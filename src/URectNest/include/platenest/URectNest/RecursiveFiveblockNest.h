@@ -30,8 +30,10 @@ class PLATENEST_API TRecursiveFiveblockNest {
 
   // Returns how many copies fit, whatever the amount is, and adds them to AResultList, relative to the lower left
   // corner of the plate. Without a gap, after rounding, the layout is jostled to that corner, with sides within 1e-4
-  // taken for one, and replaces what stood in the list; TRectJostler tells what happens to rectangles thinner than
-  // that. With a gap it begins half a gap in from the left and the lower edge, and may end half a gap beyond the other
+  // taken for one, and replaces what stood in the list. Where sides really are that close and not in line, as sizes of
+  // four and more decimals or rectangles thinner than that make them, copies may end over each other or off the plate,
+  // or TAssertionError is raised and the list stays as it was: scale such sizes to whole numbers first.
+  // With a gap it begins half a gap in from the left and the lower edge, and may end half a gap beyond the other
   // two: shift it back by half a gap.
   //
   // AMaxDepth is the most levels of cuts, 0 and below for no limit. ALevel sets the time: 4 seconds, and 2 more per
