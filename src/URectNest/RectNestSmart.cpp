@@ -54,7 +54,7 @@ bool IsWorthAnother(int Form, double Best, const TStopwatch& Watch) {
 
 TRectNestSmart::TRectNestSmart(const TVRect2D& Plate, const TNestRectList& PartRects, double Gap, double MinURate)
     : FInitPart(PartRects), FPlate(detail::SmartGrown(Plate, Gap)), FGap(Gap), FRate(MinURate) {
-  FUsable = std::isfinite(Gap) && HasPositiveSides(Plate) && HasPositiveSides(FPlate) && std::isfinite(FPlate.Area());
+  FUsable = std::isfinite(Gap) && HasPositiveSides(Plate) && HasPositiveSides(FPlate) && IsPositive(FPlate.Area());
   const double tiny = std::min(Plate.Width(), Plate.Height()) / kTinyShare;
   for (int i = 0; i < Size(FInitPart); ++i) {
     TNestRect& part = FInitPart[i];
