@@ -13,6 +13,8 @@ namespace platenest::detail {
 namespace {
 
 constexpr double kRelationTol = 1e-13;
+// Sides this near to each other are the same but for rounding.
+constexpr double kRounding = 1e-9;
 // A placed box this near to a free rectangle touches it.
 constexpr double kTouch = 0.0001;
 // How far corners are moved outward, along both axes, before they are looked up in the other box.
@@ -50,6 +52,17 @@ bool IsApart(const TVRect2D& Free, const TVRect2D& Grown) {
 bool IsWithin(const TVRect2D& Inner, const TVRect2D& Outer) {
   return Inner.Left >= Outer.Left - kRelationTol && Inner.Right <= Outer.Right + kRelationTol &&
          Inner.Bottom >= Outer.Bottom - kRelationTol && Inner.Top <= Outer.Top + kRelationTol;
+}
+
+// Where a free rectangle that ends at High ends now that a box begins at Side, and where one that begins at Low begins
+// now that a box ends there. Without rounding it never grows, but it ends exactly where the box begins, so rectangles
+// whose sides add up to a length fit into it.
+double CutHigh(double High, double Side) {
+  return Side - High > kRounding ? High : Side;
+}
+
+double CutLow(double Low, double Side) {
+  return Low - Side > kRounding ? Low : Side;
 }
 
 // Larger holds Free, or at least Shrunk, which is Free a unit smaller on all sides. A rectangle narrower than two units
@@ -131,15 +144,14 @@ void TFreeRectangles::Place(int Chosen, const TVRect2D& Box, int Corner, double 
   DropHeldPieces();
 }
 
-// A piece never reaches beyond the rectangle it is cut from, even if the box only comes near to that.
 void TFreeRectangles::AddPieces(const TFreeRect& Free, int Origin, const TVRect2D& Box, std::span<const TSide> Sides,
                                 double Least) {
   for (const TSide side : Sides) {
     TFreeRect piece = Free;
-    if (side == sdLeft) piece.Box.Right = std::min(Free.Box.Right, Box.Left);
-    if (side == sdRight) piece.Box.Left = std::max(Free.Box.Left, Box.Right);
-    if (side == sdBelow) piece.Box.Top = std::min(Free.Box.Top, Box.Bottom);
-    if (side == sdAbove) piece.Box.Bottom = std::max(Free.Box.Bottom, Box.Top);
+    if (side == sdLeft) piece.Box.Right = CutHigh(Free.Box.Right, Box.Left);
+    if (side == sdRight) piece.Box.Left = CutLow(Free.Box.Left, Box.Right);
+    if (side == sdBelow) piece.Box.Top = CutHigh(Free.Box.Top, Box.Bottom);
+    if (side == sdAbove) piece.Box.Bottom = CutLow(Free.Box.Bottom, Box.Top);
     if (piece.Box.Width() < Least || piece.Box.Height() < Least) continue;
     piece.Area = piece.Box.Area();
     piece.Origin = Origin;
