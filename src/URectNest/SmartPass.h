@@ -40,14 +40,6 @@ class TSmartPass {
   // Free rectangles looked at by all calls of Nest so far: the lists' lengths, added up over the placements.
   Int64 FreeSeen() const { return FFreeSeen; }
 
-  // Sets Box, which begins at the origin and fits, into the corner of Free with the most contact; the first of equals
-  // up to 1e-6 wins.
-  struct TLean {
-    TPoint2D Point;  // its lower left corner
-    int Corner = 0;  // opposite to the one it stands in, as TFreeRectangles::Place counts
-  };
-  TLean ChooseLean(const TVRect2D& Free, const TVRect2D& Box);
-
  private:
   struct TPlacement {
     int Part = 0;
@@ -55,11 +47,19 @@ class TSmartPass {
     TPoint2D Point;
   };
 
+  struct TLean {
+    TPoint2D Point;  // lower left corner of the box
+    int Corner = 0;  // opposite to the one it stands in, as TFreeRectangles::Place counts
+  };
+
   void Reset(int Form);
   TVRect2D WorkBox(int Part, bool IsRotate) const;
   int BestFree();
   bool ChoosePartAndPlate(TPlacement& Placement);
   void TakeOne(int Part);
+  // Sets Box, which begins at the origin and fits, into the corner of Free with the most contact; the first of equals
+  // up to 1e-6 wins.
+  TLean ChooseLean(const TVRect2D& Free, const TVRect2D& Box);
   double GetLength(const TVRect2D& Box) const;
 
   const TNestRectList& FParts;
