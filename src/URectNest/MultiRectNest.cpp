@@ -70,12 +70,10 @@ void TMultiRectNest::PrepareScan() {
   const int length = Trunc<int>(FL);
   const int width = Trunc<int>(FW);
   const TRaster raster(length, width, boxes, true, false);
-  const int limit = PointLimit(FL, FW, Size(FRect));
-  const int shorterLimit = Round<int>(limit * std::min(FL, FW) / std::max(FL, FW));
-  const bool isLong = FL >= FW;
-  FScan = std::make_unique<TThreeBlockScan>(length, width, Thinned(raster.RasterL, isLong ? limit : shorterLimit),
-                                            Thinned(raster.RasterW, isLong ? shorterLimit : limit),
-                                            kEqualRate * FL * FW, TBlockValues(FRect));
+  const TPointLimits limits = PointLimits(FL, FW, Size(FRect));
+  FScan =
+      std::make_unique<TThreeBlockScan>(length, width, Thinned(raster.RasterL, limits.L),
+                                        Thinned(raster.RasterW, limits.W), kEqualRate * FL * FW, TBlockValues(FRect));
 }
 
 double TMultiRectNest::ShapeRectNestWithAmt(TNestedRects& ResultList, int& Status) {

@@ -83,9 +83,9 @@ double WorthOf(const TJob& Job, const TNestedRects& List) {
 }
 
 TEST(MultiRectNest, KeepsFewerRasterPointsForMoreSizesAndLargerPlates) {
-  EXPECT_EQ(PointLimit(1000, 500, 1), 40);
-  EXPECT_EQ(PointLimit(1500, 3000, 10), 22);
-  EXPECT_EQ(PointLimit(3000, 1500, 30), 16);
+  EXPECT_EQ(PointLimits(1000, 500, 1), (TPointLimits{40, 20}));
+  EXPECT_EQ(PointLimits(1500, 3000, 10), (TPointLimits{11, 22}));
+  EXPECT_EQ(PointLimits(3000, 100, 30), (TPointLimits{16, 1}));
   const std::vector<int> points{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
   EXPECT_THAT(Thinned(points, 4), ElementsAre(0, 3, 5, 8));
   EXPECT_THAT(Thinned(points, 0), ElementsAre(0)) << "a plate many times longer than wide";
@@ -130,10 +130,10 @@ TEST(BlockValues, HoldWholeStacksAndRememberBlocksWithoutTakingDemandAgain) {
   EXPECT_EQ(blocks.Counts().MemoHits, 1);
 }
 
-// At x = 12 size 0 and size 1 are placed, at x = 10 all three.
+// At x = 14 size 0 and size 1 are placed, at x = 10 all three.
 TEST(ThreeBlockScan, GivesTheDemandBackBeforeTheNextCut) {
-  TThreeBlockScan scan(22, 10, {12, 10}, {4}, 0.1, TBlockValues({{10, 10, 100}, {9, 6, 54}, {3, 6, 18}}));
-  EXPECT_EQ(scan.Calc({1, 1, 1}), 100 + 54 + 18);
+  TThreeBlockScan scan(24, 10, {14, 10}, {4}, 0.1, TBlockValues({{10, 10, 100}, {9, 6, 54}, {5, 5, 25}}));
+  EXPECT_EQ(scan.Calc({1, 1, 1}), 100 + 54 + 25);
 }
 
 //     +---+-----+-----+
@@ -226,9 +226,9 @@ TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
   });
 }
 
-TEST(MultiRectNest, TriesTheNextCandidateWhenTheDemandFallsShort) {
-  // The best candidate is worth 220 and lacks 80.
-  EXPECT_NEAR(Limited({16, 14, {Part(5, 4, 7), Part(3, 7, 10)}}).Usage, 210.0 / (16 * 14), 1e-12);
+// Under this demand the first and the last candidate are left with 28, one between them with 88.
+TEST(MultiRectNest, KeepsTheBestOfTheTrialsThatLackDemand) {
+  EXPECT_NEAR(Limited({12, 8, {Part(2, 2, 7), Part(5, 3, 9)}}).Usage, 88.0 / (12 * 8), 1e-12);
 }
 
 TEST(MultiRectNest, StatusTellsGoodFromPoorAndFromHopeless) {
