@@ -8,6 +8,8 @@ namespace platenest::detail {
 // With a gap every rectangle is grown by half of it less this on each side, in plate units, so that rounding keeps no
 // copy off a plate that it fits exactly.
 inline constexpr double kGapAllowance = 1e-6;
+// How much of the gap may be missing between two copies that are laid out: a millionth, less what is left for rounding.
+inline constexpr double kMostShortage = 0.999e-6;
 // Copies of each size where amounts do not count.
 inline constexpr int kUnlimitedAmount = 99999;
 

@@ -26,8 +26,16 @@ bool IsOf(const TNestedInfo& Info, const TBlock& Block) {
   return Info.X == Block.X && Info.Y == Block.Y;
 }
 
+double SideAlong(const TBlockValues& Blocks, const TNestedInfo& Info, TStackCode Code) {
+  return Info.Direct ? Blocks.SideX(Code) : Blocks.SideY(Code);
+}
+
+double SideAcross(const TBlockValues& Blocks, const TNestedInfo& Info, TStackCode Code) {
+  return Info.Direct ? Blocks.SideY(Code) : Blocks.SideX(Code);
+}
+
 int PerStack(const TBlockValues& Blocks, const TNestedInfo& Info, TStackCode Code) {
-  return Trunc<int>(CountAlong(LengthOf(Info), Info.Direct ? Blocks.SideX(Code) : Blocks.SideY(Code)));
+  return Trunc<int>(CountAlong(LengthOf(Info), SideAlong(Blocks, Info, Code)));
 }
 
 }  // namespace
@@ -70,8 +78,15 @@ void TThreeBlockLayout::Reserve(std::span<const TBlock> Blocks, TProgress& Progr
   Progress.List.reserve(static_cast<std::size_t>(planned));
 }
 
-// A block whose value was that of another one with its code stays empty. The pitch within a stack gives the whole gap
-// back that the scan's sizes lack, as long as the stack's copies still fit the block.
+int TThreeBlockLayout::Fitting(const TNestedInfo& Info, TStackCode Code, double Across) const {
+  const TBlockValues& blocks = FScan.Blocks();
+  const double width = Info.Direct ? Info.Y : Info.X;
+  if (Across + SideAcross(blocks, Info, Code) + FLeast > width) return 0;
+  return Trunc<int>(CountAlong(LengthOf(Info), SideAlong(blocks, Info, Code) + FLeast));
+}
+
+// A block whose value was that of another one with its code stays empty. Copies get the whole gap that the scan's sizes
+// lack, as long as the block has the room.
 TPoint2D TThreeBlockLayout::LayBlock(const TBlock& Block, TPoint2D Corner, TProgress& Progress) const {
   const TBlockValues& blocks = FScan.Blocks();
   const TNestedInfo* const info = blocks.Find(Block.X, Block.Y);
@@ -85,19 +100,18 @@ TPoint2D TThreeBlockLayout::LayBlock(const TBlock& Block, TPoint2D Corner, TProg
   double reached = 0;
   for (const int number : info->Place) {
     const auto code = TStackCode::Of(number);
-    const double sideAcross = info->Direct ? blocks.SideY(code) : blocks.SideX(code);
-    const double sideAlong = info->Direct ? blocks.SideX(code) : blocks.SideY(code);
-    const int wanted = PerStack(blocks, *info, code);
-    const int count = std::min(wanted, Progress.Demand[code.Index]);
-    const double pitch = std::min(sideAlong + FAllowance, LengthOf(*info) / wanted);
+    const double sideAcross = SideAcross(blocks, *info, code);
+    const int fitting = Fitting(*info, code, across);
+    const int count = std::min(fitting, Progress.Demand[code.Index]);
+    Progress.Demand[code.Index] -= count;
+    Progress.FDecAera += (PerStack(blocks, *info, code) - count) * blocks.Worth(code.Index);
+    if (count == 0) continue;
+    const double pitch = std::min(SideAlong(blocks, *info, code) + FAllowance, LengthOf(*info) / fitting);
     for (int k = 0; k < count; ++k)
       Progress.List.push_back(Placed(code, Corner + PlaceIn(info->Direct, k * pitch, across)));
-    Progress.Demand[code.Index] -= count;
-    Progress.FDecAera += (wanted - count) * blocks.Worth(code.Index);
-    if (count == 0) continue;
     longest = std::max(longest, count * pitch);
     reached = across + sideAcross + FAllowance;
-    across += std::ceil(sideAcross);
+    across += std::max(std::ceil(sideAcross), sideAcross + FLeast);
   }
   return Corner + PlaceIn(info->Direct, longest, reached);
 }

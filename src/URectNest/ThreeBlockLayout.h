@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -17,9 +18,10 @@ struct TTrial {
 class TThreeBlockLayout {
  public:
   // Parts are the rectangles as they are, by position. Allowance is what the scan's sizes lack of the part with its
-  // whole gap, on either axis. Scan and Parts must outlive the layout.
+  // whole gap, on either axis. Copies that would come nearer than the gap less kMostShortage for it are left out. Scan
+  // and Parts must outlive the layout.
   TThreeBlockLayout(const TThreeBlockScan& Scan, const TNestRectList& Parts, double Allowance)
-      : FScan(Scan), FParts(Parts), FAllowance(Allowance) {}
+      : FScan(Scan), FParts(Parts), FAllowance(Allowance), FLeast(std::max(0.0, Allowance - kMostShortage)) {}
 
   // With all that the scan counted on, each block in its corner between the cuts. Both operations raise TRangeError for
   // more than kMostPlacements copies.
@@ -36,6 +38,8 @@ class TThreeBlockLayout {
     double FDecAera = 0;  // of all blocks so far
   };
 
+  // The copies in a stack that starts at Across in the block.
+  int Fitting(const TNestedInfo& Info, TStackCode Code, double Across) const;
   void Reserve(std::span<const TBlock> Blocks, TProgress& Progress) const;
   // Returns the upper right corner of what was placed, the gap included.
   TPoint2D LayBlock(const TBlock& Block, TPoint2D Corner, TProgress& Progress) const;
@@ -44,6 +48,7 @@ class TThreeBlockLayout {
   const TThreeBlockScan& FScan;
   const TNestRectList& FParts;
   double FAllowance;
+  double FLeast;  // what a copy must have of it
 };
 
 }  // namespace platenest::detail

@@ -43,7 +43,8 @@ class PLATENEST_API TMultiRectNest {
 
   // Both runs replace ResultList and return the usage: what the placed copies are worth, divided by the area of the
   // plate with its gap. Part of a placement is the rectangle given, with its position in the list as Idx. Copies keep
-  // Gap, less at most 2e-6 where a size with its gap misses the room that it is given by no more than that.
+  // Gap within 1e-6. The scan takes them for up to 2e-6 smaller than that; one that this leaves no room for is not
+  // placed.
   // RectNestTerminated and the stop token of the thread end a scan, and what was found so far is laid out.
   //
   // TRangeError, with the arguments unchanged, for a plate above 1e9, worths beyond 2^61 on it and knapsacks of more
