@@ -58,8 +58,8 @@ class PLATENEST_API TMultiRectNest {
   // Raises "Error In FUNC[TMultiRectNest.ShapeRectNestWithAmt]", with the cause nested in it and the arguments
   // unchanged, when no layout can be made of what the scan found: out of memory or above ten million copies.
   double ShapeRectNestWithAmt(TNestedRects& ResultList, int& Status);
-  // Whatever the amounts are, though at most 99999 copies of a size in a block. Success: not poor. TRangeError also for
-  // more than ten million copies.
+  // Whatever the amounts are, though at most 99999 copies of a size in a block each way up. Success: not poor.
+  // TRangeError also for more than ten million copies.
   double ShapeRectNest(TNestedRects& ResultList, bool& Success);
 
   // The work done so far, for benchmarks.
