@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
+#include <tuple>
 #include <vector>
 
 #include "RskfProbe.h"
@@ -14,29 +16,17 @@ namespace {
 
 using testing::ElementsAre;
 
-struct TBoxFields {
-  int A;
-  int B;
-  int Amount;
-  Int64 Value;
-  bool SmallGroup = false;
+// A, B, copies, value, whether it is a group.
+using F = std::tuple<int, int, int, Int64, bool>;
 
-  friend bool operator==(const TBoxFields&, const TBoxFields&) = default;
-  friend void PrintTo(const TBoxFields& F, std::ostream* Out) {
-    *Out << F.A << 'x' << F.B << " amount " << F.Amount << " value " << F.Value << (F.SmallGroup ? " group" : "");
-  }
-};
-
-std::optional<TBoxFields> Box(const TNestRect& Rect, double ShortSide, const TRskfUnits& Units = {},
-                              bool Weighted = false) {
+std::optional<F> Box(const TNestRect& Rect, double ShortSide, const TRskfUnits& Units = {}, bool Weighted = false) {
   const auto box = IntBoxOf(Rect, 0, Units, ShortSide, Weighted);
   if (!box) return std::nullopt;
-  return TBoxFields{box->A, box->B, box->Amount, box->Area, box->SmallGroup};
+  return F{box->A, box->B, box->Amount, box->Area, box->SmallGroup};
 }
 
 TEST(RskfBoxes, PartsBelowATwentiethOfTheShortSideAreBundled) {
-  using F = TBoxFields;
-  EXPECT_EQ(Box(Part(9, 5, 7), 100), (F{5, 7, 9, 3500})) << "a twentieth is not below";
+  EXPECT_EQ(Box(Part(9, 5, 7), 100), (F{5, 7, 9, 3500, false})) << "a twentieth is not below";
   EXPECT_EQ(Box(Part(9, 4.99, 7), 100), (F{10, 7, 4, 6986, true})) << "2 x 1";
   EXPECT_EQ(Box(Part(1, 4.99, 7), 100), std::nullopt) << "left to the filling";
   EXPECT_EQ(Box(Part(2, 4.99, 7), 100), (F{10, 7, 1, 6986, true}));
@@ -46,18 +36,17 @@ TEST(RskfBoxes, PartsBelowATwentiethOfTheShortSideAreBundled) {
   EXPECT_EQ(Box(Part(3, 4, 4), 100), (F{8, 4, 1, 3200, true}));
   EXPECT_EQ(Box(Part(9, 4, 7, 3.3), 100, {}, true), (F{8, 7, 4, 6, true})) << "the worth of all, truncated";
   const TRskfUnits gap{.Amp = 10, .Gap = 1, .IntGap = 5};
-  EXPECT_EQ(Box(Part(9, 4, 7), 100, gap), (F{50, 80, 9, 2800})) << "the gap counts: 5 is a twentieth";
+  EXPECT_EQ(Box(Part(9, 4, 7), 100, gap), (F{50, 80, 9, 2800, false})) << "the gap counts: 5 is a twentieth";
   EXPECT_EQ(Box(Part(9, 3.9, 7), 100, gap), (F{98, 80, 4, 5460, true}));
 }
 
 TEST(RskfBoxes, SidesAreRoundedUpWithBothHalvesOfTheGap) {
-  using F = TBoxFields;
-  EXPECT_EQ(Box(Part(9, 10, 0.3), 1, {.Amp = 10, .Gap = 0.1, .IntGap = 1}), (F{102, 5, 9, 300}))
+  EXPECT_EQ(Box(Part(9, 10, 0.3), 1, {.Amp = 10, .Gap = 0.1, .IntGap = 1}), (F{102, 5, 9, 300, false}))
       << "a gap of one unit costs two";
-  EXPECT_EQ(Box(Part(9, 1.1, 2.00000001), 4, {.Amp = 10}), (F{11, 20, 9, 220})) << "noise is no length";
-  EXPECT_EQ(Box(Part(9, 21, 20), 40, {.Amp = -4, .Gap = 2, .IntGap = 1}), (F{8, 7, 9, 42000}));
-  EXPECT_EQ(Box(Part(9, 0.1, 0.04), 0.1), (F{1, 1, 9, 1})) << "an area too small to count is that of the box";
-  EXPECT_EQ(Box(Part(9, 4, 5, 0.9), 4, {}, true), (F{4, 5, 9, 0})) << "a stated worth is not";
+  EXPECT_EQ(Box(Part(9, 1.1, 2.00000001), 4, {.Amp = 10}), (F{11, 20, 9, 220, false})) << "noise is no length";
+  EXPECT_EQ(Box(Part(9, 21, 20), 40, {.Amp = -4, .Gap = 2, .IntGap = 1}), (F{8, 7, 9, 42000, false}));
+  EXPECT_EQ(Box(Part(9, 0.1, 0.04), 0.1), (F{1, 1, 9, 1, false})) << "an area too small to count is that of the box";
+  EXPECT_EQ(Box(Part(9, 4, 5, 0.9), 4, {}, true), (F{4, 5, 9, 0, false})) << "a stated worth is not";
 
   constexpr double inf = std::numeric_limits<double>::infinity();
   const TNestRect none[] = {Part(0, 2, 3),   Part(-1, 2, 3),  Part(9, 0, 3),
@@ -101,11 +90,6 @@ TEST(RskfBoxes, BoxesOfOneSizeBecomeOneAndTheFirstInOrderIsGivenOutFirst) {
               ElementsAre(std::tuple(7, 4, 8, V{5}), std::tuple(7, 5, 50, V{2, -6}), std::tuple(9, 1, 9, V{4})));
   EXPECT_THAT(merge(false, true), ElementsAre(std::tuple(5, 7, 50, V{6}), std::tuple(7, 4, 8, V{5}),
                                               std::tuple(7, 5, 50, V{2}), std::tuple(9, 1, 9, V{4})));
-
-  TIntBoxList full{IntBox(2, 2, 0, std::numeric_limits<int>::max(), 4), IntBox(2, 2, 1, 5, 4)};
-  std::vector<TRasterBox> pieces;
-  MergeCongruentBoxes(full, pieces, true, false);
-  EXPECT_EQ(full[0].Amount, std::numeric_limits<int>::max());
 }
 
 TEST(RskfBoxes, RowsOfPieceEndsAscendAndNameEveryBoxOfACell) {
