@@ -30,6 +30,7 @@ TEST(RskfPass, KnownPlates) {
   EXPECT_EQ(PassValue({20, 10, {Part(4, 10, 5)}}, true), 20000);
   EXPECT_EQ(PassValue({14, 14, {Part(3, 7, 5)}}, true), 7000)
       << "cells keep the layout that came first, and the third piece does not fit to theirs";
+  EXPECT_EQ(PassValue({4000, 20, {Part(70000, 1, 1)}}, true), 65535 * 100);
   EXPECT_EQ(PassValue({5, 5, {Part(any, 9, 3)}}, false), 0);
   EXPECT_EQ(PassValue({5, 5, {}}, true), 0);
 }
@@ -65,28 +66,6 @@ TEST(RskfPass, UnboundedValuesAreNearlyAlwaysThoseOfAnExhaustiveSearch) {
     if (found == best) ++equal;
   });
   EXPECT_GE(equal, 0.985 * jobs) << jobs;
-}
-
-TEST(RskfPass, CountsKeepLimitsOfAllWidths) {
-  EXPECT_EQ(PassValue({4000, 20, {Part(70000, 1, 1)}}, true), 65535 * 100);
-  TIntBoxList boxes;
-  for (const int amount : {1, 2, 255, 256, 70000, 65535, 32767, 32768, 3}) boxes.emplace_back(1, 1, 0, amount, 1);
-  const detail::TPiecePacking packing(boxes, 100000);
-  ASSERT_EQ(packing.Words(), 2);
-  for (int b = 0; b < Size(boxes); ++b) {
-    const int limit = std::min(boxes[b].Amount, 65535);
-    detail::TWord one[2];
-    packing.SetSingle(one, b);
-    const detail::TWord full[] = {one[0] * limit, one[1] * limit};
-    EXPECT_EQ(packing.CountOf(full, b), limit);
-    EXPECT_TRUE(packing.Holds(full, one));
-    EXPECT_EQ(packing.Holds(one, full), limit == 1);
-    for (int w = 0; w < 2; ++w) {
-      const detail::TWord atLimit = full[w] + packing.Bias()[w];
-      EXPECT_EQ(atLimit & packing.Guards()[w], 0);
-      EXPECT_EQ(((atLimit + one[w]) & packing.Guards()[w]) != 0, one[w] != 0);
-    }
-  }
 }
 
 TRskfJob BusyJob() {
