@@ -122,4 +122,24 @@ bool TRSKF::URSKFCoreAlg(const TRaster& Raster, int& BestCol, int& BestRow, TRsk
   return true;
 }
 
+bool TRSKF::GetNestResult(int BestCol, int BestRow, const TRskfTables& Tables, const TRaster& Raster,
+                          TNestedRects& List) {
+  if (BestCol == 0 || BestRow == 0) return true;
+  TNestedRects drawn;
+  TRskfRebuild({Raster, FIntRects, Z, U, T}, Tables, {FAmp, FGap, FIntGap, FPlateRotate}, FRects, FRasterBoxes)
+      .Draw({BestCol, BestRow}, drawn);
+  if (CheckExcess(drawn)) return false;
+  List.AddRange(drawn);
+  return true;
+}
+
+bool TRSKF::CheckExcess(const TNestedRects& List) const {
+  std::vector<int> left;
+  left.reserve(FRects.size());
+  for (const TNestRect& rect : FRects) left.push_back(rect.Amount);
+  for (const TNestedRect& placed : List)
+    if (--left[placed.Part.Idx] < 0) return true;
+  return false;
+}
+
 }  // namespace platenest

@@ -118,6 +118,12 @@ std::uint16_t TPiecePacking::CountOf(const TWord* Vector, int Box) const {
   return static_cast<std::uint16_t>(Vector[field.Word] >> field.Shift & field.Mask);
 }
 
+bool TPiecePacking::Holds(const TWord* Whole, const TWord* Part) const {
+  for (std::size_t w = 0; w < FGuards.size(); ++w)
+    if ((((Whole[w] | FGuards[w]) - Part[w]) & FGuards[w]) != FGuards[w]) return false;
+  return true;
+}
+
 bool RunBoundedPass(const TRskfProblem& Problem, TRskfBudget& Budget, TRskfTables& Tables, TRskfCell& Best) {
   const TRaster& raster = Problem.Raster;
   Tables = {};

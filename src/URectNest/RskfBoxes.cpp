@@ -84,7 +84,7 @@ std::optional<TIntBox> IntBoxOf(const TNestRect& Rect, int Idx, const TRskfUnits
 
   const Int64 value = Weighted ? Trunc(grid.Columns * Rect.Area * grid.Rows)
                                : Trunc(Rect.BoundBox.Area() * kValuesPerArea * grid.Columns * grid.Rows);
-  TIntBox box(a, b, Idx, isTiny ? Rect.Amount / grid.Copies() : Rect.Amount, value);
+  TIntBox box(a, b, Idx, static_cast<int>(Rect.Amount / grid.Copies()), value);
   if (Weighted) box.Area = value;  // a stated worth of nothing is no area
   box.SmallGroup = isTiny;
   return box;

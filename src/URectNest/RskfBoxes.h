@@ -24,7 +24,7 @@ struct TRskfUnits {
 struct TCopyGrid {
   int Columns = 1;
   int Rows = 1;
-  int Copies() const { return Columns * Rows; }
+  Int64 Copies() const { return Int64{Columns} * Rows; }
 };
 
 // The grid that is to stand for one copy of Width by Height, gap included, on a plate with that short side: 1 by 1 for

@@ -29,6 +29,8 @@ class TPiecePacking {
     Vector[FFields[Box].Word] = TWord{1} << FFields[Box].Shift;
   }
   std::uint16_t CountOf(const TWord* Vector, int Box) const;
+  // No count of Part is above that of Whole.
+  bool Holds(const TWord* Whole, const TWord* Part) const;
 
  private:
   struct TField {
