@@ -8,6 +8,7 @@
 #include "Scale.h"
 #include "WholeUnits.h"
 #include "platenest/URectNest/URectNest.h"
+#include "platenest/foundation/Host.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 #include "platenest/job/JobErrors.h"
@@ -130,16 +131,25 @@ TNestedRects NestRaster(const TFillSizes& Sizes) {
   return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
 }
 
-TRSKF MakeProgram(const TFillSizes& Sizes, const TWholeJob& Job) {
-  // Without a time limit of its own: it would change the raster, and the run's token stops it.
-  return TRSKF(Job.Plate, Job.Offer.Rects, Job.Gap, 0, 0, Sizes.HasValues);
+// Where no amount binds the program takes this many bytes for each one that it is told to be free.
+constexpr Int64 kBytesTaken = 12;
+
+// Runs the program without a time limit of its own: it would change the raster, and the run's token stops it.
+template <class Run>
+TNestedRects WithProgram(const TFillSizes& Sizes, Run AskProgram) {
+  const TWholeJob job = WholeJobOf(Sizes, kMostProgramUnits);
+  const bool isScarce = std::ranges::any_of(Sizes.Parts, &TFillPart::IsScarce);
+  const TFreeMemoryScope memory(
+      [free = FreePhysicalMemory(), isScarce] { return isScarce ? free : std::max<Int64>(free / kBytesTaken, 1); });
+  TNestedRects nested;
+  TRSKF program(job.Plate, job.Offer.Rects, job.Gap, 0, 0, Sizes.HasValues);
+  AskProgram(program, nested);
+  return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
 }
 
 TNestedRects NestProgram(const TFillSizes& Sizes, bool MayTurn, bool IsNormal) {
-  const TWholeJob job = WholeJobOf(Sizes, kMostProgramUnits);
-  TNestedRects nested;
-  MakeProgram(Sizes, job).RunMultiRectNest(nested, MayTurn, IsNormal);
-  return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
+  return WithProgram(
+      Sizes, [=](TRSKF& program, TNestedRects& nested) { program.RunMultiRectNest(nested, MayTurn, IsNormal); });
 }
 
 // The program exchanges the axes of a plate that is higher than wide, but never the sides of a part that must not turn:
@@ -162,10 +172,8 @@ TNestedRects NestUnturned(const TFillSizes& Sizes, bool IsNormal) {
 }
 
 TNestedRects NestBigFirst(const TFillSizes& Sizes, int BigRect, bool IsNormal) {
-  const TWholeJob job = WholeJobOf(Sizes, kMostProgramUnits);
-  TNestedRects nested;
-  MakeProgram(Sizes, job).RunBigFirstNest(nested, BigRect, true, IsNormal);
-  return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
+  return WithProgram(
+      Sizes, [=](TRSKF& program, TNestedRects& nested) { program.RunBigFirstNest(nested, BigRect, true, IsNormal); });
 }
 
 // The parts whose grid in a corner of the plate is worth most, best first.

@@ -20,6 +20,7 @@ void CountCopies(const TFillSizes& Sizes, const Part& Demand, TFillPart& Part) {
   if (!Demand.Amount && bounds.Grid > limits::kCopies) RaiseTooManyCopies(Part.Position);
   const Int64 asked = Demand.Amount.value_or(static_cast<int>(limits::kCopies));
   Part.Asked = static_cast<int>(asked);
+  Part.IsScarce = asked < std::min(bounds.Area, bounds.Barnes);
   Part.Most = static_cast<int>(std::min({asked, bounds.Area, bounds.Barnes}));
   // Twice what could fit: nesters that bundle small parts or count in coarse units must not see a limit where none is.
   Part.Offered = static_cast<int>(std::min(asked, 2 * bounds.Area + 100));

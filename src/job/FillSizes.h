@@ -15,6 +15,7 @@ struct TFillPart {
   int Asked = 0;    // no more copies may be placed
   int Most = 0;     // upper bound on the copies that the plate takes; never above Asked
   int Offered = 0;  // what a nester is told: Asked where that binds, else so many that they are no limit to it
+  bool IsScarce = false;  // fewer are asked for than the plate may take
   double Worth = 0;
   bool MayTurn = true;
 };
