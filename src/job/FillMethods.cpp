@@ -131,16 +131,21 @@ TNestedRects NestRaster(const TFillSizes& Sizes) {
   return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
 }
 
-// Where no amount binds the program takes this many bytes for each one that it is told to be free.
+// Where no amount binds the program takes this many bytes for each one that it is told to be free; 0 would mean that
+// nobody knows.
 constexpr Int64 kBytesTaken = 12;
+
+Int64 MemoryFor(const TFillSizes& Sizes) {
+  const Int64 free = FreePhysicalMemory();
+  const bool isScarce = std::ranges::any_of(Sizes.Parts, &TFillPart::IsScarce);
+  return isScarce || free <= 0 ? free : std::max<Int64>(free / kBytesTaken, 1);
+}
 
 // Runs the program without a time limit of its own: it would change the raster, and the run's token stops it.
 template <class Run>
 TNestedRects WithProgram(const TFillSizes& Sizes, Run AskProgram) {
   const TWholeJob job = WholeJobOf(Sizes, kMostProgramUnits);
-  const bool isScarce = std::ranges::any_of(Sizes.Parts, &TFillPart::IsScarce);
-  const TFreeMemoryScope memory(
-      [free = FreePhysicalMemory(), isScarce] { return isScarce ? free : std::max<Int64>(free / kBytesTaken, 1); });
+  const TFreeMemoryScope memory([free = MemoryFor(Sizes)] { return free; });
   TNestedRects nested;
   TRSKF program(job.Plate, job.Offer.Rects, job.Gap, 0, 0, Sizes.HasValues);
   AskProgram(program, nested);
