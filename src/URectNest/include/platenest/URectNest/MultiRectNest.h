@@ -37,17 +37,18 @@ class PLATENEST_API TMultiRectNest {
   // ConstArea: a copy is worth its Area; otherwise, the area of its box with the gap. Worths below 0 are never taken,
   // sums of them are rounded up to whole ones within a stack, and layouts within 2.5e-5 of the plate's area in worth
   // count as equal, so stated worths should be of the order of areas: a whole layout worth less than that is not found.
-  // Raises TRangeError for a plate above 1e9. Cost: that of a raster.
+  // Cost: linear.
   TMultiRectNest(const TVRect2D& Plate, const TNestRectList& PartRects, double Gap, double MinURate, bool ConstArea);
   ~TMultiRectNest();
 
   // Both runs replace ResultList and return the usage: what the placed copies are worth, divided by the area of the
   // plate with its gap. Part of a placement is the rectangle given, with its position in the list as Idx. Copies keep
-  // Gap, less at most 2e-6 where a size misses a whole unit, or a fraction of one that fits exactly, by as little.
+  // Gap, less at most 2e-6 where a size with its gap misses the room that it is given by no more than that.
   // RectNestTerminated and the stop token of the thread end a scan, and what was found so far is laid out.
   //
-  // TRangeError, with the arguments unchanged, for worths beyond 2^61 on the plate and for knapsacks of more than 1
-  // GiB. Cost: two knapsacks for each distinct block, of which there are at most four for each pair of raster points.
+  // TRangeError, with the arguments unchanged, for a plate above 1e9, worths beyond 2^61 on it and knapsacks of more
+  // than 1 GiB. Cost: that of the raster in the first run, and two knapsacks for each distinct block, of which there
+  // are at most four for each pair of raster points.
 
   // At most Amount copies of each. Status: 0 good; 1 poor; 2 for a demand that covers less than nine tenths of the
   // plate, where nothing is tried and the list is empty. 1 is a success for those who price patterns: the usage of
@@ -64,8 +65,8 @@ class PLATENEST_API TMultiRectNest {
   const detail::TBlockCounts& Counts() const;
 
  private:
-  void AddRect(const TNestRect& Rect, double Gap, bool ConstArea, std::vector<detail::TStackRect>& Rects);
-  void PrepareScan(std::vector<detail::TStackRect> Rects);
+  void AddRect(const TNestRect& Rect, double Gap, bool ConstArea);
+  void PrepareScan();
   double TryCandidates(TNestedRects& Best) const;
   bool IsPoor(double Usage) const { return Usage < FMinRate; }
 
@@ -75,9 +76,10 @@ class PLATENEST_API TMultiRectNest {
   double FAllowance;  // what the grown sides lack of the whole gap
   double FTotalArea = 0;
   TNestRectList FInitRect;
+  std::vector<detail::TStackRect> FRect;           // the same with the gap; empty where nothing fits
   std::vector<int> FDemand;                        // of each size, 0 for what cannot be placed
   std::vector<int> FUnlimited;                     // the same where amounts do not count
-  std::unique_ptr<detail::TThreeBlockScan> FScan;  // nullptr where nothing fits
+  std::unique_ptr<detail::TThreeBlockScan> FScan;  // made by the first run that needs it
 };
 
 }  // namespace platenest
