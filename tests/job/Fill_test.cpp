@@ -173,7 +173,7 @@ TEST(RunFill, EachMethodFillsThePlateInEveryUnit) {
 }
 
 TEST(RunFill, EqualDeterministicRunsGiveEqualBytes) {
-  Job job = FillJob(100, 60, {Rect(31, 23, 4), Rect(17, 12, 5), Rect(41, 7, 3)}, 0.5);
+  Job job = FillJob(100, 60, {Rect(31, 23, 8), Rect(17, 12, 15), Rect(41, 7, 9)}, 0.5);
   job.Run.Deterministic = true;
   EXPECT_EQ(ResultToJson(run(job)), ResultToJson(run(job)));
 }
