@@ -43,8 +43,26 @@ class PLATENEST_API TRSKF {
   TRSKF(const TRSKF&) = delete;
   TRSKF& operator=(const TRSKF&) = delete;
 
-  // Part.Idx of a placement is the position in ARects.
+  // Both runs append their placements to the list. Part.Idx of a placement is the position in ARects, the same for all
+  // fillings; a throw leaves the list as it is. Lengths count from the lower left corner of the plate.
+  //
+  // The units are made coarser, one step after the other, until the raster is small enough for the free memory
+  // (FreePhysicalMemory, 1 GiB if it is not known), for 16-bit positions and, where amounts bind, for the time limit;
+  // a plate that has less than one unit left on a side stays empty. Without binding amounts the tables of the accepted
+  // raster take up to 12 bytes for each byte that is free.
+  // The clock starts with the first run, runs on in later ones and is not read without a limit. A pass that is stopped,
+  // by RectNestStopped or by the clock, gives nothing; what is laid before it stays, and the list is valid.
+  // ANormalPattern: all reachable positions instead of the reduced ones. Without ACanRotate the pass does not turn
+  // boxes, but grids of tiny parts, the filling and the first block may.
+  // Cost: the number of cuts that improve a cell, for the bounded pass times the number of sizes.
+
+  // The dynamic program, then a greedy filling of the best free rectangle above or beside the layout, unless that is
+  // empty. Returns the share of the plate, grown by half the gap on each side, that the boxes of the whole list take,
+  // with what stood in it before; whatever the parts are worth.
   double RunMultiRectNest(TNestedRects& AResultList, bool ACanRotate, bool ANormalPattern);
+  // Lays a grid of the rectangle at position BigRect into the lower left corner, turned unless more fit unturned, and
+  // nests the rest around it by unweighted runs of its own, which share the clock. Returns the area of the boxes that
+  // it has placed, without what stood in the list before. TRangeError for a BigRect that is no position in ARects.
   double RunBigFirstNest(TNestedRects& AResultList, int BigRect, bool ACanRotate, bool ANormalPattern);
 
   // The stair-shaped outline of a layout.
@@ -74,18 +92,24 @@ class PLATENEST_API TRSKF {
   // Some size is placed more often than demanded.
   bool CheckExcess(const TNestedRects& List) const;
 
-  // Builds a raster that memory and time allow, coarsening the units until it does, and what depends on it. False when
-  // nothing of the plate is left.
+  // Builds a raster that memory and time allow, coarsening the units until they do, and what depends on it. False when
+  // nothing of the plate is left or the run is stopped.
   bool PrepareRaster(TRaster& Raster, bool ACanRotate, bool ANormalPattern);
   // Nests the L-shaped rest around a block at the lower left that ends at Corner, in two ways; the area of the better.
   double NestLShape(const TPoint2D& Corner, int BigRect, int Count, bool ACanRotate, bool ANormalPattern,
                     TNestedRects& List);
+  // Nests Area and takes what it places out of the amounts of Rects. An area without an inside stays empty.
+  void NestArea(const TVRect2D& Area, TNestRectList& Rects, bool ACanRotate, bool ANormalPattern,
+                TNestedRects& List) const;
   // Fills the best free rectangle beside or above the placements with what remains of the demand.
   void TryFilling(TNestedRects& List);
   // A box that fits beside or above the cell still has copies.
+  // After a bounded pass.
   bool CheckResidual(const TRaster& Raster, int BestCol, int BestRow) const;
 
  private:
+  void NestOnRaster(const TRaster& Raster, TNestedRects& List);
+  bool IsStopped() const;
   TRSKF(const TVRect2D& APlate, const TNestRectList& ARects, double AGap, int Digit, bool WeightedProblem);
 
   int FDigit;
