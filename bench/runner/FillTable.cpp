@@ -1,0 +1,94 @@
+#include "FillTable.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <regex>
+#include <tuple>
+
+#include "Report.h"
+
+namespace platenest::bench {
+
+namespace {
+
+const char* AmountsOf(const TFillRef& Ref) {
+  return Ref.Limited ? "limited" : "unlimited";
+}
+
+const char* TurningOf(const TFillRef& Ref) {
+  return Ref.Turned ? "yes" : "no";
+}
+
+void PrintGroup(const std::vector<const TFillLine*>& Lines) {
+  double sum = 0;
+  int reached = 0;
+  std::vector<double> times;
+  const TFillLine* worst = Lines.front();
+  for (const TFillLine* line : Lines) {
+    sum += line->Share();
+    reached += line->Worth >= line->Ref.Best;
+    times.push_back(line->Ms);
+    if (line->Share() < worst->Share()) worst = line;
+  }
+  const TFillLine& first = *Lines.front();
+  std::printf("| %s | %s | %s | %s | %zu | %.4f | %.4f (%s) | %d | %.3g, %.3g |\n", first.Group.c_str(),
+              AmountsOf(first.Ref), TurningOf(first.Ref), first.Ref.Cut.c_str(), Lines.size(),
+              sum / static_cast<double>(Lines.size()), worst->Share(), worst->Id.c_str(), reached,
+              Quantile(times, 0.5) / 1000, Quantile(times, 1) / 1000);
+}
+
+void PrintTurning(const std::vector<TFillLine>& Lines) {
+  std::map<std::pair<std::string, bool>, double> fixed, turned;
+  for (const TFillLine& line : Lines) (line.Ref.Turned ? turned : fixed)[{line.Id, line.Ref.Limited}] = line.Worth;
+  int both = 0, below = 0;
+  for (const auto& [key, worth] : turned) {
+    const auto other = fixed.find(key);
+    if (other == fixed.end()) continue;
+    ++both;
+    if (worth >= other->second) continue;
+    ++below;
+    std::printf("%s, %s amounts: %.0f with turning, %.0f without\n", key.first.c_str(),
+                key.second ? "limited" : "unlimited", worth, other->second);
+  }
+  std::printf("with turning below the own answer without: %d of %d jobs\n", below, both);
+}
+
+// Whole worths: equal to the unit.
+void PrintProven(const std::vector<TFillLine>& Lines) {
+  const std::regex gcut("gcut([1-9]|1[0-3])", std::regex::icase);
+  int all = 0, equal = 0;
+  for (const TFillLine& line : Lines) {
+    if (line.Ref.Limited || !line.Ref.Proven || !std::regex_match(line.Id, gcut)) continue;
+    ++all;
+    equal += line.Worth == line.Ref.Best;
+    if (line.Worth != line.Ref.Best)
+      std::printf("%s, turning %s: %.0f instead of %.0f\n", line.Id.c_str(), TurningOf(line.Ref), line.Worth,
+                  line.Ref.Best);
+  }
+  if (all > 0) std::printf("gcut1 to gcut13, unlimited amounts: %d of %d equal to the optimum\n", equal, all);
+}
+
+}  // namespace
+
+void PrintFillTable(const std::vector<TFillLine>& Lines) {
+  if (Lines.empty()) return;
+  std::map<std::tuple<std::string, bool, bool, std::string>, std::vector<const TFillLine*>> groups;
+  for (const TFillLine& line : Lines)
+    groups[{line.Group, !line.Ref.Limited, line.Ref.Turned, line.Ref.Cut}].push_back(&line);
+  std::printf("\n| group | amounts | turning | best of | jobs | mean | worst | reached | s: median, worst |\n");
+  std::printf("|---|---|---|---|---|---|---|---|---|\n");
+  for (const auto& [key, lines] : groups) PrintGroup(lines);
+  std::printf("\n");
+  PrintTurning(Lines);
+  PrintProven(Lines);
+  int faults = 0, finds = 0;
+  for (const TFillLine& line : Lines) {
+    faults += !line.Fault.empty();
+    finds += line.Worth > line.Ref.Best;
+  }
+  std::printf("%zu comparisons, %d above the best known worth, %d with faults, peak memory %.1f MiB\n", Lines.size(),
+              finds, faults, PeakMemoryMiB());
+}
+
+}  // namespace platenest::bench
