@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   });
   for (const test::TFillMethod method : test::kFillMethods) {
     try {
-      const std::string fault = test::FillFault(test::RunFillSmall(method, job), job);
+      const std::string fault = test::FillFault(method, test::RunFillSmall(method, job), job);
       if (!fault.empty()) std::fprintf(stderr, "%s: %s: %s\n", NameOf(method), fault.c_str(), TextOf(job).c_str());
       Require(fault.empty());
     } catch (const TNestError&) {

@@ -5,10 +5,9 @@
 #include <cstdio>
 #include <random>
 
-#include "FillMethods.h"
 #include "GuillotineProgram.h"
-#include "platenest/layoutcheck/LayoutCheck.h"
-#include "platenest/layoutcheck/Measures.h"
+#include "RskfTables.h"
+#include "platenest/URectNest/RSKF.h"
 
 namespace platenest::bench {
 
@@ -37,17 +36,32 @@ test::TFillCase RandomCase(unsigned Seed) {
   return made;
 }
 
+// The program alone, without the filling of what it leaves.
+class TUnboundedPass : public TRSKF {
+ public:
+  explicit TUnboundedPass(const test::TFillCase& Case) : TRSKF(Case.Plate, Case.Parts, 0, 0, 0, Case.Weighted) {}
+
+  TNestedRects Layout(bool CanTurn) {
+    TNestedRects layout;
+    TRaster raster;
+    if (!PrepareRaster(raster, CanTurn, false)) return layout;
+    int column = 0, rasterRow = 0;
+    detail::TRskfTables tables;
+    if (URSKFCoreAlg(raster, column, rasterRow, tables)) GetNestResult(column, rasterRow, tables, raster, layout);
+    return layout;
+  }
+};
+
 TRow Compare(int Seed) {
   const test::TFillCase job = RandomCase(static_cast<unsigned>(Seed));
-  const TFillAnswer answer = AnswerFill("rskf", job, 60);
+  TNestedRects layout;
   TRow row;
+  row.Ms = MedianMs(1, [&] { layout = TUnboundedPass(job).Layout(job.CanTurn); });
   row.Id = Numbered("seed ", static_cast<std::size_t>(Seed));
-  row.Result = answer.Worth;
+  row.Result = WorthOf(layout, job);
   row.Best = row.Bound = BestByCuts(job);
-  row.Ms = answer.Ms;
-  row.Fault = answer.Fault;
-  if (row.Fault.empty() && row.Result > row.Best && IsEdgeToEdge(PlacedBoxesOf(answer.Layout)))
-    row.Fault = "worth more than straight cuts allow: " + TextOf(job);
+  row.Fault = FillFault(layout, job);
+  if (row.Fault.empty() && row.Result > row.Best) row.Fault = "worth more than straight cuts allow: " + TextOf(job);
   return row;
 }
 
@@ -55,7 +69,7 @@ TRow Compare(int Seed) {
 
 std::vector<TRow> RunFillCorpus(const TArguments& Arguments) {
   std::vector<TRow> rows;
-  int equal = 0, above = 0, faults = 0;
+  int equal = 0, faults = 0;
   double worst = 1;
   int worstSeed = Arguments.Seed;
   std::vector<double> times;
@@ -64,7 +78,6 @@ std::vector<TRow> RunFillCorpus(const TArguments& Arguments) {
     const TRow& row = rows.back();
     const double share = row.Best > 0 ? row.Result / row.Best : 1;
     equal += row.Result == row.Best;
-    above += row.Result > row.Best;
     faults += !row.Fault.empty();
     times.push_back(row.Ms);
     if (!row.Fault.empty()) std::printf("%s: %s\n", row.Id.c_str(), row.Fault.c_str());
@@ -73,10 +86,9 @@ std::vector<TRow> RunFillCorpus(const TArguments& Arguments) {
     worstSeed = Arguments.Seed + i;
   }
   std::printf(
-      "%zu jobs, %.2f %% equal to the best by straight cuts, %d above it, worst %.4f of it (seed %d), %d faults, "
+      "%zu jobs, %.2f %% equal to the best by straight cuts, worst %.4f of it (seed %d), %d faults, "
       "median %.3f ms\n",
-      rows.size(), 100.0 * equal / static_cast<double>(rows.size()), above, worst, worstSeed, faults,
-      Quantile(times, 0.5));
+      rows.size(), 100.0 * equal / static_cast<double>(rows.size()), worst, worstSeed, faults, Quantile(times, 0.5));
   return rows;
 }
 

@@ -7,8 +7,8 @@
 
 namespace platenest::bench {
 
-// Random small jobs without limits on amounts: the raster program against the best that straight cuts allow. A layout
-// that straight cuts can part and that is worth more is a fault.
+// Random small jobs without limits on amounts: the unbounded pass of the raster program against the best that
+// straight cuts allow. A layout that is worth more is a fault.
 std::vector<TRow> RunFillCorpus(const TArguments& Arguments);
 
 }  // namespace platenest::bench

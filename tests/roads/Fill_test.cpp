@@ -23,7 +23,7 @@ TEST(Fill, EveryNesterKeepsPlateGapAndAmounts) {
     for (const TFillMethod method : kFillMethods) {
       TNestedRects layout;
       ASSERT_NO_THROW(layout = RunFillSmall(method, job)) << NameOf(method) << ": " << TextOf(job);
-      EXPECT_EQ(FillFault(layout, job), "") << NameOf(method) << ": " << TextOf(job);
+      EXPECT_EQ(FillFault(method, layout, job), "") << NameOf(method) << ": " << TextOf(job);
     }
   });
 }

@@ -63,7 +63,7 @@ double PickWorth(const TPick& Pick, double Area) {
     case 2:
       return Pick(100) / 100.0;
     default:
-      return std::floor(Area * (60 + Pick(80))) / 100;
+      return std::floor(Area * (60 + Pick(80)) / 100);
   }
 }
 
@@ -108,11 +108,11 @@ TFillCase MakeFillCase(const TPick& Pick) {
   const int longer = std::max(length, width), shorter = std::min(length, width);
   const int count = 1 + Pick(8);
   for (int i = 0; i < count; ++i) {
-    const double w = PickSide(Pick, longer, shorter) / scale.PerUnit;
-    const double h = PickSide(Pick, longer, shorter) / scale.PerUnit;
+    const int a = PickSide(Pick, longer, shorter), b = PickSide(Pick, longer, shorter);
+    const double w = a / scale.PerUnit, h = b / scale.PerUnit;
     const int amount = PickAmount(Pick);
     TNestRect part(made.Unlimited ? BeyondPlate(made.Plate, made.Gap, w, h) : amount, i, TVRect2D::FromSize(w, h));
-    part.Area = made.Weighted ? PickWorth(Pick, w * h) : w * h;
+    part.Area = made.Weighted ? PickWorth(Pick, 1.0 * a * b) : w * h;
     made.Parts.push_back(part);
   }
   return made;
@@ -182,11 +182,18 @@ double WorthBound(const TFillCase& Case) {
 std::string FillFault(const TNestedRects& Layout, const TFillCase& Case) {
   const std::string fault = CheckRectLayout(Layout, Case.Plate, Case.Gap, Case.Parts);
   if (!fault.empty()) return fault;
+  if (!Case.CanTurn && std::any_of(Layout.begin(), Layout.end(), [](const TNestedRect& item) { return item.IsRotate; }))
+    return "a part is turned";
   const double worth = WorthOf(Layout, Case), bound = WorthBound(Case);
   if (worth <= bound * (1 + 1e-9) + kDefaultTol) return "";
   std::ostringstream text;
   text << "the layout is worth " << worth << ", more than the bound of " << bound;
   return text.str();
+}
+
+std::string FillFault(TFillMethod Method, const TNestedRects& Layout, TFillCase Case) {
+  Case.CanTurn = Case.CanTurn || Method == TFillMethod::Rskf || Method == TFillMethod::BigFirst;
+  return FillFault(Layout, Case);
 }
 
 std::string TextOf(const TFillCase& Case) {

@@ -47,8 +47,11 @@ double WorthOf(const TNestedRects& Layout, const TFillCase& Case);
 // The most that any layout can be worth: parts of the largest worth per grown area first, cut where the plate is full.
 double WorthBound(const TFillCase& Case);
 
-// What is wrong with a layout as one sentence, empty if nothing: place, gap, amounts, and worth above the bound.
+// What is wrong with a layout as one sentence, empty if nothing: place, gap, amounts, turning, and worth above the
+// bound.
 std::string FillFault(const TNestedRects& Layout, const TFillCase& Case);
+// The same with what the nester is free to do.
+std::string FillFault(TFillMethod Method, const TNestedRects& Layout, TFillCase Case);
 
 // The case as text, for the report of a fault.
 std::string TextOf(const TFillCase& Case);
