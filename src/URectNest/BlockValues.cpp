@@ -100,10 +100,8 @@ void TBlockValues::GiveBack(std::vector<int>& Used) {
 }
 
 const TNestedInfo* TBlockValues::Find(int X, int Y) const {
-  if (X < 1 || Y < 1) return nullptr;
   const auto known = FNestDict.find(GetCode(X, Y));
-  if (known == FNestDict.end() || known->second.X != X || known->second.Y != Y) return nullptr;
-  return &known->second;
+  return known == FNestDict.end() ? nullptr : &known->second;
 }
 
 }  // namespace platenest::detail

@@ -22,6 +22,10 @@ double LengthOf(const TNestedInfo& Info) {
   return Info.Direct ? Info.X : Info.Y;
 }
 
+bool IsOf(const TNestedInfo& Info, const TBlock& Block) {
+  return Info.X == Block.X && Info.Y == Block.Y;
+}
+
 int PerStack(const TBlockValues& Blocks, const TNestedInfo& Info, TStackCode Code) {
   return Trunc<int>(CountAlong(LengthOf(Info), Info.Direct ? Blocks.SideX(Code) : Blocks.SideY(Code)));
 }
@@ -58,7 +62,7 @@ void TThreeBlockLayout::Reserve(std::span<const TBlock> Blocks, TProgress& Progr
   Int64 planned = 0;
   for (const TBlock& block : Blocks) {
     const TNestedInfo* const info = FScan.Blocks().Find(block.X, block.Y);
-    if (info == nullptr) continue;
+    if (info == nullptr || !IsOf(*info, block)) continue;
     for (const int code : info->Place) planned += PerStack(FScan.Blocks(), *info, TStackCode::Of(code));
   }
   planned = std::min(planned, std::accumulate(Progress.Demand.begin(), Progress.Demand.end(), Int64{0}));
@@ -66,12 +70,16 @@ void TThreeBlockLayout::Reserve(std::span<const TBlock> Blocks, TProgress& Progr
   Progress.List.reserve(static_cast<std::size_t>(planned));
 }
 
-// The pitch within a stack gives the whole gap back that the scan's sizes lack, as long as the stack's copies still fit
-// the block.
+// A block whose value was that of another one with its code stays empty. The pitch within a stack gives the whole gap
+// back that the scan's sizes lack, as long as the stack's copies still fit the block.
 TPoint2D TThreeBlockLayout::LayBlock(const TBlock& Block, TPoint2D Corner, TProgress& Progress) const {
   const TBlockValues& blocks = FScan.Blocks();
   const TNestedInfo* const info = blocks.Find(Block.X, Block.Y);
   if (info == nullptr) return Corner;
+  if (!IsOf(*info, Block)) {
+    Progress.FDecAera += info->Area;
+    return Corner;
+  }
   double across = 0;
   double longest = 0;
   double reached = 0;

@@ -1,0 +1,328 @@
+#include "platenest/URectNest/MultiRectNest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "BlockValues.h"
+#include "ForEachSeed.h"
+#include "ThreeBlockLayout.h"
+#include "ThreeBlockScan.h"
+#include "platenest/foundation/Errors.h"
+#include "platenest/foundation/StopToken.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
+
+namespace platenest {
+namespace {
+
+using namespace detail;
+using testing::ElementsAre;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TNestRect Part(double Width, double Height, int Amount, double Worth = 0) {
+  TNestRect part(Amount, -7, TVRect2D::FromSize(Width, Height));
+  part.Area = Worth;
+  return part;
+}
+
+struct TJob {
+  double Width;
+  double Height;
+  TNestRectList Parts;
+  double Gap = 0;
+  double MinURate = 0.5;
+  bool ConstArea = false;
+
+  TMultiRectNest Nest() const { return {TVRect2D::FromSize(Width, Height), Parts, Gap, MinURate, ConstArea}; }
+};
+
+struct TAnswer {
+  TNestedRects List = {TNestedRect()};  // runs replace it
+  int Status = -1;
+  double Usage = -1;
+};
+
+// Positions count as Idx, and the amounts if they are limits.
+void Check(const TJob& Job, const TNestedRects& List, bool IsLimited) {
+  TNestRectList demand = Job.Parts;
+  for (int i = 0; i < Size(demand); ++i) {
+    demand[i].Idx = i;
+    if (!IsLimited) demand[i].Amount = std::numeric_limits<int>::max();
+  }
+  EXPECT_EQ(CheckRectLayout(List, TVRect2D::FromSize(Job.Width, Job.Height), Job.Gap, demand), "");
+}
+
+TAnswer Limited(const TJob& Job, TMultiRectNest& Nest) {
+  TAnswer answer;
+  answer.Usage = Nest.ShapeRectNestWithAmt(answer.List, answer.Status);
+  Check(Job, answer.List, true);
+  return answer;
+}
+
+TAnswer Limited(const TJob& Job) {
+  TMultiRectNest nest = Job.Nest();
+  return Limited(Job, nest);
+}
+
+TAnswer Unlimited(const TJob& Job) {
+  TAnswer answer;
+  bool success = false;
+  answer.Usage = Job.Nest().ShapeRectNest(answer.List, success);
+  EXPECT_EQ(success, answer.Usage >= std::max(Job.MinURate, 0.88));
+  Check(Job, answer.List, false);
+  return answer;
+}
+
+double WorthOf(const TJob& Job, const TNestedRects& List) {
+  double worth = 0;
+  for (const TNestedRect& item : List) {
+    const TVRect2D& box = Job.Parts[item.Part.Idx].BoundBox;
+    worth += Job.ConstArea ? item.Part.Area : (box.Width() + Job.Gap) * (box.Height() + Job.Gap);
+  }
+  return worth;
+}
+
+TEST(MultiRectNest, KeepsFewerRasterPointsForMoreSizesAndLargerPlates) {
+  EXPECT_EQ(PointLimit(1000, 500, 1), 40);
+  EXPECT_EQ(PointLimit(1000, 500, 5), 27);
+  EXPECT_EQ(PointLimit(1500, 3000, 10), 22);
+  EXPECT_EQ(PointLimit(3000, 1500, 30), 16);
+  const std::vector<int> points{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+  EXPECT_THAT(Thinned(points, 4), ElementsAre(0, 3, 5, 8));
+  EXPECT_THAT(Thinned(points, 0), ElementsAre(0)) << "a plate many times longer than wide";
+  EXPECT_EQ(Thinned(points, 10), points);
+}
+
+TEST(MultiRectNest, CandidatesWithinTheToleranceOfABeatenOneAreLost) {
+  TCandidates best{};
+  const auto valuesAfter = [&](std::initializer_list<double> values) {
+    for (const double value : values) Updateinfo(best, {true, 0, 0, value}, 1);
+    std::vector<double> kept;
+    for (const TRectInfo& info : best) kept.push_back(info.Value);
+    return kept;
+  };
+  EXPECT_THAT(valuesAfter({1, 50, 50.5, 51, 100, 20}), ElementsAre(100, 50, 20, 0, 0)) << "1 is as good as nothing";
+  EXPECT_THAT(valuesAfter({99.5}), ElementsAre(100, 99.5, 50, 20, 0)) << "only the beaten neighbour is looked at";
+  EXPECT_THAT(valuesAfter({200}), ElementsAre(200, 99.5, 99.5, 50, 20)) << "100 did not move over 99.5";
+}
+
+TEST(BlockValues, HoldWholeStacksAndRememberBlocksWithoutTakingDemandAgain) {
+  TBlockValues blocks({{3, 4, 12}, {2, 9, 18}});
+  std::vector<int> used(2);
+  blocks.SetDemand({0, 1});
+  EXPECT_EQ(blocks.G(18, 4, used), 0) << "rows and columns would be of two";
+  blocks.SetDemand({2, 0});
+  EXPECT_EQ(blocks.G(8, 4, used), 24);
+  EXPECT_FALSE(blocks.Find(8, 4)->Direct) << "columns win ties";
+  EXPECT_THAT(blocks.Find(8, 4)->Place, ElementsAre(0, 0));
+  EXPECT_EQ(blocks.G(8, 4, used), 24) << "remembered, though no demand is left";
+  EXPECT_EQ(blocks.G(8, 5, used), 0);
+  EXPECT_THAT(used, ElementsAre(2, 0));
+  blocks.GiveBack(used);
+  EXPECT_THAT(used, ElementsAre(0, 0));
+  EXPECT_EQ(blocks.G(7, 4, used), 24);
+  blocks.SetDemand({0, 5});
+  EXPECT_EQ(blocks.G(9, 5, used), 36) << "fits turned only";
+  EXPECT_THAT(blocks.Find(9, 5)->Place, ElementsAre(-2));
+  EXPECT_EQ(blocks.G(100, 0, used) + blocks.G(-3, 100, used), 0);
+  EXPECT_EQ(blocks.Counts().MemoHits, 1);
+}
+
+TEST(BlockValues, CountASquareOnceForEachOrientation) {
+  TBlockValues blocks({{5, 5, 25}});
+  std::vector<int> used(1);
+  blocks.SetDemand({2});
+  EXPECT_EQ(blocks.G(20, 5, used), 100) << "more than the demand allows";
+  EXPECT_THAT(used, ElementsAre(2));
+}
+
+//     +---+-----+-----+
+//     | 0 |     |     |
+//     +---+  1  |  1  |     The first block ends at x = 5, a unit to the right of its column. The third one is
+//     | 0 |     |     |     remembered from the second, whose size it has, and counts on two copies that are not there.
+//     +---+-----+-----+
+//     | 0 |     |     |
+//     +---+  1  |  1  |
+//     | 0 |     |     |
+//     +---+-----+-----+
+TEST(ThreeBlockLayout, ShortStacksLoseTheirWorthAndTheNextBlockMovesUp) {
+  const TNestRectList parts{Part(4, 3, 0), Part(7, 6, 0)};
+  TThreeBlockScan scan(19, 12, {5}, {6}, 0.1, TBlockValues({{4, 3, 12}, {7, 6, 30}}));
+  EXPECT_EQ(scan.Calc({4, 2}), 168);
+  const TRectInfo& best = scan.Candidates().front();
+  const TThreeBlockLayout layout(scan, parts, 0);
+  const auto placesOf = [](const TNestedRects& list) {
+    std::vector<std::pair<double, double>> places;
+    for (const TNestedRect& item : list) places.emplace_back(item.Trans.X, item.Trans.Y);
+    return places;
+  };
+  using P = std::pair<double, double>;
+  EXPECT_THAT(placesOf(layout.LayOut(best)),
+              ElementsAre(P{0, 0}, P{0, 3}, P{0, 6}, P{0, 9}, P{5, 0}, P{12, 0}, P{5, 6}, P{12, 6}));
+  EXPECT_EQ(layout.AddParts(best, {4, 2}).Dec, -2 * 30);
+  const TTrial trial = layout.AddParts(best, {1, 3});
+  EXPECT_THAT(placesOf(trial.List), ElementsAre(P{0, 0}, P{4, 0}, P{11, 0}, P{4, 6}));
+  EXPECT_EQ(trial.Dec, -(3 * 12 + 30));
+}
+
+TEST(ThreeBlockLayout, AnotherBlockUnderTheSameCodeIsNotLaidOut) {
+  TThreeBlockScan scan(3, 1'000'005, {1}, {5}, 0.1, TBlockValues({{1, 1, 1}}));
+  scan.Calc({99'999'999});
+  const TRectInfo info{true, 1, 5, 0};  // the second block is 2 by 5, the first one 1 by 1000005
+  const TTrial trial = TThreeBlockLayout(scan, {Part(1, 1, 0)}, 0).AddParts(info, {99'999'999});
+  EXPECT_EQ(trial.List.Count(), 1'000'005 + 2 * 1'000'000);
+  EXPECT_EQ(trial.Dec, -1'000'005);
+}
+
+// The most that any three blocks can hold of one size, over every cut at every whole length.
+class TAllThreeBlocks {
+ public:
+  TAllThreeBlocks(int A, int B) : FA(A), FB(B) {}
+  int Best(int L, int W) const {
+    int best = 0;
+    for (int x = 0; x <= L; ++x)
+      for (int y = 0; y <= W; ++y) {
+        best = std::max(best, Block(x, W) + Block(L - x, y) + Block(L - x, W - y));
+        best = std::max(best, Block(L, y) + Block(x, W - y) + Block(L - x, W - y));
+      }
+    return best;
+  }
+
+ private:
+  int Block(int X, int Y) const { return std::max(Rows(X, Y), Rows(Y, X)); }
+  int Rows(int X, int Y) const {
+    int best = 0;
+    for (int n = 0; n * FB <= Y; ++n) best = std::max(best, n * (X / FA) + (Y - n * FB) / FA * (X / FB));
+    return best;
+  }
+
+  int FA;
+  int FB;
+};
+
+TEST(MultiRectNest, UnlimitedLayoutsOfOneSizeEqualEveryCutAtEveryLength) {
+  EXPECT_NEAR(Unlimited({43, 26, {Part(7, 3, 1)}}).Usage, 1092.0 / (43 * 26), 1e-12);
+  EXPECT_NEAR(Unlimited({14, 14, {Part(7, 5, 0)}}).Usage, 140.0 / (14 * 14), 1e-12);
+  ForEachSeed(60, [](unsigned seed) {
+    std::mt19937 random(seed);
+    const int l = 10 + static_cast<int>(random() % 25);
+    const int w = 5 + static_cast<int>(random() % 20) % (l - 4);
+    const int a = 2 + static_cast<int>(random() % 7);
+    const int b = 1 + static_cast<int>(random() % 5);
+    const TAnswer answer = Unlimited({1.0 * l, 1.0 * w, {Part(a, b, -5)}});
+    EXPECT_EQ(answer.List.Count(), TAllThreeBlocks(a, b).Best(l, w)) << l << 'x' << w << ' ' << a << 'x' << b;
+  });
+}
+
+TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
+  ForEachSeed(120, [](unsigned seed) {
+    std::mt19937 random(seed);
+    const auto from = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    const double unit = seed % 2 == 0 ? 1 : 0.05;
+    const auto side = [&](int low, int high) {
+      return from(static_cast<int>(low / unit), static_cast<int>(high / unit)) * unit;
+    };
+    TJob job{side(60, 400), side(60, 400), {}, std::vector{0.0, 0.0, 1.0, 2.35}[seed / 2 % 4], 0, seed % 3 == 0};
+    for (int k = from(1, 9); k > 0; --k) {
+      const double width = side(10, 80);
+      job.Parts.push_back(Part(width, from(0, 4) == 0 ? width : side(10, 80), from(0, 40), from(0, 9000)));
+    }
+    TMultiRectNest nest = job.Nest();
+    const TAnswer limited = Limited(job, nest);
+    const TAnswer again = Limited(job, nest);
+    EXPECT_EQ(again.Usage, limited.Usage) << "the demand is given back";
+    EXPECT_EQ(limited.Status, limited.List.empty() ? limited.Status : limited.Usage < 0.88 ? 1 : 0);
+    const double area = (job.Width + job.Gap) * (job.Height + job.Gap);
+    const bool isWhole = job.ConstArea || (unit == 1 && job.Gap == 0);
+    const double roundedUp = isWhole ? 1e-6 : 1e-3 * area;
+    EXPECT_NEAR(limited.Usage * area, WorthOf(job, limited.List) + roundedUp / 2, roundedUp);
+    const TAnswer unlimited = Unlimited(job);
+    EXPECT_NEAR(unlimited.Usage * area, WorthOf(job, unlimited.List), 1e-5 * area);
+  });
+}
+
+TEST(MultiRectNest, TriesTheNextCandidateWhenTheDemandFallsShort) {
+  // The best candidate is worth 100 and lacks 30; another one of 100 is complete.
+  const TJob job{9, 12, {Part(2, 5, 7), Part(3, 5, 7)}};
+  EXPECT_NEAR(Limited(job).Usage, 100.0 / (9 * 12), 1e-12);
+  // The best one is worth 220 and lacks 80.
+  EXPECT_NEAR(Limited({16, 14, {Part(5, 4, 7), Part(3, 7, 10)}}).Usage, 210.0 / (16 * 14), 1e-12);
+}
+
+TEST(MultiRectNest, StatusTellsGoodFromPoorAndFromHopeless) {
+  const auto statusOf = [](int amount, double minURate) {
+    return Limited({100, 100, {Part(10, 10, amount)}, 0, minURate}).Status;
+  };
+  EXPECT_EQ(statusOf(89, 0.5), 2);
+  EXPECT_EQ(statusOf(100, 0.5), 0);
+  EXPECT_EQ(statusOf(100, kNaN), 0);
+  EXPECT_EQ(statusOf(100, 1.01), 1) << "no limit above";
+  const TJob poor{20, 20, {Part(15, 15, 2)}};
+  EXPECT_EQ(Limited(poor).Status, 1) << "0.5 acts as 0.88";
+  EXPECT_NEAR(Limited(poor).Usage, 0.5625, 1e-12);
+  const TAnswer cheap = Limited({1000, 1000, {Part(500, 500, 4, 1)}, 0, 0.5, true});
+  EXPECT_EQ(cheap.Status, 1);
+  EXPECT_TRUE(cheap.List.empty()) << "a plate that is worth less than the tolerance";
+}
+
+TEST(MultiRectNest, UselessInputHoldsNothing) {
+  const TNestRect good = Part(10, 10, 100);
+  const TJob useless[] = {
+      {100, 100, {}},
+      {0, 100, {good}},
+      {kNaN, 100, {good}},
+      {100, kInfinity, {good}},
+      {100, 100, {good}, kNaN},
+      {100, 100, {good}, -100.0},
+      {100, 100, {Part(kNaN, 10, 1000)}},
+      {100, 100, {Part(-10, -10, 1000)}},
+      {100, 100, {good}, 0, 0, true},
+  };
+  for (const TJob& job : useless) {
+    const TAnswer limited = Limited(job);
+    EXPECT_EQ(limited.Usage, 0);
+    EXPECT_TRUE(limited.List.empty());
+    EXPECT_GT(limited.Status, 0);
+    EXPECT_EQ(Unlimited(job).Usage, 0);
+  }
+  const TAnswer mixed = Limited({100, 100, {Part(kInfinity, 1, 5), Part(1e300, 1e-300, 9), Part(10, 10, -3), good}});
+  EXPECT_EQ(mixed.List.Count(), 100);
+}
+
+TEST(MultiRectNest, StopsBeforeTheFirstBlockAndRunsAgainAfterwards) {
+  const TJob job{100, 100, {Part(10, 10, 100)}};
+  TMultiRectNest nest = job.Nest();
+  {
+    TStopToken token;
+    const TStopTokenScope scope(&token);
+    token.RequestStop();
+    EXPECT_TRUE(Limited(job, nest).List.empty());
+    EXPECT_EQ(nest.Counts().Blocks, 0);
+  }
+  EXPECT_EQ(Limited(job, nest).List.Count(), 100);
+}
+
+TEST(MultiRectNest, FailureOfATrialHasItsOwnTextAndKeepsTheArguments) {
+  const TJob job{3200, 3200, {Part(1, 1, 10'240'000)}};
+  TAnswer answer;
+  TMultiRectNest nest = job.Nest();
+  try {
+    nest.ShapeRectNestWithAmt(answer.List, answer.Status);
+    FAIL();
+  } catch (const TNestError& error) {
+    EXPECT_EQ(error.Text(), "Error In FUNC[TMultiRectNest.ShapeRectNestWithAmt]");
+    EXPECT_THROW(std::rethrow_if_nested(error), TRangeError);
+  }
+  EXPECT_EQ(answer.List.Count(), 1);
+  EXPECT_EQ(answer.Status, -1);
+}
+
+}  // namespace
+}  // namespace platenest
