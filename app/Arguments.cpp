@@ -133,6 +133,7 @@ struct OptionPlace {
 };
 
 constexpr OptionPlace kOptionPlaces[] = {
+    {"/parts", "--parts", "", [](const JobOverrides& o) { return o.HasPartsTable; }},
     {"/plates/0/width", "--plate", "width ", [](const JobOverrides& o) { return o.PlateSize.has_value(); }},
     {"/plates/0/height", "--plate", "height ", [](const JobOverrides& o) { return o.PlateSize.has_value(); }},
     {"/parts/0/width", "--part", "width ", [](const JobOverrides& o) { return o.PartSize.has_value(); }},
@@ -221,7 +222,8 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {
   for (const OptionPlace& row : kOptionPlaces) {
-    if (!IsAtOrBelow(AFault.Place, row.Place) || !(AreTheJob || row.Given(*this))) continue;
+    const bool isOfJob = AreTheJob && row.Option != "--parts";  // which no command asks for where there is no part
+    if (!IsAtOrBelow(AFault.Place, row.Place) || !(isOfJob || row.Given(*this))) continue;
     return {AFault.Code, std::string(row.Option), std::string(row.Subject) + AFault.Text, AFault.Detail};
   }
   return AFault;
@@ -234,6 +236,8 @@ Arguments ReadArguments(const CommandLine& Line) {
   result.Positionals = Line.Positionals;
   result.Job = ReadJobOverrides(reader);
   result.Job.AreTheJob = Line.Positionals.empty();
+  result.PartsFile = reader.Read("--parts", ParseText, "the name of a file").value_or("");
+  result.Job.HasPartsTable = !result.PartsFile.empty();
   result.PlatesFile = reader.Read("--plates", ParseText, "the name of a file").value_or("");
   result.Output = reader.Read("-o", ParseText, "the name of a file").value_or("-");
   result.SvgFolder = reader.Read("--svg", ParseText, "the name of a folder").value_or("");

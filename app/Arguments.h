@@ -38,6 +38,7 @@ struct JobOverrides {
   std::optional<RectSize> LabelSides;
   std::optional<double> Offset;
   std::optional<double> Radius;
+  bool HasPartsTable = false;
   bool AreTheJob = false;  // there is no job file: every place of the job is an option's
 
   // Sizes replace those of the only plate or part, which is added when there is none. Raises OptionError where one
@@ -54,6 +55,7 @@ struct Arguments {
   std::vector<std::string> Positionals;
   JobOverrides Job;
   std::string PlatesFile;  // empty: none
+  std::string PartsFile;   // empty: none
   std::string Output = "-";
   std::string SvgFolder;  // empty: no pictures
   std::string CsvFile;    // empty: no table

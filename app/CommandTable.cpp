@@ -6,6 +6,7 @@ namespace {
 
 constexpr CommandRow kCommands[] = {
     {Command::One, "one", "[JOB]", 0, 1, "how many of one size on one plate"},
+    {Command::Fill, "fill", "[JOB]", 0, 1, "best use of one plate, many sizes"},
     {Command::Nfp, "nfp", "JOB", 1, 1, "no-fit polygons, or the regions where parts fit inside others"},
     {Command::Array, "array", "JOB", 1, 1, "two vectors that repeat a part"},
     {Command::Label, "label", "JOB", 1, 1, "where a label fits in a part, with its margin"},
@@ -21,8 +22,11 @@ constexpr std::uint16_t Bit(Command Id) {
 constexpr std::uint16_t kOne = Bit(Command::One);
 constexpr std::uint16_t kReaders = Bit(Command::Check) | Bit(Command::Convert);
 constexpr std::uint16_t kOfPart = Bit(Command::Array) | Bit(Command::Label) | Bit(Command::Sucker);
-constexpr std::uint16_t kRuns = kOne | Bit(Command::Nfp) | kOfPart;
-constexpr std::uint16_t kRects = kOne | kReaders;
+constexpr std::uint16_t kFill = Bit(Command::Fill);
+constexpr std::uint16_t kLayouts = kOne | kFill;
+constexpr std::uint16_t kRuns = kLayouts | Bit(Command::Nfp) | kOfPart;
+constexpr std::uint16_t kOneSize = kOne | kReaders;
+constexpr std::uint16_t kRects = kLayouts | kReaders;
 constexpr std::uint16_t kPairs = Bit(Command::Nfp) | kReaders;
 constexpr std::uint16_t kArrays = Bit(Command::Array) | kReaders;
 constexpr std::uint16_t kLabels = Bit(Command::Label) | kReaders;
@@ -33,8 +37,9 @@ using enum OptionGroup;
 constexpr OptionRow kOptions[] = {
     {"--plate", "WxH", Job, kRects, "size of the plate, for example 2440x1220"},
     {"--plates", "FILE", Job, Bit(Command::Convert), "the plates as a CSV table, where INPUT is one of parts"},
-    {"--part", "WxH", Job, kRects, "size of the part, for example 300x200"},
-    {"--amount", "N", Job, kRects, "copies of the part; without it as many as fit"},
+    {"--parts", "FILE", Job, kFill | Bit(Command::Check), "the parts as a CSV table, in place of those of the job"},
+    {"--part", "WxH", Job, kOneSize, "size of the part, for example 300x200"},
+    {"--amount", "N", Job, kOneSize, "copies of the part; without it as many as fit"},
     {"--gap", "LENGTH", Job, kRects | kArrays, "least distance between two parts (default 0)"},
     {"--margin", "LENGTHS", Job, kRects, "kept free at the plate's edges: one number, or left,bottom,right,top"},
     {"--fixed", "ID", Job, kPairs, "the part that stands still; without it all, one after the other"},
@@ -48,7 +53,8 @@ constexpr OptionRow kOptions[] = {
     {"--offset", "LENGTH", Job, kLabels, "least margin all round the label (default 0)"},
     {"--radius", "LENGTH", Job, Bit(Command::Sucker) | kReaders, "radius of the gripper"},
     {"--units", "NAME", Job, kJobs, "mm, cm, m, in or none; a name only, nothing is converted (default mm)"},
-    {"--method", "NAME", Run, kRects, "auto, strip, fiveblock or trim (default auto)"},
+    {"--method", "NAME", Run, kRects,
+     "auto (default); one: strip, fiveblock, trim; fill: smart, raster, rskf, bigfirst"},
     {"--time-limit", "SECONDS", Run, kJobs, "time for the search (default 60, 0 for none)"},
     {"--seed", "N", Run, kJobs, "start of the random numbers (default 1)"},
     {"--threads", "N", Run, kJobs, "threads that work (default: up to 4)"},
@@ -56,8 +62,8 @@ constexpr OptionRow kOptions[] = {
     {"--deterministic", "", Run, kJobs, "the same bytes for the same job and seed, on any machine load"},
     {"-o", "FILE", Output, kRuns | Bit(Command::Schema), "write to FILE instead of standard output"},
     {"--svg", "DIR", Output, kRuns, "a picture of each answer, for example DIR/layout-001-x1.svg"},
-    {"--csv", "FILE", Output, kOne, "the placements as a table"},
-    {"--require-all", "", Output, kOne | Bit(Command::Nfp) | Bit(Command::Check),
+    {"--csv", "FILE", Output, kLayouts, "the placements as a table"},
+    {"--require-all", "", Output, kLayouts | Bit(Command::Nfp) | Bit(Command::Check),
      "exit with 1 when demand is left: copies, or pairs"},
     {"--quiet", "", Messages, kAll, "nothing on standard error but errors"},
     {"--json-progress", "", Messages, kAll, "progress and errors as one JSON object a line"},

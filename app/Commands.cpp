@@ -39,21 +39,33 @@ Job ReadJob(const std::string& Path, Messages& Out) {
   return ParseJob(ReadSource(Path, limits::kJobBytes, Out));
 }
 
-// The job of the command line alone: one plate, one part, as many as fit.
-Job JobOfOptions(const JobOverrides& Overrides) {
-  if (!Overrides.PlateSize || !Overrides.PartSize) {
-    throw WrongWord("one takes a JOB, or --plate and --part; see platenest one --help");
+// A job without a file: one plate, and one part as often as it fits or a table of parts.
+Job JobOfOptions(const Arguments& Args, JobKind Kind) {
+  const bool isOne = Kind == JobKind::One;
+  if (!Args.Job.PlateSize || (isOne ? !Args.Job.PartSize : Args.PartsFile.empty())) {
+    const std::string name(KindName(Kind));
+    throw WrongWord(name + " takes a JOB, or --plate and " + (isOne ? "--part" : "--parts") + "; see platenest " +
+                    name + " --help");
   }
   Job job;
-  Overrides.ApplyTo(job);
+  job.Kind = Kind;
   return job;
 }
 
-Job LoadJob(const Arguments& Args, Messages& Out) {
-  if (Args.Positionals.empty()) return JobOfOptions(Args.Job);
-  Job job = ReadJob(Args.Positionals.front(), Out);
+// What the options say about the job goes before what it says itself.
+void ApplyOptions(const Arguments& Args, Job& AJob, Messages& Out) {
+  if (!Args.PartsFile.empty()) {
+    const std::string source = Out.Source();
+    AJob.Parts = PartsFromCsv(ReadSource(Args.PartsFile, limits::kJobBytes, Out), Args.PartsFile, AJob.Kind);
+    Out.SetSource(source);
+  }
   Out.SetReading(false);
-  Args.Job.ApplyTo(job);
+  Args.Job.ApplyTo(AJob);
+}
+
+Job LoadJob(const Arguments& Args, JobKind Kind, Messages& Out) {
+  Job job = Args.Positionals.empty() ? JobOfOptions(Args, Kind) : ReadJob(Args.Positionals.front(), Out);
+  ApplyOptions(Args, job, Out);
   return job;
 }
 
@@ -179,7 +191,7 @@ int ExitOf(const Result& AResult, const Arguments& Args) {
 }
 
 int RunJob(const Arguments& Args, JobKind Kind, Messages& Out, const Runner& Run) {
-  const Job job = LoadJob(Args, Out);
+  const Job job = LoadJob(Args, Kind, Out);
   RequireKind(job, Kind);
   CheckJob(job);
   PrepareOutputs(Args);
@@ -194,8 +206,7 @@ int RunCheck(const Arguments& Args, Messages& Out) {
   const std::string& resultPath = Args.Positionals[1];
   if (jobPath == "-" && resultPath == "-") throw WrongWord("check can take one of JOB and RESULT as -, not both");
   Job job = ReadJob(jobPath, Out);
-  Out.SetReading(false);
-  Args.Job.ApplyTo(job);
+  ApplyOptions(Args, job, Out);
   CheckJob(job);
   const Result result = ParseResult(ReadSource(resultPath, limits::kResultBytes, Out));
   const std::vector<Fault> faults = CheckResult(job, result);
@@ -271,6 +282,8 @@ int RunCommand(const Arguments& Args, Messages& Out, const Runner& Run) {
   switch (Args.Id) {
     case Command::One:
       return RunJob(Args, JobKind::One, Out, Run);
+    case Command::Fill:
+      return RunJob(Args, JobKind::Fill, Out, Run);
     case Command::Nfp:
       return RunJob(Args, JobKind::Nfp, Out, Run);
     case Command::Array:

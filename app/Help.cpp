@@ -57,6 +57,24 @@ Examples:
   platenest one panel.json -o result.json
 )";
 
+constexpr std::string_view kFillPage = R"(
+Fills one plate with parts of many sizes, so that the placed copies are worth most:
+by their area, or by the value that a part states. JOB is a job file, - for standard
+input, or absent when --plate and --parts say it all. Options win over the job file,
+and the result repeats what was in force. Parts with rotate none keep their turn; a
+method that cannot keep that is refused.
+
+auto tries smart and raster first, then rskf and bigfirst, with and without turning,
+and keeps the best answer that passed the check, so more time never gives less. It
+ends early where an upper bound proves the answer best. Ctrl-C stops the search and
+writes the best answer so far; a second one leaves at once.
+)";
+constexpr std::string_view kFillExamples = R"(
+Examples:
+  platenest fill --plate 3000x1500 --parts demand.csv --gap 4 --svg out/
+  platenest fill cabinet.json --method smart -o result.json
+)";
+
 constexpr std::string_view kNfpPage = R"(
 Works out where a part may lie beside another one: the no-fit polygon, which the
 reference point (origin) of the moving part must not enter, or with --inside the
@@ -156,6 +174,8 @@ Page PageOf(Command Id) {
   switch (Id) {
     case Command::One:
       return {kOnePage, kOneExamples};
+    case Command::Fill:
+      return {kFillPage, kFillExamples};
     case Command::Nfp:
       return {kNfpPage, kNfpExamples};
     case Command::Array:

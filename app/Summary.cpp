@@ -76,6 +76,7 @@ std::string LayoutsText(const Result& AResult) {
   const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
   std::string text = Counted(PlacedCopies(AResult), "part") + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
   text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %");
+  if (AResult.Total.Value) text += Line("value", Shortest(*AResult.Total.Value));
   if (!AResult.Bounds.empty()) text += Line("bounds", BoundsText(AResult));
   if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
   if (const std::optional<double> clearance = LeastClearance(AResult)) {

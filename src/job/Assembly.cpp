@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
-#include <span>
 #include <unordered_map>
 
+#include "platenest/job/JobErrors.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/Measures.h"
 
@@ -111,6 +111,35 @@ std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, cons
   return CheckRectLayout(ToRecords(AJob, ALayout), plate, Gap, demand, {.NegativeAmountIsNoLimit = true});
 }
 
+double WorthOf(const Part& APart) {
+  return APart.Value.value_or(APart.Width * APart.Height);
+}
+
+std::vector<Int64> CountCopies(const Job& AJob, const Layout& ALayout) {
+  const auto positions = PositionsById(AJob.Parts);
+  std::vector<Int64> counts(AJob.Parts.size());
+  for (const Placement& place : ALayout.Placements) ++counts[positions.at(place.Part)];
+  return counts;
+}
+
+double WorthOfCopies(const Job& AJob, std::span<const Int64> Counts) {
+  long double worth = 0;
+  for (int i = 0; i < Size(Counts); ++i)
+    worth += static_cast<long double>(WorthOf(AJob.Parts[i])) * static_cast<long double>(Counts[i]);
+  return static_cast<double>(worth);
+}
+
+void RaiseTooManyCopies(int Position) {
+  throw LimitError(
+      {"limit", "/parts/" + std::to_string(Position) + "/amount",
+       "more than " + std::to_string(limits::kCopies) + " copies fit, which is the limit; ask for an amount", ""});
+}
+
+void RequireRoom(const TScaledPlate& Scaled, const Plate& APlate) {
+  if (Scaled.Width > 0 && Scaled.Height > 0) return;
+  throw InputError({"range", "/margin", "leaves nothing of plate `" + APlate.Id + "`", ""});
+}
+
 void Account(const Job& AJob, Result& AResult) {
   const auto partPositions = PositionsById(AJob.Parts);
   const auto platePositions = PositionsById(AJob.Plates);
@@ -134,6 +163,7 @@ void Account(const Job& AJob, Result& AResult) {
   AResult.Total.Plates = ToCount(std::accumulate(used.begin(), used.end(), Int64{0}));
   for (int i = 0; i < Size(placed); ++i) AResult.Parts[i].Placed = ToCount(placed[i]);
   for (PartUse& part : AResult.Parts) part.Unplaced = part.Amount ? std::max(0, *part.Amount - part.Placed) : 0;
+  if (AJob.Kind == JobKind::Fill) AResult.Total.Value = WorthOfCopies(AJob, placed);
   if (AResult.Total.PlateArea > 0) AResult.Total.Usage = AResult.Total.PartArea / AResult.Total.PlateArea;
 }
 

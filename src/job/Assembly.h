@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,19 @@ TNestedRects ToRecords(const Job& AJob, const Layout& ALayout);
 // The checker's verdict on a layout, empty if it is valid: plate less margin, gap, convention, known parts of right
 // size.
 std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
+
+// The worth of one copy in a job of kind Fill: its value, or its area in the job's units.
+double WorthOf(const Part& APart);
+
+// Copies of each part in a layout, whose ids are known, and what counts of copies are worth in sum.
+std::vector<Int64> CountCopies(const Job& AJob, const Layout& ALayout);
+double WorthOfCopies(const Job& AJob, std::span<const Int64> Counts);
+
+// The limit on copies of a part that states none.
+[[noreturn]] void RaiseTooManyCopies(int Position);
+
+// Raises InputError where the margin leaves nothing of the plate.
+void RequireRoom(const TScaledPlate& Scaled, const Plate& APlate);
 
 // Sums over all layouts: summary, plates and parts with their counts, without reasons.
 void Account(const Job& AJob, Result& AResult);

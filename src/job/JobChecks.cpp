@@ -146,7 +146,7 @@ void CheckOptions(const Options& Run, FaultList& Faults) {
 bool KeepsLocks(JobKind Kind, std::string_view Method, bool AllLocked) {
   if (Method == "auto" || Kind == JobKind::Job) return true;
   if (Kind == JobKind::One) return false;
-  return Method == "smart" || (AllLocked && (Method == "rskf" || Method == "bigfirst"));
+  return Method == "smart" || (AllLocked && Method == "rskf");
 }
 
 void CheckMethod(const Job& AJob, const KindRule& Rule, FaultList& Faults) {

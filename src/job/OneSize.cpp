@@ -2,23 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 #include "OneSizeFiveblock.h"
 #include "Scale.h"
+#include "WholeUnits.h"
 #include "platenest/URectNest/URectNest.h"
-#include "platenest/foundation/Rounding.h"
 #include "platenest/job/Job.h"
 
 namespace platenest::detail {
 
 namespace {
 
-// A plate side is handed over this much longer than it is, so that sums of doubles do not lose an exact fit. Where all
-// sizes are multiples of a decimal quantum it stays below that quantum and cannot make anything fit that does not.
-constexpr double kMostFitSlack = 1e-6;
-constexpr double kFitSlackWithoutQuantum = 2.5e-10;
 // The nester shortens every gap from 1.0 on by this much.
 constexpr double kGapShortfall = 1e-9;
 
@@ -33,8 +28,7 @@ struct TPrepared {
 TPrepared Prepare(const TOneSize& S, int Amount) {
   TPrepared job;
   job.Decimals = CommonDecimals(std::array{S.PlateWidth, S.PlateHeight, S.PartWidth, S.PartHeight, S.Gap});
-  const double slack =
-      job.Decimals ? std::min(std::pow(10.0, -*job.Decimals) / 4, kMostFitSlack) : kFitSlackWithoutQuantum;
+  const double slack = FitSlack(job.Decimals);
   const double gapAllowance = S.Gap >= 1 ? kGapShortfall : 0;  // the nester grows its plate by the gap it is given
   job.PlateWidth = S.PlateWidth + slack - gapAllowance;
   job.PlateHeight = S.PlateHeight + slack - gapAllowance;
@@ -50,15 +44,6 @@ void ShiftToLeftEdge(TNestedRects& Layout) {
   double left = Layout[0].BoundBox().Left;
   for (const TNestedRect& placed : Layout) left = std::min(left, placed.BoundBox().Left);
   for (TNestedRect& placed : Layout) placed.Trans.X -= left;
-}
-
-// Sums of doubles back to the multiples of the quantum that they stand for.
-void SnapToQuantum(TNestedRects& Layout, int Decimals) {
-  const double scale = std::pow(10.0, Decimals);
-  for (TNestedRect& placed : Layout) {
-    placed.Trans.X = RoundHalfEven(placed.Trans.X * scale) / scale + 0.0;
-    placed.Trans.Y = RoundHalfEven(placed.Trans.Y * scale) / scale + 0.0;
-  }
 }
 
 void Finish(TNestedRects& Layout, const TPrepared& Job) {

@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
-#include "Scale.h"
+#include "WholeUnits.h"
 #include "platenest/URectNest/URectNest.h"
-#include "platenest/foundation/Rounding.h"
 
 namespace platenest::detail {
 
@@ -16,33 +14,6 @@ namespace {
 constexpr double kMostUnits = 1e6;
 // Four seconds for a search.
 constexpr int kLevel = 0;
-
-// A job in whole units; Scale of them make one unit of the job.
-struct TWholeJob {
-  double PlateWidth;
-  double PlateHeight;
-  double PartWidth;
-  double PartHeight;
-  double HalfGap;
-  double Scale;
-};
-
-TWholeJob ToWholeUnits(const TOneSize& S) {
-  const double longest = std::max(S.PlateWidth, S.PlateHeight) + S.Gap;
-  const std::array<double, 5> sizes{S.PlateWidth, S.PlateHeight, S.PartWidth, S.PartHeight, S.Gap};
-  if (const auto decimals = CommonDecimals(sizes)) {
-    const double quantum = std::pow(10.0, *decimals);
-    const bool isGapOdd = std::fmod(RoundHalfEven(S.Gap * quantum), 2) != 0;
-    const double scale = isGapOdd ? 2 * quantum : quantum;
-    const auto whole = [scale](double V) { return RoundHalfEven(V * scale); };
-    if (longest * scale <= kMostUnits)
-      return {whole(S.PlateWidth), whole(S.PlateHeight), whole(S.PartWidth),
-              whole(S.PartHeight), whole(S.Gap) / 2,     scale};
-  }
-  const double scale = std::pow(10.0, std::floor(std::log10(kMostUnits / longest)));
-  return {std::floor(S.PlateWidth * scale), std::floor(S.PlateHeight * scale), std::ceil(S.PartWidth * scale),
-          std::ceil(S.PartHeight * scale),  std::ceil(S.Gap * scale / 2),      scale};
-}
 
 void KeepLeftmost(TNestedRects& Layout, int Amount) {
   if (Layout.Count() <= Amount) return;
@@ -58,15 +29,18 @@ void KeepLeftmost(TNestedRects& Layout, int Amount) {
 }  // namespace
 
 TNestedRects NestByFiveblock(const TOneSize& Sizes, const TNestRect& Part) {
-  const TWholeJob job = ToWholeUnits(Sizes);
+  const std::array<double, 4> lengths{Sizes.PlateWidth, Sizes.PlateHeight, Sizes.PartWidth, Sizes.PartHeight};
+  const TWholeUnits units(lengths, Sizes.Gap, kMostUnits);
   TNestRect part = Part;
-  part.BoundBox = TVRect2D::FromSize(job.PartWidth, job.PartHeight);
+  part.BoundBox = TVRect2D::FromSize(units.Need(Sizes.PartWidth), units.Need(Sizes.PartHeight));
   TNestedRects layout;
-  TRecursiveFiveblockNest(TVRect2D::FromSize(job.PlateWidth, job.PlateHeight), part, 2 * job.HalfGap, 0)
+  TRecursiveFiveblockNest(TVRect2D::FromSize(units.Room(Sizes.PlateWidth), units.Room(Sizes.PlateHeight)), part,
+                          2 * units.HalfGap(), 0)
       .SingleNest(layout, 0, kLevel);
   // With a gap the nest keeps half of it free at the left and at the lower edge and ends as much beyond the others.
   for (TNestedRect& placed : layout) {
-    placed.Trans = {(placed.Trans.X - job.HalfGap) / job.Scale, (placed.Trans.Y - job.HalfGap) / job.Scale};
+    placed.Trans = {(placed.Trans.X - units.HalfGap()) / units.Scale(),
+                    (placed.Trans.Y - units.HalfGap()) / units.Scale()};
     placed.Part = Part;
   }
   KeepLeftmost(layout, Part.Amount);

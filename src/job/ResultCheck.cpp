@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Assembly.h"
+#include "FillVerdict.h"
 #include "JobForm.h"
 #include "OneSizeVerdict.h"
 #include "ShapeResultCheck.h"
@@ -72,6 +73,7 @@ class TResultCheck {
   void CheckVerdict();
   void CheckReasons();
   void CheckBoundsAndStatus();
+  void CheckStatus(const Result& True);
 
   const Job& FJob;
   const Result& FResult;
@@ -161,6 +163,9 @@ void TResultCheck::CheckCounts() {
   RequireNumber(stated.PartArea, truth.Total.PartArea, "/summary/part_area");
   RequireNumber(stated.PlateArea, truth.Total.PlateArea, "/summary/plate_area");
   RequireNumber(stated.Cost, truth.Total.Cost, "/summary/cost");
+  Require(stated.Value.has_value() == truth.Total.Value.has_value(), "/summary/value",
+          truth.Total.Value ? "is missing" : "has no meaning in a result of this kind");
+  if (stated.Value && truth.Total.Value) RequireNumber(*stated.Value, *truth.Total.Value, "/summary/value");
   CheckStock(truth);
   CheckDemand(truth);
 }
@@ -197,7 +202,7 @@ void TResultCheck::CheckDemand(const Result& True) {
 
 void TResultCheck::CheckVerdict() {
   CheckReasons();
-  if (FJob.Kind == JobKind::One) return CheckBoundsAndStatus();
+  if (FJob.Kind == JobKind::One || FJob.Kind == JobKind::Fill) return CheckBoundsAndStatus();
   const bool isLeft = std::ranges::any_of(FResult.Parts, [](const PartUse& part) { return part.Unplaced > 0; });
   Require(FResult.Status != ResultStatus::Complete || !isLeft, "/status", "says complete beside unplaced copies");
 }
@@ -214,21 +219,33 @@ void TResultCheck::CheckBoundsAndStatus() {
   Job inForce = FJob;
   inForce.Gap = FResult.Gap;
   inForce.Margin = FResult.Margin;
+  const bool isFill = FJob.Kind == JobKind::Fill;
   Result truth = FResult;
-  truth.Bounds = BoundsOf(inForce);
+  truth.Bounds = isFill ? FillBoundsOf(inForce) : BoundsOf(inForce);
   if (!truth.Layouts.empty()) MeasureInto(truth.Layouts[0], FResult.Gap, FResult.Margin);
-  Judge(inForce, truth);
+  isFill ? JudgeFill(inForce, truth) : Judge(inForce, truth);
   Require(FResult.Bounds == truth.Bounds, "/bounds", "are not the bounds of the job");
   Require(FResult.Proved == truth.Proved, "/proved",
           truth.Proved ? "is false although a bound is met" : "is true although no bound is met");
-  for (const Bound& bound : truth.Bounds)
-    Require(truth.Parts[0].Placed <= bound.Value, "/layouts", "hold more copies than the bound " + bound.Kind);
+  for (const Bound& bound : truth.Bounds) {
+    if (isFill)
+      Require(!BeatsBound(*truth.Total.Value, bound), "/layouts", "are worth more than the bound " + bound.Kind);
+    else
+      Require(truth.Parts[0].Placed <= bound.Value, "/layouts", "hold more copies than the bound " + bound.Kind);
+  }
+  CheckStatus(truth);
+}
+
+void TResultCheck::CheckStatus(const Result& True) {
   const bool wasCut = FResult.Status == ResultStatus::TimeLimit || FResult.Status == ResultStatus::Stopped;
-  Require(FResult.Status == truth.Status || (wasCut && truth.Status == ResultStatus::Partial), "/status",
-          "should be " + std::string(StatusName(truth.Status)));
-  const std::string& reason = FResult.Parts[0].Reason;
-  Require(reason == truth.Parts[0].Reason || (wasCut && reason == "time" && truth.Parts[0].Reason == "left_by_method"),
-          "/parts/0/reason", "should be " + truth.Parts[0].Reason);
+  Require(FResult.Status == True.Status || (wasCut && True.Status == ResultStatus::Partial), "/status",
+          "should be " + std::string(StatusName(True.Status)));
+  for (int i = 0; i < Size(FResult.Parts); ++i) {
+    const std::string& stated = FResult.Parts[i].Reason;
+    const std::string& reason = True.Parts[i].Reason;
+    Require(stated == reason || (wasCut && stated == "time" && reason == "left_by_method"),
+            "/parts/" + std::to_string(i) + "/reason", "should be " + reason);
+  }
 }
 
 }  // namespace

@@ -22,9 +22,15 @@ constexpr double kAbsentSeconds = -1;
 template <>
 std::span<const Field<Summary>> FieldsOf<Summary>() {
   static constexpr Field<Summary> fields[] = {
-      {"plates", true, Whole<&Summary::Plates, kTallyRule>}, {"usage", true, NotNegative<&Summary::Usage>},
-      {"part_area", true, NotNegative<&Summary::PartArea>},  {"plate_area", true, NotNegative<&Summary::PlateArea>},
+      {"plates", true, Whole<&Summary::Plates, kTallyRule>},
+      {"usage", true, NotNegative<&Summary::Usage>},
+      {"part_area", true, NotNegative<&Summary::PartArea>},
+      {"plate_area", true, NotNegative<&Summary::PlateArea>},
       {"cost", true, NotNegative<&Summary::Cost>},
+      {"value", false,
+       [](Summary& r) -> Slot {
+         return NumberAt{&r.Value, false, 0};
+       }},
   };
   return fields;
 }
@@ -203,6 +209,10 @@ void RequireAnswer(const Result& AResult, FaultList& Faults) {
       {JobKind::Array, "array", AResult.Array.has_value()},
       {JobKind::Label, "label", AResult.Label.has_value()},
       {JobKind::Sucker, "sucker", AResult.Sucker.has_value()}};
+  if (AResult.Kind == JobKind::Fill && !AResult.Total.Value) Faults.AddMissing("/summary", "value");
+  if (AResult.Kind != JobKind::Fill && AResult.Total.Value)
+    Faults.AddInput("conflict", "/summary/value",
+                    Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));
   for (const auto& [kind, name, isThere] : members) {
     if (kind == AResult.Kind && kind != JobKind::Nfp && !isThere) Faults.AddMissing("", name);
     if (kind != AResult.Kind && isThere)
@@ -342,6 +352,7 @@ void WriteSummary(JsonWriter& Out, const Summary& Total) {
   Out.Member("part_area", Total.PartArea);
   Out.Member("plate_area", Total.PlateArea);
   Out.Member("cost", Total.Cost);
+  if (Total.Value) Out.Member("value", *Total.Value);
   Out.EndObject();
 }
 

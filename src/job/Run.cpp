@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <new>
-#include <optional>
 #include <thread>
 #include <utility>
 
 #include "ArrayRun.h"
 #include "Assembly.h"
+#include "FillMethods.h"
+#include "FillRun.h"
 #include "JobForm.h"
 #include "NfpRun.h"
 #include "OneSize.h"
@@ -46,18 +47,14 @@ Result BeginResult(const Job& AJob) {
 // What the forms allow but no method of this kind keeps or answers.
 void RequireAnswerable(const Job& AJob) {
   if (IsOfShapes(AJob.Kind)) return;
+  if (AJob.Kind == JobKind::Fill) return RequireFillMethod(AJob);
   if (AJob.Kind != JobKind::One)
     throw InputError({"choice", "/kind",
-                      "this version answers jobs of the kinds `one`, `nfp`, `array`, `label` and `sucker` only", ""});
+                      "this version answers jobs of the kinds `one`, `fill`, `nfp`, `array`, `label` and `sucker` only",
+                      ""});
   if (AJob.Parts[0].Turn == Rotate::None)
     throw InputError({"conflict", "/parts/0/rotate",
                       "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});
-}
-
-[[noreturn]] void RaiseTooManyCopies() {
-  throw LimitError(
-      {"limit", "/parts/0/amount",
-       "more than " + std::to_string(limits::kCopies) + " copies fit, which is the limit; ask for an amount", ""});
 }
 
 // The first answer of the chain that passes the checker.
@@ -72,7 +69,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
       verdict = error.Text();
       continue;
     }
-    if (answer.Layout.Count() > limits::kCopies) RaiseTooManyCopies();
+    if (answer.Layout.Count() > limits::kCopies) RaiseTooManyCopies(0);
     Layout layout = AssembleLayout(AJob, AJob.Plates[0], Scaled, answer.Layout);
     const std::string fault = CheckLayout(AJob, layout, AJob.Gap, AJob.Margin);
     if (!fault.empty()) {
@@ -86,24 +83,13 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
   throw CheckError({"check", "", "no answer passed the layout check", verdict});
 }
 
-// What the run's end says beside the answer's own verdict.
-void NoteInterruption(const TRunControl& Control, Result& AResult) {
-  if (AResult.Status == ResultStatus::Complete) return;
-  const std::optional<ResultStatus> cut = Control.Interruption();
-  if (!cut) return;
-  AResult.Status = *cut;
-  PartUse& part = AResult.Parts[0];
-  if (part.Reason == "left_by_method") part.Reason = "time";
-}
-
 void AnswerOne(const Job& AJob, TRunControl& Control, Result& AResult) {
   const Part& part = AJob.Parts[0];
   const TScaledPlate scaled(AJob, AJob.Plates[0]);
-  if (scaled.Width <= 0 || scaled.Height <= 0)
-    throw InputError({"range", "/margin", "leaves nothing of plate `" + AJob.Plates[0].Id + "`", ""});
+  RequireRoom(scaled, AJob.Plates[0]);
   const TOneSize sizes = SizesOf(AJob);
   const TOneSizeBounds bounds = BoundOneSize(sizes);
-  if (!part.Amount && bounds.Grid > limits::kCopies) RaiseTooManyCopies();
+  if (!part.Amount && bounds.Grid > limits::kCopies) RaiseTooManyCopies(0);
   const Int64 most = std::min(bounds.Area, bounds.Barnes);
   // One copy more than can fit, so that the plate and not the amount ends the nest.
   const int amount = part.Amount.value_or(static_cast<int>(std::min<Int64>(most, limits::kCopies) + 1));
@@ -126,6 +112,8 @@ void AnswerOne(const Job& AJob, TRunControl& Control, Result& AResult) {
 
 void Answer(const Job& AJob, TRunControl& Control, Result& AResult) {
   switch (AJob.Kind) {
+    case JobKind::Fill:
+      return AnswerFill(AJob, Control, AResult);
     case JobKind::Nfp:
       return AnswerPairs(AJob, Control, AResult);
     case JobKind::Array:

@@ -21,11 +21,13 @@ TRunControl::TRunControl(const Options& AOptions, const RunHooks& Hooks)
     : FHooks(Hooks),
       FToken(Hooks.Stop),
       FStart(RealMs()),
+      FLimitMs(AOptions.TimeLimit * 1000),
       FTokenScope(&FToken),
       FMemoryScope([former = FreePhysicalMemory(), limit = AOptions.MemoryLimit] { return std::min(former, limit); }) {
-  if (AOptions.Deterministic) {
+  if (AOptions.Deterministic)
     FClockScope.emplace([looks = Int64{0}]() mutable { return static_cast<double>(++looks) * kMsPerLook; });
-  } else if (AOptions.TimeLimit > 0) {
+  FClockStart = Clock::NowMs();
+  if (!AOptions.Deterministic && AOptions.TimeLimit > 0) {
     FDeadline.emplace(AOptions.TimeLimit, [this] {
       FOutOfTime.store(true, std::memory_order_relaxed);
       FToken.RequestStop();
@@ -37,6 +39,11 @@ TRunControl::~TRunControl() = default;
 
 bool TRunControl::StoppedByCaller() const {
   return FRefused || (FHooks.Stop != nullptr && FHooks.Stop->StopRequested());
+}
+
+bool TRunControl::IsOver() {
+  if (FLimitMs > 0 && !OutOfTime() && Clock::NowMs() - FClockStart >= FLimitMs) FOutOfTime = true;
+  return StoppedByCaller() || OutOfTime();
 }
 
 std::optional<ResultStatus> TRunControl::Interruption() const {
@@ -54,6 +61,15 @@ void TRunControl::Report(Progress Now) {
   if (FHooks.OnProgress(Now)) return;
   FRefused = true;
   FToken.RequestStop();
+}
+
+void NoteInterruption(const TRunControl& Control, Result& AResult) {
+  if (AResult.Status == ResultStatus::Complete) return;
+  const std::optional<ResultStatus> cut = Control.Interruption();
+  if (!cut) return;
+  AResult.Status = *cut;
+  for (PartUse& part : AResult.Parts)
+    if (part.Reason == "left_by_method") part.Reason = "time";
 }
 
 }  // namespace platenest::detail

@@ -22,6 +22,8 @@ class TRunControl {
 
   bool StoppedByCaller() const;
   bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
+  // Whether to begin nothing new: stopped, or past the limit by the run's clock, counted or not.
+  bool IsOver();
   // How the run ends now, if it is to end.
   std::optional<ResultStatus> Interruption() const;
   double Seconds() const;
@@ -33,11 +35,16 @@ class TRunControl {
   TStopToken FToken;
   std::atomic<bool> FOutOfTime{false};
   std::atomic<bool> FRefused{false};
-  double FStart;  // real milliseconds, whatever the run's clock is
+  double FStart;    // real milliseconds, whatever the run's clock is
+  double FLimitMs;  // 0 for none
   TStopTokenScope FTokenScope;
   TFreeMemoryScope FMemoryScope;
   std::optional<TClockScope> FClockScope;
+  double FClockStart;  // milliseconds of the run's clock
   std::optional<TEventTimer> FDeadline;
 };
+
+// Makes a status of a search that ended with less than all, and its reasons, tell what ended it.
+void NoteInterruption(const TRunControl& Control, Result& AResult);
 
 }  // namespace platenest::detail

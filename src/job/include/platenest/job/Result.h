@@ -78,6 +78,7 @@ struct Summary {
   double PartArea = 0;
   double PlateArea = 0;
   double Cost = 0;
+  std::optional<double> Value{};  // what the placed copies are worth, in kind Fill
 
   friend bool operator==(const Summary&, const Summary&) = default;
 };

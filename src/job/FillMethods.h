@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "FillSizes.h"
+#include "platenest/URectNest/RectRecords.h"
+
+// The nesters of many sizes behind one form: layouts in the units of TFillSizes on the plate less its margin, lower
+// left corner at the origin, Part.Idx a position in TFillSizes::Parts.
+namespace platenest::detail {
+
+// One way to nest. It may place more than was asked for, or turn what must not turn; TidyLayout puts that right.
+struct TFillMethod {
+  std::string Name;
+  std::shared_ptr<const TFillSizes> Sizes;
+  std::function<TNestedRects()> Nest;  // raises TNestError where the nester fails
+};
+
+// Refuses with InputError what no method of that name can do.
+void RequireFillMethod(const Job& AJob);
+
+// The ways behind a method name, in the order in which they are to be tried, quick ones first. Where parts may turn,
+// every way of the same job without turning is among those of auto.
+std::vector<TFillMethod> FillMethods(const Job& AJob);
+
+// A part as a record, with its true size.
+TNestRect RecordOf(const TFillSizes& Sizes, int Index, int Amount);
+
+// The free-rectangle nest of the given copies of each part on a plate or on a piece of one.
+TNestedRects NestSmart(const TFillSizes& Sizes, std::span<const int> Amounts, double Width, double Height);
+
+}  // namespace platenest::detail
