@@ -30,7 +30,9 @@ TEST(Fill, EveryNesterKeepsPlateGapAndAmounts) {
 
 TEST(Fill, TheFacadesAnswerIsValidAndWithinItsBounds) {
   ForEachSeed(kSeeds, [](unsigned seed) {
-    const TFillCase job = CaseOf(seed);
+    TFillCase job = CaseOf(seed);
+    for (TNestRect& part : job.Parts)
+      if (part.Area == 0) part.Area = 0.01;  // a worth of 0 is refused
     const Job asked = FillJobOf(job, 0.05);
     Result result;
     ASSERT_NO_THROW(result = run(asked)) << TextOf(job);

@@ -21,7 +21,7 @@ struct TScale {
   double PerUnit;  // whole numbers behind one unit of length
   int Digit;
 };
-constexpr std::array kScales = {TScale{1000, 3}, TScale{1, 0}, TScale{10, 1}};
+constexpr std::array kScales = {TScale{1000, 3}, TScale{1, 0}, TScale{10, 1}, TScale{25.4, 2}};
 
 using TPick = std::function<int(int)>;
 
@@ -32,7 +32,7 @@ int PickSide(const TPick& Pick, int Long, int Short) {
     case 1:
       return Long + 1 + Pick(Long);
     case 2:
-      return std::max(1, Short / 25 + Pick(Short / 25 + 1));
+      return std::max(2, Short / 25 + Pick(Short / 25 + 1));
     default:
       return std::max(1, Short / 16) + Pick(std::max(1, Long * 7 / 10));
   }

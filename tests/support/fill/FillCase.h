@@ -29,8 +29,9 @@ const char* NameOf(TFillMethod Method);
 // More copies of the part than the plate can hold.
 int BeyondPlate(const TVRect2D& Plate, double Gap, double Width, double Height);
 
-// A job out of whole numbers: Pick(n) gives one from 0 to n - 1. Plates and sizes are whole thousandths (metres), units
-// or tenths; amounts reach 70000; some sizes equal or exceed the plate, some are below a twentieth of its short side.
+// A job out of whole numbers: Pick(n) gives one from 0 to n - 1. Plates and sizes are whole thousandths (metres),
+// units, tenths, or whole millimetres in inches; amounts reach 70000; some sizes equal or exceed the plate, some are
+// below a twentieth of its short side.
 TFillCase MakeFillCase(const std::function<int(int)>& Pick);
 
 // One nester as it is; Seconds is its own budget, 0 for none. Raster turns freely and gives nothing where turning is
