@@ -100,6 +100,7 @@ void TBlockValues::GiveBack(std::vector<int>& Used) {
 }
 
 const TNestedInfo* TBlockValues::Find(int X, int Y) const {
+  if (X < 1 || Y < 1) return nullptr;
   const auto known = FNestDict.find(GetCode(X, Y));
   return known == FNestDict.end() ? nullptr : &known->second;
 }

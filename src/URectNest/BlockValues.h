@@ -58,7 +58,8 @@ class TBlockValues {
   // Adds Used to the demand and clears it.
   void GiveBack(std::vector<int>& Used);
 
-  // What is remembered under the code of a block, if anything: it may be another block with that code.
+  // What is remembered under the code of a block, which may be another block with that code. nullptr for nothing, and
+  // with a side below 1.
   const TNestedInfo* Find(int X, int Y) const;
   // What a row of the size and orientation of Code is worth along a side of Len on the x axis, and a column on the y
   // axis.

@@ -41,49 +41,48 @@ TMultiRectNest::TMultiRectNest(const TVRect2D& Plate, const TNestRectList& PartR
       FW(Plate.Height() + Gap),
       FAllowance(Gap > 0 ? 2 * kGapAllowance : 0),
       FInitRect(PartRects) {
-  const bool holdsAny = HasPositiveSides(Plate) && IsPositive(FL) && IsPositive(FW) && !PartRects.empty();
+  const bool holdsAny = HasPositiveSides(Plate) && IsPositive(FL) && IsPositive(FW);
   if (!holdsAny) return;
-  std::vector<TStackRect> rects;
   for (int i = 0; i < Size(FInitRect); ++i) {
     FInitRect[i].Idx = i;
-    AddRect(FInitRect[i], Gap, ConstArea, rects);
+    AddRect(FInitRect[i], Gap, ConstArea);
   }
-  PrepareScan(std::move(rects));
 }
 
 TMultiRectNest::~TMultiRectNest() = default;
 
-void TMultiRectNest::AddRect(const TNestRect& Rect, double Gap, bool ConstArea, std::vector<TStackRect>& Rects) {
+void TMultiRectNest::AddRect(const TNestRect& Rect, double Gap, bool ConstArea) {
   const TVRect2D box = Gap > 0 ? Rect.BoundBox.Inflate(Gap / 2 - kGapAllowance) : Rect.BoundBox;
   TStackRect rect{box.Width(), box.Height(), ConstArea ? Rect.Area : box.Area()};
   const bool isUsable = HasPositiveSides(Rect.BoundBox) && HasPositiveSides(box) && std::isfinite(rect.Worth);
   if (!isUsable) rect = {};
-  Rects.push_back(rect);
+  FRect.push_back(rect);
   FDemand.push_back(isUsable ? std::max(Rect.Amount, 0) : 0);
   FUnlimited.push_back(isUsable ? kUnlimitedAmount : 0);
   FTotalArea += FDemand.back() * rect.Width * rect.Height;
 }
 
-void TMultiRectNest::PrepareScan(std::vector<TStackRect> Rects) {
+// Not before it is needed: the raster can take longer than all the rest.
+void TMultiRectNest::PrepareScan() {
+  if (FScan) return;
   TIntBoxList boxes;
-  for (const TStackRect& rect : Rects) boxes.push_back(RasterBox(rect, Size(boxes)));
+  for (const TStackRect& rect : FRect) boxes.push_back(RasterBox(rect, Size(boxes)));
   const int length = Trunc<int>(FL);
   const int width = Trunc<int>(FW);
   const TRaster raster(length, width, boxes, true, false);
-  const int limit = PointLimit(FL, FW, Size(Rects));
-  const int shorterLimit = Round<int>(limit * std::min(FL, FW) / std::max(FL, FW));
-  const bool isLong = FL >= FW;
-  FScan = std::make_unique<TThreeBlockScan>(length, width, Thinned(raster.RasterL, isLong ? limit : shorterLimit),
-                                            Thinned(raster.RasterW, isLong ? shorterLimit : limit),
-                                            kEqualRate * FL * FW, TBlockValues(std::move(Rects)));
+  const TPointLimits limits = PointLimits(FL, FW, Size(FRect));
+  FScan =
+      std::make_unique<TThreeBlockScan>(length, width, Thinned(raster.RasterL, limits.L),
+                                        Thinned(raster.RasterW, limits.W), kEqualRate * FL * FW, TBlockValues(FRect));
 }
 
 double TMultiRectNest::ShapeRectNestWithAmt(TNestedRects& ResultList, int& Status) {
-  if (!FScan || kLeastDemandRate * FL * FW > FTotalArea) {
+  if (FRect.empty() || kLeastDemandRate * FL * FW > FTotalArea) {
     ResultList.clear();
     Status = 2;
     return 0;
   }
+  PrepareScan();
   FScan->Calc(FDemand);
   TNestedRects list;
   double worth = 0;
@@ -109,7 +108,7 @@ double TMultiRectNest::TryCandidates(TNestedRects& Best) const {
       bestValue = info.Value + trial.Dec;
       Best = std::move(trial.List);
     }
-    if (trial.Dec >= 0) break;
+    if (trial.Dec >= 0 || RectNestStopped()) break;
   }
   return bestValue;
 }
@@ -117,9 +116,12 @@ double TMultiRectNest::TryCandidates(TNestedRects& Best) const {
 double TMultiRectNest::ShapeRectNest(TNestedRects& ResultList, bool& Success) {
   TNestedRects list;
   double worth = 0;
-  if (FScan && FScan->Calc(FUnlimited) > 0)
-    list = TThreeBlockLayout(*FScan, FInitRect, FAllowance).LayOut(FScan->Candidates().front());
-  for (const TNestedRect& item : list) worth += FScan->Blocks().Worth(item.Part.Idx);
+  if (!FRect.empty()) {
+    PrepareScan();
+    if (FScan->Calc(FUnlimited) > 0)
+      list = TThreeBlockLayout(*FScan, FInitRect, FAllowance).LayOut(FScan->Candidates().front());
+  }
+  for (const TNestedRect& item : list) worth += FRect[item.Part.Idx].Worth;
   const double usage = list.empty() ? 0 : worth / FL / FW;
   ResultList = std::move(list);
   Success = !IsPoor(usage);

@@ -29,9 +29,11 @@ void Updateinfo(TCandidates& Candidates, const TRectInfo& Info, double MinDelta)
   *beaten = Info;
 }
 
-int PointLimit(double L, double W, int RectCount) {
+TPointLimits PointLimits(double L, double W, int RectCount) {
   const double sizes = std::max(std::log(std::max(W, L)) - kLogOffset, kLeastLog) * RectCount / kLeastLog;
-  return Round<int>(kMostPoints / std::pow(sizes, kPointsExponent));
+  const int onLonger = Round<int>(kMostPoints / std::pow(sizes, kPointsExponent));
+  const int onShorter = Round<int>(onLonger * std::min(L, W) / std::max(L, W));
+  return L >= W ? TPointLimits{onLonger, onShorter} : TPointLimits{onShorter, onLonger};
 }
 
 std::vector<int> Thinned(const std::vector<int>& Points, int Limit) {

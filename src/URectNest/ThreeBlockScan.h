@@ -44,8 +44,15 @@ using TCandidates = std::array<TRectInfo, kCandidates>;
 // over.
 void Updateinfo(TCandidates& Candidates, const TRectInfo& Info, double MinDelta);
 
-// Raster points to keep along the longer side of a plate.
-int PointLimit(double L, double W, int RectCount);
+// How many raster points to keep along x and y.
+struct TPointLimits {
+  int L = 0;
+  int W = 0;
+
+  friend bool operator==(const TPointLimits&, const TPointLimits&) = default;
+};
+
+TPointLimits PointLimits(double L, double W, int RectCount);
 // At most Limit of the points, evenly spread, the first always among them.
 std::vector<int> Thinned(const std::vector<int>& Points, int Limit);
 

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <random>
 #include <vector>
@@ -49,35 +48,29 @@ struct TAnswer {
   double Usage = -1;
 };
 
-// Positions count as Idx, and the amounts if they are limits.
-void Check(const TJob& Job, const TNestedRects& List, bool IsLimited) {
+// Runs number by position.
+TAnswer Checked(const TJob& Job, TAnswer Answer, bool IsLimited) {
   TNestRectList demand = Job.Parts;
   for (int i = 0; i < Size(demand); ++i) {
     demand[i].Idx = i;
     if (!IsLimited) demand[i].Amount = std::numeric_limits<int>::max();
   }
-  EXPECT_EQ(CheckRectLayout(List, TVRect2D::FromSize(Job.Width, Job.Height), Job.Gap, demand), "");
-}
-
-TAnswer Limited(const TJob& Job, TMultiRectNest& Nest) {
-  TAnswer answer;
-  answer.Usage = Nest.ShapeRectNestWithAmt(answer.List, answer.Status);
-  Check(Job, answer.List, true);
-  return answer;
+  EXPECT_EQ(CheckRectLayout(Answer.List, TVRect2D::FromSize(Job.Width, Job.Height), Job.Gap, demand), "");
+  return Answer;
 }
 
 TAnswer Limited(const TJob& Job) {
-  TMultiRectNest nest = Job.Nest();
-  return Limited(Job, nest);
+  TAnswer answer;
+  answer.Usage = Job.Nest().ShapeRectNestWithAmt(answer.List, answer.Status);
+  return Checked(Job, std::move(answer), true);
 }
 
 TAnswer Unlimited(const TJob& Job) {
   TAnswer answer;
   bool success = false;
   answer.Usage = Job.Nest().ShapeRectNest(answer.List, success);
-  EXPECT_EQ(success, answer.Usage >= std::max(Job.MinURate, 0.88));
-  Check(Job, answer.List, false);
-  return answer;
+  EXPECT_EQ(success, answer.Usage >= 0.88);
+  return Checked(Job, std::move(answer), false);
 }
 
 double WorthOf(const TJob& Job, const TNestedRects& List) {
@@ -90,10 +83,9 @@ double WorthOf(const TJob& Job, const TNestedRects& List) {
 }
 
 TEST(MultiRectNest, KeepsFewerRasterPointsForMoreSizesAndLargerPlates) {
-  EXPECT_EQ(PointLimit(1000, 500, 1), 40);
-  EXPECT_EQ(PointLimit(1000, 500, 5), 27);
-  EXPECT_EQ(PointLimit(1500, 3000, 10), 22);
-  EXPECT_EQ(PointLimit(3000, 1500, 30), 16);
+  EXPECT_EQ(PointLimits(1000, 500, 1), (TPointLimits{40, 20}));
+  EXPECT_EQ(PointLimits(1500, 3000, 10), (TPointLimits{11, 22}));
+  EXPECT_EQ(PointLimits(3000, 100, 30), (TPointLimits{16, 1}));
   const std::vector<int> points{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
   EXPECT_THAT(Thinned(points, 4), ElementsAre(0, 3, 5, 8));
   EXPECT_THAT(Thinned(points, 0), ElementsAre(0)) << "a plate many times longer than wide";
@@ -126,21 +118,22 @@ TEST(BlockValues, HoldWholeStacksAndRememberBlocksWithoutTakingDemandAgain) {
   EXPECT_EQ(blocks.G(8, 5, used), 0);
   EXPECT_THAT(used, ElementsAre(2, 0));
   blocks.GiveBack(used);
-  EXPECT_THAT(used, ElementsAre(0, 0));
   EXPECT_EQ(blocks.G(7, 4, used), 24);
   blocks.SetDemand({0, 5});
   EXPECT_EQ(blocks.G(9, 5, used), 36) << "fits turned only";
   EXPECT_THAT(blocks.Find(9, 5)->Place, ElementsAre(-2));
+  blocks.SetDemand({0, 4});
+  used = {0, 0};
+  EXPECT_EQ(blocks.G(17, 9, used), 8 * 18) << "both ways, each within the demand: more than the demand allows";
+  EXPECT_THAT(used, ElementsAre(0, 4));
   EXPECT_EQ(blocks.G(100, 0, used) + blocks.G(-3, 100, used), 0);
   EXPECT_EQ(blocks.Counts().MemoHits, 1);
 }
 
-TEST(BlockValues, CountASquareOnceForEachOrientation) {
-  TBlockValues blocks({{5, 5, 25}});
-  std::vector<int> used(1);
-  blocks.SetDemand({2});
-  EXPECT_EQ(blocks.G(20, 5, used), 100) << "more than the demand allows";
-  EXPECT_THAT(used, ElementsAre(2));
+// At x = 14 size 0 and size 1 are placed, at x = 10 all three.
+TEST(ThreeBlockScan, GivesTheDemandBackBeforeTheNextCut) {
+  TThreeBlockScan scan(24, 10, {14, 10}, {4}, 0.1, TBlockValues({{10, 10, 100}, {9, 6, 54}, {5, 5, 25}}));
+  EXPECT_EQ(scan.Calc({1, 1, 1}), 100 + 54 + 25);
 }
 
 //     +---+-----+-----+
@@ -173,39 +166,28 @@ TEST(ThreeBlockLayout, ShortStacksLoseTheirWorthAndTheNextBlockMovesUp) {
 }
 
 TEST(ThreeBlockLayout, AnotherBlockUnderTheSameCodeIsNotLaidOut) {
-  TThreeBlockScan scan(3, 1'000'005, {1}, {5}, 0.1, TBlockValues({{1, 1, 1}}));
-  scan.Calc({99'999'999});
+  TThreeBlockScan scan(3, 1'000'005, {1}, {5}, 0.1, TBlockValues({{1, 1000, 1}}));
+  scan.Calc({9000});
   const TRectInfo info{true, 1, 5, 0};  // the second block is 2 by 5, the first one 1 by 1000005
-  const TTrial trial = TThreeBlockLayout(scan, {Part(1, 1, 0)}, 0).AddParts(info, {99'999'999});
-  EXPECT_EQ(trial.List.Count(), 1'000'005 + 2 * 1'000'000);
-  EXPECT_EQ(trial.Dec, -1'000'005);
+  const TTrial trial = TThreeBlockLayout(scan, {Part(1, 1000, 0)}, 0).AddParts(info, {9000});
+  EXPECT_EQ(trial.List.Count(), 1000 + 2 * 1000);
+  EXPECT_EQ(trial.Dec, -1000);
 }
 
-// The most that any three blocks can hold of one size, over every cut at every whole length.
-class TAllThreeBlocks {
- public:
-  TAllThreeBlocks(int A, int B) : FA(A), FB(B) {}
-  int Best(int L, int W) const {
-    int best = 0;
-    for (int x = 0; x <= L; ++x)
-      for (int y = 0; y <= W; ++y) {
-        best = std::max(best, Block(x, W) + Block(L - x, y) + Block(L - x, W - y));
-        best = std::max(best, Block(L, y) + Block(x, W - y) + Block(L - x, W - y));
-      }
-    return best;
-  }
-
- private:
-  int Block(int X, int Y) const { return std::max(Rows(X, Y), Rows(Y, X)); }
-  int Rows(int X, int Y) const {
-    int best = 0;
-    for (int n = 0; n * FB <= Y; ++n) best = std::max(best, n * (X / FA) + (Y - n * FB) / FA * (X / FB));
-    return best;
-  }
-
-  int FA;
-  int FB;
-};
+// The most copies of A by B that three blocks of rows can hold, over every cut at every whole length.
+int MostInThreeBlocks(int L, int W, int A, int B) {
+  const auto inRows = [=](int x, int y) {
+    int most = 0;
+    for (int n = 0; n * B <= y; ++n) most = std::max(most, n * (x / A) + (y - n * B) / A * (x / B));
+    return most;
+  };
+  const auto in = [&](int x, int y) { return std::max(inRows(x, y), inRows(y, x)); };
+  int most = 0;
+  for (int x = 0; x <= L; ++x)
+    for (int y = 0; y <= W; ++y)
+      most = std::max({most, in(x, W) + in(L - x, y) + in(L - x, W - y), in(L, y) + in(x, W - y) + in(L - x, W - y)});
+  return most;
+}
 
 TEST(MultiRectNest, UnlimitedLayoutsOfOneSizeEqualEveryCutAtEveryLength) {
   EXPECT_NEAR(Unlimited({43, 26, {Part(7, 3, 1)}}).Usage, 1092.0 / (43 * 26), 1e-12);
@@ -217,7 +199,7 @@ TEST(MultiRectNest, UnlimitedLayoutsOfOneSizeEqualEveryCutAtEveryLength) {
     const int a = 2 + static_cast<int>(random() % 7);
     const int b = 1 + static_cast<int>(random() % 5);
     const TAnswer answer = Unlimited({1.0 * l, 1.0 * w, {Part(a, b, -5)}});
-    EXPECT_EQ(answer.List.Count(), TAllThreeBlocks(a, b).Best(l, w)) << l << 'x' << w << ' ' << a << 'x' << b;
+    EXPECT_EQ(answer.List.Count(), MostInThreeBlocks(l, w, a, b)) << l << 'x' << w << ' ' << a << 'x' << b;
   });
 }
 
@@ -234,11 +216,7 @@ TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
       const double width = side(10, 80);
       job.Parts.push_back(Part(width, from(0, 4) == 0 ? width : side(10, 80), from(0, 40), from(0, 9000)));
     }
-    TMultiRectNest nest = job.Nest();
-    const TAnswer limited = Limited(job, nest);
-    const TAnswer again = Limited(job, nest);
-    EXPECT_EQ(again.Usage, limited.Usage) << "the demand is given back";
-    EXPECT_EQ(limited.Status, limited.List.empty() ? limited.Status : limited.Usage < 0.88 ? 1 : 0);
+    const TAnswer limited = Limited(job);
     const double area = (job.Width + job.Gap) * (job.Height + job.Gap);
     const bool isWhole = job.ConstArea || (unit == 1 && job.Gap == 0);
     const double roundedUp = isWhole ? 1e-6 : 1e-3 * area;
@@ -248,12 +226,9 @@ TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
   });
 }
 
-TEST(MultiRectNest, TriesTheNextCandidateWhenTheDemandFallsShort) {
-  // The best candidate is worth 100 and lacks 30; another one of 100 is complete.
-  const TJob job{9, 12, {Part(2, 5, 7), Part(3, 5, 7)}};
-  EXPECT_NEAR(Limited(job).Usage, 100.0 / (9 * 12), 1e-12);
-  // The best one is worth 220 and lacks 80.
-  EXPECT_NEAR(Limited({16, 14, {Part(5, 4, 7), Part(3, 7, 10)}}).Usage, 210.0 / (16 * 14), 1e-12);
+// Under this demand the first and the last candidate are left with 28, one between them with 88.
+TEST(MultiRectNest, KeepsTheBestOfTheTrialsThatLackDemand) {
+  EXPECT_NEAR(Limited({12, 8, {Part(2, 2, 7), Part(5, 3, 9)}}).Usage, 88.0 / (12 * 8), 1e-12);
 }
 
 TEST(MultiRectNest, StatusTellsGoodFromPoorAndFromHopeless) {
@@ -264,62 +239,35 @@ TEST(MultiRectNest, StatusTellsGoodFromPoorAndFromHopeless) {
   EXPECT_EQ(statusOf(100, 0.5), 0);
   EXPECT_EQ(statusOf(100, kNaN), 0);
   EXPECT_EQ(statusOf(100, 1.01), 1) << "no limit above";
-  const TJob poor{20, 20, {Part(15, 15, 2)}};
-  EXPECT_EQ(Limited(poor).Status, 1) << "0.5 acts as 0.88";
-  EXPECT_NEAR(Limited(poor).Usage, 0.5625, 1e-12);
-  const TAnswer cheap = Limited({1000, 1000, {Part(500, 500, 4, 1)}, 0, 0.5, true});
-  EXPECT_EQ(cheap.Status, 1);
-  EXPECT_TRUE(cheap.List.empty()) << "a plate that is worth less than the tolerance";
+  EXPECT_EQ(Limited({20, 20, {Part(15, 15, 2)}}).Status, 1) << "0.5 acts as 0.88";
+  const TJob cheap{1000, 1000, {Part(500, 500, 4, 1)}, 0, 0.5, true};
+  EXPECT_TRUE(Limited(cheap).List.empty()) << "worth less than the tolerance";
 }
 
 TEST(MultiRectNest, UselessInputHoldsNothing) {
   const TNestRect good = Part(10, 10, 100);
-  const TJob useless[] = {
-      {100, 100, {}},
-      {0, 100, {good}},
-      {kNaN, 100, {good}},
-      {100, kInfinity, {good}},
-      {100, 100, {good}, kNaN},
-      {100, 100, {good}, -100.0},
-      {100, 100, {Part(kNaN, 10, 1000)}},
-      {100, 100, {Part(-10, -10, 1000)}},
-      {100, 100, {good}, 0, 0, true},
-  };
-  for (const TJob& job : useless) {
-    const TAnswer limited = Limited(job);
-    EXPECT_EQ(limited.Usage, 0);
-    EXPECT_TRUE(limited.List.empty());
-    EXPECT_GT(limited.Status, 0);
-    EXPECT_EQ(Unlimited(job).Usage, 0);
+  for (const TJob& job :
+       {TJob{100, 100, {}}, TJob{0, 100, {good}}, TJob{kNaN, 100, {good}}, TJob{100, kInfinity, {good}},
+        TJob{100, 100, {good}, kNaN}, TJob{100, 100, {good}, -100}, TJob{100, 100, {Part(-10, -10, 1000)}}}) {
+    EXPECT_EQ(Limited(job).Status, 2);
+    EXPECT_TRUE(Limited(job).List.empty() && Unlimited(job).List.empty());
   }
-  const TAnswer mixed = Limited({100, 100, {Part(kInfinity, 1, 5), Part(1e300, 1e-300, 9), Part(10, 10, -3), good}});
-  EXPECT_EQ(mixed.List.Count(), 100);
+  const TNestRectList mixed{Part(kInfinity, 1, 5), Part(kNaN, 1, 5), Part(1e300, 1e-300, 9), Part(10, 10, -3), good};
+  EXPECT_EQ(Limited({100, 100, mixed}).List.Count(), 100);
 }
 
-TEST(MultiRectNest, StopsBeforeTheFirstBlockAndRunsAgainAfterwards) {
-  const TJob job{100, 100, {Part(10, 10, 100)}};
-  TMultiRectNest nest = job.Nest();
-  {
-    TStopToken token;
-    const TStopTokenScope scope(&token);
-    token.RequestStop();
-    EXPECT_TRUE(Limited(job, nest).List.empty());
-    EXPECT_EQ(nest.Counts().Blocks, 0);
-  }
-  EXPECT_EQ(Limited(job, nest).List.Count(), 100);
+TEST(MultiRectNest, AStopLeavesAPoorLayout) {
+  TStopToken token;
+  const TStopTokenScope scope(&token);
+  token.RequestStop();
+  EXPECT_EQ(Limited({100, 100, {Part(10, 10, 100)}}).Status, 1);
 }
 
 TEST(MultiRectNest, FailureOfATrialHasItsOwnTextAndKeepsTheArguments) {
-  const TJob job{3200, 3200, {Part(1, 1, 10'240'000)}};
   TAnswer answer;
-  TMultiRectNest nest = job.Nest();
-  try {
-    nest.ShapeRectNestWithAmt(answer.List, answer.Status);
-    FAIL();
-  } catch (const TNestError& error) {
-    EXPECT_EQ(error.Text(), "Error In FUNC[TMultiRectNest.ShapeRectNestWithAmt]");
-    EXPECT_THROW(std::rethrow_if_nested(error), TRangeError);
-  }
+  TMultiRectNest nest = TJob{3200, 3200, {Part(1, 1, 10'240'000)}}.Nest();
+  EXPECT_THAT([&] { nest.ShapeRectNestWithAmt(answer.List, answer.Status); },
+              testing::ThrowsMessage<TNestError>("Error In FUNC[TMultiRectNest.ShapeRectNestWithAmt]"));
   EXPECT_EQ(answer.List.Count(), 1);
   EXPECT_EQ(answer.Status, -1);
 }

@@ -37,7 +37,7 @@ class PLATENEST_API TMultiRectNest {
   // ConstArea: a copy is worth its Area; otherwise, the area of its box with the gap. Worths below 0 are never taken,
   // sums of them are rounded up to whole ones within a stack, and layouts within 2.5e-5 of the plate's area in worth
   // count as equal, so stated worths should be of the order of areas: a whole layout worth less than that is not found.
-  // Raises TRangeError for a plate above 1e9. Cost: that of a raster.
+  // Cost: linear.
   TMultiRectNest(const TVRect2D& Plate, const TNestRectList& PartRects, double Gap, double MinURate, bool ConstArea);
   ~TMultiRectNest();
 
@@ -64,8 +64,8 @@ class PLATENEST_API TMultiRectNest {
   const detail::TBlockCounts& Counts() const;
 
  private:
-  void AddRect(const TNestRect& Rect, double Gap, bool ConstArea, std::vector<detail::TStackRect>& Rects);
-  void PrepareScan(std::vector<detail::TStackRect> Rects);
+  void AddRect(const TNestRect& Rect, double Gap, bool ConstArea);
+  void PrepareScan();
   double TryCandidates(TNestedRects& Best) const;
   bool IsPoor(double Usage) const { return Usage < FMinRate; }
 
@@ -75,9 +75,10 @@ class PLATENEST_API TMultiRectNest {
   double FAllowance;  // what the grown sides lack of the whole gap
   double FTotalArea = 0;
   TNestRectList FInitRect;
+  std::vector<detail::TStackRect> FRect;           // the same with the gap; empty where nothing fits
   std::vector<int> FDemand;                        // of each size, 0 for what cannot be placed
   std::vector<int> FUnlimited;                     // the same where amounts do not count
-  std::unique_ptr<detail::TThreeBlockScan> FScan;  // nullptr where nothing fits
+  std::unique_ptr<detail::TThreeBlockScan> FScan;  // made by the first run that needs it
 };
 
 }  // namespace platenest
