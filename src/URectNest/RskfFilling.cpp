@@ -50,7 +50,7 @@ void TRSKF::TryFilling(TNestedRects& List) {
   if (remains.empty()) return;
   TNestedRects best;
   double bestArea = 0;
-  for (const TVRect2D& area : TLStair(FPlate, List, FGap).FindCandidateArea(remains)) {
+  for (const TVRect2D& area : TLStair(FPlate, List, FGap).FindCandidateArea(FRects)) {
     if (IsStopped()) break;
     if (area.Area() <= bestArea) continue;
     TNestedRects filling = FillingOf(area, FGap, remains, FRects);
