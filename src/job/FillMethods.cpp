@@ -28,6 +28,7 @@ constexpr double kLeastWorthRate = 100;
 constexpr double kMostWorth = 1e14;
 // Big rectangles to begin with, and the surplus of area at which the dense choices of parts end.
 constexpr int kBigRects = 4;
+constexpr int kMostLeftOut = 40;
 constexpr double kDenseShares[] = {1.0, 1.25};
 
 // What a nester is given, and where it stands in the sizes.
@@ -131,16 +132,21 @@ TNestedRects NestRaster(const TFillSizes& Sizes) {
   return AtPositions(Sizes, job.Offer, nested, job.Units.Scale());
 }
 
-// Where no amount binds the program takes this many bytes for each one that it is told to be free.
+// Where no amount binds the program takes this many bytes for each one that it is told to be free; 0 would mean that
+// nobody knows.
 constexpr Int64 kBytesTaken = 12;
+
+Int64 MemoryFor(const TFillSizes& Sizes) {
+  const Int64 free = FreePhysicalMemory();
+  const bool isScarce = std::ranges::any_of(Sizes.Parts, &TFillPart::IsScarce);
+  return isScarce || free <= 0 ? free : std::max<Int64>(free / kBytesTaken, 1);
+}
 
 // Runs the program without a time limit of its own: it would change the raster, and the run's token stops it.
 template <class Run>
 TNestedRects WithProgram(const TFillSizes& Sizes, Run AskProgram) {
   const TWholeJob job = WholeJobOf(Sizes, kMostProgramUnits);
-  const bool isScarce = std::ranges::any_of(Sizes.Parts, &TFillPart::IsScarce);
-  const TFreeMemoryScope memory(
-      [free = FreePhysicalMemory(), isScarce] { return isScarce ? free : std::max<Int64>(free / kBytesTaken, 1); });
+  const TFreeMemoryScope memory([free = MemoryFor(Sizes)] { return free; });
   TNestedRects nested;
   TRSKF program(job.Plate, job.Offer.Rects, job.Gap, 0, 0, Sizes.HasValues);
   AskProgram(program, nested);
@@ -167,6 +173,29 @@ TNestedRects NestUnturned(const TFillSizes& Sizes, bool IsNormal) {
     const TVRect2D box = placed.BoundBox();
     placed.Part = RecordOf(Sizes, placed.Part.Idx, 1);
     placed.Trans = {box.Bottom + (placed.IsRotate ? placed.Part.BoundBox.Height() : 0), box.Left};
+  }
+  return layout;
+}
+
+// Where only some parts must not turn the program turns none, but sees each of the others as two, one of them turned by
+// hand. Both have the whole demand.
+TNestedRects NestWithTwins(const TFillSizes& Sizes, bool IsNormal) {
+  TFillSizes twins = Sizes;
+  std::vector<int> origin;
+  for (int i = 0; i < Size(Sizes.Parts); ++i) origin.push_back(i);
+  for (int i = 0; i < Size(Sizes.Parts); ++i) {
+    TFillPart twin = Sizes.Parts[i];
+    if (!twin.MayTurn) continue;
+    std::swap(twin.Width, twin.Height);
+    twins.Parts.push_back(twin);
+    origin.push_back(i);
+  }
+  TNestedRects layout = NestUnturned(twins, IsNormal);
+  for (TNestedRect& placed : layout) {
+    const bool isTwin = placed.Part.Idx >= Size(Sizes.Parts);
+    if (isTwin) placed.Trans.X += (placed.IsRotate ? -1 : 1) * placed.BoundBox().Width();
+    placed.IsRotate ^= isTwin;
+    placed.Part = RecordOf(Sizes, origin[placed.Part.Idx], 1);
   }
   return layout;
 }
@@ -219,7 +248,19 @@ class TMethodList {
     for (const bool isNormal : {false, true})
       if (FTurnsAll) Add("rskf", FAsked, [isNormal](const TFillSizes& s) { return NestProgram(s, true, isNormal); });
     for (const bool isNormal : {false, true})
+      if (FTurnsSome && !FTurnsAll)
+        Add("rskf", FAsked, [isNormal](const TFillSizes& s) { return NestWithTwins(s, isNormal); });
+    for (const bool isNormal : {false, true})
       Add("rskf", FUnturned, [isNormal](const TFillSizes& s) { return NestUnturned(s, isNormal); });
+  }
+  // One kind left out each time, which then may go where there is room.
+  void AddSmartWithoutOne() {
+    for (int i = 0; i < std::min(Size(FAsked->Parts), kMostLeftOut) && FAsked->Parts.size() > 1; ++i)
+      AddEach("smart", [i](const TFillSizes& s) {
+        std::vector<int> amounts = AllOffered(s);
+        if (i < Size(amounts)) amounts[i] = 0;
+        return NestSmart(s, amounts, s.PlateWidth, s.PlateHeight);
+      });
   }
   void AddBigFirst() {
     if (!FTurnsAll) return;
@@ -264,6 +305,7 @@ std::vector<TFillMethod> FillMethods(const Job& AJob) {
   if (isAuto) list.AddDense();
   if (isAuto || method == "rskf") list.AddProgram();
   if (isAuto || method == "bigfirst") list.AddBigFirst();
+  if (isAuto) list.AddSmartWithoutOne();
   return std::move(list).Taken();
 }
 

@@ -51,6 +51,8 @@ class TFillSearch {
   void Try(const TFillMethod& Method) {
     try {
       TNestedRects nested = Method.Nest();
+      // What follows would be the work of the free-rectangle nest alone.
+      if (nested.empty() && Method.Name != "smart") return;
       TidyLayout(*Method.Sizes, nested);
       FillFreeBoxes(*Method.Sizes, nested);
       for (TNestedRect& placed : nested) placed.Part.Idx = Method.Sizes->Parts[placed.Part.Idx].Position;

@@ -201,7 +201,7 @@ TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
   job.Margin = {60, 0, 40, 0};
   EXPECT_EQ(faults(job), "InputError: range /margin");
   job.Margin = {0, 0, 0, 0};
-  job.Kind = JobKind::Fill;
+  job.Kind = JobKind::Job;
   EXPECT_EQ(faults(job), "InputError: choice /kind");
   job = OneJob(1e5, 1e5, 1, 1);
   EXPECT_EQ(faults(job), "LimitError: limit /parts/0/amount");
