@@ -43,11 +43,12 @@ class PLATENEST_API TMultiRectNest {
 
   // Both runs replace ResultList and return the usage: what the placed copies are worth, divided by the area of the
   // plate with its gap. Part of a placement is the rectangle given, with its position in the list as Idx. Copies keep
-  // Gap, less at most 2e-6 where a size misses a whole unit, or a fraction of one that fits exactly, by as little.
+  // Gap, less at most 2e-6 where a size with its gap misses the room that it is given by no more than that.
   // RectNestTerminated and the stop token of the thread end a scan, and what was found so far is laid out.
   //
-  // TRangeError, with the arguments unchanged, for worths beyond 2^61 on the plate and for knapsacks of more than 1
-  // GiB. Cost: two knapsacks for each distinct block, of which there are at most four for each pair of raster points.
+  // TRangeError, with the arguments unchanged, for a plate above 1e9, worths beyond 2^61 on it and knapsacks of more
+  // than 1 GiB. Cost: that of the raster in the first run, and two knapsacks for each distinct block, of which there
+  // are at most four for each pair of raster points.
 
   // At most Amount copies of each. Status: 0 good; 1 poor; 2 for a demand that covers less than nine tenths of the
   // plate, where nothing is tried and the list is empty. 1 is a success for those who price patterns: the usage of
