@@ -65,14 +65,14 @@ and the result repeats what was in force. Parts with rotate none keep their turn
 method that cannot keep that is refused.
 
 auto tries smart and raster first, then rskf and bigfirst, with and without turning,
-and keeps the best answer that passed the check, so more time never gives less. It
-ends early where an upper bound proves the answer best. Ctrl-C stops the search and
+then rounds of smart and rskf that the seed varies, and keeps the best answer that
+passed the check, so more time never gives less. It ends early where an upper bound proves the answer best. Ctrl-C stops the search and
 writes the best answer so far; a second one leaves at once.
 )";
 constexpr std::string_view kFillExamples = R"(
 Examples:
   platenest fill --plate 3000x1500 --parts demand.csv --gap 4 --svg out/
-  platenest fill cabinet.json --method smart -o result.json
+  platenest fill cabinet.json --method smart -o filled.json
 )";
 
 constexpr std::string_view kNfpPage = R"(

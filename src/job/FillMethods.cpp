@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <utility>
 
 #include "FillBounds.h"
@@ -29,6 +30,13 @@ constexpr double kMostWorth = 1e14;
 // Big rectangles to begin with, and the surplus of area at which the dense choices of parts end.
 constexpr int kBigRects = 4;
 constexpr int kMostLeftOut = 40;
+// Rounds with worths that are moved at random, and how far; every few rounds the slower program takes part.
+constexpr int kRounds = 200;
+constexpr int kRoundsPerProgram = 4;
+constexpr double kOrderShake = 0.35;
+constexpr double kWorthShake = 0.15;
+constexpr double kLeastShare = 0.85;
+constexpr double kShareRange = 0.6;
 constexpr double kDenseShares[] = {1.0, 1.25};
 
 // What a nester is given, and where it stands in the sizes.
@@ -119,6 +127,23 @@ TNestedRects NestDense(const TFillSizes& Sizes, double Share) {
     room -= amounts[i] * grown(part);
   }
   return NestSmart(Sizes, amounts, Sizes.PlateWidth, Sizes.PlateHeight);
+}
+
+// A number in [0, 1) that depends on its three arguments alone, so that equal runs draw equally and every way of a job
+// draws as the same way without turning does. The finalizer of Steele, Lea and Flood 2014.
+double Drawn(std::uint64_t Seed, int Round, int Position) {
+  std::uint64_t bits = Seed + 0x9E3779B97F4A7C15U * (static_cast<std::uint64_t>(Round) * 1000003U +
+                                                     static_cast<std::uint64_t>(Position) + 1U);
+  bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9U;
+  bits = (bits ^ (bits >> 27)) * 0x94D049BB133111EBU;
+  return static_cast<double>((bits ^ (bits >> 31)) >> 11) * 0x1p-53;
+}
+
+// The same job with worths moved by up to a share of their own, for nesters that would find the same layout again.
+TFillSizes Shaken(TFillSizes Sizes, double Share, std::uint64_t Seed, int Round) {
+  Sizes.HasValues = true;
+  for (TFillPart& part : Sizes.Parts) part.Worth *= 1 + Share * (2 * Drawn(Seed, Round, part.Position) - 1);
+  return Sizes;
 }
 
 TNestedRects NestRaster(const TFillSizes& Sizes) {
@@ -262,6 +287,19 @@ class TMethodList {
         return NestSmart(s, amounts, s.PlateWidth, s.PlateHeight);
       });
   }
+  void AddShaken(std::uint64_t Seed) {
+    for (int round = 0; round < kRounds; ++round) {
+      const double share = kLeastShare + kShareRange * Drawn(Seed, round, -1);
+      AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, Seed, round), share); });
+      if (round % kRoundsPerProgram != 0) continue;
+      const bool isNormal = round % (2 * kRoundsPerProgram) == 0;
+      if (FTurnsAll)
+        Add("rskf", FAsked,
+            [=](const TFillSizes& s) { return NestProgram(Shaken(s, kWorthShake, Seed, round), true, isNormal); });
+      Add("rskf", FUnturned,
+          [=](const TFillSizes& s) { return NestUnturned(Shaken(s, kWorthShake, Seed, round), isNormal); });
+    }
+  }
   void AddBigFirst() {
     if (!FTurnsAll) return;
     for (const int big : BigRects(*FAsked))
@@ -306,6 +344,7 @@ std::vector<TFillMethod> FillMethods(const Job& AJob) {
   if (isAuto || method == "rskf") list.AddProgram();
   if (isAuto || method == "bigfirst") list.AddBigFirst();
   if (isAuto) list.AddSmartWithoutOne();
+  if (isAuto) list.AddShaken(AJob.Run.Seed);
   return std::move(list).Taken();
 }
 

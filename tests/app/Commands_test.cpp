@@ -51,6 +51,45 @@ TEST(One, GivesEqualBytesForEqualDeterministicRuns) {
   EXPECT_EQ(RunLine(line + " --threads 1").Out, first);
 }
 
+TEST(Fill, TakesATableOrAJobFileAndTheAnswerPassesTheCheck) {
+  const TempFolder folder;
+  folder.Write("demand.csv",
+               "id;width;height;amount;rotate;value\nside;62,5;50;2;none;10\n</svg>;30;25;9;;2\nwide;130;2;;;\n");
+  folder.Write(
+      "job.json",
+      R"({"schema": "platenest-job/1", "name": "two", "kind": "fill", "plates": [{"width": 125, "height": 100}],
+                   "parts": [{"width": 100, "height": 100}]})");
+  const Outcome fill = folder.Run("fill --plate 125x100 --parts demand.csv -o r.json --csv r.csv --svg out/");
+  EXPECT_EQ(fill.Exit, 0) << fill.Err;
+  EXPECT_THAT(fill.Err, HasSubstr("\n  value      36\n  bounds     value at most "));
+  EXPECT_THAT(fill.Err, HasSubstr("unplaced   2 parts ("));
+  EXPECT_THAT(folder.Read("out/layout-001-x1.svg"), HasSubstr("data-part=\"&lt;/svg&gt;\""));
+  EXPECT_THAT(folder.Read("r.csv"), HasSubstr("1,plate-1,1,side,false,"));
+
+  // A table goes before the parts of a job file, in the run and in the check of its answer.
+  EXPECT_EQ(folder.Run("fill job.json --parts demand.csv --method smart -o s.json").Exit, 0);
+  const std::tuple<int, std::string, std::string> cases[] = {
+      {0, "check job.json s.json --parts demand.csv", "OK: s.json"},
+      {1, "check job.json s.json", "s.json: /"},
+      {1, "fill job.json --parts demand.csv --require-all", "partial, "},
+      {2, "fill --plate 125x100", "fill takes a JOB, or --plate and --parts; see"},
+      {2, "fill --plate 125x0 --parts demand.csv", "--plate: height must be above 0"},
+      {2, "fill job.json --part 3x3", "--part: has no meaning for fill"},
+      {2, "fill job.json --html r.html", "--html: unknown option"},
+      {2, "fill job.json --method strips", "--method: this version fills by the methods"},
+      {2, "fill job.json --method raster --parts demand.csv", "--method: \"raster\" turns parts, but"},
+      {3, "one job.json", "job.json: /kind: must be `one`"},
+      {3, "fill --plate 125x100 --parts bad.csv", "error: bad.csv:3:amount: must be a whole number of at least 1"},
+      {5, "fill job.json --parts none.csv", "none.csv"},
+  };
+  folder.Write("bad.csv", "width,height,amount\n3,4,5\n3,4,-5\n");
+  for (const auto& [exit, line, message] : cases) {
+    const Outcome outcome = folder.Run(line);
+    EXPECT_EQ(outcome.Exit, exit) << line << outcome.Err;
+    EXPECT_THAT(outcome.Err, HasSubstr(message)) << line;
+  }
+}
+
 constexpr const char* kShapes =
     R"({"schema": "platenest-job/1", "name": "../x", "kind": "nfp", "parts": [
         {"id": "plate", "outline": [[0, 0], [50, 0], [60, 20], [60, 40], [0, 40]], "holes": [[[20, 15], [25, 15], [25, 25]]]},
@@ -183,7 +222,7 @@ TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
     }
     EXPECT_EQ(RunLines(folder, help.Out, "  platenest "), 2) << name;
   }
-  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 9);
+  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 11);
   EXPECT_THAT(RunLine("--help").Out, HasSubstr("Exit codes:"));
   EXPECT_THAT(RunLine("--version").Out, testing::MatchesRegex("platenest [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }

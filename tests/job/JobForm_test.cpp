@@ -175,11 +175,12 @@ TEST(JobForm, KindsAndMethodsSayWhatTheyTake) {
     std::string Method, Expected;
   };
   const Case cases[] = {
-      {JobKind::One, 1, 1, 1, "auto", "none"},   {JobKind::One, 2, 2, 0, "auto", entries},
-      {JobKind::One, 1, 1, 1, "trim", refused},  {JobKind::Fill, 1, 2, 1, "smart", "none"},
-      {JobKind::Fill, 2, 0, 0, "auto", entries}, {JobKind::Fill, 1, 2, 2, "rskf", "none"},
-      {JobKind::Fill, 1, 2, 1, "rskf", refused}, {JobKind::Fill, 1, 2, 2, "strips", refused},
-      {JobKind::Job, 2, 2, 0, "auto", "none"},   {JobKind::Job, 0, 0, 0, "auto", entries},
+      {JobKind::One, 1, 1, 1, "auto", "none"},       {JobKind::One, 2, 2, 0, "auto", entries},
+      {JobKind::One, 1, 1, 1, "trim", refused},      {JobKind::Fill, 1, 2, 1, "smart", "none"},
+      {JobKind::Fill, 2, 0, 0, "auto", entries},     {JobKind::Fill, 1, 2, 2, "rskf", "none"},
+      {JobKind::Fill, 1, 2, 1, "rskf", refused},     {JobKind::Fill, 1, 2, 2, "strips", refused},
+      {JobKind::Fill, 1, 2, 2, "bigfirst", refused}, {JobKind::Fill, 1, 2, 0, "bigfirst", "none"},
+      {JobKind::Job, 2, 2, 0, "auto", "none"},       {JobKind::Job, 0, 0, 0, "auto", entries},
   };
   for (const Case& item : cases) {
     Job job = SmallJob();
