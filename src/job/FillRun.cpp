@@ -35,7 +35,6 @@ class TFillSearch {
 
   bool HasAnswer() const { return !FBest.Placements.empty(); }
   const std::string& Method() const { return FMethod; }
-  const std::string& Trouble() const { return FTrouble; }
   Layout TakeBest() { return std::move(FBest); }
   // Where nothing was found: whatever kept an answer from standing.
   void RaiseTrouble() const {
@@ -72,9 +71,11 @@ class TFillSearch {
       throw LimitError(
           {"limit", "/parts",
            "more than " + std::to_string(limits::kCopies) + " copies fit, which is the limit; ask for amounts", ""});
-    Layout layout = AssembleLayout(FJob, FJob.Plates[0], FScaled, Nested);
-    const double worth = WorthOfCopies(FJob, CountCopies(FJob, layout));
+    std::vector<Int64> counts(FJob.Parts.size());
+    for (const TNestedRect& placed : Nested) ++counts[placed.Part.Idx];
+    const double worth = WorthOfCopies(FJob, counts);
     if (HasAnswer() && worth <= FWorth + kGain * FWorth) return;
+    Layout layout = AssembleLayout(FJob, FJob.Plates[0], FScaled, Nested);
     std::string fault = FillFault(FJob, layout, FBounds);
     if (!fault.empty()) {
       FTrouble = std::move(fault);
@@ -83,22 +84,19 @@ class TFillSearch {
     FBest = std::move(layout);
     FWorth = worth;
     FMethod = Method;
-    Report();
+    Report(counts);
   }
 
-  void Report() {
-    Result now;
-    now.Layouts.push_back(FBest);
-    Account(FJob, now);
-    Int64 unplaced = 0;
-    for (const PartUse& part : now.Parts) unplaced += part.Unplaced;
-    double bound = FBounds[0].Value;
-    for (const Bound& each : FBounds) bound = std::min(bound, each.Value);
-    FControl.Report({.Phase = FMethod,
-                     .Plates = now.Total.Plates,
-                     .Usage = now.Total.Usage,
-                     .Unplaced = unplaced,
-                     .BoundValue = bound});
+  void Report(const std::vector<Int64>& Counts) {
+    const Plate& plate = FJob.Plates[0];
+    Progress now{.Phase = FMethod, .Plates = 1, .Usage = 0, .Unplaced = 0, .BoundValue = FBounds[0].Value};
+    for (int i = 0; i < Size(Counts); ++i) {
+      const Part& part = FJob.Parts[i];
+      now.Usage += part.Width * part.Height * static_cast<double>(Counts[i]) / (plate.Width * plate.Height);
+      if (part.Amount) now.Unplaced += *part.Amount - Counts[i];
+    }
+    for (const Bound& bound : FBounds) now.BoundValue = std::min(*now.BoundValue, bound.Value);
+    FControl.Report(now);
   }
 
   const Job& FJob;
@@ -112,22 +110,29 @@ class TFillSearch {
   bool FLacksMemory = false;
 };
 
-// Where a named method finds nothing the free-rectangle nest stands in.
-void TryStandIn(const Job& AJob, TFillSearch& Search, Result& AResult) {
-  if (Search.HasAnswer() || AJob.Run.Method == "auto" || AJob.Run.Method == "smart") return;
+// The quick answer that stands where a named method finds none, be it for lack of time.
+std::vector<TFillMethod> StandInFor(const Job& AJob) {
+  if (AJob.Run.Method == "auto" || AJob.Run.Method == "smart") return {};
   Job other = AJob;
   other.Run.Method = "smart";
-  Search.Run(FillMethods(other));
-  if (!Search.HasAnswer()) return;
-  AResult.Warnings.push_back(AJob.Run.Method + " placed nothing; the layout of " + Search.Method() + " stands");
+  return FillMethods(other);
+}
+
+TFillSearch SearchedBy(const Job& AJob, TRunControl& Control, Result& AResult) {
+  TFillSearch standIn(AJob, Control, AResult.Bounds);
+  standIn.Run(StandInFor(AJob));
+  TFillSearch search(AJob, Control, AResult.Bounds);
+  search.Run(FillMethods(AJob));
+  if (search.HasAnswer() || !standIn.HasAnswer()) return search;
+  AResult.Warnings.push_back(AJob.Run.Method + " placed nothing; the layout of " + standIn.Method() + " stands");
+  return standIn;
 }
 
 }  // namespace
 
 void AnswerFill(const Job& AJob, TRunControl& Control, Result& AResult) {
-  TFillSearch search(AJob, Control, AResult.Bounds = FillBoundsOf(AJob));
-  search.Run(FillMethods(AJob));
-  TryStandIn(AJob, search, AResult);
+  AResult.Bounds = FillBoundsOf(AJob);
+  TFillSearch search = SearchedBy(AJob, Control, AResult);
   if (!search.HasAnswer()) {
     search.RaiseTrouble();
     if (Control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});

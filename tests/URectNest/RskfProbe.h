@@ -13,8 +13,8 @@ namespace platenest {
 
 inline constexpr int kAnyAmount = 1'000'000;
 
-inline TNestRect Part(int Amount, double Width, double Height, double Worth = 0) {
-  TNestRect part(Amount, 0, TVRect2D::FromSize(Width, Height));
+inline TNestRect Part(int Amount, double Width, double Height, double Worth = 0, int Idx = 0) {
+  TNestRect part(Amount, Idx, TVRect2D::FromSize(Width, Height));
   part.Area = Worth;
   return part;
 }
@@ -30,12 +30,6 @@ struct TRskfJob {
   bool Weighted = false;
 
   TVRect2D Plate() const { return TVRect2D::FromSize(Width, Height); }
-  // The parts as results name them.
-  TNestRectList Demand() const {
-    TNestRectList demand = Parts;
-    for (int i = 0; i < Size(demand); ++i) demand[i].Idx = i;
-    return demand;
-  }
 };
 
 // A nester on a raster of its own, whose steps a test takes one by one.

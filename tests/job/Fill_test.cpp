@@ -9,6 +9,7 @@
 
 #include "FakeClock.h"
 #include "FaultText.h"
+#include "ForEachSeed.h"
 #include "platenest/job/Run.h"
 
 namespace platenest {
@@ -76,8 +77,8 @@ struct TRandomFill {
   bool Chance(double Share) { return Uniform(0, 1) < Share; }
 
   Part MakePart(double Width, double Height) {
-    Part part = Rect(Digits(Width * std::pow(10, Uniform(-1.6, 0.02)), 4),
-                     Digits(Height * std::pow(10, Uniform(-1.6, 0.02)), 4), 1 + static_cast<int>(Uniform(0, 12)));
+    Part part = Rect(Digits(Width * std::pow(10, Uniform(-1.6, 0.02)), FDigits),
+                     Digits(Height * std::pow(10, Uniform(-1.6, 0.02)), FDigits), 1 + static_cast<int>(Uniform(0, 12)));
     if (Chance(0.1)) part.Amount = static_cast<int>(std::pow(10, Uniform(2, 4.8)));
     if (Chance(0.15)) part.Amount = std::nullopt;
     if (FHasValues && Chance(0.8)) part.Value = Digits(part.Width * part.Height * Uniform(0.3, 3), 3);
@@ -89,6 +90,7 @@ struct TRandomFill {
     const double width = Digits(std::pow(10, Uniform(-0.3, 5)), 4);
     const double height = Digits(width * std::pow(10, Uniform(-0.5, 0.5)), 4);
     FHasValues = Chance(0.4);
+    FDigits = Chance(0.2) ? 16 : 4;
     FLockShare = Chance(0.6) ? 0 : (Chance(0.5) ? 1 : 0.5);
     std::vector<Part> parts;
     for (int i = static_cast<int>(Uniform(1, 9)); i > 0; --i) parts.push_back(MakePart(width, height));
@@ -101,19 +103,18 @@ struct TRandomFill {
 
   std::mt19937 FEngine;
   bool FHasValues = false;
+  int FDigits = 4;
   double FLockShare = 0;
 };
 
 TEST(RunFill, RandomJobsPassTheCheckAndNeverBeatABound) {
-  for (unsigned seed = 1; seed <= 150; ++seed) {
-    SCOPED_TRACE(seed);
+  ForEachSeed(150, [](unsigned seed) {
     const Job job = TRandomFill(seed).Make();
     const Result result = Answer(job);
     EXPECT_EQ(FirstFault(job, ParseResult(ResultToJson(result))), "") << "through the file form";
     for (int i = 0; i < Size(result.Parts); ++i)
       EXPECT_LE(result.Parts[i].Placed, job.Parts[i].Amount.value_or(limits::kCopies));
-    if (HasFailure()) return;
-  }
+  });
 }
 
 // A plate that is higher than wide is where nesters exchange axes.
@@ -248,14 +249,15 @@ TEST(RunFill, StopAndTimeKeepTheBestAnswerSoFar) {
 
   Job job = LongJob();
   job.Run.TimeLimit = 5;
-  Result cut;
-  {
+  for (const char* method : {"auto", "bigfirst"}) {
     TFakeClock clock;
-    clock.AdvanceAtEachReading(4000);
-    cut = Answer(job);
+    clock.AdvanceAtEachReading(2000);
+    const Result cut = Answer(With(job, method));
+    EXPECT_EQ(std::tuple(cut.Status, cut.Run.Method, cut.Parts[1].Reason),
+              std::tuple(ResultStatus::TimeLimit, "smart", "time"));
+    EXPECT_EQ(cut.Warnings.empty(), method == std::string("auto"));
+    EXPECT_GT(cut.Total.Usage, 0.5);
   }
-  EXPECT_EQ(cut.Status, ResultStatus::TimeLimit);
-  EXPECT_GE(*Answer(LongJob()).Total.Value, *cut.Total.Value);
 
   stop.RequestStop();
   EXPECT_THROW(run(LongJob(), {.OnProgress = {}, .Stop = &stop}), StoppedError);
