@@ -27,9 +27,12 @@ constexpr double kMostProgramUnits = 200000;
 // Bounds on what a plate's worth is scaled to: at least this many times its area in units, and no more than that.
 constexpr double kLeastWorthRate = 100;
 constexpr double kMostWorth = 1e14;
-// Big rectangles to begin with, and the surplus of area at which the dense choices of parts end.
+// Big rectangles to begin with.
 constexpr int kBigRects = 4;
+// Parts that are left out in turn.
 constexpr int kMostLeftOut = 40;
+// How often the most valuable parts for their area could cover the plate.
+constexpr double kDenseShares[] = {1.0, 1.25};
 // Rounds with worths that are moved at random, and how far; every few rounds the slower program takes part.
 constexpr int kRounds = 200;
 constexpr int kRoundsPerProgram = 4;
@@ -37,7 +40,6 @@ constexpr double kOrderShake = 0.35;
 constexpr double kWorthShake = 0.15;
 constexpr double kLeastShare = 0.85;
 constexpr double kShareRange = 0.6;
-constexpr double kDenseShares[] = {1.0, 1.25};
 
 // What a nester is given, and where it stands in the sizes.
 struct TOffer {
@@ -248,6 +250,12 @@ std::vector<int> BigRects(const TFillSizes& Sizes) {
   return best;
 }
 
+using TChange = std::function<TFillSizes(const TFillSizes&)>;
+
+TFillSizes AsItIs(const TFillSizes& Sizes) {
+  return Sizes;
+}
+
 // Gathers the ways of one job, and of the same job without turning.
 class TMethodList {
  public:
@@ -266,17 +274,14 @@ class TMethodList {
     for (const double share : kDenseShares)
       AddEach("smart", [share](const TFillSizes& s) { return NestDense(s, share); });
   }
-  void AddRaster() {
-    if (FTurnsAll) Add("raster", FAsked, [](const TFillSizes& s) { return NestRaster(s); });
+  void AddRaster(const TChange& Change) {
+    if (FTurnsAll) Add("raster", FAsked, [Change](const TFillSizes& s) { return NestRaster(Change(s)); });
   }
-  void AddProgram() {
-    for (const bool isNormal : {false, true})
-      if (FTurnsAll) Add("rskf", FAsked, [isNormal](const TFillSizes& s) { return NestProgram(s, true, isNormal); });
-    for (const bool isNormal : {false, true})
-      if (FTurnsSome && !FTurnsAll)
-        Add("rskf", FAsked, [isNormal](const TFillSizes& s) { return NestWithTwins(s, isNormal); });
-    for (const bool isNormal : {false, true})
-      Add("rskf", FUnturned, [isNormal](const TFillSizes& s) { return NestUnturned(s, isNormal); });
+  void AddProgram(const TChange& Change, bool IsNormal) {
+    if (FTurnsAll) Add("rskf", FAsked, [=](const TFillSizes& s) { return NestProgram(Change(s), true, IsNormal); });
+    if (FTurnsSome && !FTurnsAll)
+      Add("rskf", FAsked, [=](const TFillSizes& s) { return NestWithTwins(Change(s), IsNormal); });
+    Add("rskf", FUnturned, [=](const TFillSizes& s) { return NestUnturned(Change(s), IsNormal); });
   }
   // One kind left out each time, which then may go where there is room.
   void AddSmartWithoutOne() {
@@ -291,13 +296,9 @@ class TMethodList {
     for (int round = 0; round < kRounds; ++round) {
       const double share = kLeastShare + kShareRange * Drawn(Seed, round, -1);
       AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, Seed, round), share); });
-      if (round % kRoundsPerProgram != 0) continue;
-      const bool isNormal = round % (2 * kRoundsPerProgram) == 0;
-      if (FTurnsAll)
-        Add("rskf", FAsked,
-            [=](const TFillSizes& s) { return NestProgram(Shaken(s, kWorthShake, Seed, round), true, isNormal); });
-      Add("rskf", FUnturned,
-          [=](const TFillSizes& s) { return NestUnturned(Shaken(s, kWorthShake, Seed, round), isNormal); });
+      const auto shaken = [=](const TFillSizes& s) { return Shaken(s, kWorthShake, Seed, round); };
+      if (round % kRoundsPerProgram == kRoundsPerProgram / 2) AddRaster(shaken);
+      if (round % kRoundsPerProgram == 0) AddProgram(shaken, round % (2 * kRoundsPerProgram) == 0);
     }
   }
   void AddBigFirst() {
@@ -339,9 +340,10 @@ std::vector<TFillMethod> FillMethods(const Job& AJob) {
   const bool isAuto = method == "auto";
   TMethodList list(AJob);
   if (isAuto || method == "smart") list.AddSmart();
-  if (isAuto || method == "raster") list.AddRaster();
+  if (isAuto || method == "raster") list.AddRaster(AsItIs);
   if (isAuto) list.AddDense();
-  if (isAuto || method == "rskf") list.AddProgram();
+  for (const bool isNormal : {false, true})
+    if (isAuto || method == "rskf") list.AddProgram(AsItIs, isNormal);
   if (isAuto || method == "bigfirst") list.AddBigFirst();
   if (isAuto) list.AddSmartWithoutOne();
   if (isAuto) list.AddShaken(AJob.Run.Seed);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include "Scale.h"
@@ -13,6 +14,15 @@ namespace {
 
 constexpr double kMostFitSlack = 1e-6;
 constexpr double kFitSlackWithoutQuantum = 2.5e-10;
+constexpr double kMostExact = 0x1p53;
+
+// Of all lengths and half the gap in units; sizes in sixteenths have four decimals, yet few units will do.
+double CommonDivisor(std::span<const double> Lengths, double Gap, double Scale) {
+  if (std::max(std::ranges::max(Lengths), Gap) * Scale >= kMostExact) return 1;
+  Int64 divisor = Round(Gap * Scale) / 2;
+  for (const double length : Lengths) divisor = std::gcd(divisor, Round(length * Scale));
+  return static_cast<double>(divisor);
+}
 
 }  // namespace
 
@@ -36,6 +46,7 @@ TWholeUnits::TWholeUnits(std::span<const double> Lengths, double Gap, double Mos
     const double quantum = std::pow(10.0, *decimals);
     const bool isGapOdd = std::fmod(RoundHalfEven(Gap * quantum), 2) != 0;
     FScale = isGapOdd ? 2 * quantum : quantum;
+    if (longest * FScale > MostUnits) FScale /= CommonDivisor(Lengths, Gap, FScale);
     FIsExact = longest * FScale <= MostUnits;
   }
   if (!FIsExact) FScale = std::pow(10.0, std::floor(std::log10(MostUnits / longest)));

@@ -16,7 +16,7 @@ double FitSlack(std::optional<int> Decimals);
 void SnapToQuantum(TNestedRects& Layout, int Decimals);
 
 // Whole units at which half the gap is whole too: exactly where all lengths are decimal fractions and the longest of
-// them makes at most MostUnits; elsewhere room is rounded down and whatever takes room up.
+// them makes at most MostUnits, be it by a common divisor; elsewhere room is rounded down and whatever takes room up.
 class TWholeUnits {
  public:
   TWholeUnits(std::span<const double> Lengths, double Gap, double MostUnits);

@@ -170,6 +170,15 @@ TEST(RunFill, EachMethodFillsThePlateInEveryUnit) {
   }
 }
 
+// Their decimals are many, but sixteenths are few.
+TEST(RunFill, SixteenthsOfAnInchFitExactly) {
+  const Job inches = FillJob(95.9375, 47.9375, {Rect(11.9375, 7.9375, 24), Rect(5.9375, 3.9375, 96)}, 0.0625);
+  for (const char* method : {"raster", "rskf"}) {
+    const Result result = Answer(With(inches, method));
+    EXPECT_EQ(std::tuple(result.Status, result.Run.Method), std::tuple(ResultStatus::Complete, method));
+  }
+}
+
 TEST(RunFill, ExactFitsWithGapAndMarginAreFoundAndProved) {
   Job job = FillJob(1015, 1015, {Rect(195, 95, 25), Rect(395, 195, 5), Rect(95, 45, 20)}, 5);
   job.Margin = {10, 10, 10, 10};

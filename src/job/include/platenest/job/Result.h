@@ -47,7 +47,7 @@ struct Layout {
 };
 
 struct Bound {
-  std::string What;  // "plates", "count", "value"
+  std::string What;  // "plates", "count", or "value" of all placed copies in kind Fill
   std::string Kind;  // "area", "barnes", "stock", or "demand" where no more is asked for; each holds for every layout
   double Value = 0;
 
