@@ -44,8 +44,8 @@ double Worth(const TRskfJob& Job, const TNestedRects& List) {
   return worth;
 }
 
-// A cell that was rounded up to the raster may hold more of a tiny part than its grid, and an equal cut that came after
-// the pieces were counted may lose one of them.
+// A cell that was rounded up to the raster may hold more of a tiny part than its grid. Where cells of equal value are
+// many, one layout in some thousands loses a piece.
 TEST(RskfRebuild, LayoutsAreValidAndWorthWhatThePassSays) {
   int jobs = 0;
   int lost = 0;
@@ -61,7 +61,7 @@ TEST(RskfRebuild, LayoutsAreValidAndWorthWhatThePassSays) {
     ++jobs;
     if (Worth(job, list) != static_cast<double>(nester.Value())) ++lost;
   });
-  EXPECT_LT(lost, 0.005 * jobs + 1);
+  EXPECT_LE(lost, 0.001 * jobs);
 }
 
 //   +-----------+     A group of 2 by 2 on a plate that rounds the cell up: three columns fit there, but five copies in
