@@ -20,7 +20,9 @@ const char* TurningOf(const TFillRef& Ref) {
   return Ref.Turned ? "yes" : "no";
 }
 
-void PrintGroup(const std::vector<const TFillLine*>& Lines) {
+using TGroup = std::vector<const TFillLine*>;
+
+void PrintGroup(const std::string& Name, const std::string& Cut, const TGroup& Lines) {
   double sum = 0;
   int reached = 0;
   std::vector<double> times;
@@ -31,11 +33,10 @@ void PrintGroup(const std::vector<const TFillLine*>& Lines) {
     times.push_back(line->Ms);
     if (line->Share() < worst->Share()) worst = line;
   }
-  const TFillLine& first = *Lines.front();
-  std::printf("| %s | %s | %s | %s | %zu | %.4f | %.4f (%s) | %d | %.3g, %.3g |\n", first.Group.c_str(),
-              AmountsOf(first.Ref), TurningOf(first.Ref), first.Ref.Cut.c_str(), Lines.size(),
-              sum / static_cast<double>(Lines.size()), worst->Share(), worst->Id.c_str(), reached,
-              Quantile(times, 0.5) / 1000, Quantile(times, 1) / 1000);
+  const TFillRef& first = Lines.front()->Ref;
+  std::printf("| %s | %s | %s | %s | %zu | %.4f | %.4f (%s) | %d | %.3g, %.3g |\n", Name.c_str(), AmountsOf(first),
+              TurningOf(first), Cut.c_str(), Lines.size(), sum / static_cast<double>(Lines.size()), worst->Share(),
+              worst->Id.c_str(), reached, Quantile(times, 0.5) / 1000, Quantile(times, 1) / 1000);
 }
 
 void PrintTurning(const std::vector<TFillLine>& Lines) {
@@ -76,12 +77,16 @@ void PrintProven(const std::vector<TFillLine>& Lines) {
 
 void PrintFillTable(const std::vector<TFillLine>& Lines) {
   if (Lines.empty()) return;
-  std::map<std::tuple<std::string, bool, bool, std::string>, std::vector<const TFillLine*>> groups;
-  for (const TFillLine& line : Lines)
+  std::map<std::tuple<std::string, bool, bool, std::string>, TGroup> groups;
+  std::map<std::pair<bool, bool>, TGroup> all;
+  for (const TFillLine& line : Lines) {
     groups[{line.Group, !line.Ref.Limited, line.Ref.Turned, line.Ref.Cut}].push_back(&line);
+    all[{!line.Ref.Limited, line.Ref.Turned}].push_back(&line);
+  }
   std::printf("\n| group | amounts | turning | best of | jobs | mean | worst | reached | s: median, worst |\n");
   std::printf("|---|---|---|---|---|---|---|---|---|\n");
-  for (const auto& [key, lines] : groups) PrintGroup(lines);
+  for (const auto& [key, lines] : groups) PrintGroup(std::get<0>(key), std::get<3>(key), lines);
+  for (const auto& [key, lines] : all) PrintGroup("all", "", lines);
   std::printf("\n");
   PrintTurning(Lines);
   PrintProven(Lines);
