@@ -65,9 +65,10 @@ and the result repeats what was in force. Parts with rotate none keep their turn
 method that cannot keep that is refused.
 
 auto tries smart and raster first, then rskf and bigfirst, with and without turning,
-then rounds of smart and rskf that the seed varies, and keeps the best answer that
-passed the check, so more time never gives less. It ends early where an upper bound proves the answer best. Ctrl-C stops the search and
-writes the best answer so far; a second one leaves at once.
+then rounds of them that the seed varies, and keeps the best answer that passed the
+check, so more time never gives less. It ends early where an upper bound proves the
+answer best. Ctrl-C stops the search and writes the best answer so far; a second one
+leaves at once.
 )";
 constexpr std::string_view kFillExamples = R"(
 Examples:

@@ -33,8 +33,11 @@ constexpr int kBigRects = 4;
 constexpr int kMostLeftOut = 40;
 // How often the most valuable parts for their area could cover the plate.
 constexpr double kDenseShares[] = {1.0, 1.25};
-// Rounds with worths that are moved at random, and how far; every few rounds the slower program takes part.
+// Rounds with worths that are moved at random, and how far; every few rounds the slower program takes part. Small jobs
+// have more rounds, though not of the program: as many as come to this number of sizes times copies.
 constexpr int kRounds = 200;
+constexpr int kMostRounds = 1000;
+constexpr double kRoundWork = 2e5;
 constexpr int kRoundsPerProgram = 4;
 constexpr double kOrderShake = 0.35;
 constexpr double kWorthShake = 0.15;
@@ -256,6 +259,19 @@ TFillSizes AsItIs(const TFillSizes& Sizes) {
   return Sizes;
 }
 
+int RoundCount(const TFillSizes& Sizes) {
+  double copies = 0;
+  double area = 0;
+  for (const TFillPart& part : Sizes.Parts) {
+    copies += part.Most;
+    area += (part.Width + Sizes.Gap) * (part.Height + Sizes.Gap) * part.Most;
+  }
+  const double plate = (Sizes.PlateWidth + Sizes.Gap) * (Sizes.PlateHeight + Sizes.Gap);
+  const double placed = copies * plate / std::max(area, plate);
+  const double rounds = kRoundWork / std::max(1.0, placed * Size(Sizes.Parts));
+  return Round<int>(std::clamp<double>(rounds, kRounds, kMostRounds));
+}
+
 // Gathers the ways of one job, and of the same job without turning.
 class TMethodList {
  public:
@@ -293,12 +309,13 @@ class TMethodList {
       });
   }
   void AddShaken(std::uint64_t Seed) {
-    for (int round = 0; round < kRounds; ++round) {
+    const int count = RoundCount(*FUnturned);
+    for (int round = 0; round < count; ++round) {
       const double share = kLeastShare + kShareRange * Drawn(Seed, round, -1);
       AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, Seed, round), share); });
       const auto shaken = [=](const TFillSizes& s) { return Shaken(s, kWorthShake, Seed, round); };
       if (round % kRoundsPerProgram == kRoundsPerProgram / 2) AddRaster(shaken);
-      if (round % kRoundsPerProgram == 0) AddProgram(shaken, round % (2 * kRoundsPerProgram) == 0);
+      if (round % kRoundsPerProgram == 0 && round < kRounds) AddProgram(shaken, round % (2 * kRoundsPerProgram) == 0);
     }
   }
   void AddBigFirst() {
