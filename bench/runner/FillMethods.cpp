@@ -83,12 +83,12 @@ bool Answers(const std::string& Method, const test::TFillCase& Case) {
   return Case.CanTurn || Method != "raster";
 }
 
-TFillAnswer AnswerFill(const std::string& Method, const test::TFillCase& Case, double Seconds) try {
+TFillAnswer AnswerFill(const std::string& Method, const test::TFillCase& Case, double Seconds, int Repeat) try {
   // The raster program exchanges the axes of tall plates, but not those of sizes that must not turn.
   const bool exchange = Method != "auto" && !Case.CanTurn && Case.Plate.Height() > Case.Plate.Width();
   const test::TFillCase fill = exchange ? Exchanged(Case) : Case;
   TFillAnswer answer;
-  answer.Ms = MedianMs(1, [&] {
+  answer.Ms = MedianMs(Repeat, [&] {
     answer.Layout = Method == "auto" ? AskFacade(fill, Seconds, answer.Fault) : NestAlone(Method, fill, Seconds);
   });
   answer.Worth = test::WorthOf(answer.Layout, fill);

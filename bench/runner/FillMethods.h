@@ -18,7 +18,7 @@ bool Answers(const std::string& Method, const test::TFillCase& Case);
 
 // The facade with method auto, or a nester alone. A nester is stopped after that many seconds and then gives what it
 // has; bigfirst tries each part as the big one and keeps the best. Copies that a nester turns where turning is
-// forbidden are taken out of its layout.
-TFillAnswer AnswerFill(const std::string& Method, const test::TFillCase& Case, double Seconds);
+// forbidden are taken out of its layout. Ms is the median of Repeat calls.
+TFillAnswer AnswerFill(const std::string& Method, const test::TFillCase& Case, double Seconds, int Repeat = 1);
 
 }  // namespace platenest::bench

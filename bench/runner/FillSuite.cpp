@@ -28,7 +28,7 @@ std::vector<TFillLine> RunInstance(const TFillInstance& Instance, const TArgumen
     if (!Answers(Arguments.Fill, fill)) continue;
     const auto [at, isNew] = answers.try_emplace({ref.Turned, ref.Limited});
     TFillAnswer& answer = at->second;
-    if (isNew) answer = AnswerFill(Arguments.Fill, fill, Arguments.Seconds);
+    if (isNew) answer = AnswerFill(Arguments.Fill, fill, Arguments.Seconds, Arguments.Repeat);
     std::string fault = answer.Fault.empty() ? BoundFault(answer, ref) : answer.Fault;
     lines.push_back({Instance.Id, Instance.Group, ref, answer.Worth, answer.Ms, std::move(fault)});
   }
