@@ -309,14 +309,18 @@ class TMethodList {
         return NestSmart(s, amounts, s.PlateWidth, s.PlateHeight);
       });
   }
-  void AddShaken(std::uint64_t Seed) {
+  // A deterministic run has no clock that would end the program's rounds, so they are left out.
+  void AddShaken(const Options& Run) {
+    const std::uint64_t seed = Run.Seed;
+    const int programRounds = Run.Deterministic ? 0 : kRounds;
     const int count = RoundCount(*FUnturned);
     for (int round = 0; round < count; ++round) {
-      const double share = kLeastShare + kShareRange * Drawn(Seed, round, -1);
-      AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, Seed, round), share); });
-      const auto shaken = [=](const TFillSizes& s) { return Shaken(s, kWorthShake, Seed, round); };
+      const double share = kLeastShare + kShareRange * Drawn(seed, round, -1);
+      AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, seed, round), share); });
+      const auto shaken = [=](const TFillSizes& s) { return Shaken(s, kWorthShake, seed, round); };
       if (round % kRoundsPerProgram == kRoundsPerProgram / 2) AddRaster(shaken);
-      if (round % kRoundsPerProgram == 0 && round < kRounds) AddProgram(shaken, round % (2 * kRoundsPerProgram) == 0);
+      if (round % kRoundsPerProgram == 0 && round < programRounds)
+        AddProgram(shaken, round % (2 * kRoundsPerProgram) == 0);
     }
   }
   void AddBigFirst() {
@@ -364,7 +368,7 @@ std::vector<TFillMethod> FillMethods(const Job& AJob) {
     if (isAuto || method == "rskf") list.AddProgram(AsItIs, isNormal);
   if (isAuto || method == "bigfirst") list.AddBigFirst();
   if (isAuto) list.AddSmartWithoutOne();
-  if (isAuto) list.AddShaken(AJob.Run.Seed);
+  if (isAuto) list.AddShaken(AJob.Run);
   return std::move(list).Taken();
 }
 

@@ -12,9 +12,9 @@ struct TFillPart {
   int Position = 0;  // in the job's list
   double Width = 0;
   double Height = 0;
-  int Asked = 0;    // no more copies may be placed
-  int Most = 0;     // upper bound on the copies that the plate takes; never above Asked
-  int Offered = 0;  // what a nester is told: Asked where that binds, else so many that they are no limit to it
+  int Asked = 0;          // no more copies may be placed
+  int Most = 0;           // upper bound on the copies that the plate takes; never above Asked
+  int Offered = 0;        // what a nester is told: Asked where that binds, else so many that they are no limit to it
   bool IsScarce = false;  // fewer are asked for than the plate may take
   double Worth = 0;
   bool MayTurn = true;
