@@ -22,7 +22,11 @@ template <int kWords>
 class TPackedPieces {
  public:
   TPackedPieces(const TPiecePacking& Packing, TPieceTable& Used, int Columns)
-      : FPacking(Packing), FUsed(Used), FSingle(Words()), FCandidates{Buffer(Columns), Buffer(Columns)} {
+      : FPacking(Packing),
+        FUsed(Used),
+        FWords(Packing.Words()),
+        FSingle(Words()),
+        FCandidates{Buffer(Columns), Buffer(Columns)} {
     FUsed.Use(0);
   }
 
@@ -61,7 +65,7 @@ class TPackedPieces {
   }
 
  private:
-  int Words() const { return kWords > 0 ? kWords : FPacking.Words(); }
+  int Words() const { return kWords > 0 ? kWords : FWords; }
   std::vector<TWord> Buffer(int Columns) const {
     return std::vector<TWord>(static_cast<std::size_t>(Columns) * Words());
   }
@@ -78,6 +82,7 @@ class TPackedPieces {
 
   const TPiecePacking& FPacking;
   TPieceTable& FUsed;
+  const int FWords;
   std::vector<TWord> FSingle;
   std::vector<TWord> FCandidates[2];
   const TWord* FCurrent = nullptr;

@@ -7,6 +7,7 @@
 
 #include "RskfRules.h"
 #include "platenest/foundation/Compare.h"
+#include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 
@@ -39,8 +40,19 @@ bool IsPositive(double Length) {
   return std::isfinite(Length) && Length > 0;
 }
 
-int CeilOfLength(double Units) {
-  return Ceil<int>(RoundTo(Units, kRskfLengthDigit));
+// 0 for what is no side of a box.
+int BoxSide(double Units) {
+  return Units > 0 && Units <= kMostBoxUnits ? Ceil<int>(RoundTo(Units, kRskfLengthDigit)) : 0;
+}
+
+void CheckRange(const TIntBoxList& Boxes, const TRaster& Raster) {
+  if (Raster.SizeL > kMost16Bits || Raster.SizeW > kMost16Bits || Boxes.size() > kMost16Bits)
+    throw TRangeError("[Error] TRSKF: more than 65535 raster points or boxes");
+  const double plateArea = static_cast<double>(Raster.RasterL.back()) * Raster.RasterW.back();
+  for (const TIntBox& box : Boxes) {
+    const double worthPerUnit = static_cast<double>(box.Area) / box.A / box.B;
+    if (worthPerUnit * plateArea > kMostWorth) throw TRangeError("[Error] TRSKF: values too large");
+  }
 }
 
 }  // namespace
@@ -75,8 +87,8 @@ std::optional<TIntBox> IntBoxOf(const TNestRect& Rect, int Idx, const TRskfUnits
   if (isTiny && Rect.Amount == 1) return std::nullopt;
   const TCopyGrid grid = isTiny ? ShrunkGrid(full, wide, high, Rect.Amount) : TCopyGrid();
   const auto sideOf = [&](double side, int copies) {
-    if (isTiny) return CeilOfLength(Units.ToUnits(copies * (side + Units.Gap)));
-    return CeilOfLength(Units.ToUnits(side) + 2.0 * Units.IntGap);
+    if (isTiny) return BoxSide(Units.ToUnits(copies * (side + Units.Gap)));
+    return BoxSide(Units.ToUnits(side) + 2.0 * Units.IntGap);
   };
   const int a = sideOf(width, grid.Columns);
   const int b = sideOf(height, grid.Rows);
@@ -126,6 +138,7 @@ void MergeCongruentBoxes(TIntBoxList& Boxes, std::vector<TRasterBox>& RasterBoxe
 }
 
 TRskfPieceRows PieceRowsOf(const TIntBoxList& Boxes, const TRaster& Raster, bool CanRotate) {
+  CheckRange(Boxes, Raster);
   std::vector<TPieceEnd> ends;
   const auto enter = [&](int length, int width, int box) {
     if (length <= Raster.RasterL.back() && width <= Raster.RasterW.back())

@@ -33,8 +33,8 @@ TCopyGrid BundleGrid(double Width, double Height, double ShortSide);
 // The grid made small enough for Amount copies, at least one, from its longer direction first. Cost: O(rows + columns).
 TCopyGrid ShrunkGrid(const TCopyGrid& Grid, double Width, double Height, int Amount);
 
-// The integer box of a part or of a grid of it; nothing for a part without copies or positive sizes, and for a single
-// copy of a tiny part.
+// The integer box of a part or of a grid of it; nothing for a part without copies or positive sizes, for one that no
+// raster holds, and for a single copy of a tiny part.
 std::optional<TIntBox> IntBoxOf(const TNestRect& Rect, int Idx, const TRskfUnits& Units, double ShortSide,
                                 bool Weighted);
 
@@ -75,7 +75,8 @@ struct TRskfPieceRows {
   std::vector<std::vector<std::uint16_t>> Boxes;
 };
 
-// Boxes that do not fit the plate, which is the last point on both axes, are left out. Cost: O(n log n).
+// Boxes that do not fit the plate, which is the last point on both axes, are left out. Raises TRangeError for more than
+// 65535 boxes or points on an axis, and where a full plate could be worth more than 64 bits hold. Cost: O(n log n).
 TRskfPieceRows PieceRowsOf(const TIntBoxList& Boxes, const TRaster& Raster, bool CanRotate);
 
 }  // namespace platenest::detail

@@ -41,16 +41,41 @@ TRskfCell TRskfCells::Tightest(const TRskfCell& Cell) {
 }
 
 TCellHalves TRskfCells::Halves(const TRskfCell& Cell) {
+  if (HasVectors() && !IsSound(Cell))
+    if (const auto cut = Recut(Cell)) return {Tightest(cut->First), Tightest(cut->Second), cut->AcrossWidth};
   if (FormOf(Cell) == TCellForm::Inherited) Raise("No Guillotine Point is Found");
   const TRskfCell first = FirstHalf(Cell);
   if (ValueOf(first) == 0) Raise("Value Error in FindGuillotine");
+  const TRskfCell second = FindTightestRaster(RestOf(Cell, first), GoalOfRest(Cell, first));
+  return {Tightest(first), second, first.Row < Cell.Row};
+}
 
-  TGoal rest{ValueOf(Cell) - ValueOf(first), nullptr};
-  if (HasVectors() && FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(first))) {
-    std::transform(PiecesOf(Cell), PiecesOf(Cell) + FRest.size(), PiecesOf(first), FRest.begin(), std::minus<>());
-    rest.Pieces = FRest.data();
+// The cut that the pieces of an unsound cell were counted for: an equal one has taken its place in the tables.
+std::optional<TCellHalves> TRskfCells::Recut(const TRskfCell& Cell) {
+  const auto isPart = [&](const TRskfCell& first) {
+    return ValueOf(first) > 0 && ValueOf(first) < ValueOf(Cell) &&
+           FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(first));
+  };
+  for (TRskfCell first{Cell.Column, 1}; first.Row < Cell.Row; ++first.Row) {
+    if (!isPart(first)) continue;
+    const TGoal goal = GoalOfRest(Cell, first);
+    for (TRskfCell rest = RestOf(Cell, first); rest.Row > 0; --rest.Row)
+      if (IsGoal(rest, goal)) return TCellHalves{first, rest, true};
   }
-  return {Tightest(first), FindTightestRaster(RestOf(Cell), rest)};
+  for (TRskfCell first{1, Cell.Row}; first.Column < Cell.Column; ++first.Column) {
+    if (!isPart(first)) continue;
+    const TGoal goal = GoalOfRest(Cell, first);
+    for (TRskfCell rest = RestOf(Cell, first); rest.Column > 0; --rest.Column)
+      if (IsGoal(rest, goal)) return TCellHalves{first, rest, false};
+  }
+  return std::nullopt;
+}
+
+TRskfCells::TGoal TRskfCells::GoalOfRest(const TRskfCell& Cell, const TRskfCell& First) {
+  const Int64 value = ValueOf(Cell) - ValueOf(First);
+  if (!HasVectors() || !FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(First))) return {value, nullptr};
+  std::transform(PiecesOf(Cell), PiecesOf(Cell) + FRest.size(), PiecesOf(First), FRest.begin(), std::minus<>());
+  return {value, FRest.data()};
 }
 
 TRskfCell TRskfCells::FirstHalf(const TRskfCell& Cell) const {
@@ -59,13 +84,12 @@ TRskfCell TRskfCells::FirstHalf(const TRskfCell& Cell) const {
 }
 
 // The largest cell that lies beyond the cut.
-TRskfCell TRskfCells::RestOf(const TRskfCell& Cell) const {
-  const TRskfCell first = FirstHalf(Cell);
-  if (FormOf(Cell) == TCellForm::CutAcrossWidth) {
-    const int width = FRaster.RasterW[Cell.Row] - FRaster.RasterW[first.Row];
+TRskfCell TRskfCells::RestOf(const TRskfCell& Cell, const TRskfCell& First) const {
+  if (First.Row < Cell.Row) {
+    const int width = FRaster.RasterW[Cell.Row] - FRaster.RasterW[First.Row];
     return {Cell.Column, PointWithin(FRaster.RasterW, FRaster.IndexW[width], width)};
   }
-  const int length = FRaster.RasterL[Cell.Column] - FRaster.RasterL[first.Column];
+  const int length = FRaster.RasterL[Cell.Column] - FRaster.RasterL[First.Column];
   return {PointWithin(FRaster.RasterL, FRaster.IndexL[length], length), Cell.Row};
 }
 
@@ -86,13 +110,14 @@ bool TRskfCells::IsSound(const TRskfCell& Cell) const {
          (!HasVectors() || FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(first)));
 }
 
-TRskfCell TRskfCells::FindTightestRaster(const TRskfCell& From, const TGoal& Goal) const {
+TRskfCell TRskfCells::FindTightestRaster(const TRskfCell& From, const TGoal& Goal) {
   if (From.Column > 0 && From.Row > 0) {
     if (Goal.Pieces != nullptr) {
       if (const auto start = FindPos(From, Goal, /*MustBeSound=*/false)) {
         const TRskfCell found = FindMinimumPos(*start, Goal);
         if (IsSound(found)) return found;
         if (const auto sound = FindPos(From, Goal, /*MustBeSound=*/true)) return *sound;
+        if (Recut(found)) return found;
       }
     }
     const TGoal any{Goal.Value, nullptr};

@@ -15,12 +15,13 @@ enum class TCellForm { Inherited, Single, CutAcrossWidth, CutAcrossLength };
 struct TCellHalves {
   TRskfCell First;  // lower or left
   TRskfCell Second;
+  bool AcrossWidth;  // lower and upper
 };
 
 // Finds the cells of a layout again. A pass keeps the value of a part of the plate and the place of its cut, but not
 // the cells on the two sides of it: those follow from the values and, after a bounded pass, from the piece vectors.
-// Among cells of equal value the one with the wanted pieces is taken if there is one, so that the layout is the one
-// that the pass had in mind and keeps the amounts.
+// Among cells of equal value the one with the wanted pieces is taken if there is one, and a cut that is not that of the
+// pieces is replaced, so that the layout is the one that the pass had in mind and keeps the amounts.
 //
 // Errors are written to the warning channel and raised as TNestError.
 class TRskfCells {
@@ -46,8 +47,10 @@ class TRskfCells {
   bool IsGoal(const TRskfCell& Cell, const TGoal& Goal) const;
   bool IsSound(const TRskfCell& Cell) const;
   TRskfCell FirstHalf(const TRskfCell& Cell) const;
-  TRskfCell RestOf(const TRskfCell& Cell) const;
-  TRskfCell FindTightestRaster(const TRskfCell& From, const TGoal& Goal) const;
+  TRskfCell RestOf(const TRskfCell& Cell, const TRskfCell& First) const;
+  TGoal GoalOfRest(const TRskfCell& Cell, const TRskfCell& First);
+  std::optional<TCellHalves> Recut(const TRskfCell& Cell);
+  TRskfCell FindTightestRaster(const TRskfCell& From, const TGoal& Goal);
   std::optional<TRskfCell> FindPos(const TRskfCell& From, const TGoal& Goal, bool MustBeSound) const;
   TRskfCell FindMinimumPos(const TRskfCell& From, const TGoal& Goal) const;
 

@@ -44,8 +44,7 @@ class TRskfBudget {
   int FLooks = 1;  // the first look is real
 };
 
-// Fill the tables and find the cell of the best value; false when the budget was spent on the way. Raise TRangeError
-// for a raster of more than 65535 points on an axis.
+// Fill the tables and find the cell of the best value; false when the budget was spent on the way.
 // Cost, for c cells that can be reached: O(c * cuts tried), 12 bytes per cell; the bounded one adds a piece vector to
 // each cell of the rows that can be reached, at most two bytes and a bit per box.
 bool RunUnboundedPass(const TRskfProblem& Problem, TRskfBudget& Budget, TRskfTables& Tables, TRskfCell& Best);

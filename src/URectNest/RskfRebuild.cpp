@@ -39,9 +39,9 @@ void TRskfRebuild::Draw(const TRskfCell& Cell, TNestedRects& List) {
 }
 
 void TRskfRebuild::Divide(const TPlaced& Whole) {
-  const auto [first, second] = FCells.Halves(Whole.Cell);
+  const auto [first, second, acrossWidth] = FCells.Halves(Whole.Cell);
   TPlaced rest{Whole.X, Whole.Y, second};
-  if (FCells.FormOf(Whole.Cell) == TCellForm::CutAcrossWidth)
+  if (acrossWidth)
     rest.Y += FProblem.Raster.RasterW[first.Row];
   else
     rest.X += FProblem.Raster.RasterL[first.Column];

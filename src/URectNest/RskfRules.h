@@ -18,7 +18,12 @@ inline constexpr double kValuesPerArea = 100;
 // Decimals that lengths are rounded to before they become whole, against noise in the last places.
 inline constexpr int kRskfLengthDigit = -6;
 
-// Most copies of one box that a bounded layout may use; positions on the raster and boxes are 16 bits wide as well.
+// Most copies of one box that a bounded layout may use, most points on an axis of the raster and most boxes: the tables
+// hold 16 bits.
 inline constexpr int kMost16Bits = 65535;
+// Worth of a layout up to which sums of two stay within 64 bits.
+inline constexpr double kMostWorth = 4e18;
+// A box with a longer side fits no raster.
+inline constexpr double kMostBoxUnits = 1'000'000'000;
 
 }  // namespace platenest::detail

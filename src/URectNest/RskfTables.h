@@ -55,7 +55,6 @@ class TPieceTable {
   }
   // Of a row in use.
   TWord* Row(int Index) { return FRows[Index].data(); }
-  bool IsUsed(int Row) const { return !FRows[Row].empty(); }
   const TWord* At(int Row, int Column) const { return FRows[Row].data() + static_cast<std::size_t>(Column) * FWords; }
 
  private:

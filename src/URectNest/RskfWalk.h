@@ -7,7 +7,6 @@
 
 #include "RskfPass.h"
 #include "RskfTables.h"
-#include "platenest/foundation/Errors.h"
 
 namespace platenest::detail {
 
