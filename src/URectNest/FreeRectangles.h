@@ -30,9 +30,9 @@ struct TVecContact {
   int Corner = 0;
 };
 
-// Allocates nothing. Two cases lose room, and layouts keep it that way: a box that ends exactly level with a free
-// rectangle on both ends counts as crossing it upright only if it is higher, and one that covers a corner without
-// having a corner of its own inside leaves the wrong pair of pieces, both without area.
+// Allocates nothing. Three cases lose room, and stay so: a box inside that is exactly as high as the free rectangle
+// counts as crossing it sideways; one that covers a corner with no corner of its own inside may leave pieces on the
+// wrong sides, which are empty; one clear of all sides drops the whole free rectangle.
 TVecContact VecRelation(const TVRect2D& Free, const TVRect2D& Box);
 
 struct TFreeRect {

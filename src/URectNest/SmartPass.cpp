@@ -132,6 +132,7 @@ int TSmartPass::BestFree() {
   int best = -1;
   double bestFit = 0.0;
   const std::span<TFreeRect> items = FFree.Items();
+  FFreeSeen += Size(items);
   for (int i = 0; i < Size(items); ++i) {
     TFreeRect& free = items[i];
     if (!free.IsJudged) free.Choice = FFit.Choose(free.Box.Width(), free.Box.Height(), FTrials);

@@ -37,6 +37,9 @@ class TSmartPass {
   // from the empty plate and the full amounts. A stop ends it at the next placement.
   double Nest(int Form, TNestedRects& ResultList);
 
+  // Free rectangles looked at by all calls of Nest so far: the lists' lengths, added up over the placements.
+  Int64 FreeSeen() const { return FFreeSeen; }
+
   // Sets Box, which begins at the origin and fits, into the corner of Free with the most contact; the first of equals
   // up to 1e-6 wins.
   struct TLean {
@@ -69,6 +72,7 @@ class TSmartPass {
   std::vector<int> FAmounts;
   std::vector<TSmartTrial> FTrials;  // of the parts that are left, in their order, unturned first
   TFreeRectangles FFree;
+  Int64 FFreeSeen = 0;
   std::vector<TVRect2D> FPlaced;  // the real rectangles of this pass
   std::vector<TVRect2D> FNear;    // those of them that touch the free rectangle at hand
 };

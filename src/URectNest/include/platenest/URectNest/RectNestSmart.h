@@ -22,7 +22,7 @@ namespace platenest {
 // layout so far, which is valid.
 // One object for one thread at a time, different ones on any thread.
 // Cost of a placement: O(p * s + p * f + n) for p new and f free rectangles, s sizes and n placed ones.
-// After Huang, Chen and Xu (2007) in spirit: corner-occupying placements rated by a fit degree.
+// Related: Huang, Chen and Xu (2007), placements that occupy corners, rated by a degree of fit.
 class PLATENEST_API TRectNestSmart {
  public:
   // Amounts below 0 have no end. More than 100 copies of a part whose larger side is below a twentieth of the plate's
