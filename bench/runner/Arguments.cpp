@@ -9,6 +9,10 @@ namespace platenest::bench {
 
 const char* const kUsage =
     "usage: platenest_bench one FILE [--method strip|fiveblock] [--json FILE] [--repeat N] [--rows N] [--quiet]\n"
+    "       platenest_bench fill FILE [--method auto|smart|raster|rskf|bigfirst] [--seconds S] [--id REGEX] [--json "
+    "FILE]\n"
+    "                                 [--quiet]\n"
+    "       platenest_bench fill-exact [--pairs N] [--seed S] [--json FILE]\n"
     "       platenest_bench nfp FILE... [--json FILE] [--repeat N] [--most PAIRS] [--pair NUMBER] [--turned]\n"
     "                                   [--inside] [--oracle off|sampling|area] [--quiet]\n"
     "       platenest_bench nfp-random|nfp-inside|nfp-jigsaw [--pairs N] [--seed S] [--edges N] [--json FILE]\n"
@@ -27,18 +31,23 @@ bool ReadOracle(std::string_view Word, TOracle& Oracle) {
   return true;
 }
 
-bool ReadMethod(std::string_view Word, TOneMethod& Method) {
-  if (Word != "strip" && Word != "fiveblock") return false;
-  Method = Word == "strip" ? TOneMethod::Strip : TOneMethod::Fiveblock;
-  return true;
+bool ReadMethod(std::string_view Word, TArguments& Arguments) {
+  if (Word == "strip" || Word == "fiveblock") {
+    Arguments.Method = Word == "strip" ? TOneMethod::Strip : TOneMethod::Fiveblock;
+    return true;
+  }
+  constexpr std::array fill = {"auto", "smart", "raster", "rskf", "bigfirst"};
+  Arguments.Fill = Word;
+  return std::find(fill.begin(), fill.end(), Word) != fill.end();
 }
 
 bool TakesFiles(std::string_view Suite) {
-  return Suite == "one" || Suite == "nfp" || Suite == "nfp-layout" || Suite == "array" || Suite == "label";
+  constexpr std::array suites = {"one", "fill", "nfp", "nfp-layout", "array", "label"};
+  return std::find(suites.begin(), suites.end(), Suite) != suites.end();
 }
 
 bool IsSuite(std::string_view Suite) {
-  constexpr std::array suites = {"nfp-random", "nfp-inside", "nfp-jigsaw"};
+  constexpr std::array suites = {"fill-exact", "nfp-random", "nfp-inside", "nfp-jigsaw"};
   return TakesFiles(Suite) || std::find(suites.begin(), suites.end(), Suite) != suites.end();
 }
 
@@ -51,11 +60,16 @@ bool ReadOption(std::string_view Word, const std::string& Value, TArguments& Arg
     *number->second = std::stoi(Value);
     return true;
   }
-  if (Word == "--json") {
-    Arguments.Json = Value;
+  const std::map<std::string_view, std::string*> texts = {{"--json", &Arguments.Json}, {"--id", &Arguments.Id}};
+  if (const auto text = texts.find(Word); text != texts.end()) {
+    *text->second = Value;
     return true;
   }
-  if (Word == "--method") return ReadMethod(Value, Arguments.Method);
+  if (Word == "--seconds") {
+    Arguments.Seconds = std::stod(Value);
+    return true;
+  }
+  if (Word == "--method") return ReadMethod(Value, Arguments);
   return Word == "--oracle" && ReadOracle(Value, Arguments.Oracle);
 }
 
@@ -77,8 +91,8 @@ bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
       Arguments.Files.emplace_back(word);
   }
   if (!IsSuite(Arguments.Suite) || TakesFiles(Arguments.Suite) == Arguments.Files.empty()) return false;
-  if (Arguments.Suite == "one" && Arguments.Files.size() != 1) return false;
-  return Arguments.Repeat > 0 && Arguments.Most > 0 && Arguments.Pairs > 0;
+  if ((Arguments.Suite == "one" || Arguments.Suite == "fill") && Arguments.Files.size() != 1) return false;
+  return Arguments.Seconds > 0 && Arguments.Repeat > 0 && Arguments.Most > 0 && Arguments.Pairs > 0;
 }
 
 }  // namespace platenest::bench

@@ -18,6 +18,9 @@ struct TArguments {
   int Repeat = 1;
   int Rows = 0;
   TOneMethod Method = TOneMethod::Strip;
+  std::string Fill = "auto";  // method of the suite for many sizes on one plate
+  double Seconds = 5;         // for each of its jobs
+  std::string Id;             // regular expression for the jobs to run; empty for all
   bool Quiet = false;
   int Most = 400;  // pairs or parts of an instance
   int Pair = -1;   // the one pair to run, by its number

@@ -4,6 +4,8 @@
 
 #include "Arguments.h"
 #include "ArraySuite.h"
+#include "FillCorpus.h"
+#include "FillSuite.h"
 #include "LabelSuite.h"
 #include "NfpCampaign.h"
 #include "NfpSuite.h"
@@ -46,6 +48,8 @@ std::vector<TRow> RunOne(const TArguments& Arguments) {
 
 std::vector<TRow> Run(const TArguments& Arguments) {
   if (Arguments.Suite == "one") return RunOne(Arguments);
+  if (Arguments.Suite == "fill") return RunFillSuite(Arguments);
+  if (Arguments.Suite == "fill-exact") return RunFillCorpus(Arguments);
   if (Arguments.Suite == "nfp") return RunNfpSuite(Arguments);
   if (Arguments.Suite == "array") return RunArraySuite(Arguments);
   if (Arguments.Suite == "label") return RunLabelSuite(Arguments);

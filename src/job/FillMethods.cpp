@@ -293,11 +293,12 @@ class TMethodList {
   void AddRaster(const TChange& Change) {
     if (FTurnsAll) Add("raster", FAsked, [Change](const TFillSizes& s) { return NestRaster(Change(s)); });
   }
+  // Without turning first: on a large plate the time may end before the pass that turns does.
   void AddProgram(const TChange& Change, bool IsNormal) {
+    Add("rskf", FUnturned, [=](const TFillSizes& s) { return NestUnturned(Change(s), IsNormal); });
     if (FTurnsAll) Add("rskf", FAsked, [=](const TFillSizes& s) { return NestProgram(Change(s), true, IsNormal); });
     if (FTurnsSome && !FTurnsAll)
       Add("rskf", FAsked, [=](const TFillSizes& s) { return NestWithTwins(Change(s), IsNormal); });
-    Add("rskf", FUnturned, [=](const TFillSizes& s) { return NestUnturned(Change(s), IsNormal); });
   }
   // One kind left out each time, which then may go where there is room.
   void AddSmartWithoutOne() {
