@@ -49,27 +49,39 @@ void CheckRange(const TIntBoxList& Boxes, const TRaster& Raster) {
   if (Raster.SizeL > kMost16Bits || Raster.SizeW > kMost16Bits || Boxes.size() > kMost16Bits)
     throw TRangeError("[Error] TRSKF: more than 65535 raster points or boxes");
   const double plateArea = static_cast<double>(Raster.RasterL.back()) * Raster.RasterW.back();
+  double best = 0;  // a plate full of the box that is worth most for its area
+  double all = 0;   // all copies of all boxes
   for (const TIntBox& box : Boxes) {
-    const double worthPerUnit = static_cast<double>(box.Area) / box.A / box.B;
-    if (worthPerUnit * plateArea > kMostWorth) throw TRangeError("[Error] TRSKF: values too large");
+    const double worth = static_cast<double>(box.Area);
+    const double copies = plateArea / box.A / box.B;
+    best = std::max(best, worth * copies);
+    all += std::max(0.0, worth) * std::min(copies, static_cast<double>(box.Amount));
   }
+  if (std::min(best, all) > kMostWorth) throw TRangeError("[Error] TRSKF: values too large");
 }
 
 }  // namespace
 
 TCopyGrid BundleGrid(double Width, double Height, double ShortSide) {
-  return {Ceil<int>(ShortSide / Width / kPartsPerShortSide), Ceil<int>(ShortSide / Height / kPartsPerShortSide)};
+  constexpr double mostCopies = std::numeric_limits<int>::max();
+  const auto copiesAlong = [&](double side) {
+    return Ceil<int>(std::min(ShortSide / side / kPartsPerShortSide, mostCopies));
+  };
+  return {copiesAlong(Width), copiesAlong(Height)};
 }
 
 TCopyGrid ShrunkGrid(const TCopyGrid& Grid, double Width, double Height, int Amount) {
   Int64 columns = Grid.Columns;
   Int64 rows = Grid.Rows;
+  const Int64 square = Floor<Int64>(std::sqrt(Amount)) + 1;  // the smallest that holds too many
+  if (std::min(columns, rows) > square) columns = rows = square;
   while (columns * rows > Amount) {
-    const bool tieToColumns = columns == rows && Width > Height;
-    if (rows == 1 || (columns > 1 && (columns > rows || tieToColumns)))
-      --columns;
+    if (columns > rows)
+      columns = std::max(rows, Amount / rows);
+    else if (rows > columns)
+      rows = std::max(columns, Amount / columns);
     else
-      --rows;
+      --(Width > Height ? columns : rows);
   }
   return {static_cast<int>(columns), static_cast<int>(rows)};
 }

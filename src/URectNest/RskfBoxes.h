@@ -30,7 +30,8 @@ struct TCopyGrid {
 // The grid that is to stand for one copy of Width by Height, gap included, on a plate with that short side: 1 by 1 for
 // all but tiny parts.
 TCopyGrid BundleGrid(double Width, double Height, double ShortSide);
-// The grid made small enough for Amount copies, at least one, from its longer direction first. Cost: O(rows + columns).
+// The grid made small enough for Amount copies, at least one: one off the longer direction at a
+// time, off the rows of a square unless a copy is wider than high.
 TCopyGrid ShrunkGrid(const TCopyGrid& Grid, double Width, double Height, int Amount);
 
 // The integer box of a part or of a grid of it; nothing for a part without copies or positive sizes, for one that no
@@ -76,7 +77,7 @@ struct TRskfPieceRows {
 };
 
 // Boxes that do not fit the plate, which is the last point on both axes, are left out. Raises TRangeError for more than
-// 65535 boxes or points on an axis, and where a full plate could be worth more than 64 bits hold. Cost: O(n log n).
+// 65535 boxes or points on an axis, and where a layout could be worth more than 64 bits hold. Cost: O(n log n).
 TRskfPieceRows PieceRowsOf(const TIntBoxList& Boxes, const TRaster& Raster, bool CanRotate);
 
 }  // namespace platenest::detail

@@ -99,15 +99,19 @@ bool TRskfCells::IsGoal(const TRskfCell& Cell, const TGoal& Goal) const {
 }
 
 // The pieces of a cell were counted when its value was found. A cut that came later, at no higher value, may have
-// replaced the one they belong to.
+// replaced the one they belong to, and where a cell inherits a cut from the left, its own first side may be worth more
+// than the one that was meant.
 bool TRskfCells::IsSound(const TRskfCell& Cell) const {
   const TCellForm form = FormOf(Cell);
   if (form == TCellForm::Single) return true;
   if (form == TCellForm::Inherited) return false;
   const TRskfCell first = FirstHalf(Cell);
   const Int64 value = ValueOf(first);
-  return value > 0 && value < ValueOf(Cell) &&
-         (!HasVectors() || FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(first)));
+  if (value == 0 || value >= ValueOf(Cell) || !FTables.Packing.Holds(PiecesOf(Cell), PiecesOf(first))) return false;
+  for (TRskfCell rest = RestOf(Cell, first); rest.Row > 0 && rest.Column > 0;
+       --(first.Row < Cell.Row ? rest.Row : rest.Column))
+    if (ValueOf(rest) == ValueOf(Cell) - value) return true;
+  return false;
 }
 
 TRskfCell TRskfCells::FindTightestRaster(const TRskfCell& From, const TGoal& Goal) {

@@ -32,6 +32,7 @@ TEST(RskfBoxes, PartsBelowATwentiethOfTheShortSideAreBundled) {
   EXPECT_EQ(Box(Part(9, 2, 1), 100), (F{6, 3, 1, 1800, true})) << "3 x 5 shrinks to 3 x 3";
   EXPECT_EQ(Box(Part(3, 4, 3), 100), (F{4, 6, 1, 2400, true})) << "2 x 2, wider than high: loses a column first";
   EXPECT_EQ(Box(Part(3, 3, 4), 100), (F{6, 4, 1, 2400, true})) << "otherwise a row";
+  EXPECT_EQ(Box(Part(2'000'000'000, 1e-9, 1e-9), 100), (F{1, 1, 1, 1, true})) << "five thousand million across";
   EXPECT_EQ(Box(Part(9, 4, 7, 3.3), 100, {}, true), (F{8, 7, 4, 6, true})) << "the worth of all, truncated";
   const TRskfUnits gap{.Amp = 10, .Gap = 1, .IntGap = 5};
   EXPECT_EQ(Box(Part(9, 4, 7), 100, gap), (F{50, 80, 9, 2800, false})) << "the gap counts: 5 is a twentieth";
@@ -47,9 +48,9 @@ TEST(RskfBoxes, SidesAreRoundedUpWithBothHalvesOfTheGap) {
   EXPECT_EQ(Box(Part(9, 4, 5, 0.9), 4, {}, true), (F{4, 5, 9, 0, false})) << "a stated worth is not";
 
   constexpr double inf = std::numeric_limits<double>::infinity();
-  const TNestRect none[] = {Part(0, 2, 3),   Part(-1, 2, 3),  Part(9, 0, 3),
-                            Part(9, 2, -3),  Part(9, inf, 3), Part(9, std::numeric_limits<double>::quiet_NaN(), 3),
-                            Part(9, 2, 1e12)};
+  const TNestRect none[] = {Part(0, 2, 3),    Part(-1, 2, 3),    Part(9, 0, 3),
+                            Part(9, 2, -3),   Part(9, inf, 3),   Part(9, std::numeric_limits<double>::quiet_NaN(), 3),
+                            Part(9, 2, 1e12), Part(9, 1e-320, 3)};
   for (const TNestRect& rect : none) EXPECT_EQ(Box(rect, 4), std::nullopt);
   EXPECT_EQ(Box(Part(9, 2, 3), 4, {.Gap = -2, .IntGap = -1}), std::nullopt) << "nothing is left of the part";
 }
@@ -90,7 +91,8 @@ TEST(RskfBoxes, BoxesOfOneSizeBecomeOneAndTheFirstInOrderIsGivenOutFirst) {
 
 TEST(RskfBoxes, TablesThatCouldOverflowAreRefused) {
   const TRaster raster(12, 10, {}, true, true);
-  EXPECT_THROW(PieceRowsOf({IntBox(1, 1, 0, 1, Int64{1} << 60)}, raster, true), TRangeError);
+  EXPECT_THROW(PieceRowsOf({IntBox(1, 1, 0, 9, Int64{1} << 60)}, raster, true), TRangeError);
+  EXPECT_NO_THROW(PieceRowsOf({IntBox(1, 1, 0, 1, Int64{1} << 60)}, raster, true)) << "there is one copy only";
   EXPECT_THROW(PieceRowsOf(TIntBoxList(65536, IntBox(3, 9, 0, 1, 1)), raster, true), TRangeError);
 }
 

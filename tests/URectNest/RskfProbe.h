@@ -12,6 +12,8 @@
 namespace platenest {
 
 inline constexpr int kAnyAmount = 1'000'000;
+// Where plates lie, which plays no part. Moved back, sizes may carry noise, and the raster must have the same.
+inline const TPoint2D kElsewhere{7, -3};
 
 inline TNestRect Part(int Amount, double Width, double Height, double Worth = 0, int Idx = 0) {
   TNestRect part(Amount, Idx, TVRect2D::FromSize(Width, Height));
@@ -30,17 +32,18 @@ struct TRskfJob {
   bool Weighted = false;
 
   TVRect2D Plate() const { return TVRect2D::FromSize(Width, Height); }
+  TVRect2D PlateElsewhere() const { return Plate().Translate(kElsewhere); }
 };
 
 // A nester on a raster of its own, whose steps a test takes one by one.
 struct TRskfProbe : TRSKF {
   explicit TRskfProbe(const TRskfJob& Job)
-      : TRSKF(Job.Plate().Translate({7, -3}), Job.Parts, Job.Gap, 0, Job.Digit, Job.Weighted) {
+      : TRSKF(Job.PlateElsewhere(), Job.Parts, Job.Gap, 0, Job.Digit, Job.Weighted) {
     Prepare(Job);
   }
   // Under the caller's watch and budget.
   TRskfProbe(const TRskfJob& Job, double BudgetMs, TStopwatch& SW)
-      : TRSKF(Job.Plate(), Job.Parts, Job.Gap, BudgetMs, SW, Job.Digit) {
+      : TRSKF(Job.PlateElsewhere(), Job.Parts, Job.Gap, BudgetMs, SW, Job.Digit) {
     Prepare(Job);
   }
   using TRSKF::CheckExcess, TRSKF::GetNestResult;
@@ -64,15 +67,14 @@ struct TRskfProbe : TRSKF {
  private:
   void Prepare(const TRskfJob& Job) {
     CreateAmplifiedRectInfo(Job.Amp);
-    const detail::TRskfUnits scale{Job.Amp, Job.Gap};
-    const int width = Trunc<int>(scale.ToUnits(Job.Width + Job.Gap));
-    const int height = Trunc<int>(scale.ToUnits(Job.Height + Job.Gap));
-    const detail::TRskfUnits units{Job.Amp, Job.Gap, Ceil<int>(scale.ToUnits(Job.Gap / 2)), height > width};
-    for (int i = 0; i < Size(Job.Parts); ++i) {
-      const double shortSide = std::min(Job.Width, Job.Height) + Job.Gap;
+    detail::TRskfUnits units{Job.Amp, Job.Gap};
+    units.IntGap = Ceil<int>(units.ToUnits(Job.Gap / 2));
+    const TVRect2D plate = Job.PlateElsewhere().Translate({-kElsewhere.X, -kElsewhere.Y}).Inflate(Job.Gap / 2);
+    const auto [shortSide, longSide] = std::minmax({plate.Width(), plate.Height()});
+    for (int i = 0; i < Size(Job.Parts); ++i)
       if (const auto box = detail::IntBoxOf(Job.Parts[i], i, units, shortSide, Job.Weighted)) Boxes.push_back(*box);
-    }
-    Raster = TRaster(std::max(width, height), std::min(width, height), Boxes, Job.CanRotate, false);
+    Raster = TRaster(Trunc<int>(units.ToUnits(longSide)), Trunc<int>(units.ToUnits(shortSide)), Boxes, Job.CanRotate,
+                     /*UseNormal=*/false);
     CombineCongruentRects(Job.CanRotate);
     GenerateRectInfowithRaster(Raster, Job.CanRotate);
   }

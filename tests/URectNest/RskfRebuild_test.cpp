@@ -64,6 +64,14 @@ TEST(RskfRebuild, LayoutsAreValidAndWorthWhatThePassSays) {
   EXPECT_LE(lost, 0.001 * jobs);
 }
 
+// The cell of the answer has the cut of its left neighbour, but its own lower side is worth more than that one's.
+TEST(RskfRebuild, CutsThatLeaveNoRestAreNotFollowed) {
+  const TRskfJob job{.Width = 21, .Height = 31, .Parts = {Part(3, 5, 20, 3), Part(5, 6, 8, 1, 1)}, .Weighted = true};
+  TRskfProbe nester(job);
+  ASSERT_TRUE(nester.Pass(true));
+  EXPECT_EQ(Worth(job, nester.Layout()), nester.Value());
+}
+
 //   +-----------+     A group of 2 by 2 on a plate that rounds the cell up: three columns fit there, but five copies in
 //   | + + +     |     all are wanted.
 //   | + +       |

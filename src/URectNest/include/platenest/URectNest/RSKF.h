@@ -31,7 +31,7 @@ struct TRskfTables;
 //
 // A part that is not finite and positive holds no copy, likewise a plate or a gap that is not finite and a plate
 // without positive sides; none of them raises. TRangeError for a digit above 9, for a plate beyond an int of units and
-// for values of which a full plate would exceed 64 bits.
+// for values of which a layout could exceed 64 bits.
 // One object for one thread at a time; objects are independent of each other.
 class PLATENEST_API TRSKF {
  public:
