@@ -67,7 +67,7 @@ TEST(RskfStair, EqualAndNarrowStepsAreJoined) {
       << "a narrow ledge belongs to its left neighbour";
   EXPECT_EQ(outline({Placed(0.0005, 20, 40, 0)}), steps({0, 40, 40.0005, 100}, {0, 20, 0})) << "a needle stands";
   EXPECT_EQ(outline({Placed(99.9995, 20, 0, 0)}), steps({0, 99.9995, 100}, {20, 0})) << "the last step stays";
-  EXPECT_EQ(outline({Placed(38, 18, 1, 1), Placed(57, 23, 42, 1)}, 2).first, (TList{0, 40, 100}));
+  EXPECT_EQ(outline({Placed(38, 18, 1, 1), Placed(57, 23, 42, 1)}, 2).first, (TList{0, 40, 100})) << "up to the gap";
 }
 
 }  // namespace
