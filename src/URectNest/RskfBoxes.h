@@ -16,7 +16,7 @@ struct TRskfUnits {
   int IntGap = 0;            // half the gap in units, rounded up
   bool PlateRotate = false;  // the length axis of the program runs along y
 
-  double ToUnits(double Length) const { return Amp > 0 ? Length * Amp : Length / -Amp; }
+  double ToUnits(double Length) const { return Amp > 0 ? Length * Amp : Length / -static_cast<double>(Amp); }
   double ToPlate(double Units) const { return Amp > 0 ? Units / Amp : Units * -static_cast<double>(Amp); }
 };
 

@@ -45,11 +45,13 @@ void JoinEqualSteps(TPositions& Positions, TPositions& Heights) {
 }
 
 // A narrow step sinks into a higher right neighbour. One that is higher than that is a rest of something that
-// continues below its still higher left neighbour, and joins this. The last step of a stair may stay narrow.
+// continues below its still higher left neighbour, and joins this; a needle, higher than both, stands on its own. The
+// last step of a stair may stay narrow.
 void JoinNarrowSteps(double Gap, TPositions& Positions, TPositions& Heights) {
   for (int i = Size(Positions) - 2; i >= 1; --i) {
     if (!fEqual(Positions[i - 1], Positions[i], Gap + kNarrow)) continue;
     const bool isHigher = Heights[i - 1] > Heights[i];
+    if (isHigher && i > 1 && fGreat(Heights[i - 1], Heights[i - 2])) continue;
     Heights.erase(Heights.begin() + i - 1);
     Positions.erase(Positions.begin() + (isHigher ? i - 1 : i));
   }

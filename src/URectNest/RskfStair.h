@@ -18,7 +18,7 @@ namespace platenest {
 //
 class TRSKF::TLStair {
  public:
-  // Placements lie in the plate and have sides above 0.001.
+  // Placements lie in the plate.
   TLStair(const TVRect2D& APlate, const TNestedRects& ANestedRects, double AGap);
 
   // What lies above a run of x steps up to the plate's top, then what lies right of a run of y steps, half a gap taken

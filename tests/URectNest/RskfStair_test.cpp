@@ -65,9 +65,9 @@ TEST(RskfStair, EqualAndNarrowStepsAreJoined) {
       << "a narrow slot sinks into its right neighbour";
   EXPECT_EQ(outline({Placed(40, 10, 0, 20), Placed(40.0005, 20, 0, 0)}), steps({0, 40.0005, 100}, {30, 0}))
       << "a narrow ledge belongs to its left neighbour";
-  EXPECT_EQ(outline({Placed(40, 10, 0, 20), Placed(40.002, 20, 0, 0)}), steps({0, 40, 40.002, 100}, {30, 20, 0}));
+  EXPECT_EQ(outline({Placed(0.0005, 20, 40, 0)}), steps({0, 40, 40.0005, 100}, {0, 20, 0})) << "a needle stands";
   EXPECT_EQ(outline({Placed(99.9995, 20, 0, 0)}), steps({0, 99.9995, 100}, {20, 0})) << "the last step stays";
-  EXPECT_EQ(outline({Placed(38, 18, 1, 1), Placed(57, 23, 42, 1)}, 2).first, (TList{0, 40, 100}));
+  EXPECT_EQ(outline({Placed(38, 18, 1, 1), Placed(57, 23, 42, 1)}, 2).first, (TList{0, 40, 100})) << "up to the gap";
 }
 
 }  // namespace

@@ -51,10 +51,12 @@ class PLATENEST_API TRSKF {
   // (FreePhysicalMemory, 1 GiB if it is not known), for 16-bit positions and, where amounts bind, for the time limit;
   // a plate that has less than one unit left on a side stays empty. Without binding amounts the tables of the accepted
   // raster take up to 12 bytes for each byte that is free.
-  // The clock starts with the first run, runs on in later ones and is not read without a limit. A pass that is stopped,
-  // by RectNestStopped or by the clock, gives nothing; what is laid before it stays, and the list is valid.
-  // ANormalPattern: all reachable positions instead of the reduced ones. Without ACanRotate the pass does not turn
-  // boxes, but grids of tiny parts, the filling and the first block may.
+  // The clock starts with the first run, runs on in later ones and is not read without a limit, except by the filling,
+  // which searches longer where time allows. A pass that is stopped, by RectNestStopped or by the clock, gives nothing;
+  // what is laid before it stays, and the list is valid.
+  // ANormalPattern: all reachable positions instead of the reduced ones. Without ACanRotate the pass lays all boxes one
+  // way: unturned on a plate that is not higher than wide, and turned on one that is, so it leaves out what fits
+  // such a plate only unturned. Grids of tiny parts, the filling and the first block may turn whatever is said.
   // Cost: the number of cuts that improve a cell, for the bounded pass times the number of sizes.
 
   // The dynamic program, then a greedy filling of the best free rectangle above or beside the layout, unless that is
