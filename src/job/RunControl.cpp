@@ -23,7 +23,9 @@ TRunControl::TRunControl(const Options& AOptions, const RunHooks& Hooks)
       FStart(RealMs()),
       FLimitMs(AOptions.TimeLimit * 1000),
       FTokenScope(&FToken),
-      FMemoryScope([former = FreePhysicalMemory(), limit = AOptions.MemoryLimit] { return std::min(former, limit); }) {
+      FMemoryScope([free = FreePhysicalMemory(), limit = AOptions.MemoryLimit] {
+        return free > 0 ? std::min(free, limit) : limit;  // 0: the system does not tell
+      }) {
   if (AOptions.Deterministic)
     FClockScope.emplace([looks = Int64{0}]() mutable { return static_cast<double>(++looks) * kMsPerLook; });
   FClockStart = Clock::NowMs();
