@@ -326,6 +326,13 @@ TEST(CheckResult, FindsWhatIsWrongInAFill) {
     change(asked, bad);
     EXPECT_THAT(FirstFault(asked, bad), StartsWith(place));
   }
+  // However small all values are.
+  for (Part& part : job.Parts) part.Value = 1e-12;
+  const Result small = Answer(job);
+  Result raised = small;
+  raised.Total.Value = raised.Bounds[0].Value;
+  raised.Proved = true;
+  EXPECT_THAT(FirstFault(job, raised), StartsWith("/summary/value"));
   for (Rotate& turn : std::vector<std::reference_wrapper<Rotate>>{job.Parts[0].Turn, job.Parts[1].Turn})
     turn = Rotate::None;
   const bool turns = std::ranges::any_of(good.Layouts[0].Placements, &Placement::Rotated);
