@@ -35,7 +35,7 @@ constexpr int kMostLeftOut = 40;
 // How often the most valuable parts for their area could cover the plate.
 constexpr double kDenseShares[] = {1.0, 1.25};
 // From this number of sizes times copies on, rows come first; and they are told parts for so many plates.
-constexpr double kRowsWork = 2e5;
+constexpr double kRowsWork = 2e4;
 constexpr double kRowsShare = 1.5;
 // What a millisecond does of it.
 constexpr double kWorkPerMs = 1e4;

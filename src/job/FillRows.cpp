@@ -13,6 +13,8 @@ namespace platenest::detail {
 
 namespace {
 
+constexpr int kOpenRows = 200;
+
 struct TLyingPart {
   int Index = 0;
   bool IsTurned = false;
@@ -38,7 +40,7 @@ class TRows {
   explicit TRows(const TFillSizes& Sizes) : FSizes(Sizes), FSlack(FitSlack(Sizes.Decimals)) {}
 
   void Take(const TLyingPart& Part, int Count) {
-    for (TRow& row : FRows) Count -= FillRow(row, Part, Count);
+    for (int i = std::max(0, Size(FRows) - kOpenRows); i < Size(FRows); ++i) Count -= FillRow(FRows[i], Part, Count);
     while (Count > 0 && FTop + Part.Height <= FSizes.PlateHeight + FSlack) {
       FRows.push_back({FTop, 0});
       FTop += Part.Height + FSizes.Gap;

@@ -30,8 +30,9 @@ class TFillSearch {
     for (const TFillMethod& method : Methods) {
       if (IsProved()) return;
       const bool isOver = !FControl.Affords(method.CountedMs) || FControl.IsOver();
-      // What takes milliseconds has its chance however short the time is.
-      const bool isDue = method.Name == "rows" && !HasAnswer() && !FControl.StoppedByCaller();
+      // What is quick has its chance however short the time is.
+      const bool isQuick = method.Name == "rows" || (method.Name == "smart" && &method == &Methods.front());
+      const bool isDue = isQuick && !HasAnswer() && !FControl.StoppedByCaller();
       if (isOver && !isDue) return;
       Try(method);
     }
