@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "FillBounds.h"
+#include "FillRows.h"
 #include "Scale.h"
 #include "WholeUnits.h"
 #include "platenest/URectNest/URectNest.h"
@@ -33,12 +34,19 @@ constexpr int kBigRects = 4;
 constexpr int kMostLeftOut = 40;
 // How often the most valuable parts for their area could cover the plate.
 constexpr double kDenseShares[] = {1.0, 1.25};
+// From this number of sizes times copies on, rows come first; and they are told parts for so many plates.
+constexpr double kRowsWork = 2e4;
+constexpr double kRowsShare = 1.5;
+// What a millisecond does of it.
+constexpr double kWorkPerMs = 1e4;
 // Rounds with worths that are moved at random, and how far; every few rounds the slower program takes part. Small jobs
 // have more rounds, though not of the program: as many as come to this number of sizes times copies.
 constexpr int kRounds = 200;
 constexpr int kMostRounds = 1000;
 constexpr double kRoundWork = 2e5;
 constexpr int kRoundsPerProgram = 4;
+// No clock ends the rounds of a deterministic run, so they are fewer.
+constexpr int kDeterministicRounds = 100;
 constexpr double kOrderShake = 0.35;
 constexpr double kWorthShake = 0.15;
 constexpr double kLeastShare = 0.85;
@@ -112,8 +120,8 @@ TNestedRects NestAll(const TFillSizes& Sizes) {
   return NestSmart(Sizes, AllOffered(Sizes), Sizes.PlateWidth, Sizes.PlateHeight);
 }
 
-// Only the parts that are worth most for their area, so many that they could cover the plate Share times.
-TNestedRects NestDense(const TFillSizes& Sizes, double Share) {
+// So many copies of the parts that are worth most for their area that they could cover the plate Share times.
+std::vector<int> DenseAmounts(const TFillSizes& Sizes, double Share) {
   const auto grown = [&](const TFillPart& part) { return (part.Width + Sizes.Gap) * (part.Height + Sizes.Gap); };
   std::vector<int> order;
   for (int i = 0; i < Size(Sizes.Parts); ++i) order.push_back(i);
@@ -131,7 +139,11 @@ TNestedRects NestDense(const TFillSizes& Sizes, double Share) {
     amounts[i] = static_cast<int>(std::min<double>(part.Offered, std::ceil(room / grown(part))));
     room -= amounts[i] * grown(part);
   }
-  return NestSmart(Sizes, amounts, Sizes.PlateWidth, Sizes.PlateHeight);
+  return amounts;
+}
+
+TNestedRects NestDense(const TFillSizes& Sizes, double Share) {
+  return NestSmart(Sizes, DenseAmounts(Sizes, Share), Sizes.PlateWidth, Sizes.PlateHeight);
 }
 
 // A number in [0, 1) that depends on its three arguments alone, so that equal runs draw equally and every way of a job
@@ -259,7 +271,8 @@ TFillSizes AsItIs(const TFillSizes& Sizes) {
   return Sizes;
 }
 
-int RoundCount(const TFillSizes& Sizes) {
+// Sizes times the copies that about fit.
+double WorkOf(const TFillSizes& Sizes) {
   double copies = 0;
   double area = 0;
   for (const TFillPart& part : Sizes.Parts) {
@@ -267,9 +280,12 @@ int RoundCount(const TFillSizes& Sizes) {
     area += (part.Width + Sizes.Gap) * (part.Height + Sizes.Gap) * part.Most;
   }
   const double plate = (Sizes.PlateWidth + Sizes.Gap) * (Sizes.PlateHeight + Sizes.Gap);
-  const double placed = copies * plate / std::max(area, plate);
-  const double rounds = kRoundWork / std::max(1.0, placed * Size(Sizes.Parts));
-  return Round<int>(std::clamp<double>(rounds, kRounds, kMostRounds));
+  return std::max(1.0, copies * plate / std::max(area, plate) * Size(Sizes.Parts));
+}
+
+int RoundCount(const TFillSizes& Sizes, bool IsDeterministic) {
+  if (IsDeterministic) return kDeterministicRounds;
+  return Round<int>(std::clamp<double>(kRoundWork / WorkOf(Sizes), kRounds, kMostRounds));
 }
 
 // Gathers the ways of one job, and of the same job without turning.
@@ -279,9 +295,19 @@ class TMethodList {
     const auto mayTurn = [](const Part& part) { return part.Turn == Rotate::Any; };
     FTurnsAll = std::ranges::all_of(AJob.Parts, mayTurn);
     FTurnsSome = std::ranges::any_of(AJob.Parts, mayTurn);
+    FCountedMs = std::max(1.0, WorkOf(*FAsked) / kWorkPerMs);
     if (FTurnsSome) FUnturned = std::make_shared<TFillSizes>(UnturnedSizesOf(AJob));
   }
 
+  // The free-rectangle nest of a great job takes long for its first answer.
+  void AddRows() {
+    if (WorkOf(*FAsked) < kRowsWork) return;
+    AddEach("rows", [](const TFillSizes& s) { return NestRows(s, DenseAmounts(s, kRowsShare)); });
+    for (TFillMethod& method : FMethods) {
+      method.CountedMs = 1;
+      method.FillsFreeBoxes = false;
+    }
+  }
   void AddSmart() {
     AddEach("smart", [](const TFillSizes& s) { return NestAll(s); });
   }
@@ -313,7 +339,7 @@ class TMethodList {
   void AddShaken(const Options& Run) {
     const std::uint64_t seed = Run.Seed;
     const int programRounds = Run.Deterministic ? 0 : kRounds;
-    const int count = RoundCount(*FUnturned);
+    const int count = RoundCount(*FUnturned, Run.Deterministic);
     for (int round = 0; round < count; ++round) {
       const double share = kLeastShare + kShareRange * Drawn(seed, round, -1);
       AddEach("smart", [=](const TFillSizes& s) { return NestDense(Shaken(s, kOrderShake, seed, round), share); });
@@ -335,7 +361,7 @@ class TMethodList {
  private:
   void Add(const char* Name, const TSizes& Sizes, std::function<TNestedRects(const TFillSizes&)> Nest) {
     if (Sizes->Parts.empty()) return;
-    FMethods.push_back({Name, Sizes, [Sizes, nest = std::move(Nest)] { return nest(*Sizes); }});
+    FMethods.push_back({Name, Sizes, [Sizes, nest = std::move(Nest)] { return nest(*Sizes); }, FCountedMs, true});
   }
   void AddEach(const char* Name, const std::function<TNestedRects(const TFillSizes&)>& Nest) {
     Add(Name, FAsked, Nest);
@@ -344,6 +370,7 @@ class TMethodList {
 
   TSizes FAsked;
   TSizes FUnturned;
+  double FCountedMs = 1;
   bool FTurnsAll = false;
   bool FTurnsSome = false;
   std::vector<TFillMethod> FMethods;
@@ -361,6 +388,7 @@ std::vector<TFillMethod> FillMethods(const Job& AJob) {
   const std::string& method = AJob.Run.Method;
   const bool isAuto = method == "auto";
   TMethodList list(AJob);
+  if (isAuto || method == "smart") list.AddRows();
   if (isAuto || method == "smart") list.AddSmart();
   if (isAuto || method == "raster") list.AddRaster(AsItIs);
   if (isAuto) list.AddDense();

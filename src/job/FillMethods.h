@@ -18,6 +18,8 @@ struct TFillMethod {
   std::string Name;
   std::shared_ptr<const TFillSizes> Sizes;
   std::function<TNestedRects()> Nest;  // raises TNestError where the nester fails
+  double CountedMs = 1;                // about what it costs, for runs whose clock is counted
+  bool FillsFreeBoxes = true;          // whether what it leaves is to be tried in the largest free rectangles
 };
 
 // Refuses with InputError what no method of that name can do.

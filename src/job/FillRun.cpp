@@ -28,7 +28,12 @@ class TFillSearch {
 
   void Run(const std::vector<TFillMethod>& Methods) {
     for (const TFillMethod& method : Methods) {
-      if (IsProved() || FControl.IsOver()) return;
+      if (IsProved()) return;
+      const bool isOver = !FControl.Affords(method.CountedMs) || FControl.IsOver();
+      // What is quick has its chance however short the time is.
+      const bool isQuick = method.Name == "rows" || (method.Name == "smart" && &method == &Methods.front());
+      const bool isDue = isQuick && !HasAnswer() && !FControl.StoppedByCaller();
+      if (isOver && !isDue) return;
       Try(method);
     }
   }
@@ -53,7 +58,7 @@ class TFillSearch {
       // What follows would be the work of the free-rectangle nest alone.
       if (nested.empty() && Method.Name != "smart") return;
       TidyLayout(*Method.Sizes, nested);
-      FillFreeBoxes(*Method.Sizes, nested);
+      if (Method.FillsFreeBoxes) FillFreeBoxes(*Method.Sizes, nested);
       for (TNestedRect& placed : nested) placed.Part.Idx = Method.Sizes->Parts[placed.Part.Idx].Position;
       Offer(Method.Name, nested);
     } catch (const JobError&) {

@@ -61,6 +61,11 @@ class TResultCheck {
   void RequireNumber(double Stated, double True, const std::string& Place) {
     Require(AreClose(Stated, True), Place, "states " + Number(Stated) + ", it is " + Number(True));
   }
+  // Of any size: in metres areas are small, and values may be.
+  void RequireSum(double Stated, double True, const std::string& Place) {
+    const bool isClose = std::fabs(Stated - True) <= kRelativeTol * std::fabs(True);
+    Require(isClose, Place, "states " + Number(Stated) + ", it is " + Number(True));
+  }
 
   void CheckHead();
   void CheckOneLayout(int Index);
@@ -160,12 +165,12 @@ void TResultCheck::CheckCounts() {
   const Summary& stated = FResult.Total;
   RequireNumber(stated.Plates, truth.Total.Plates, "/summary/plates");
   RequireNumber(stated.Usage, truth.Total.Usage, "/summary/usage");
-  RequireNumber(stated.PartArea, truth.Total.PartArea, "/summary/part_area");
-  RequireNumber(stated.PlateArea, truth.Total.PlateArea, "/summary/plate_area");
-  RequireNumber(stated.Cost, truth.Total.Cost, "/summary/cost");
+  RequireSum(stated.PartArea, truth.Total.PartArea, "/summary/part_area");
+  RequireSum(stated.PlateArea, truth.Total.PlateArea, "/summary/plate_area");
+  RequireSum(stated.Cost, truth.Total.Cost, "/summary/cost");
   Require(stated.Value.has_value() == truth.Total.Value.has_value(), "/summary/value",
           truth.Total.Value ? "is missing" : "has no meaning in a result of this kind");
-  if (stated.Value && truth.Total.Value) RequireNumber(*stated.Value, *truth.Total.Value, "/summary/value");
+  if (stated.Value && truth.Total.Value) RequireSum(*stated.Value, *truth.Total.Value, "/summary/value");
   CheckStock(truth);
   CheckDemand(truth);
 }

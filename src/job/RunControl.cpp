@@ -44,8 +44,14 @@ bool TRunControl::StoppedByCaller() const {
 }
 
 bool TRunControl::IsOver() {
-  if (FLimitMs > 0 && !OutOfTime() && Clock::NowMs() - FClockStart >= FLimitMs) FOutOfTime = true;
+  if (FLimitMs > 0 && !OutOfTime() && Clock::NowMs() - FClockStart + FCountedMs >= FLimitMs) FOutOfTime = true;
   return StoppedByCaller() || OutOfTime();
+}
+
+bool TRunControl::Affords(double Ms) {
+  if (!FClockScope) return true;
+  FCountedMs += Ms;
+  return !IsOver();
 }
 
 std::optional<ResultStatus> TRunControl::Interruption() const {

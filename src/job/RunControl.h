@@ -24,6 +24,9 @@ class TRunControl {
   bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
   // Whether to begin nothing new: stopped, or past the limit by the run's clock, counted or not.
   bool IsOver();
+  // Counts what is about to be done as this many milliseconds in a deterministic run, whose limit no watchdog keeps.
+  // False, and out of time from now on, where it would pass the limit.
+  bool Affords(double Ms);
   // How the run ends now, if it is to end.
   std::optional<ResultStatus> Interruption() const;
   double Seconds() const;
@@ -40,7 +43,8 @@ class TRunControl {
   TStopTokenScope FTokenScope;
   TFreeMemoryScope FMemoryScope;
   std::optional<TClockScope> FClockScope;
-  double FClockStart;  // milliseconds of the run's clock
+  double FClockStart;     // milliseconds of the run's clock
+  double FCountedMs = 0;  // beside the looks at the clock
   std::optional<TEventTimer> FDeadline;
 };
 

@@ -281,6 +281,36 @@ TEST(RunFill, StopAndTimeKeepTheBestAnswerSoFar) {
   EXPECT_EQ(CurrentStopToken(), nullptr);
 }
 
+// Best fit would place a few of them only.
+TEST(RunFill, ManySizesHaveAnAnswerHoweverShortTheTimeIs) {
+  for (const double lockShare : {0.0, 0.5, 1.0}) {
+    TRandomFill random(7);
+    std::vector<Part> parts;
+    for (int i = 0; i < 2000; ++i) {
+      parts.push_back(Rect(std::round(random.Uniform(8, 40)), std::round(random.Uniform(8, 60)), 5));
+      if (random.Chance(lockShare)) parts.back().Turn = Rotate::None;
+    }
+    Job job = FillJob(900, 1400, parts, 2);
+    job.Run.TimeLimit = 0.001;
+    const Result result = Answer(job);
+    EXPECT_EQ(std::tuple(result.Status, result.Run.Method), std::tuple(ResultStatus::TimeLimit, "rows"));
+    EXPECT_GT(*result.Total.Value, 0.9 * result.Bounds[0].Value) << lockShare;
+  }
+}
+
+TEST(RunFill, DeterministicLimitsBoundTheTries) {
+  double former = 0;
+  for (const double limit : {0.0001, 0.03, 0.0}) {
+    Job job = LongJob();
+    job.Run = {.TimeLimit = limit, .Deterministic = true};
+    const Result result = Answer(job);
+    EXPECT_EQ(result.Status, limit > 0 ? ResultStatus::TimeLimit : ResultStatus::Partial);
+    EXPECT_EQ(ResultToJson(result), ResultToJson(run(job)));
+    EXPECT_GE(*result.Total.Value, std::max(former, 1.0)) << limit;
+    former = *result.Total.Value;
+  }
+}
+
 TEST(RunFill, MoreTimeNeverGivesLess) {
   double former = 0;
   for (const double limit : {0.001, 0.02, 0.1, 0.4}) {
@@ -326,6 +356,13 @@ TEST(CheckResult, FindsWhatIsWrongInAFill) {
     change(asked, bad);
     EXPECT_THAT(FirstFault(asked, bad), StartsWith(place));
   }
+  // However small all values are.
+  for (Part& part : job.Parts) part.Value = 1e-12;
+  const Result small = Answer(job);
+  Result raised = small;
+  raised.Total.Value = raised.Bounds[0].Value;
+  raised.Proved = true;
+  EXPECT_THAT(FirstFault(job, raised), StartsWith("/summary/value"));
   for (Rotate& turn : std::vector<std::reference_wrapper<Rotate>>{job.Parts[0].Turn, job.Parts[1].Turn})
     turn = Rotate::None;
   const bool turns = std::ranges::any_of(good.Layouts[0].Placements, &Placement::Rotated);
