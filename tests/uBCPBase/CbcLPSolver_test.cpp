@@ -1,0 +1,3 @@
+#include "platenest/uBCPBase/CbcLPSolver.h"
+
+#include <gmock/gmock.h>
