@@ -58,72 +58,42 @@ class TFraction {
   TWide FNum, FDen;
 };
 
-// Maximise C * x with A * x <= B and x >= 0 by dictionaries and Bland's rule, which ends on every input. Chvátal,
-// Linear Programming, 1983, chapters 2 and 3.
+// Maximise C * x with A * x <= B and x >= 0 by the criss-cross method, which needs no feasible start and no second
+// phase: always the first variable out of order changes places. Terlaky, A convergent criss-cross method, 1985.
 class TExactSimplex {
  public:
   using TRow = std::vector<TFraction>;
 
   TExactSimplex(std::vector<TRow> A, TRow B, TRow C) : FA(std::move(A)), FB(std::move(B)), FC(std::move(C)) {
-    for (std::size_t j = 0; j < FC.size(); ++j) FNonBasic.push_back(static_cast<int>(j));
-    for (std::size_t i = 0; i < FB.size(); ++i) FBasic.push_back(static_cast<int>(FC.size() + i));
+    for (std::size_t j = 0; j < FC.size(); ++j) FNonBasic.push_back(j);
+    for (std::size_t i = 0; i < FB.size(); ++i) FBasic.push_back(FC.size() + i);
   }
 
-  bool Feasible() {
-    const std::size_t worst = LeastB();
-    if (worst == FB.size() || FB[worst].Sign() >= 0) return true;
-    const TRow objective = FC;
-    FC.assign(FC.size(), 0);  // maximise the negative of one more variable that relaxes every row
-    FC.push_back(-1);
-    FNonBasic.push_back(kRelaxing);
-    for (TRow& row : FA) row.push_back(-1);
-    Pivot(worst, FC.size() - 1);
-    Climb();
-    if (FZ.Sign() != 0) return false;
-    DropRelaxing();
-    Price(objective);
-    return true;
-  }
-
-  // False when there is no bound.
-  bool Climb() {
+  // The greatest value, or nothing where the program is infeasible or without bound.
+  std::optional<TFraction> Solve() {
     for (;;) {
-      const std::size_t col = Best(FNonBasic, [&](std::size_t j) { return FC[j].Sign() > 0; });
-      if (col == FC.size()) return true;
-      std::optional<TFraction> least;
-      for (std::size_t i = 0; i < FB.size(); ++i) {
-        if (FA[i][col].Sign() <= 0) continue;
-        const TFraction ratio = FB[i] / FA[i][col];
-        if (!least || (ratio - *least).Sign() < 0) least = ratio;
-      }
-      if (!least) return false;
-      const auto binds = [&](std::size_t i) {
-        return FA[i][col].Sign() > 0 && (FB[i] / FA[i][col] - *least).Sign() == 0;
-      };
-      Pivot(Best(FBasic, binds), col);
+      std::size_t row = First(FBasic, [&](std::size_t i) { return FB[i].Sign() < 0; });
+      std::size_t col = First(FNonBasic, [&](std::size_t j) { return FC[j].Sign() > 0; });
+      if (row == FB.size() && col == FC.size()) return FZ;
+      const bool rowFirst = col == FC.size() || (row < FB.size() && FBasic[row] < FNonBasic[col]);
+      if (rowFirst)
+        col = First(FNonBasic, [&](std::size_t j) { return FA[row][j].Sign() < 0; });
+      else
+        row = First(FBasic, [&](std::size_t i) { return FA[i][col].Sign() > 0; });
+      if (row == FB.size() || col == FC.size()) return std::nullopt;
+      Pivot(row, col);
     }
   }
-
-  const TFraction& Value() const { return FZ; }
 
  private:
-  static constexpr int kRelaxing = -1;  // the least number of all, so it leaves as soon as it can
-
+  // Place of the least variable that passes Test; behind the last one if there is none.
   template <class Test>
-  static std::size_t Best(const std::vector<int>& Variables, Test Allowed) {
-    std::size_t best = Variables.size();
+  static std::size_t First(const std::vector<std::size_t>& Variables, Test Passes) {
+    std::size_t first = Variables.size();
     for (std::size_t i = 0; i < Variables.size(); ++i) {
-      if (Allowed(i) && (best == Variables.size() || Variables[i] < Variables[best])) best = i;
+      if (Passes(i) && (first == Variables.size() || Variables[i] < Variables[first])) first = i;
     }
-    return best;
-  }
-
-  std::size_t LeastB() const {
-    std::size_t worst = 0;
-    for (std::size_t i = 1; i < FB.size(); ++i) {
-      if ((FB[i] - FB[worst]).Sign() < 0) worst = i;
-    }
-    return worst;
+    return first;
   }
 
   // The basic variable of Row and the other one of Col change places.
@@ -132,54 +102,26 @@ class TExactSimplex {
     const TFraction pivot = std::exchange(FA[Row][Col], 1);
     for (TFraction& a : FA[Row]) a = a / pivot;
     FB[Row] = FB[Row] / pivot;
-    for (std::size_t i = 0; i < FB.size(); ++i) {
-      if (i == Row) continue;
-      const TFraction factor = std::exchange(FA[i][Col], 0);
-      for (std::size_t j = 0; j < FC.size(); ++j) FA[i][j] = FA[i][j] - factor * FA[Row][j];
-      FB[i] = FB[i] - factor * FB[Row];
-    }
-    const TFraction factor = std::exchange(FC[Col], 0);
-    for (std::size_t j = 0; j < FC.size(); ++j) FC[j] = FC[j] - factor * FA[Row][j];
-    FZ = FZ + factor * FB[Row];
-  }
-
-  void DropRelaxing() {
-    for (std::size_t i = 0; i < FBasic.size(); ++i) {
-      if (FBasic[i] != kRelaxing) continue;
-      std::size_t col = 0;
-      while (FA[i][col].Sign() == 0) ++col;
-      Pivot(i, col);
-    }
-    const std::size_t at = Best(FNonBasic, [](std::size_t) { return true; });
-    for (TRow& row : FA) row.erase(row.begin() + static_cast<std::ptrdiff_t>(at));
-    FNonBasic.erase(FNonBasic.begin() + static_cast<std::ptrdiff_t>(at));
-  }
-
-  // The objective over the first variables, in terms of those outside the basis.
-  void Price(const TRow& Objective) {
-    const auto weight = [&](int variable) {
-      return variable < static_cast<int>(Objective.size()) ? Objective[variable] : TFraction(0);
+    const auto eliminate = [&](TRow& line) {
+      const TFraction factor = std::exchange(line[Col], 0);
+      for (std::size_t j = 0; j < FC.size(); ++j) line[j] = line[j] - factor * FA[Row][j];
+      return factor * FB[Row];
     };
-    FC.resize(FNonBasic.size());
-    FZ = 0;
-    for (std::size_t j = 0; j < FC.size(); ++j) FC[j] = weight(FNonBasic[j]);
-    for (std::size_t i = 0; i < FBasic.size(); ++i) {
-      const TFraction w = weight(FBasic[i]);
-      for (std::size_t j = 0; j < FC.size(); ++j) FC[j] = FC[j] - w * FA[i][j];
-      FZ = FZ + w * FB[i];
+    for (std::size_t i = 0; i < FB.size(); ++i) {
+      if (i != Row) FB[i] = FB[i] - eliminate(FA[i]);
     }
+    FZ = FZ + eliminate(FC);
   }
 
   std::vector<TRow> FA;
   TRow FB, FC;
   TFraction FZ = 0;
-  std::vector<int> FBasic, FNonBasic;
+  std::vector<std::size_t> FBasic, FNonBasic;
 };
 
-enum class TLpOutcome { Optimal, Infeasible, Unbounded };
-
-// The exact outcome and least objective of a program with finite lower column bounds and numbers of few binary places.
-inline std::pair<TLpOutcome, double> SolveExactly(const TLpModel& Model) {
+// The exact least objective, if there is one, of a program with finite lower column bounds and numbers of few binary
+// places.
+inline std::optional<double> SolveExactly(const TLpModel& Model) {
   const std::size_t cols = Model.Obj.size();
   std::vector<TExactSimplex::TRow> a;
   TExactSimplex::TRow b, c;
@@ -202,11 +144,9 @@ inline std::pair<TLpOutcome, double> SolveExactly(const TLpModel& Model) {
     add(unit, Model.ColUB[j], 1);
     c.push_back(TFraction::Of(-Model.Obj[j]));
   }
-  TExactSimplex simplex(std::move(a), std::move(b), std::move(c));
-  if (!simplex.Feasible()) return {TLpOutcome::Infeasible, 0};
-  if (!simplex.Climb()) return {TLpOutcome::Unbounded, 0};
-  const double atLowerBounds = std::inner_product(Model.Obj.begin(), Model.Obj.end(), Model.ColLB.begin(), 0.0);
-  return {TLpOutcome::Optimal, atLowerBounds - simplex.Value().Value()};
+  const std::optional<TFraction> most = TExactSimplex(std::move(a), std::move(b), std::move(c)).Solve();
+  if (!most) return std::nullopt;
+  return std::inner_product(Model.Obj.begin(), Model.Obj.end(), Model.ColLB.begin(), 0.0) - most->Value();
 }
 
 }  // namespace platenest

@@ -69,14 +69,14 @@ class TRandomLp {
     }
   }
 
-  TLpOutcome Compare() {
-    const auto [outcome, value] = SolveExactly(FModel);
+  bool Compare() {
+    const std::optional<double> exact = SolveExactly(FModel);
     const std::optional<double> found = Optimum(FSolver);
-    EXPECT_EQ(found.has_value(), outcome == TLpOutcome::Optimal);
-    if (!found) return outcome;
-    EXPECT_NEAR(*found, value, 1e-7 * (1 + std::fabs(value)));
+    EXPECT_EQ(found.has_value(), exact.has_value());
+    if (!found || !exact) return false;
+    EXPECT_NEAR(*found, *exact, 1e-7 * (1 + std::fabs(*exact)));
     EXPECT_EQ(CheckLpOptimum(FModel, *found, FSolver.GetColSolution(), FSolver.GetRowPrice()), "");
-    return outcome;
+    return true;
   }
 
  private:
@@ -113,15 +113,15 @@ class TRandomLp {
 };
 
 TEST(CbcLPSolver, AgreesWithAnExactSimplexThroughColumnsAndBounds) {
-  int seen[3] = {0, 0, 0};
+  int solved = 0, steps = 0;
   ForEachSeed(200, [&](unsigned seed) {
     TRandomLp lp(seed);
-    for (int step = 0; step < 25 && !testing::Test::HasFailure(); ++step) {
-      ++seen[static_cast<int>(lp.Compare())];
+    for (int step = 0; step < 25 && !testing::Test::HasFailure(); ++step, ++steps) {
+      solved += int{lp.Compare()};
       lp.Change();
     }
   });
-  EXPECT_GT(std::min({seen[0], seen[1], seen[2]}), 20) << "every outcome must be among the cases";
+  EXPECT_GT(std::min(solved, steps - solved), steps / 10) << "both outcomes must be among the cases";
 }
 
 TEST(CbcLPSolver, ColumnGenerationOnBarsEndsAtTheKnownValue) {
