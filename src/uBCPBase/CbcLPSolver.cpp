@@ -93,17 +93,49 @@ struct TColumns {
 }  // namespace
 
 struct TCbcLPSolver::TModel {
+  // A column without coefficients stands in the library as a constant 0 that costs nothing, and gets its value here:
+  // a re-solve of the library leaves such a column where it was when its bounds change.
+  struct TColumn {
+    double LB, UB;  // as told
+    double Obj;
+    bool IsEmpty;
+
+    double LibraryLB() const { return IsEmpty ? 0 : ClpLower(LB); }
+    double LibraryUB() const { return IsEmpty ? 0 : ClpUpper(UB); }
+    double LibraryObj() const { return IsEmpty ? 0 : Obj; }
+    // The cheapest value of an empty column; one of infinite size means that there is no optimum.
+    double Cheapest() const { return Obj > 0 ? LB : Obj < 0 ? UB : std::clamp(0.0, LB, UB); }
+    bool MayHaveOptimum() const { return !Impossible(LB, UB) && (!IsEmpty || std::fabs(Cheapest()) < kNoBound); }
+  };
+
   ClpSimplex Lp;
-  TDoubleDynArray ColLB, ColUB;  // as told
+  std::vector<TColumn> Columns;
   bool RowsImpossible = false;
   TDoubleDynArray ColSolution, RowPrice;
 
-  void CheckCol(int Idx) const {
-    if (Idx < 0 || Idx >= Size(ColLB))
+  TColumn& At(int Idx) {
+    if (Idx < 0 || Idx >= Size(Columns))
       throw TRangeError("[Error] TCbcLPSolver: column " + std::to_string(Idx) + " does not exist");
+    return Columns[Idx];
   }
-  bool IsImpossible() const {
-    return RowsImpossible || !std::equal(ColLB.begin(), ColLB.end(), ColUB.begin(), std::not_fn(Impossible));
+  bool MayHaveOptimum() const {
+    return !RowsImpossible && std::all_of(Columns.begin(), Columns.end(), std::mem_fn(&TColumn::MayHaveOptimum));
+  }
+  // One number of each column, as the library's arrays want them.
+  std::vector<double> Library(double (TColumn::*Number)() const) const {
+    std::vector<double> result(Columns.size());
+    std::transform(Columns.begin(), Columns.end(), result.begin(), std::mem_fn(Number));
+    return result;
+  }
+  // Places the empty columns and returns what they cost.
+  double PlaceEmptyColumns() {
+    double cost = 0;
+    for (std::size_t i = 0; i < Columns.size(); ++i) {
+      if (!Columns[i].IsEmpty) continue;
+      ColSolution[i] = Columns[i].Cheapest();
+      cost += Columns[i].Obj * ColSolution[i];
+    }
+    return cost;
   }
 };
 
@@ -120,16 +152,19 @@ TCbcLPSolver::TCbcLPSolver(const TDoubleMatrix& AMatrix, const TDoubleDynArray& 
   CheckNumbers(AObj, "Create");
   for (const auto* bounds : {&ARowLB, &ARowUB, &AColLB, &AColUB}) CheckBounds(*bounds, "Create");
 
+  const TColumns entries(AMatrix, Size(AObj));
   FModel = std::make_unique<TModel>();
-  FModel->ColLB = AColLB.empty() ? TDoubleDynArray(AObj.size(), 0) : AColLB;
-  FModel->ColUB = AColUB.empty() ? TDoubleDynArray(AObj.size(), kBCPInfinity) : AColUB;
+  for (std::size_t i = 0; i < AObj.size(); ++i)
+    FModel->Columns.push_back({AColLB.empty() ? 0 : AColLB[i], AColUB.empty() ? kBCPInfinity : AColUB[i], AObj[i],
+                               entries.Start[i] == entries.Start[i + 1]});
   FModel->RowsImpossible = !std::equal(ARowLB.begin(), ARowLB.end(), ARowUB.begin(), std::not_fn(Impossible));
-  const TColumns columns(AMatrix, Size(AObj));
+  using TColumn = TModel::TColumn;
   Guarded("Create", [&] {
     FModel->Lp.setLogLevel(AFlag ? 1 : 0);
-    FModel->Lp.loadProblem(Size(AObj), Size(AMatrix), columns.Start.data(), columns.Row.data(), columns.Value.data(),
-                           Mapped(FModel->ColLB, ClpLower).data(), Mapped(FModel->ColUB, ClpUpper).data(), AObj.data(),
-                           Mapped(ARowLB, ClpLower).data(), Mapped(ARowUB, ClpUpper).data());
+    FModel->Lp.loadProblem(Size(AObj), Size(AMatrix), entries.Start.data(), entries.Row.data(), entries.Value.data(),
+                           FModel->Library(&TColumn::LibraryLB).data(), FModel->Library(&TColumn::LibraryUB).data(),
+                           FModel->Library(&TColumn::LibraryObj).data(), Mapped(ARowLB, ClpLower).data(),
+                           Mapped(ARowUB, ClpUpper).data());
   });
 }
 
@@ -142,7 +177,7 @@ int TCbcLPSolver::RowCount() const {
 }
 
 int TCbcLPSolver::ColCount() const {
-  return Size(FModel->ColLB);
+  return Size(FModel->Columns);
 }
 
 void TCbcLPSolver::AddColumn(std::span<const double> ACol, double AObj, double ALB, double AUB) {
@@ -150,40 +185,43 @@ void TCbcLPSolver::AddColumn(std::span<const double> ACol, double AObj, double A
   CheckNumbers(ACol, "AddColumn");
   CheckNumbers({&AObj, 1}, "AddColumn");
   CheckBounds({{ALB, AUB}}, "AddColumn");
-  const TColumns column(ACol);
-  FModel->ColLB.reserve(FModel->ColLB.size() + 1);
-  FModel->ColUB.reserve(FModel->ColUB.size() + 1);
-  Guarded("AddColumn", [&] {
-    FModel->Lp.addColumn(Size(column.Row), column.Row.data(), column.Value.data(), ClpLower(ALB), ClpUpper(AUB), AObj);
-  });
-  FModel->ColLB.push_back(ALB);
-  FModel->ColUB.push_back(AUB);
+  const TColumns entries(ACol);
+  const TModel::TColumn column{ALB, AUB, AObj, entries.Row.empty()};
+  FModel->Columns.push_back(column);
+  try {
+    Guarded("AddColumn", [&] {
+      FModel->Lp.addColumn(Size(entries.Row), entries.Row.data(), entries.Value.data(), column.LibraryLB(),
+                           column.LibraryUB(), column.LibraryObj());
+    });
+  } catch (...) {
+    FModel->Columns.pop_back();
+    throw;
+  }
 }
 
 void TCbcLPSolver::DeleteColumn(int AIdx) {
-  FModel->CheckCol(AIdx);
+  FModel->At(AIdx);
   Guarded("DeleteColumn", [&] { FModel->Lp.deleteColumns(1, &AIdx); });
-  FModel->ColLB.erase(FModel->ColLB.begin() + AIdx);
-  FModel->ColUB.erase(FModel->ColUB.begin() + AIdx);
+  FModel->Columns.erase(FModel->Columns.begin() + AIdx);
 }
 
 void TCbcLPSolver::SetColLB(int AIdx, double V) {
-  FModel->CheckCol(AIdx);
+  TModel::TColumn& column = FModel->At(AIdx);
   CheckBounds({&V, 1}, "SetColLB");
-  Guarded("SetColLB", [&] { FModel->Lp.setColumnLower(AIdx, ClpLower(V)); });
-  FModel->ColLB[AIdx] = V;
+  column.LB = V;
+  FModel->Lp.setColumnLower(AIdx, column.LibraryLB());
 }
 
 void TCbcLPSolver::SetColUB(int AIdx, double V) {
-  FModel->CheckCol(AIdx);
+  TModel::TColumn& column = FModel->At(AIdx);
   CheckBounds({&V, 1}, "SetColUB");
-  Guarded("SetColUB", [&] { FModel->Lp.setColumnUpper(AIdx, ClpUpper(V)); });
-  FModel->ColUB[AIdx] = V;
+  column.UB = V;
+  FModel->Lp.setColumnUpper(AIdx, column.LibraryUB());
 }
 
 double TCbcLPSolver::GetColUB(int AIdx) const {
-  FModel->CheckCol(AIdx);
-  return FModel->ColUB[AIdx] >= kNoBound ? kBCPInfinity : FModel->ColUB[AIdx];
+  const double bound = FModel->At(AIdx).UB;
+  return bound >= kNoBound ? kBCPInfinity : bound;
 }
 
 double TCbcLPSolver::Solve(bool& Status) {
@@ -191,7 +229,7 @@ double TCbcLPSolver::Solve(bool& Status) {
   FModel->ColSolution.clear();
   FModel->RowPrice.clear();
   Status = false;
-  if (FModel->IsImpossible()) return kBCPInfinity;
+  if (!FModel->MayHaveOptimum()) return kBCPInfinity;
   ClpSimplex& lp = FModel->Lp;
   Guarded("Solve", [&] {
     lp.dual();
@@ -201,7 +239,7 @@ double TCbcLPSolver::Solve(bool& Status) {
   FModel->ColSolution.assign(lp.getColSolution(), lp.getColSolution() + ColCount());
   FModel->RowPrice.assign(lp.getRowPrice(), lp.getRowPrice() + RowCount());
   Status = true;
-  return lp.objectiveValue();
+  return lp.objectiveValue() + FModel->PlaceEmptyColumns();
 }
 
 const TDoubleDynArray& TCbcLPSolver::GetColSolution() const {
