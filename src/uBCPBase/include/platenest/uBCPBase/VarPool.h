@@ -240,9 +240,11 @@ typename TVarPool<T>::TOpenRows TVarPool<T>::OpenRows(const TIntegerDynArray& AR
   return rows;
 }
 
-// A row with a demand below 0 refuses every column that has no entry there, since 0 is above that demand.
+// A row with a demand below 0 refuses every column that has no entry there, since 0 is above that demand. What cannot
+// be counted does not fit.
 template <BCPVariable T>
-bool TVarPool<T>::Fits(int AVarIdx, const TOpenRows& Rows, std::vector<TColumnEntry>& Column, int& MaxAmount) const {
+bool TVarPool<T>::Fits(int AVarIdx, const TOpenRows& Rows, std::vector<TColumnEntry>& Column, int& MaxAmount) const
+    try {
   constexpr Int64 lowest = std::numeric_limits<int>::min();
   Column.clear();
   MaxAmount = std::numeric_limits<int>::max();
@@ -259,6 +261,8 @@ bool TVarPool<T>::Fits(int AVarIdx, const TOpenRows& Rows, std::vector<TColumnEn
     Column.push_back({row, entry.Value});
   }
   return negativeCount == Rows.NegativeCount;
+} catch (const std::exception&) {
+  return false;
 }
 
 }  // namespace platenest
