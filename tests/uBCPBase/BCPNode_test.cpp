@@ -11,11 +11,12 @@
 #include "CuttingStock1D.h"
 #include "FakeClock.h"
 #include "ForEachSeed.h"
+#include "LpCheck.h"
 
 namespace platenest {
 namespace {
 
-using testing::Each, testing::ElementsAre, testing::Ge, testing::Le;
+using testing::ElementsAre;
 
 using TNode = TBCPNode<TBarPattern>;
 
@@ -60,26 +61,16 @@ struct TBench {
   }
 };
 
-// Primal and dual feasible with equal objectives: optimal, whatever the LP library says.
+// The last LP of the node, under the bounds that branching gave it, judged without the LP library.
 void ExpectOptimal(const TNode& Node, const TVarPool<TBarPattern>& Pool) {
-  constexpr double kTol = 1e-7;
-  const TDoubleDynArray& y = Node.LPSolver()->GetRowPrice();
-  TDoubleDynArray open = Node.BVec();
-  double dual = std::inner_product(y.begin(), y.end(), open.begin(), 0.0);
-  double primal = 0;
-  for (int k = 1; k < Size(Node.LPSolVec()); ++k) {
-    const TDoubleDynArray column = Pool.GetColumn(Node.ColDict()[k], Node.RowDict());
-    const double x = Node.LPSolVec()[k], ub = Node.LPSolver()->GetColUB(k - 1);
-    const double reduced = 1 - std::inner_product(y.begin(), y.end(), column.begin(), 0.0);
-    if (reduced < -kTol) dual += reduced * ub;
-    primal += x;
-    EXPECT_TRUE(x >= -kTol && x <= ub + kTol);
-    for (std::size_t row = 0; row < open.size(); ++row) open[row] -= x * column[row];
-  }
-  EXPECT_THAT(open, Each(Le(kTol)));
-  EXPECT_THAT(y, Each(Ge(-kTol)));
-  EXPECT_NEAR(primal, Node.LPSol(), kTol);
-  EXPECT_NEAR(dual, Node.LPSol(), kTol);
+  const std::size_t rows = Node.BVec().size();
+  TLpModel model{TDoubleMatrix(rows), {}, Node.BVec(), TDoubleDynArray(rows, kBCPInfinity), {}, {}};
+  TDoubleDynArray ub(static_cast<std::size_t>(Pool.Count()), kBCPInfinity);
+  for (const auto& bound : Node.IntConstraint()) ub[bound.Idx] = bound.UB;
+  for (int k = 1; k < Size(Node.LPSolVec()); ++k)
+    model.AddColumn(Pool.GetColumn(Node.ColDict()[k], Node.RowDict()), 1, 0, ub[Node.ColDict()[k]]);
+  const TDoubleDynArray x(Node.LPSolVec().begin() + 1, Node.LPSolVec().end());
+  EXPECT_EQ(CheckLpOptimum(model, Node.LPSol(), x, Node.LPSolver()->GetRowPrice()), "");
 }
 
 // What a child stands for: the main demand without its fixed columns, rows that are met left out.
@@ -201,6 +192,7 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
   ASSERT_EQ(Size(root.ChildNodes), 2);
   EXPECT_THAT(root.ChildNodes[0]->ParentSolVec(), ElementsAre(0, 1, 0, 0, 0));
   EXPECT_TRUE(root.ChildNodes[0]->CGRequired());
+  EXPECT_EQ(root.LPSolver()->GetColUB(1), 0) << "the bound of the down-branch stays";
   TNode& down = *root.ChildNodes[1];
   EXPECT_FALSE(down.CGRequired());
   TNode::TSolutionFifo fifo;
@@ -210,22 +202,37 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
   EXPECT_EQ(Size(arrived), 1);
   EXPECT_THAT(down.ColDict(), ElementsAre(-1, 0, 2, 3, 4, 5)) << "column 1 is forbidden below";
   EXPECT_THAT(down.VarUB(), ElementsAre(kUnbounded, 1, 1, 1, 9)) << "not shifted, none for the new column";
+  TBench tight({4, 1}, {{1, 0}, {0, 1}});
+  fifo.Push(Single({5, 0}));
+  TProbe other = tight.Root();
+  EXPECT_TRUE(other.SolveWithFIFOSolutions(tight.Watch, Never, &fifo, arrived));
+  EXPECT_TRUE(other.Branch(false)) << "not on a column that the demand allows no time";
+  TBench thin({1, 1, 1, 1, 1, 1});
+  bool exists = false;
+  for (int left = 0; left < 6; ++left) {
+    TIntegerDynArray counts(6, 1);
+    counts[left] = 0;
+    thin.Pool.AddVar(TBarPattern(counts, 1), exists);
+  }
+  TProbe fifths = thin.Root();
+  EXPECT_TRUE(fifths.Solve(thin.Watch, Never) && fifths.Branch(false)) << "all columns score 1.1";
   EXPECT_DOUBLE_EQ(detail::BranchScore(1.6, 0, 2), 0.3);
   EXPECT_DOUBLE_EQ(detail::BranchScore(0.5, 0, 4), 0.875);
 }
 
 TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
   TBench bench({3, 9}, {{2, 0}, {0, 1}});  // x = 1.5, 9
-  const auto residual = [](double Usage, bool Answer) {
+  const auto residual = [](double Usage, bool Answer, int Count = 1) {
     return [=](const TBCPProblem<TBarPattern>& Sub, const TBarSolution& Partial, TBarSolution& Result) {
       EXPECT_THAT(Sub.BVec(), ElementsAre(1));
       EXPECT_EQ(Partial.Count(), 2);
-      Result.AddSubSolution(TBarPattern({1, 0}, Usage), 1);
+      Result.AddSubSolution(TBarPattern({Count, 0}, Usage), 1);
       return Answer;
     };
   };
   bench.Manager.AddResidualSolver(residual(0.9, true));
   bench.Manager.AddResidualSolver(residual(0.4, true));
+  bench.Manager.AddResidualSolver(residual(0.4, true, 2));
   bench.Manager.AddResidualSolver(residual(0.1, false));
   bench.Manager.AddResidualSolver(residual(0.5, true));
   TProbe root = bench.Root();
@@ -238,7 +245,7 @@ TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
   EXPECT_EQ(rounded.GetSubSolution(1).Value, 1) << "two would be more than the demand";
   EXPECT_THAT(rest, ElementsAre(1, 0));
   double cost = 0;
-  EXPECT_TRUE(bench.Problem.CheckSolution(root.SolveResidual(cost)));
+  EXPECT_THAT(root.SolveResidual(cost).GetColumn(2), ElementsAre(3, 9)) << "the first of equals";
   EXPECT_DOUBLE_EQ(cost, 10.4);
   root.GetIntSolution(cost);
   EXPECT_DOUBLE_EQ(root.LUB, 11) << "1.5 goes to the even 2";
@@ -250,13 +257,15 @@ TEST(BCPNode, OutsideSolutionsReachTheLPAndKeepPricingAlive) {
   TNode::TSolutionList arrived;
   const auto push = [&fifo](int Count) { fifo.Push(Single({Count})); };
   push(2);
-  bench.Manager.AddSubProblemSolver([&](const auto&, bool&, double&) -> std::unique_ptr<TBarPattern> {
+  bench.Manager.AddSubProblemSolver([&](const auto& Sub, bool&, double&) -> std::unique_ptr<TBarPattern> {
+    bench.Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());
     if (arrived.size() == 1) push(4);
     return nullptr;
   });
   TProbe root = bench.Root(true), empty = hopeless.Root(true);
   EXPECT_TRUE(root.SolveWithFIFOSolutions(bench.Watch, Never, &fifo, arrived));
   EXPECT_EQ(Size(arrived), 2);
+  EXPECT_THAT(bench.Priced, ElementsAre(ElementsAre(5000), ElementsAre(2500))) << "10000 times the duals";
   EXPECT_EQ(root.LPRounds(), 2);
   EXPECT_DOUBLE_EQ(root.LLB, 1);
   push(1);
