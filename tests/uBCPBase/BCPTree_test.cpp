@@ -17,8 +17,8 @@ using TTree = TBCPTree<TBarPattern>;
 using TNode = TTree::TNode;
 
 struct TProbe : TTree {
-  using TTree::Branch, TTree::CompareNodes, TTree::DeleteSearch, TTree::GreedySolve, TTree::RootNode, TTree::Select,
-      TTree::TTree;
+  using TTree::Bound, TTree::BoundMeet, TTree::Branch, TTree::CompareNodes, TTree::DeleteSearch, TTree::GreedySolve,
+      TTree::RootNode, TTree::Select, TTree::TTree;
 };
 
 bool Never() {
@@ -122,6 +122,21 @@ TEST(BCPTree, BoundsMeetUnderOneCeilingOrWithinATenthOfAPerMille) {
   using detail::BoundsMeet;
   EXPECT_TRUE(BoundsMeet(9.2, 9.9) && BoundsMeet(100, 100.009) && BoundsMeet(5, 5.0004));
   EXPECT_FALSE(BoundsMeet(100, 100.02) || BoundsMeet(5, 5.0006) || BoundsMeet(0, kBCPInfinity));
+  const TBarProblem problem(100, {40}, {4});
+  TBCPSolverManager<TBarPattern> manager(&problem);
+  TProbe tree(&manager, nullptr, true, 0);
+  TBarSolution best;
+  best.AddSubSolution(problem.MakePattern({2}), 2);
+  EXPECT_TRUE(tree.AddSolution(best, true));
+  TNode other({0}, {4}, &manager, nullptr, nullptr, 0, false);
+  tree.RootNode().LLB = tree.GUB();
+  EXPECT_FALSE(tree.Bound(tree.RootNode())) << "no better than the best solution";
+  for (const double lower : {0.90000049, 1.7}) {
+    other.LLB = lower;
+    EXPECT_TRUE(tree.Bound(other));
+  }
+  EXPECT_FALSE(tree.BoundMeet());
+  EXPECT_EQ(tree.GLB(), 0.9) << "only falls, and stays rounded";
 }
 
 TEST(BCPTree, AnOutsideSolutionReplacesTheStartHeuristicsAndStaysOutOfThePool) {
@@ -152,6 +167,44 @@ TEST(BCPTree, AnOutsideSolutionReplacesTheStartHeuristicsAndStaysOutOfThePool) {
   EXPECT_EQ(tree.VarPool().Count(), 3) << "none behind the known one";
 }
 
+TEST(BCPTree, ARootThatIsWholeIsNotBranched) {
+  const TBarProblem problem(100, {40}, {4});
+  auto manager = PoorSolvers(problem, PriceBar);
+  TTree tree(&manager, nullptr, true, 0);
+  EXPECT_EQ(Bars(tree.Solve(Never)), 2);
+  EXPECT_EQ(tree.Status(), 0);
+  EXPECT_TRUE(tree.Root().ChildNodes.empty());
+}
+
+TEST(BCPTree, ColumnsOfARefusedStartEnterThePoolAndArrivalsCountEvenWhenTheRootFails) {
+  const TBarProblem problem(100, {40}, {4});
+  TBCPSolverManager<TBarPattern> manager(&problem);
+  TTree::TSolutionFifo fifo;
+  const auto start = [&manager](bool Answer, int PerBar, double Usage, int Bars) {
+    manager.AddGreedySolver([=](const auto&, TBarSolution& Solution) {
+      Solution.AddSubSolution(TBarPattern({PerBar}, Usage), Bars);
+      return Answer;
+    });
+  };
+  start(false, 3, 0.1, 9);
+  start(true, 2, 0.8, 1);
+  start(true, 1, 0.4, 4);
+  start(true, 4, 0.1, 1);  // not asked any more
+  int calls = 0;
+  manager.AddSubProblemSolver([&](const auto&, bool&, double&) -> std::unique_ptr<TBarPattern> {
+    if (++calls == 2) throw TNestError("pricing");
+    TBarSolution solution;
+    solution.AddSubSolution(TBarPattern({2}, 0.5), 2);  // known to the pool with another usage
+    fifo.Push(std::move(solution));
+    return nullptr;
+  });
+  TTree tree(&manager, &fifo, true, 0);
+  EXPECT_EQ(Bars(tree.Solve(Never)), 2);
+  EXPECT_EQ(calls, 2);
+  EXPECT_DOUBLE_EQ(tree.GUB(), 1.5);
+  EXPECT_EQ(tree.VarPool().Count(), 2);
+}
+
 TEST(BCPTree, ErrorsEndTheSearchWithTheBestSolutionButLeaveTheStart) {
   for (const int good : {0, 3, 20}) {
     int calls = 0;
@@ -173,7 +226,9 @@ TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpen) {
   // One column at its bound is chosen again and again.
   const TBarProblem stuck(147, {19, 36, 24}, {5, 20, 16});
   for (const bool isLate : {false, true}) {
-    const auto manager = PoorSolvers(stuck, PriceBar);
+    auto manager = PoorSolvers(stuck, PriceBar);
+    int residuals = 0;
+    manager.AddResidualSolver([&](const auto&...) { return ++residuals < 0; });
     TFakeClock clock;
     TTree tree(&manager, nullptr, true, 1);
     int polled = 0;
@@ -183,7 +238,17 @@ TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpen) {
     })));
     EXPECT_EQ(tree.Status(), -1);
     EXPECT_EQ(Walked(tree.Root()), isLate ? 9 : 1001) << "the root and those of the limit";
+    EXPECT_EQ(residuals, isLate ? 1 : 34) << "at the root and at every thirtieth node";
   }
+  TBCPSolverManager<TBarPattern> manager(&stuck);
+  TFakeClock clock;
+  manager.AddGreedySolver([&](const auto& Problem, TBarSolution& Solution) {
+    clock.AdvanceMs(2000);
+    return CutGreedily(Problem, Solution);
+  });
+  TTree tree(&manager, nullptr, true, 1);
+  EXPECT_TRUE(stuck.CheckSolution(tree.Solve(Never)));
+  EXPECT_EQ(tree.Status(), 2) << "without an LP the root counts as closed";
 }
 
 // Rows that a whole number of columns cannot meet: exactly one and a half.
@@ -203,6 +268,8 @@ TEST(BCPTree, ANodeWithoutFeasibleBranchesIsClosed) {
   });
   TProbe tree(&manager, nullptr, true, 0);
   ASSERT_TRUE(tree.RootNode().Solve(TBCPStopWatch(0), Never));
+  EXPECT_TRUE(tree.RootNode().Branch(true)) << "the up-branch was tried";
+  EXPECT_TRUE(tree.Root().ChildNodes.empty());
   EXPECT_EQ(tree.Branch(tree.RootNode()), nullptr);
   EXPECT_TRUE(tree.Root().Calced);
 }

@@ -54,7 +54,8 @@ class TBCPTree {
   TBCPSolution<T> Solve(const TBCPStopFunc& AStopFunc);
 
   // -1: not run, no first solution, out of time or at the limit of nodes; 0: the bounds have met; 1: stopped; 2: no
-  // open node is left, which is also how an error ends.
+  // open node is left, which is also how an error ends. A node that the clock keeps from its first LP counts as closed,
+  // so a search whose time is up before the root's LP ends with 2 as well: 2 proves nothing.
   int Status() const { return FStatus; }
   double GLB() const { return FGLB; }
   double GUB() const { return FGUB; }  // cost of the best solution; kBCPInfinity before the first one
