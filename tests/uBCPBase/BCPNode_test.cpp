@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numeric>
 #include <optional>
@@ -129,6 +130,8 @@ TEST(BCPNode, EachLPIsOptimalAndEachChildBalances) {
       };
       if (!Node.Solve(TBCPStopWatch(0), check)) return;
       check();
+      double cost = 0;
+      EXPECT_TRUE(problem.CheckSolution(Node.SolveResidual(cost))) << "with what the branches have fixed";
       if (Node.Depth() < 5 && Node.Branch(Seed % 2 == 0))
         for (auto& child : Node.ChildNodes) Self(*child, Self);
     };
@@ -249,6 +252,15 @@ TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
   EXPECT_DOUBLE_EQ(cost, 10.4);
   root.GetIntSolution(cost);
   EXPECT_DOUBLE_EQ(root.LUB, 11) << "1.5 goes to the even 2";
+}
+
+TEST(BCPNode, WholeIsWhatLiesWithinTheToleranceOnEitherSide) {
+  TBench bench({9}, {{1}});
+  for (const double x : {2.9985, 2.9995, 3.0, 3.0005, 3.0015}) {
+    TNode node({0}, {x}, &bench.Manager, &bench.Pool, nullptr, 0, false);
+    ASSERT_TRUE(node.Solve(bench.Watch, Never));
+    EXPECT_EQ(node.Fathom(0.001), std::fabs(x - 3) < 0.001) << x;
+  }
 }
 
 TEST(BCPNode, OutsideSolutionsReachTheLPAndKeepPricingAlive) {

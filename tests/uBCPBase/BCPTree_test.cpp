@@ -276,12 +276,13 @@ TEST(BCPTree, ANodeWithoutFeasibleBranchesIsClosed) {
 
 TEST(BCPTree, ClosingANodeJumpsToTheOpenLeafOfTheLowestParentBound) {
   const auto manager = PoorSolvers(kDeep, PriceBar);
-  TProbe tree(&manager, nullptr, true, 0);
+  TProbe tree(&manager, nullptr, false, 0);
   ASSERT_TRUE(tree.GreedySolve());
   TNode* const root = &tree.RootNode();
   ASSERT_TRUE(root->Solve(TBCPStopWatch(0), Never));
   TNode* const first = tree.Branch(*root);
   TNode* const second = root->ChildNodes.at(1).get();
+  EXPECT_FALSE(first->CGRequired() || second->CGRequired()) << "as the tree was told";
   ASSERT_TRUE(first->Solve(TBCPStopWatch(0), Never));
   TNode* const deep = tree.Branch(*first);
   TNode* const deepSecond = first->ChildNodes.at(1).get();
