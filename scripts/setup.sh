@@ -1,6 +1,7 @@
 # Sourced by the other scripts: installs the Debian packages that are missing, as root or with sudo. With everything in
 # place it asks for no rights at all.
-build_packages="g++ cmake ninja-build pkg-config libpolyclipping-dev nlohmann-json3-dev libcli11-dev"
+# The pkg-config file of CLP names zlib, but its package does not bring it.
+build_packages="g++ cmake ninja-build pkg-config libpolyclipping-dev coinor-libclp-dev zlib1g-dev nlohmann-json3-dev libcli11-dev"
 test_packages="libgtest-dev libgmock-dev libbenchmark-dev"
 
 is_installed() {

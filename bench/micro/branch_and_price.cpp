@@ -1,0 +1,123 @@
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "CuttingStock1D.h"
+#include "platenest/uBCPBase/BCPTree.h"
+
+namespace platenest {
+namespace {
+
+// Patterns of 50 rows with about 6 entries each; one in ten stands twice.
+std::vector<TBarPattern> Patterns(int Count) {
+  std::mt19937 random(1);
+  std::vector<TBarPattern> patterns;
+  while (Size(patterns) < Count) {
+    TIntegerDynArray counts(50);
+    for (int k = 0; k < 6; ++k) counts[random() % 50] = 1 + static_cast<int>(random() % 4);
+    patterns.emplace_back(counts, 0.9);
+    if (random() % 10 == 0) patterns.push_back(patterns[random() % patterns.size()]);
+  }
+  return patterns;
+}
+
+// Looks known columns up in a pool of 20000.
+void BM_PoolKnownColumn(benchmark::State& State) {
+  const std::vector<TBarPattern> patterns = Patterns(static_cast<int>(State.range(0)));
+  TVarPool<TBarPattern> pool(TDoubleDynArray(50, 9), TIntegerDynArray(50, 1));
+  bool exists = false;
+  for (const TBarPattern& pattern : patterns) pool.AddVar(pattern, exists);
+  std::size_t next = 0;
+  for (auto _ : State) benchmark::DoNotOptimize(pool.AddVar(patterns[next = (next + 7919) % patterns.size()], exists));
+  State.counters["columns"] = pool.Count();
+}
+BENCHMARK(BM_PoolKnownColumn)->Arg(500)->Arg(20000);
+
+// Fills a pool; the time is that of all columns.
+void BM_PoolFill(benchmark::State& State) {
+  const std::vector<TBarPattern> patterns = Patterns(static_cast<int>(State.range(0)));
+  for (auto _ : State) {
+    TVarPool<TBarPattern> pool(TDoubleDynArray(50, 9), TIntegerDynArray(50, 1));
+    bool exists = false;
+    for (const TBarPattern& pattern : patterns) benchmark::DoNotOptimize(pool.AddVar(pattern, exists));
+  }
+  State.SetItemsProcessed(State.iterations() * State.range(0));
+}
+BENCHMARK(BM_PoolFill)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+// The LP of a node from the pool: half of the rows are closed.
+void BM_ConstructLP(benchmark::State& State) {
+  TVarPool<TBarPattern> pool(TDoubleDynArray(50, 9), TIntegerDynArray(50, 1));
+  bool exists = false;
+  for (const TBarPattern& pattern : Patterns(20000)) pool.AddVar(pattern, exists);
+  TIntegerDynArray rows, colDict, senses;
+  for (int row = 0; row < State.range(0); ++row) rows.push_back(row);
+  TDoubleDynArray bounds, costs;
+  TSparseColumns matrix;
+  for (auto _ : State)
+    benchmark::DoNotOptimize(
+        pool.ConstructLP(rows, colDict, bounds, TDoubleDynArray(rows.size(), 9), senses, matrix, costs));
+  State.counters["columns"] = matrix.Count();
+}
+BENCHMARK(BM_ConstructLP)->Arg(25)->Arg(50)->Unit(benchmark::kMicrosecond);
+
+struct TCounts {
+  int Nodes = 0, Rounds = 0;
+};
+
+TCounts Walk(const TBCPNode<TBarPattern>& Node) {
+  TCounts counts{1, Node.LPRounds()};
+  for (const auto& child : Node.ChildNodes) {
+    const TCounts below = Walk(*child);
+    counts.Nodes += below.Nodes;
+    counts.Rounds += below.Rounds;
+  }
+  return counts;
+}
+
+// A whole search: range(0) sizes on bars of 1000, without residual heuristics when range(1) is 0, so that it branches.
+void BM_Search(benchmark::State& State) {
+  std::mt19937 random(static_cast<unsigned>(State.range(0)));
+  TIntegerDynArray lengths, demand;
+  for (int i = 0; i < State.range(0); ++i) {
+    lengths.push_back(100 + static_cast<int>(random() % 500));
+    demand.push_back(1 + static_cast<int>(random() % 40));
+  }
+  const TBarProblem problem(1000, lengths, demand);
+  int pricings = 0;
+  TBCPSolverManager<TBarPattern> manager(&problem);
+  manager.AddSubProblemSolver([&](const TBCPProblem<TBarPattern>& Sub, bool& Usable, double& Value) {
+    ++pricings;
+    return PriceBar(Sub, Usable, Value);
+  });
+  manager.AddGreedySolver(CutGreedily);
+  if (State.range(1) != 0) manager.AddResidualSolver(CutResidual);
+  TCounts counts;
+  double bars = 0, bound = 0, columns = 0, status = 0;
+  for (auto _ : State) {
+    pricings = 0;
+    TBCPTree<TBarPattern> tree(&manager, nullptr, true, 0);
+    tree.Solve([] { return false; });
+    counts = Walk(tree.Root());
+    bars = tree.GUB();
+    bound = tree.GLB();
+    columns = tree.VarPool().Count();
+    status = tree.Status();
+  }
+  State.counters["lp_rounds"] = counts.Rounds;
+  State.counters["nodes"] = counts.Nodes;
+  State.counters["pricings"] = pricings;
+  State.counters["columns"] = columns;
+  State.counters["cost"] = bars;
+  State.counters["bound"] = bound;
+  State.counters["status"] = status;
+}
+BENCHMARK(BM_Search)
+    ->ArgNames({"sizes", "residual"})
+    ->ArgsProduct({{10, 20, 50}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace platenest

@@ -1,0 +1,7 @@
+#include "platenest/uBCPBase/BCPVariable.h"
+
+namespace platenest {
+
+TBCPVariable::~TBCPVariable() = default;
+
+}  // namespace platenest

@@ -1,0 +1,309 @@
+#include "platenest/uBCPBase/BCPNode.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <optional>
+#include <random>
+
+#include "CuttingStock1D.h"
+#include "FakeClock.h"
+#include "ForEachSeed.h"
+#include "LpCheck.h"
+
+namespace platenest {
+namespace {
+
+using testing::ElementsAre;
+
+using TNode = TBCPNode<TBarPattern>;
+
+struct TProbe : TNode {
+  using TNode::CheckNoEmptyRow, TNode::InitializeSolve, TNode::InitLP, TNode::RoundingLargeFracPrior,
+      TNode::SolveSubProblem, TNode::TNode;
+};
+
+bool Never() {
+  return false;
+}
+
+TBarSolution Single(const TIntegerDynArray& Column) {
+  TBarSolution solution;
+  solution.AddSubSolution(TBarPattern(Column, 1), 1);
+  return solution;
+}
+
+// A root over bars of length 1000 and pieces of length 1, so that only the patterns of the pool matter.
+struct TBench {
+  TBarProblem Problem;
+  TBCPSolverManager<TBarPattern> Manager{&Problem};
+  TVarPool<TBarPattern> Pool;
+  TBCPStopWatch Watch{0};
+  std::vector<TDoubleDynArray> Priced;  // worths at each call of a scripted heuristic
+
+  explicit TBench(const TIntegerDynArray& Demand, const std::vector<TIntegerDynArray>& Columns = {}, int Sense = 1)
+      : Problem(1000, TIntegerDynArray(Demand.size(), 1), Demand),
+        Pool(Problem.BVec(), TIntegerDynArray(Demand.size(), Sense)) {
+    bool exists = false;
+    for (const TIntegerDynArray& column : Columns) Pool.AddVar(TBarPattern(column, 1), exists);
+  }
+  TProbe Root(bool CG = false) { return TProbe(Problem.RowDict(), Problem.BVec(), &Manager, &Pool, nullptr, 0, CG); }
+  // A heuristic that returns Column, null if it is empty, and leaves the status alone unless told.
+  void Script(std::optional<bool> Status, const TIntegerDynArray& Column) {
+    Manager.AddSubProblemSolver([=, this](const TBCPProblem<TBarPattern>& Sub, bool& Usable, double& Value) {
+      Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());
+      if (Status) Usable = *Status;
+      Value = 1;
+      return Column.empty() ? nullptr : std::make_unique<TBarPattern>(Column, 1);
+    });
+  }
+};
+
+// The last LP of the node, under the bounds that branching gave it, judged without the LP library.
+void ExpectOptimal(const TNode& Node, const TVarPool<TBarPattern>& Pool) {
+  const std::size_t rows = Node.BVec().size();
+  TLpModel model{TDoubleMatrix(rows), {}, Node.BVec(), TDoubleDynArray(rows, kBCPInfinity), {}, {}};
+  TDoubleDynArray ub(static_cast<std::size_t>(Pool.Count()), kBCPInfinity);
+  for (const auto& bound : Node.IntConstraint()) ub[bound.Idx] = bound.UB;
+  for (int k = 1; k < Size(Node.LPSolVec()); ++k)
+    model.AddColumn(Pool.GetColumn(Node.ColDict()[k], Node.RowDict()), 1, 0, ub[Node.ColDict()[k]]);
+  const TDoubleDynArray x(Node.LPSolVec().begin() + 1, Node.LPSolVec().end());
+  EXPECT_EQ(CheckLpOptimum(model, Node.LPSol(), x, Node.LPSolver()->GetRowPrice()), "");
+}
+
+// What a child stands for: the main demand without its fixed columns, rows that are met left out.
+void ExpectDemandBalances(const TNode& Node, const TVarPool<TBarPattern>& Pool) {
+  TDoubleDynArray rest = Pool.BVec(), open;
+  TIntegerDynArray openRows;
+  double fixed = 0;
+  for (int i = 0; i < Size(Node.ParentSolVec()); fixed += Node.ParentSolVec()[i++])
+    for (int row = 0; row < Size(rest); ++row) rest[row] -= Node.ParentSolVec()[i] * Pool[i].Counts[row];
+  for (int row = 0; row < Size(rest); ++row) {
+    if (rest[row] <= 0) continue;
+    openRows.push_back(row);
+    open.push_back(rest[row]);
+  }
+  EXPECT_EQ(Node.BoundBase(), fixed);
+  EXPECT_EQ(Node.RowDict(), openRows);
+  EXPECT_EQ(Node.BVec(), open);
+}
+
+// What an up-branch has fixed is taken off the bounds; no branch widens them.
+void ExpectBoundsPassedOn(const TNode& Node, const TNode& Child) {
+  TIntegerDynArray fixed = Child.ParentSolVec();
+  for (int i = 0; i < Size(Node.ParentSolVec()); ++i) fixed[i] -= Node.ParentSolVec()[i];
+  fixed.resize(1000);  // a bound may name a column that is in no LP any more
+  const bool isUp = std::count(fixed.begin(), fixed.end(), 0) < Size(fixed);
+  auto at = Child.IntConstraint().begin();
+  for (const auto& bound : Node.IntConstraint()) {
+    while (at->Idx < bound.Idx) ++at;
+    const int ub = bound.UB - (isUp ? fixed[bound.Idx] : 0);
+    EXPECT_TRUE(at->Idx == bound.Idx && (isUp ? at->UB == ub : at->UB <= ub));
+  }
+  EXPECT_TRUE(isUp || std::is_sorted(Child.IntConstraint().begin(), Child.IntConstraint().end(),
+                                     [](const auto& left, const auto& right) { return left.Idx < right.Idx; }));
+}
+
+TEST(BCPNode, EachLPIsOptimalAndEachChildBalances) {
+  ForEachSeed(40, [](unsigned Seed) {
+    std::mt19937 random(Seed);
+    TIntegerDynArray lengths, demand;
+    for (auto i = 2 + random() % 5; i > 0; --i) {
+      lengths.push_back(10 + static_cast<int>(random() % 60));
+      demand.push_back(1 + static_cast<int>(random() % 12));
+    }
+    const TBarProblem problem(100, lengths, demand);
+    const auto manager = BarSolvers(problem);
+    TVarPool<TBarPattern> pool(problem.BVec(), problem.IneqVec());
+    TBarSolution start;
+    CutGreedily(problem, start);
+    pool.AddBCPSolution(start, false);
+    const auto explore = [&](TNode& Node, const auto& Self) -> void {
+      ExpectDemandBalances(Node, pool);
+      if (Node.Parent != nullptr) ExpectBoundsPassedOn(*Node.Parent, Node);
+      const auto check = [&] {
+        if (Node.LPRounds() > 0) ExpectOptimal(Node, pool);
+        return false;
+      };
+      if (!Node.Solve(TBCPStopWatch(0), check)) return;
+      check();
+      double cost = 0;
+      EXPECT_TRUE(problem.CheckSolution(Node.SolveResidual(cost))) << "with what the branches have fixed";
+      if (Node.Depth() < 5 && Node.Branch(Seed % 2 == 0))
+        for (auto& child : Node.ChildNodes) Self(*child, Self);
+    };
+    TNode root(problem.RowDict(), problem.BVec(), &manager, &pool, nullptr, 0, true);
+    explore(root, explore);
+    EXPECT_GT(root.LPRounds(), 0);
+  });
+}
+
+TEST(BCPNode, APricingPassSharesOneStatusAndKeepsRejectedColumns) {
+  TBench bench({5, 5}, {{1, 0}, {0, 1}});
+  bench.Script(std::nullopt, {1, 4});  // the status starts false
+  bench.Script(true, {1, 0});          // known
+  bench.Script(true, {1, 1});
+  bench.Script(std::nullopt, {});
+  bench.Script(std::nullopt, {2, 2});  // believed as the one before it
+  bench.Script(false, {3, 3});
+  bench.Script(true, {5, 5});
+  bench.Script(true, {5, 4});  // not asked any more
+  TProbe root = bench.Root();
+  ASSERT_TRUE(root.InitializeSolve(bench.Watch, Never));
+  int asked = 0;
+  EXPECT_TRUE(root.SolveSubProblem({0.25, 0.5}, 10, [&] { return ++asked == 3; }));
+  EXPECT_THAT(bench.Priced[0], ElementsAre(2.5, 5));
+  EXPECT_THAT(root.ColDict(), ElementsAre(-1, 0, 1, 2, 3, 4));
+  EXPECT_THAT(bench.Pool[3].Counts, ElementsAre(2, 2));
+  EXPECT_THAT(bench.Pool[4].Counts, ElementsAre(5, 5));
+  EXPECT_FALSE(detail::IsWorthAnotherLP(1.01, 1, 10.2)) << "11 bars either way";
+  EXPECT_TRUE(detail::IsWorthAnotherLP(1.05, 1, 10.2));
+  EXPECT_FALSE(detail::IsWorthAnotherLP(1 + 1e-6, 1, 1e9)) << "not above the tolerance";
+}
+
+TEST(BCPNode, RowsWithoutColumnAreCountedOffFromTheFront) {
+  TBench bench({4, 5, 6});
+  int calls = 0;
+  bench.Manager.AddSubProblemSolver([&](const TBCPProblem<TBarPattern>& Sub, bool& Usable, double&) {
+    bench.Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());
+    Usable = true;
+    return std::make_unique<TBarPattern>(TIntegerDynArray{0, 0, ++calls}, 1);
+  });
+  TProbe root = bench.Root();
+  ASSERT_TRUE(root.InitLP());
+  EXPECT_TRUE(root.CheckNoEmptyRow()) << "although rows 0 and 1 have no column";
+  EXPECT_THAT(bench.Priced,
+              ElementsAre(ElementsAre(1e4, 1e4, 1e4), ElementsAre(10, 1e4, 1e4), ElementsAre(10, 10, 1e4)));
+  EXPECT_FALSE(root.Solve(bench.Watch, Never));
+  EXPECT_EQ(root.LLB, kBCPInfinity);
+  TBench atMost({4}, {{1}}, -1);
+  EXPECT_FALSE(atMost.Root().Solve(atMost.Watch, Never)) << "such a row is empty whatever its columns are";
+}
+
+TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
+  // x = 0, 0.5, 0.5, 0.5, 9; columns 1 to 4 all score 0.5.
+  constexpr double kUnbounded = std::numeric_limits<int>::max();
+  TBench bench({1, 1, 1, 9}, {{0, 0, 0, 0}, {1, 1, 0, 0}, {1, 0, 1, 0}, {0, 1, 1, 0}, {0, 0, 0, 1}});
+  TProbe root = bench.Root();
+  ASSERT_TRUE(root.Solve(bench.Watch, Never));
+  EXPECT_EQ(root.LPRounds(), 1) << "no columns are asked for";
+  EXPECT_THAT(root.VarUB(), ElementsAre(kUnbounded, 1, 1, 1, 9));
+  ASSERT_TRUE(root.Branch(true));
+  ASSERT_EQ(Size(root.ChildNodes), 2);
+  EXPECT_THAT(root.ChildNodes[0]->ParentSolVec(), ElementsAre(0, 1, 0, 0, 0));
+  EXPECT_TRUE(root.ChildNodes[0]->CGRequired());
+  EXPECT_EQ(root.LPSolver()->GetColUB(1), 0) << "the bound of the down-branch stays";
+  TNode& down = *root.ChildNodes[1];
+  EXPECT_FALSE(down.CGRequired());
+  TNode::TSolutionFifo fifo;
+  TNode::TSolutionList arrived;
+  fifo.Push(Single({0, 0, 0, 2}));
+  EXPECT_TRUE(down.SolveWithFIFOSolutions(bench.Watch, Never, &fifo, arrived));
+  EXPECT_EQ(Size(arrived), 1);
+  EXPECT_THAT(down.ColDict(), ElementsAre(-1, 0, 2, 3, 4, 5)) << "column 1 is forbidden below";
+  EXPECT_THAT(down.VarUB(), ElementsAre(kUnbounded, 1, 1, 1, 9)) << "not shifted, none for the new column";
+  TBench tight({4, 1}, {{1, 0}, {0, 1}});
+  fifo.Push(Single({5, 0}));
+  TProbe other = tight.Root();
+  EXPECT_TRUE(other.SolveWithFIFOSolutions(tight.Watch, Never, &fifo, arrived));
+  EXPECT_TRUE(other.Branch(false)) << "not on a column that the demand allows no time";
+  TBench thin({1, 1, 1, 1, 1, 1});
+  bool exists = false;
+  for (int left = 0; left < 6; ++left) {
+    TIntegerDynArray counts(6, 1);
+    counts[left] = 0;
+    thin.Pool.AddVar(TBarPattern(counts, 1), exists);
+  }
+  TProbe fifths = thin.Root();
+  EXPECT_TRUE(fifths.Solve(thin.Watch, Never) && fifths.Branch(false)) << "all columns score 1.1";
+  EXPECT_DOUBLE_EQ(detail::BranchScore(1.6, 0, 2), 0.3);
+  EXPECT_DOUBLE_EQ(detail::BranchScore(0.5, 0, 4), 0.875);
+}
+
+TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
+  TBench bench({3, 9}, {{2, 0}, {0, 1}});  // x = 1.5, 9
+  const auto residual = [](double Usage, bool Answer, int Count = 1) {
+    return [=](const TBCPProblem<TBarPattern>& Sub, const TBarSolution& Partial, TBarSolution& Result) {
+      EXPECT_THAT(Sub.BVec(), ElementsAre(1));
+      EXPECT_EQ(Partial.Count(), 2);
+      Result.AddSubSolution(TBarPattern({Count, 0}, Usage), 1);
+      return Answer;
+    };
+  };
+  bench.Manager.AddResidualSolver(residual(0.9, true));
+  bench.Manager.AddResidualSolver(residual(0.4, true));
+  bench.Manager.AddResidualSolver(residual(0.4, true, 2));
+  bench.Manager.AddResidualSolver(residual(0.1, false));
+  bench.Manager.AddResidualSolver(residual(0.5, true));
+  TProbe root = bench.Root();
+  ASSERT_TRUE(root.Solve(bench.Watch, Never));
+  EXPECT_FALSE(root.Fathom(0.001));
+  TDoubleDynArray rest;
+  const TBarSolution rounded = root.RoundingLargeFracPrior(rest);
+  ASSERT_EQ(rounded.Count(), 2);
+  EXPECT_EQ(rounded.GetSubSolution(0).Value, 9);
+  EXPECT_EQ(rounded.GetSubSolution(1).Value, 1) << "two would be more than the demand";
+  EXPECT_THAT(rest, ElementsAre(1, 0));
+  double cost = 0;
+  EXPECT_THAT(root.SolveResidual(cost).GetColumn(2), ElementsAre(3, 9)) << "the first of equals";
+  EXPECT_DOUBLE_EQ(cost, 10.4);
+  root.GetIntSolution(cost);
+  EXPECT_DOUBLE_EQ(root.LUB, 11) << "1.5 goes to the even 2";
+}
+
+TEST(BCPNode, WholeIsWhatLiesWithinTheToleranceOnEitherSide) {
+  TBench bench({9}, {{1}});
+  for (const double x : {2.9985, 2.9995, 3.0, 3.0005, 3.0015}) {
+    TNode node({0}, {x}, &bench.Manager, &bench.Pool, nullptr, 0, false);
+    ASSERT_TRUE(node.Solve(bench.Watch, Never));
+    EXPECT_EQ(node.Fathom(0.001), std::fabs(x - 3) < 0.001) << x;
+  }
+}
+
+TEST(BCPNode, OutsideSolutionsReachTheLPAndKeepPricingAlive) {
+  TBench bench({4}, {{1}}), hopeless({4});
+  TNode::TSolutionFifo fifo;
+  TNode::TSolutionList arrived;
+  const auto push = [&fifo](int Count) { fifo.Push(Single({Count})); };
+  push(2);
+  bench.Manager.AddSubProblemSolver([&](const auto& Sub, bool&, double&) -> std::unique_ptr<TBarPattern> {
+    bench.Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());
+    if (arrived.size() == 1) push(4);
+    return nullptr;
+  });
+  TProbe root = bench.Root(true), empty = hopeless.Root(true);
+  EXPECT_TRUE(root.SolveWithFIFOSolutions(bench.Watch, Never, &fifo, arrived));
+  EXPECT_EQ(Size(arrived), 2);
+  EXPECT_THAT(bench.Priced, ElementsAre(ElementsAre(5000), ElementsAre(2500))) << "10000 times the duals";
+  EXPECT_EQ(root.LPRounds(), 2);
+  EXPECT_DOUBLE_EQ(root.LLB, 1);
+  push(1);
+  EXPECT_FALSE(empty.SolveWithFIFOSolutions(bench.Watch, Never, &fifo, arrived)) << "a row without a column";
+  EXPECT_FALSE(fifo.Empty());
+}
+
+TEST(BCPNode, StopAndTimeEndItBetweenLPs) {
+  const TBarProblem rolls = ChvatalRolls();
+  const auto manager = BarSolvers(rolls);
+  for (const int allowed : {0, 1, 2, 3, 4, 5, -1}) {
+    TVarPool<TBarPattern> pool(rolls.BVec(), rolls.IneqVec());
+    bool exists = false;
+    for (int row = 0; row < 4; ++row) pool.AddVar(TBarPattern({row == 0, row == 1, row == 2, row == 3}, 0), exists);
+    TNode root(rolls.RowDict(), rolls.BVec(), &manager, &pool, nullptr, 0, true);
+    TFakeClock clock;
+    TBCPStopWatch watch(5);
+    watch.Start();
+    if (allowed < 0) clock.AdvanceMs(5001);
+    int polled = 0;
+    EXPECT_EQ(root.Solve(watch, [&] { return ++polled > allowed; }), allowed > 3);
+    EXPECT_EQ(root.LPRounds(), std::max(0, allowed - 3)) << "three polls before the first LP";
+    EXPECT_EQ(root.LLB<kBCPInfinity, allowed> 3);
+    EXPECT_EQ(polled, allowed + 1);
+  }
+}
+
+}  // namespace
+}  // namespace platenest
