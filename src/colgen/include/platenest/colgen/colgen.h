@@ -1,0 +1,6 @@
+#pragma once
+
+// Whole rectangle jobs as cutting stock: layouts as columns, the problem that they answer, results for hosts.
+#include "platenest/colgen/ColumnList.h"
+#include "platenest/colgen/RectNestProblem.h"
+#include "platenest/colgen/RectPattern.h"
