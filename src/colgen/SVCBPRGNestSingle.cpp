@@ -61,6 +61,7 @@ TPass CalNest(const TIntBoxList& Boxes, const TRaster& Raster, TStripValueCounts
   const std::vector<int> widths = GetRectsWidth(Boxes, Raster.RasterL.back(), Raster.RasterW.back());
   if (widths.empty() || Int64{Raster.SizeL} * Raster.SizeW > kMostStates) return {};
   const detail::TStripTable table(Boxes, Raster, widths);
+  if (RectNestStopped()) return {};
   detail::TStripStates states(Boxes, Raster, table);
   states.Run();
   ++Counts.Passes;

@@ -18,12 +18,6 @@ TStripTable::TStripTable(const TIntBoxList& ABoxes, const TRaster& ARaster, cons
   FFrom = {};
 }
 
-std::span<const TStripPart> TStripTable::Parts(const TStrip& Strip) const {
-  const int first = FContentFirst[static_cast<std::size_t>(Strip.Content)];
-  const int past = FContentFirst[static_cast<std::size_t>(Strip.Content) + 1];
-  return {FParts.data() + first, static_cast<std::size_t>(past - first)};
-}
-
 // Chunks of 1, 2, 4, ... copies and the rest, those that fit at all. A box that fits across both ways lies with its
 // shorter side along the strip, otherwise with the longer one, as only that way it fits.
 std::vector<TStripTable::TChunk> TStripTable::ChunksFor(int AWidth) const {

@@ -35,7 +35,11 @@ class TStripTable {
   int Past(int LengthIdx) const { return FFirst[static_cast<std::size_t>(LengthIdx) + 1]; }
   const TStrip& operator[](int Strip) const { return FStrips[static_cast<std::size_t>(Strip)]; }
   // In the order of the boxes, each box once.
-  std::span<const TStripPart> Parts(const TStrip& Strip) const;
+  std::span<const TStripPart> Parts(const TStrip& Strip) const {
+    const int first = FContentFirst[static_cast<std::size_t>(Strip.Content)];
+    const int past = FContentFirst[static_cast<std::size_t>(Strip.Content) + 1];
+    return {FParts.data() + first, static_cast<std::size_t>(past - first)};
+  }
 
   int Count() const { return Size(FStrips); }
   int Knapsacks() const { return FKnapsacks; }
