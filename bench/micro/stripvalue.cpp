@@ -8,11 +8,11 @@
 namespace platenest {
 namespace {
 
-// Sizes between a fifteenth and a third of the plate of 3000 by 1500, to whole units.
-TNestRectList Parts(int Sizes, int Amount) {
+// Whole units; at 100 percent between a fifteenth and a third of the plate of 3000 by 1500.
+TNestRectList Parts(int Sizes, int Amount, int Percent = 100) {
   std::mt19937 random(7);
-  std::uniform_int_distribution<int> width(200, 1000);
-  std::uniform_int_distribution<int> height(100, 500);
+  std::uniform_int_distribution<int> width(2 * Percent, 10 * Percent);
+  std::uniform_int_distribution<int> height(Percent, 5 * Percent);
   TNestRectList parts;
   for (int k = 0; k < Sizes; ++k) {
     const double w = width(random);
@@ -24,8 +24,8 @@ TNestRectList Parts(int Sizes, int Amount) {
 const TVRect2D kPlate = TVRect2D::FromSize(3000, 1500);
 
 void BM_StripValuePlate(benchmark::State& State) {
-  TSVCBPRGNestSingle nest(kPlate, Parts(static_cast<int>(State.range(0)), static_cast<int>(State.range(1))),
-                          static_cast<double>(State.range(2)), false);
+  const auto argument = [&State](int i) { return static_cast<int>(State.range(i)); };
+  TSVCBPRGNestSingle nest(kPlate, Parts(argument(0), argument(1), argument(3)), argument(2), false);
   TNestedRects layout;
   for (auto _ : State) {
     layout.clear();
@@ -40,11 +40,12 @@ void BM_StripValuePlate(benchmark::State& State) {
   State.counters["usage"] = area / kPlate.Area();
 }
 BENCHMARK(BM_StripValuePlate)
-    ->ArgNames({"sizes", "amount", "gap"})
-    ->Args({20, 1, 0})
-    ->Args({20, 10, 0})
-    ->Args({20, 100, 5})
-    ->Args({100, 2, 0})
+    ->ArgNames({"sizes", "amount", "gap", "percent"})
+    ->Args({20, 1, 0, 100})
+    ->Args({20, 10, 0, 100})
+    ->Args({20, 100, 5, 100})
+    ->Args({20, 200, 0, 30})
+    ->Args({100, 2, 0, 100})
     ->Unit(benchmark::kMillisecond);
 
 // A whole job: 20 sizes, 10 copies each.

@@ -67,6 +67,9 @@ TEST(SVCBPRGNestSingle, FillsKnownPlates) {
   EXPECT_THAT(Fill(12, 8, {Part(6, 5, 2), Part(4, 3, 4)}), ElementsAre(2, 3));
   EXPECT_THAT(Fill(8, 12, {Part(6, 5, 2), Part(4, 3, 4)}), ElementsAre(2, 3)) << "upright";
   EXPECT_THAT(Fill(10, 10, {Part(5, 5, 3), Part(11, 2, 4)}), ElementsAre(3, 0)) << "too long, and amounts run out";
+  EXPECT_THAT(Fill(10, 7, {Part(10, 2, 1), Part(6, 3, 1), Part(6, 2, 1), Part(4, 4, 1), Part(4, 1, 1)}),
+              testing::Each(1))
+      << "a wide column after a narrow row";
   EXPECT_THAT(Fill(20.3, 9.5, {Part(4.7, 4.5, 8)}, 0.5), ElementsAre(8)) << "gaps fit exactly";
   EXPECT_THAT(Fill(33.3, 11.1, {Part(11.1, 11.1, 9)}), ElementsAre(3)) << "tenths without rounding";
   EXPECT_THAT(Fill(33.3, 11.1, {Part(11.101, 11.1, 9)}), ElementsAre(2));
@@ -81,12 +84,42 @@ TEST(SVCBPRGNestSingle, ValuesDecideAndBelowOneNothingIsPlaced) {
   EXPECT_THAT(Fill(10, 10, {Part(0.9, 0.9, 1), Part(2, 2, 1)}), ElementsAre(0, 1)) << "the area is the value";
 }
 
-TEST(SVCBPRGNestSingle, ManySizesTakeTurnsAndTheScaleFollowsTheRaster) {
-  TNestRectList parts;
-  for (int k = 0; k < 130; ++k) parts.push_back(Part(60 + k, 40, 1));
-  const std::vector<int> counts = Fill(4000, 2000, parts);
-  EXPECT_THAT(counts, testing::Each(1)) << "the 30 sizes behind the first 100 lie in later passes";
+// A turned part ends at the right end of its slot, which is a whole number of tenths.
+TEST(SVCBPRGNestSingle, PlacementsAreThoseOfThePlateAsGiven) {
+  const struct {
+    double width, height;
+    TNestRect part;
+    double gap;
+    bool turned;
+    TPoint2D trans;
+  } cases[] = {
+      {10, 4, Part(9.95, 3.33, 1), 0, false, {0, 0}},      {10, 4, Part(3.33, 9.95, 1), 0, true, {10, 0}},
+      {10, 4, Part(3.33, 9.65, 1), 0.31, true, {9.69, 0}}, {4, 10, Part(9.95, 3.33, 1), 0, true, {3.33, 0}},
+      {4, 10, Part(3.33, 9.95, 1), 0, false, {0, 0.05}},
+  };
+  for (const auto& c : cases) {
+    TNestedRects layout;
+    TSVCBPRGNestSingle(TVRect2D::FromSize(c.width, c.height), {c.part}, c.gap, false).NestSinglePlate(layout);
+    ASSERT_EQ(layout.size(), 1U);
+    EXPECT_EQ(layout[0].IsRotate, c.turned);
+    EXPECT_NEAR(layout[0].Trans.X, c.trans.X, 1e-9);
+    EXPECT_NEAR(layout[0].Trans.Y, c.trans.Y, 1e-9);
+  }
+}
 
+// Three passes, since only a hundred sizes take part in each.
+TEST(SVCBPRGNestSingle, SizesBehindTheFirstHundredFillTheCornersThatAreLeft) {
+  TNestRectList parts;
+  for (const TNestRect& large : {Part(15, 5, 1, 900), Part(14.333, 4, 1, 900), Part(14.5, 5.05, 1, 900)}) {
+    parts.push_back(large);
+    for (int k = 1; k < 100; ++k) parts.push_back(Part(0.1, 0.001 * k, 1, 1));
+  }
+  EXPECT_THAT(Fill(20, 15, parts, 0, true), testing::Each(1));
+  parts.push_back(Part(20, 15, 1, 1e6));
+  EXPECT_EQ(Fill(20, 15, parts, 0, true).back(), 0) << "had no turn while it would have fitted";
+}
+
+TEST(SVCBPRGNestSingle, TheScaleFollowsTheRaster) {
   EXPECT_EQ(TSVCBPRGNestSingle(TVRect2D::FromSize(316, 100), {Part(0.1, 1, 9999)}, 0, false).Amt(), 10);
   EXPECT_EQ(TSVCBPRGNestSingle(TVRect2D::FromSize(317, 100), {Part(0.1, 1, 9999)}, 0, false).Amt(), 1);
   EXPECT_EQ(TSVCBPRGNestSingle(TVRect2D::FromSize(1e5, 100), {Part(1e4, 50, 9)}, 0, false).Amt(), 10);
