@@ -107,16 +107,17 @@ TEST(SVCBPRGNestSingle, PlacementsAreThoseOfThePlateAsGiven) {
   }
 }
 
-// Three passes, since only a hundred sizes take part in each.
-TEST(SVCBPRGNestSingle, SizesBehindTheFirstHundredFillTheCornersThatAreLeft) {
-  TNestRectList parts;
-  for (const TNestRect& large : {Part(15, 5, 1, 900), Part(14.333, 4, 1, 900), Part(14.5, 5.05, 1, 900)}) {
-    parts.push_back(large);
-    for (int k = 1; k < 100; ++k) parts.push_back(Part(0.1, 0.001 * k, 1, 1));
-  }
-  EXPECT_THAT(Fill(20, 15, parts, 0, true), testing::Each(1));
-  parts.push_back(Part(20, 15, 1, 1e6));
-  EXPECT_EQ(Fill(20, 15, parts, 0, true).back(), 0) << "had no turn while it would have fitted";
+// Only a hundred sizes take part in a pass; the corner that the first one leaves here is upright.
+TEST(SVCBPRGNestSingle, SizesBehindTheFirstHundredFillTheCornerThatIsLeft) {
+  TNestRectList parts = {Part(9.1, 7.2, 1, 542), Part(6.2, 5.3, 1, 460), Part(9.1, 5.2, 1, 592), Part(5, 8, 1, 350)};
+  for (int k = 1; k <= 96; ++k) parts.push_back(Part(0.1, 0.001 * k, 1, 1));
+  parts.push_back(Part(16, 13, 1, 1e6));
+  const TNestRectList behind = {Part(3.7, 5.7, 1, 500), Part(3, 5.2, 1, 500),   Part(4.6, 3.6, 1, 500),
+                                Part(3.7, 5.8, 1, 500), Part(3.9, 3.8, 1, 500), Part(1.8, 1.6, 1, 500)};
+  parts.insert(parts.end(), behind.begin(), behind.end());
+  const std::vector<int> counts = Fill(16, 13, parts, 0, true);
+  EXPECT_EQ(counts[100], 0) << "had no turn while it would have fitted";
+  EXPECT_EQ(counts[106], 1);
 }
 
 TEST(SVCBPRGNestSingle, TheScaleFollowsTheRaster) {
