@@ -1,0 +1,9 @@
+#pragma once
+
+// Whole rectangle jobs as cutting stock: layouts as columns, the problem that they answer, results for hosts,
+// plate after plate by values.
+#include "platenest/colgen/ColumnList.h"
+#include "platenest/colgen/RectNestProblem.h"
+#include "platenest/colgen/RectPattern.h"
+#include "platenest/colgen/SVCBPRGNest.h"
+#include "platenest/colgen/SVCBPRGNestSingle.h"
