@@ -186,7 +186,8 @@ TEST(BCPTree, ColumnsOfARefusedStartEnterThePoolAndArrivalsCountEvenWhenTheRootF
       return Answer;
     });
   };
-  start(false, 3, 0.1, 9);
+  start(false, 5, 0.1, 9);
+  start(true, 3, 0.1, 1);
   start(true, 2, 0.8, 1);
   start(true, 1, 0.4, 4);
   start(true, 4, 0.1, 1);  // not asked any more
@@ -202,7 +203,7 @@ TEST(BCPTree, ColumnsOfARefusedStartEnterThePoolAndArrivalsCountEvenWhenTheRootF
   EXPECT_EQ(Bars(tree.Solve(Never)), 2);
   EXPECT_EQ(calls, 2);
   EXPECT_DOUBLE_EQ(tree.GUB(), 1.5);
-  EXPECT_EQ(tree.VarPool().Count(), 2);
+  EXPECT_EQ(tree.VarPool().Count(), 3);
 }
 
 TEST(BCPTree, ErrorsEndTheSearchWithTheBestSolutionButLeaveTheStart) {
