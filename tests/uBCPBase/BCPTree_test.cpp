@@ -150,6 +150,25 @@ TEST(BCPTree, AnOutsideSolutionReplacesTheStartHeuristicsAndStaysOutOfThePool) {
   for (const int perBar : {3, 1, 4}) vars.push_back(problem.MakePattern({perBar}));
   EXPECT_FALSE(tree.AddVars(vars));
   EXPECT_EQ(tree.VarPool().Count(), 3) << "none behind the known one";
+
+  const auto pushing = PoorSolvers(problem, [&](const auto&, bool&, double&) {
+    fifo.Push(solution(2, 2));
+    return nullptr;
+  });
+  TTree fed(&pushing, &fifo, true, 0);
+  EXPECT_DOUBLE_EQ(fed.Solve([&] { return fed.VarPool().Count() > 1; }).GetCSPCost(), 1.8)
+      << "one that came in the root";
+}
+
+TEST(BCPTree, ARootThatCannotImproveIsNotRounded) {
+  const TBarProblem problem(100, {40}, {5});
+  TBCPSolverManager<TBarPattern> manager(&problem);
+  manager.AddSubProblemSolver(PriceBar);
+  manager.AddGreedySolver(CutGreedily);  // 2.4, where the LP needs 2.5
+  manager.AddResidualSolver([](const auto&, const auto&, auto&) -> bool { throw TNestError("asked"); });
+  TTree tree(&manager, nullptr, true, 0);
+  EXPECT_EQ(Bars(tree.Solve(Never)), 3);
+  EXPECT_EQ(tree.Status(), 0);
 }
 
 TEST(BCPTree, ErrorsEndTheSearchWithTheBestSolutionButLeaveTheStart) {
@@ -173,7 +192,9 @@ TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpen) {
   // One column at its bound is chosen again and again.
   const TBarProblem stuck(147, {19, 36, 24}, {5, 20, 16});
   for (const bool isLate : {false, true}) {
-    const auto manager = PoorSolvers(stuck, PriceBar);
+    auto manager = PoorSolvers(stuck, PriceBar);
+    int residuals = 0;
+    manager.AddResidualSolver([&residuals](const auto&, const auto&, auto&) { return ++residuals < 0; });
     TFakeClock clock;
     TTree tree(&manager, nullptr, true, 1);
     int polled = 0;
@@ -182,6 +203,7 @@ TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpen) {
       return false;
     })));
     EXPECT_EQ(tree.Status(), -1);
+    EXPECT_EQ(residuals, isLate ? 1 : 34) << "the root and each thirtieth iteration";
     EXPECT_EQ(Walked(tree.Root()), isLate ? 9 : 1001) << "the root and those of the limit";
   }
 }
