@@ -219,6 +219,12 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
   }
   TProbe fifths = thin.Root();
   EXPECT_TRUE(fifths.Solve(thin.Watch, Never) && fifths.Branch(false)) << "all columns score 1.1";
+  TBench beyond({10}, {{3}, {1}}), late({5, 2}, {{2, 0}, {2, 2}});
+  TProbe limited = beyond.Root(), reversed = late.Root();
+  ASSERT_TRUE(limited.Solve(beyond.Watch, Never) && limited.Branch(true));
+  EXPECT_THAT(limited.ChildNodes[0]->ParentSolVec(), ElementsAre(3, 0)) << "10/3 copies, where 3 are allowed";
+  ASSERT_TRUE(reversed.Solve(late.Watch, Never) && reversed.Branch(true));
+  EXPECT_FALSE(reversed.ChildNodes[0]->CGRequired()) << "the down-branch first, 2.5 against 3";
   EXPECT_DOUBLE_EQ(detail::BranchScore(1.6, 0, 2), 0.3);
   EXPECT_DOUBLE_EQ(detail::BranchScore(0.5, 0, 4), 0.875);
 }
