@@ -44,10 +44,26 @@ TEST(ColumnList, MergesSameNeighboursInOrderOfUse) {
   EXPECT_THAT(list.NumVec(3), ElementsAre(3, 5, 8));
   EXPECT_THROW(list.NumVec(2), TRangeError);
 
+  TColumnList apart{Column(100, 1), Column(100.0003, 1, 1), Column(100.0006, 1)};
+  apart.MergeSameColumn();
+  EXPECT_EQ(apart.Count(), 3) << "another one lies between the same ones";
+
   TOneColumn mapped = Column(100, 1, 1);
   mapped.ConvertIndexBy({5, 6});
   EXPECT_EQ(mapped.Pattern[0].Part.Idx, 6);
   EXPECT_THROW(mapped.ConvertIndexBy({5, 6}), TRangeError);
+}
+
+TEST(ColumnList, SameColumnsAgreeInPlateAreaAndCopies) {
+  const TOneColumn column = Column(100, 1);
+  TOneColumn other = Column(100, 5);
+  EXPECT_TRUE(column.IsSameAs(other));
+  other.Plate = TVRect2D::FromSize(50, 100);
+  EXPECT_TRUE(column.IsSameAs(other)) << "turned";
+  other.Plate = TVRect2D::FromSize(200, 25);
+  EXPECT_FALSE(column.IsSameAs(other));
+  EXPECT_FALSE(column.IsSameAs(Column(100.002, 1)));
+  EXPECT_FALSE(column.IsSameAs(Column(100, 1, 1)));
 }
 
 TEST(ColumnList, TheBetterListHasMorePartsOnItsPlates) {

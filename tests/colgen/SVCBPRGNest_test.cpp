@@ -7,6 +7,7 @@
 #include <numeric>
 #include <random>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "FakeClock.h"
@@ -112,12 +113,23 @@ TEST(SVCBPRGNestSingle, SizesBehindTheFirstHundredFillTheCornerThatIsLeft) {
   TNestRectList parts = {Part(9.1, 7.2, 1, 542), Part(6.2, 5.3, 1, 460), Part(9.1, 5.2, 1, 592), Part(5, 8, 1, 350)};
   for (int k = 1; k <= 96; ++k) parts.push_back(Part(0.1, 0.001 * k, 1, 1));
   parts.push_back(Part(16, 13, 1, 1e6));
-  const TNestRectList behind = {Part(3.7, 5.7, 1, 500), Part(3, 5.2, 1, 500),   Part(4.6, 3.6, 1, 500),
-                                Part(3.7, 5.8, 1, 500), Part(3.9, 3.8, 1, 500), Part(1.8, 1.6, 1, 500)};
+  const TNestRectList behind = {Part(3.7, 5.65, 1, 500), Part(3, 5.15, 1, 500),   Part(4.6, 3.55, 1, 500),
+                                Part(3.7, 5.75, 1, 500), Part(3.9, 3.75, 1, 500), Part(1.8, 1.55, 1, 500)};
   parts.insert(parts.end(), behind.begin(), behind.end());
   const std::vector<int> counts = Fill(16, 13, parts, 0, true);
   EXPECT_EQ(counts[100], 0) << "had no turn while it would have fitted";
   EXPECT_EQ(counts[106], 1);
+}
+
+// Six of the nine corners are worth more than those before them. The part that does not fit adds no strip width.
+TEST(SVCBPRGNestSingle, OnlyStatesWorthMoreThanTheirNeighboursSpread) {
+  TSVCBPRGNestSingle nest(TVRect2D::FromSize(10, 10), {Part(5, 5, 4), Part(11, 12, 4)}, 0, false);
+  TNestedRects layout;
+  nest.NestSinglePlate(layout);
+  EXPECT_EQ(nest.Counts().Passes, 1);
+  EXPECT_EQ(nest.Counts().Knapsacks, 1);
+  EXPECT_EQ(nest.Counts().Strips, 2);
+  EXPECT_EQ(nest.Counts().States, 6);
 }
 
 TEST(SVCBPRGNestSingle, TheScaleFollowsTheRaster) {
@@ -180,13 +192,12 @@ TEST(SVCBPRGNest, RandomJobsMeetTheDemandOnTheirPlates) {
     TRectSolution best;
     nest.Nest(best);
     if (!all.empty()) Check(best, plates, job.Parts, job.Gap);
-    for (const TRectSolution& solution : all) {
-      const auto plateCount = [](const TRectSolution& s) {
-        const std::vector<int> numbers = PlateNumbers(s);
-        return std::accumulate(numbers.begin(), numbers.end(), 0);
-      };
-      EXPECT_LE(plateCount(best), plateCount(solution));
-    }
+    const auto rank = [&job](const TRectSolution& solution) {
+      const std::vector<int> numbers = PlateNumbers(solution);
+      const TRectPattern& last = *solution.GetSubSolution(solution.Count() - 1).Key;
+      return std::pair(std::accumulate(numbers.begin(), numbers.end(), 0), detail::PatternUsedRate(last, job.Gap));
+    };
+    for (const TRectSolution& solution : all) EXPECT_LE(rank(best), rank(solution));
   });
 }
 
@@ -215,6 +226,24 @@ TEST(SVCBPRGNest, StockIsCountedForEachKindAndOpenDemandEndsTheRuns) {
   plates.push_back(TNestSpace(TVRect2D::FromSize(20, 10), 1, false));
   TSVCBPRGNest(plates, parts, 0, 0, false, 4).Nest(best);
   EXPECT_THAT(PlateNumbers(best), ElementsAre(2, 1, 1)) << "the last one holds a single copy";
+}
+
+TEST(SVCBPRGNest, EachRunFillsByTheValuesThatTheOneBeforeHasCorrected) {
+  const TVRect2D plate = TVRect2D::FromSize(20, 13);
+  const TNestRectList parts = {Part(9, 7, 5, 40), Part(6, 5, 7, 90), Part(11, 4, 4, 30), Part(5, 3, 9, 20)};
+  for (const bool given : {false, true}) {
+    std::vector<TRectSolution> all;
+    TSVCBPRGNest({TNestSpace(plate, 50, false)}, parts, 0, 0, given, 4).NestAllRes(all);
+    ASSERT_EQ(all.size(), 4U);
+    TNestRectList work = parts;
+    for (TNestRect& part : work) part.Area = given ? part.Area : detail::NewValue(part, 1.0);
+    for (const TRectSolution& solution : all) {
+      TNestedRects layout;
+      TSVCBPRGNestSingle(plate, work, 0, true).NestSinglePlate(layout);
+      EXPECT_EQ(TRectPattern(layout, plate).Column(), solution.GetSubSolution(0).Key->Column());
+      detail::RectUpdate(solution, work, parts, 0);
+    }
+  }
 }
 
 TEST(SVCBPRGNest, TheClockEndsTheRunsBetweenPlates) {

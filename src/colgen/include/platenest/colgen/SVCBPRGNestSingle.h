@@ -22,8 +22,8 @@ struct TStripValueCounts {
 //
 // Lengths are plate units and count to three decimals, plate and gap included: a part of 33.3334 is laid out as
 // 33.333, so that true parts may come nearer than the gap, or reach beyond the plate, by 0.0005 a side. Within, they
-// are tenths as long as the plate has no more than 3162 raster points along its longer side, otherwise whole units,
-// parts with their gap rounded up and the plate rounded down.
+// are tenths as long as the plate has no more than 3162 raster points along its longer side and, gap included, is no
+// longer than 200000; otherwise whole units, parts with their gap rounded up and the plate rounded down.
 //
 // Without SpecificValue a copy is worth a hundredth of its area, in tenths or units squared; with it, the Area given.
 // Values are cut to whole numbers, and a copy worth less than 1 is never placed. The first 100 sizes that still have
