@@ -45,7 +45,6 @@ class PLATENEST_API TRSKF {
 
   // Both runs append their placements to the list. Part.Idx of a placement is the position in ARects, the same for all
   // fillings; a throw leaves the list as it is. Lengths count from the lower left corner of the plate.
-  // Sides should be above 0.001 plate units: the filling does not see finer ledges of a layout.
   //
   // The units are made coarser, one step after the other, until the raster is small enough for the free memory
   // (FreePhysicalMemory, 1 GiB if it is not known), for 16-bit positions and, where amounts bind, for the time limit;
