@@ -1,7 +1,9 @@
 #pragma once
 
 // Whole rectangle jobs as cutting stock: layouts as columns, the problem that they answer, results for hosts,
-// plate after plate by values.
+// plate after plate by values, and column generation.
+#include "platenest/colgen/BCPRectNest.h"
+#include "platenest/colgen/CGRectNest.h"
 #include "platenest/colgen/ColumnList.h"
 #include "platenest/colgen/RectNestProblem.h"
 #include "platenest/colgen/RectPattern.h"
