@@ -53,28 +53,26 @@ bool LiesOn(const TRectSolution& Solution, const TVRect2D& Plate) {
   return detail::SamePlate(Solution.GetSubSolution(0).Key->Plate(), Plate);
 }
 
-// The copies of a pattern that can be kept whole, at most Copies. Takes them off Rest.
-int TakeWhole(const TRectPattern& Pattern, int Copies, std::vector<Int64>& Rest) {
-  std::vector<Int64> used(Rest.size());
-  for (const TNestedRect& item : Pattern.NestedRects()) ++used[static_cast<std::size_t>(item.Part.Idx)];
-  Int64 whole = Copies;
-  for (std::size_t row = 0; row < used.size(); ++row)
-    if (used[row] > 0) whole = std::min(whole, std::max<Int64>(Rest[row], 0) / used[row]);
-  for (std::size_t row = 0; row < used.size(); ++row) Rest[row] -= whole * used[row];
-  return static_cast<int>(whole);
-}
-
-TRectPattern Trimmed(const TRectPattern& Pattern, std::vector<Int64>& Rest) {
+// What Rest leaves of a pattern, from its last item to the first.
+TRectPattern Trimmed(const TRectPattern& Pattern, std::vector<Int64> Rest) {
   TNestedRects kept;
   for (int i = Pattern.NestedRects().Count() - 1; i >= 0; --i) {
     const TNestedRect& item = Pattern.NestedRects().At(i);
-    Int64& rest = Rest[static_cast<std::size_t>(item.Part.Idx)];
-    if (rest <= 0) continue;
-    --rest;
-    kept.push_back(item);
+    if (Rest[static_cast<std::size_t>(item.Part.Idx)]-- > 0) kept.push_back(item);
   }
   kept.Reverse();
   return {std::move(kept), Pattern.Plate()};
+}
+
+// How many copies of a pattern Rest allows, at most Copies. Takes them off Rest.
+int TakeCopies(const TRectPattern& Pattern, int Copies, std::vector<Int64>& Rest) {
+  std::vector<Int64> used(Rest.size());
+  for (const TNestedRect& item : Pattern.NestedRects()) ++used[static_cast<std::size_t>(item.Part.Idx)];
+  Int64 taken = Copies;
+  for (std::size_t row = 0; row < used.size(); ++row)
+    if (used[row] > 0) taken = std::min(taken, Rest[row] / used[row]);
+  for (std::size_t row = 0; row < used.size(); ++row) Rest[row] -= taken * used[row];
+  return static_cast<int>(taken);
 }
 
 }  // namespace
@@ -196,12 +194,12 @@ void TCGRectNest::ReturnExcessiveRects(const TNestRectList& ARects, TRectSolutio
   std::transform(ARects.begin(), ARects.end(), rest.begin(), [](const TNestRect& rect) { return rect.Amount; });
   TRectSolution solution;
   for (const auto& pair : ASolution) {
-    int copies = pair.Value;
-    if (const int whole = TakeWhole(*pair.Key, copies, rest); whole > 0) {
-      solution.AddSubSolution(*pair.Key, whole);
-      copies -= whole;
+    for (int copies = pair.Value; copies > 0;) {
+      auto pattern = std::make_unique<TRectPattern>(Trimmed(*pair.Key, rest));
+      const int taken = TakeCopies(*pattern, copies, rest);
+      solution.AddSubSolution(std::move(pattern), taken);
+      copies -= taken;
     }
-    for (; copies > 0; --copies) solution.AddSubSolution(std::make_unique<TRectPattern>(Trimmed(*pair.Key, rest)), 1);
   }
   solution.MergeSameSolution();
   ASolution = std::move(solution);
