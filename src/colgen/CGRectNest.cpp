@@ -108,7 +108,7 @@ bool TCGRectNest::RunUniPlate(double ATimeLimit, TRectSolution& ASolution) {
   TWork tooLarge;
   SetAside(plate.Space, work, tooLarge);
   if (work.Rects.empty()) return false;
-  const bool solved = SolvePlate(work.Rects, plate, ATimeLimit > 0 ? ATimeLimit : 600.0, ASolution);
+  const bool solved = SolvePlate(*CreateBCPRectNest(work.Rects, plate), ATimeLimit > 0 ? ATimeLimit : 600.0, ASolution);
   ReturnSpace(ASolution, plate.Ratio);
   ReturnExcessiveRects(work.Rects, ASolution);
   return solved;
@@ -126,9 +126,9 @@ bool TCGRectNest::RunSequentialMultiPlate(double ATimeLimit, TRectSolution& ASol
     SetAside(plate.Space, work, aside);
     TRectSolution current;
     if (!work.Rects.empty()) {
+      const auto nest = CreateBCPRectNest(work.Rects, TNestSpace(plate.Space, kEndlessStock, plate.IsUdf));
       const double budget = ATimeLimit > 0 ? std::ceil(ATimeLimit - watch.ElapsedMs() / 1000) : 60.0;
-      const TNestSpace endless(plate.Space, kEndlessStock, plate.IsUdf);
-      if (!(budget > 0) || !SolvePlate(work.Rects, endless, budget, current)) break;
+      if (!(budget > 0) || !SolvePlate(*nest, budget, current)) break;
       ReturnSpace(current, plate.Ratio);
       ReturnExcessiveRects(work.Rects, current);
       ReturnRects(work.Rects, work.Indices, current);
@@ -140,11 +140,9 @@ bool TCGRectNest::RunSequentialMultiPlate(double ATimeLimit, TRectSolution& ASol
   return true;
 }
 
-bool TCGRectNest::SolvePlate(const TNestRectList& ARects, const TNestSpace& ASpace, double ATimeLimit,
-                             TRectSolution& ASolution) {
-  const std::unique_ptr<TBCPRectNest> nest = CreateBCPRectNest(ARects, ASpace);
-  const bool solved = nest->Solve(ASolution, ATimeLimit);
-  for (TRectSolution& other : nest->TakeOtherPlates()) FOtherPlateSolutions.push_back(std::move(other));
+bool TCGRectNest::SolvePlate(TBCPRectNest& ANest, double ATimeLimit, TRectSolution& ASolution) {
+  const bool solved = ANest.Solve(ASolution, ATimeLimit);
+  for (TRectSolution& other : ANest.TakeOtherPlates()) FOtherPlateSolutions.push_back(std::move(other));
   return solved;
 }
 

@@ -56,7 +56,7 @@ class PLATENEST_API TCGRectNest {
 
  private:
   static TRectSolutionFifo& ColumnPool();
-  bool SolvePlate(const TNestRectList& ARects, const TNestSpace& ASpace, double ATimeLimit, TRectSolution& ASolution);
+  bool SolvePlate(TBCPRectNest& ANest, double ATimeLimit, TRectSolution& ASolution);
 
   const TNestRectList* FRects;
   const TNestSpaceList* FPlates;
