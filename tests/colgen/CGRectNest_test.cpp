@@ -8,6 +8,7 @@
 
 #include "FakeClock.h"
 #include "ForEachSeed.h"
+#include "platenest/foundation/Host.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 
 namespace platenest {
@@ -16,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 
 struct TProbe : TCGRectNest {
-  using TCGRectNest::ReturnSpace, TCGRectNest::ReturnExcessiveRects, TCGRectNest::ReturnRects,
+  using TCGRectNest::CheckAmount, TCGRectNest::ReturnSpace, TCGRectNest::ReturnExcessiveRects, TCGRectNest::ReturnRects,
       TCGRectNest::RunSequentialMultiPlate, TCGRectNest::TCGRectNest;
 };
 
@@ -64,8 +65,8 @@ TRectSolution SolutionOf(std::initializer_list<std::pair<TRectPattern, int>> Pai
   return solution;
 }
 
-double FirstX(const TRectSolution& Solution) {
-  return Solution.GetSubSolution(0).Key->NestedRects().At(0).Trans.X;
+double FirstX(const TRectSolution& Solution, int Pair = 0) {
+  return Solution.GetSubSolution(Pair).Key->NestedRects().At(0).Trans.X;
 }
 
 // Copies by position in Parts. Every layout is valid, and the stock of each plate, no two of one size, is kept.
@@ -97,15 +98,21 @@ TEST_F(CGRectNest, StockTakesTheEmptiestPlatesBack) {
   }
 }
 
-// Of three plates the first stays whole, the second loses its first copy of part 0, the third all.
+// Of three plates the first stays whole, the second loses its first copy of part 0, the third all, as the others do.
 TEST_F(CGRectNest, SurplusGoesFromTheFrontOfALayoutAndItsPlateStays) {
   const TNestSpace plate = Plate(100, 10);
   TNestRectList parts = {Part(30, 10, 3), Part(20, 10, 2), Part(9, 9, -1)};
-  TRectSolution solution = SolutionOf({{Row(parts, plate, {0, 0, 1}), 3}});
+  TRectSolution solution = SolutionOf({{Row(parts, plate, {0, 0, 1}), 3}, {Row(parts, plate, {2}), 2}});
   TProbe::ReturnExcessiveRects(parts, solution);
   ASSERT_EQ(solution.Count(), 3);
+  EXPECT_EQ(solution.GetSubSolution(2).Value, 3);
   EXPECT_EQ(CheckedCopies(solution, parts, {plate}), (std::vector<int>{3, 2, 0}));
-  EXPECT_EQ(solution.GetSubSolution(1).Key->NestedRects()[0].Trans.X, 30);
+  EXPECT_EQ(FirstX(solution, 1), 30);
+
+  int warnings = 0;
+  const TWarningScope scope([&](std::string_view line) { warnings += int{line == "AmountError"}; });
+  TProbe(&parts, nullptr, 0).CheckAmount(SolutionOf({{Row(parts, plate, {0, 0, 0, 1, 1}), 9}}), parts);
+  EXPECT_EQ(warnings, 1) << "for part 2: a pattern counts once whatever its number";
 
   TIntegerDynArray indices = {5, 6, 8};
   parts[0].Amount = 4;
@@ -167,21 +174,81 @@ TEST_F(CGRectNest, RunsKeepStockAndAmountsAndReachThemUnlessStopped) {
   });
 }
 
+// They arrive before the first search, or when it is about to begin and its budget is read from the clock.
 TEST_F(CGRectNest, OutsideSolutionsWaitForTheirPlate) {
   const TNestRectList parts = {Part(60, 60, 2)};
   const TNestSpaceList plates = {Plate(100, 100, 1), Plate(90, 80)};
-  TCGRectNest::AddIntialSolution({});
-  TCGRectNest::AddIntialSolution(SolutionOf({{Row(parts, Plate(80, 90), {0}, 7), 2}}));
-  TRectSolution solution;
-  EXPECT_TRUE(TCGRectNest(&parts, &plates, 0).RunRectNest(0, solution));
-  EXPECT_EQ(CheckedCopies(solution, parts, plates)[0], 2);
-  EXPECT_EQ(FirstX(solution), 7);
+  for (const int arrival : {1, 2}) {
+    const TClockScope clock([&, reading = 0]() mutable {
+      if (++reading == arrival) {
+        TCGRectNest::AddIntialSolution({});
+        TCGRectNest::AddIntialSolution(SolutionOf({{Row(parts, Plate(80, 90), {0}, 7), 2}}));
+        TCGRectNest::AddIntialSolution(SolutionOf({{Row(parts, plates[0], {0}, 5), 2}}));
+      }
+      return 0.0;
+    });
+    TRectSolution solution;
+    EXPECT_TRUE(TCGRectNest(&parts, &plates, 0).RunRectNest(9, solution));
+    EXPECT_EQ(CheckedCopies(solution, parts, plates)[0], 2);
+    EXPECT_EQ(FirstX(solution, 0), 7);
+    EXPECT_EQ(FirstX(solution, 1), 5);
+  }
+}
+
+// A search for fewer or more rows leaves them in the pool, and so does a run that is stopped before it begins. The
+// third run asks for the rest of part 0 once and for part 1 twice.
+TEST_F(CGRectNest, OutsideSolutionsAreForTheFullListOnly) {
+  const TNestRectList parts = {Part(40, 40, 3), Part(90, 90, 1)};
+  const TNestSpace small = Plate(60, 60, 1), alike = Plate(61, 61, 1), large = Plate(100, 100);
+  const auto isUsed = [&](const TNestSpaceList& plates) {
+    TRectSolution solution;
+    return TCGRectNest(&parts, &plates, 0).RunRectNest(0, solution) && FirstX(solution) == 7;
+  };
+  const TRectSolution outside = SolutionOf({{Row(parts, large, {1}, 7), 1}, {Row(parts, large, {0, 0}), 2}});
+  TCGRectNest::AddIntialSolution(outside.Clone());
+  for (std::atomic<bool>* flag : {&RectNestTerminated, &ColumnGenerationTerminated}) {
+    *flag = true;
+    EXPECT_FALSE(isUsed({large, small}));
+    *flag = false;
+  }
+  EXPECT_FALSE(isUsed({small}));
+  EXPECT_FALSE(isUsed({small, alike, large}));
+  EXPECT_TRUE(isUsed({small, large}));
+  TCGRectNest::AddIntialSolution(outside.Clone());
+  TCGRectNest::Initialize();
+  EXPECT_FALSE(isUsed({large}));
+}
+
+// An outside solution that the search cannot improve on. One part too many makes the plate of part 1 the fuller one, so
+// stock takes one of part 0 back.
+TEST_F(CGRectNest, StockIsKeptBeforeSurplusGoes) {
+  const TNestRectList parts = {Part(152, 48.5, 2), Part(49, 49, 3)};
+  const TNestSpace plate = Plate(200, 50, 2);
+  for (const TNestSpaceList& plates : {TNestSpaceList{plate}, TNestSpaceList{plate, Plate(10, 10)}}) {
+    TCGRectNest::AddIntialSolution(SolutionOf({{Row(parts, plate, {0}), 2}, {Row(parts, plate, {1, 1, 1, 1}), 1}}));
+    TRectSolution solution;
+    EXPECT_TRUE(TCGRectNest(&parts, &plates, 0).RunRectNest(0, solution));
+    EXPECT_THAT(CheckedCopies(solution, parts, plates), ElementsAre(1, 3));
+  }
+}
+
+// As few plates as the areas allow. It takes patterns that only the raster program finds, for the first job also below
+// the root, and for the second one the completion of a rounded LP.
+TEST_F(CGRectNest, TheHeuristicsTogetherSaveAPlate) {
+  const std::vector<TNestRectList> jobs = {{Part(50, 40, 5), Part(20, 60, 4), Part(20, 90, 4), Part(40, 70, 2)},
+                                           {Part(20, 60, 5), Part(40, 40, 3), Part(50, 50, 1), Part(70, 50, 5)}};
+  for (const TNestRectList& parts : jobs) {
+    TBCPRectNest nest(parts, Plate(101, 101), 0, nullptr);
+    TRectSolution solution;
+    nest.Solve(solution, 0);
+    EXPECT_EQ(std::ceil(nest.Tree().GUB()), &parts == &jobs[0] ? 3 : 4);
+  }
 }
 
 // The only row is 47 by 95, two on a plate. Ways: offered, in the queue at the start, in the queue when the search
 // runs.
 TEST_F(CGRectNest, SolutionsFromOutsideAreReadByPositionAndLoseWhatIsLeftOut) {
-  const TNestRectList parts = {Part(5, 100, 2), Part(30, 30, 0), Part(47, 95, 4)}, others = {Part(5, 5, 1)};
+  const TNestRectList parts = {Part(5, 100, 2), Part(30, 30, 0), Part(47, 95, 4)}, others(3, Part(5, 5, 1));
   const TNestSpace plate = Plate(100, 100), turned = Plate(50, 200);
   TRectSolutionFifo fifo;
   using TOutcome = std::pair<double, int>;  // where the first item lies, columns in the pool
@@ -206,7 +273,8 @@ TEST_F(CGRectNest, SolutionsFromOutsideAreReadByPositionAndLoseWhatIsLeftOut) {
     EXPECT_EQ(offer(best, way), TOutcome(way < 2 ? 5 : 0, 1)) << "a start, or no better than what the search has";
     EXPECT_EQ(offer(column, way), TOutcome(0, way == 1 ? 1 : 2)) << "a start brings no columns";
     EXPECT_EQ(offer(SolutionOf({{Row(parts, turned, {2}), 2}}), way, 1), TOutcome(0, 1));
-    EXPECT_EQ(offer(SolutionOf({{Row(others, plate, {0}), 2}}), way), TOutcome(0, 1));
+    EXPECT_EQ(offer(SolutionOf({{Row(parts, plate, {2, 2}, 3), 2}, {Row(others, plate, {2}), 1}}), way),
+              TOutcome(0, 1));
   }
 }
 
@@ -227,12 +295,12 @@ TEST_F(CGRectNest, ColumnGenerationStopsAfterAGraceAndTheRestAtOnce) {
 TEST_F(CGRectNest, WithoutTimeLeftTheNextPlateIsSkipped) {
   const TNestRectList parts = {Part(49, 49, 8)};
   const TNestSpaceList plates = {Plate(100, 100, 1), Plate(99, 99)};
-  for (const double limit : {10.0, 12.0, 0.0}) {
+  for (const double limit : {10.0, 11.5, 0.0}) {
     TFakeClock clock;
     clock.AdvanceAtEachReading(11000);
     TRectSolution solution;
     EXPECT_TRUE(TProbe(&parts, &plates, 0).RunSequentialMultiPlate(limit, solution));
-    EXPECT_EQ(solution.Count(), limit == 10 ? 0 : limit == 12 ? 1 : 2);
+    EXPECT_EQ(solution.Count(), limit == 10 ? 0 : limit == 11.5 ? 1 : 2);
   }
 }
 

@@ -87,15 +87,42 @@ TEST(RectNestSolver, PatternsAndSolutionsAreValidInRowsOfTheInputAlsoWhenStopped
   });
 }
 
+// The small parts fit six times, by tenths of a unit and turned only.
 TEST(RectNestSolver, PricesDecideAndNotAreas) {
-  TRectNestProblem problem({Part(98, 98, 1), Part(49, 49, 4)}, TVRect2D::FromSize(100, 100), 0);
-  problem.SetDualCost({0.3, 0.1}, kAmp);
+  TRectNestProblem problem({Part(98, 58, 1), Part(29, 33.3, 6)}, TVRect2D::FromSize(100, 60), 0);
+  problem.SetDualCost({0.3, 0.06}, kAmp);
   for (const auto pricing : kPricings) {
     bool usable = false;
     double value = 0;
     pricing(problem, usable, value);
-    EXPECT_EQ(value, pricing == TRectNestSolver::SolveByNestSmart ? 3000 : 4000);
+    EXPECT_EQ(value, pricing == TRectNestSolver::SolveByNestSmart ? 3000 : 3600);
   }
+  TNestRect priced = Part(1, 1, 1);
+  priced.Idx = 1;
+  priced.Area = 5;
+  double value = 0;
+  const auto pattern = TRectNestSolver::CreatePattern({TNestedRect(priced, false, TPoint2D(0, 0))}, problem, value);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(pattern->NestedRects()[0].Part.Area, 600);
+}
+
+std::vector<int> OnOnePlate(TNestRectList Parts, const std::vector<double>& Worths, bool Weighted) {
+  for (std::size_t i = 0; i < Parts.size(); ++i) Parts[i].Area = Worths[i];
+  TNestedRects layout;
+  TRectNestSolver::GreedySolveOnePlate(Parts, TVRect2D::FromSize(100, 100), 0, layout, Weighted);
+  std::vector<int> items;
+  for (const TNestedRect& item : layout) items.push_back(item.Part.Idx);
+  return items;
+}
+
+// Blocks; the raster program, where the demand is too small for blocks; best fit, where worths are too small for both.
+TEST(RectNestSolver, APlateGoesToTheFirstOfThreeNestersThatFillsIt) {
+  const TNestRectList many = {Part(97, 97, 1), Part(49, 49, 4)}, few = {Part(60, 60, 1), Part(55, 55, 1)};
+  EXPECT_THAT(OnOnePlate(many, {5000, 1000}, true), ElementsAre(0));
+  EXPECT_THAT(OnOnePlate(many, {5000, 1000}, false), ElementsAre(1, 1, 1, 1));
+  EXPECT_THAT(OnOnePlate(few, {10, 3000}, true), ElementsAre(1));
+  EXPECT_THAT(OnOnePlate(few, {10, 3000}, false), ElementsAre(0));
+  EXPECT_THAT(OnOnePlate(few, {0.2, 0.3}, true), ElementsAre(0));
 }
 
 std::vector<std::pair<bool, int>> StatusAndItems(int Amount, double Dual, bool Before) {
@@ -124,11 +151,15 @@ TEST(RectNestSolver, StatusIsWrittenOnlyByThoseThatJudge) {
 
 TEST(RectNestSolver, WholeSolutionsRepeatALayoutUntilAPlateStaysEmptyOrStockIsOut) {
   TRectSolution solution;
-  const TRectNestProblem small({Part(49, 49, 11)}, TVRect2D::FromSize(100, 100), 0);
+  TRectNestProblem small({Part(49, 49, 11)}, TVRect2D::FromSize(100, 100), 0);
   EXPECT_TRUE(TRectNestSolver::GreedyNest(small, solution));
   ASSERT_EQ(solution.Count(), 2);
   EXPECT_EQ(solution.GetSubSolution(0).Value, 2);
   EXPECT_TRUE(TRectNestSolver::SolveResidual(small, {}, solution));
+  EXPECT_EQ(solution.Count(), 4);
+
+  small.SetDualCost({2e-5}, kAmp);
+  EXPECT_TRUE(TRectNestSolver::BPRGSolve(small, solution, true)) << "worths are cut to whole ones";
   EXPECT_EQ(solution.Count(), 4);
 
   TRectNestProblem large({Part(490, 490, 10001)}, TVRect2D::FromSize(600, 600), 0);
