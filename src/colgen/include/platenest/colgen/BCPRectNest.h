@@ -17,7 +17,8 @@ using TRectSolutionFifo = TFifo<TRectSolution>;
 
 // One search by branch-and-price (see TBCPTree) for rectangles on one kind of plate, as many plates as needed: pricing
 // by TRectNestSolver::SolveByMultiRectNest, then SolveByRSKF; a first solution by GreedyNest; rounded LPs completed by
-// SolveResidual. Lengths are plate units.
+// SolveResidual. Lengths are plate units and should have three decimals at most: SolveResidual lays finer ones out
+// with overlaps of up to 0.0005.
 //
 // Left out are the parts that TRectNestProblem leaves out, those equal to the plate in a side among them, parts without
 // a finite positive size, and everything on a plate or with a gap that is not finite. Part.Idx in solutions that go in

@@ -56,7 +56,8 @@ class PLATENEST_API TRectNestSolver {
   static bool GreedySolveOnePlate(const TNestRectList& ARects, const TVRect2D& APlate, double AGap,
                                   TNestedRects& AResult, bool AWeighted);
   // TSVCBPRGNest, without correction, on a stock of 10000 plates: all of the demand or nothing. The boxes are those of
-  // the rows again, where the nester rounds them to three decimals. ASpecificValue: by Area.
+  // the rows again, while the nester has laid them out rounded to three decimals: sizes with more of them may come
+  // nearer than the gap, or reach beyond the plate, by 0.0005 a side. ASpecificValue: by Area.
   static bool BPRGSolve(const TProblem& AProblem, TRectSolution& ASolution, bool ASpecificValue);
 
   // Sum of the Area of the items: their worth while the layout still carries the priced rows.
