@@ -60,6 +60,15 @@ TEST(TrailUnion, CountsEqualChipsAsOftenAsTheyAreThere) {
   EXPECT_TRUE(United(chips, true).empty()) << "nothing is turned because of its area";
 }
 
+TEST(TrailUnion, LeavesOutWhatCancelsAndWhatIsStraight) {
+  TChipList chips;
+  AddRing(chips, {{0, 0}, {1, 0}, {3, 0}, {5, 0}, {5, 2}, {7, 2}, {5, 2}, {5, 4}, {9, 4}, {0, 4}});
+  const TPaths paths = United(chips, false);
+  ASSERT_EQ(paths.size(), 1u);
+  EXPECT_EQ(paths[0].size(), 4u);
+  EXPECT_EQ(TPathUtils::Area(paths), 20e10);
+}
+
 TEST(TrailUnion, JoinsAFewLooseEndsAndIsUsableAfterAFailure) {
   TChipList whole;
   AddSquare(whole, 0, 6);

@@ -73,12 +73,8 @@ TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath
   return UniteMany(std::move(sums));
 }
 
-TPaths MinkowskiSum(const TPaths& A, const TPaths& B) {
-  return MinkowskiSumOfPieces(ConvexPieces(A), ConvexPieces(B));
-}
-
 TPaths ForbiddenRegion(const TPaths& Static, const TPaths& Dynamic) {
-  return MinkowskiSum(Static, Negated(Dynamic));
+  return MinkowskiSumOfPieces(ConvexPieces(Static), ConvexPieces(Negated(Dynamic)));
 }
 
 TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic) {

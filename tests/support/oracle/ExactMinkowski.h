@@ -10,9 +10,8 @@
 // of a region and vanish in it; ask Overlaps() for such a place.
 namespace platenest {
 
-// Sum of two polygons, holes included: convex pieces of both are summed pair by pair and united. Exact but for the
+// Sum of two polygons, holes included: their convex pieces are summed pair by pair and united. Exact but for the
 // rounding of crossing points by the union, about one unit. Normalised.
-TPaths MinkowskiSum(const TPaths& A, const TPaths& B);
 TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B);
 
 // Static and moving shape as polygons. Normalised; empty if one of them is.
