@@ -68,6 +68,7 @@ TEST(NfpOracle, EveryPairOfKindsAgreesWithItsSamplesAndItsMirrorImage) {
   ForEachSeed(60, [](unsigned seed) {
     const TShapePair pair = MakePair(40, seed);
     SCOPED_TRACE(std::string(NameOf(pair.StaticKind)) + " and " + NameOf(pair.DynamicKind));
+    for (std::size_t i = 0; i < pair.Static.size(); ++i) EXPECT_EQ(pair.Static[i].IsClockwise(), i > 0);
     const TPaths region = ForbiddenRegion(pair.Static, pair.Dynamic);
     EXPECT_EQ(CheckNfpBySampling(pair.Static, pair.Dynamic, region, seed), "");
     const TRegionDifference off = CompareRegions(Negated(ForbiddenRegion(pair.Dynamic, pair.Static)), region);
