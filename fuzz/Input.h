@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -23,5 +24,12 @@ class TInput {
   const std::uint8_t* FNext;
   const std::uint8_t* FEnd;
 };
+
+// Of any bits, those of infinity and of no number included.
+inline double AnyDouble(TInput& In) {
+  std::uint64_t bits = 0;
+  for (int i = 0; i < 8; ++i) bits = bits << 8 | static_cast<std::uint64_t>(In.Next());
+  return std::bit_cast<double>(bits);
+}
 
 }  // namespace platenest

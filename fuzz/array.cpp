@@ -1,10 +1,9 @@
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <iterator>
 
+#include "Input.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/services/arrayInfo.h"
 
@@ -12,44 +11,24 @@ namespace {
 
 using namespace platenest;
 
-// Takes numbers off the input, with a liking for those that break formulas; 0 once it is used up.
-class TInput {
- public:
-  TInput(const std::uint8_t* Data, std::size_t Size) : FData(Data), FSize(Size) {}
+// With a liking for numbers that break formulas.
+double Number(TInput& In) {
+  constexpr double kHostile[] = {0,     1e-300, 1e-13, 1e-7, 0.0009, 1e9,      1e13,
+                                 -1e13, 1e14,   1e300, 1e-3, -1e-3,  INFINITY, NAN};
+  const int kind = In.Next();
+  if (kind < static_cast<int>(std::size(kHostile))) return kHostile[kind];
+  if (kind < 32) return AnyDouble(In);
+  return static_cast<std::int8_t>(In.Next()) / 4.0;
+}
 
-  std::uint8_t Byte() {
-    if (FSize == 0) return 0;
-    --FSize;
-    return *FData++;
-  }
-  double Number() {
-    constexpr double kHostile[] = {0,     1e-300, 1e-13, 1e-7, 0.0009, 1e9,      1e13,
-                                   -1e13, 1e14,   1e300, 1e-3, -1e-3,  INFINITY, NAN};
-    const std::uint8_t kind = Byte();
-    if (kind < std::size(kHostile)) return kHostile[kind];
-    if (kind < 32) return Raw();
-    return static_cast<std::int8_t>(Byte()) / 4.0;
-  }
-  TPoint2D Vector() {
-    const double x = Number();
-    return {x, Number()};
-  }
-  std::size_t Left() const { return FSize; }
-
- private:
-  double Raw() {
-    std::uint64_t bits = 0;
-    for (int i = 0; i < 8; ++i) bits = bits << 8 | Byte();
-    return std::bit_cast<double>(bits);
-  }
-
-  const std::uint8_t* FData;
-  std::size_t FSize;
-};
+TPoint2D Vector(TInput& In) {
+  const double x = Number(In);
+  return {x, Number(In)};
+}
 
 TVPolyline2D Contour(TInput& Input) {
   TVPolyline2D contour;
-  for (int i = Input.Byte() % 10; i > 0; --i) contour.push_back(Input.Vector());
+  for (int i = Input.Next() % 10; i > 0; --i) contour.push_back(Vector(Input));
   return contour;
 }
 
@@ -61,7 +40,7 @@ TVPolyline2D ClosedContour(TInput& Input) {
 
 TPaths SomePaths(TInput& Input) {
   TPaths paths;
-  for (int i = Input.Byte() % 3; i > 0; --i) {
+  for (int i = Input.Next() % 3; i > 0; --i) {
     paths.emplace_back();
     for (const TPoint2D& point : Contour(Input)) paths.back().push_back(TPathUtils::CreateIntPoint(point, kPathScale));
   }
@@ -88,17 +67,13 @@ bool IsShallow(const TPoint2D& A, const TPoint2D& B) {
   return sine > 1e-7 && sine < 0.1;
 }
 
-void Require(bool Condition) {
-  if (!Condition) std::abort();
-}
-
 void TryArray(TInput& Input) {
   TPaths nfp = SomePaths(Input);
-  const TPoint2D first = Input.Vector();
-  const TPoint2D second = Input.Vector();
-  const double tol = Input.Number();
+  const TPoint2D first = Vector(Input);
+  const TPoint2D second = Vector(Input);
+  const double tol = Number(Input);
   const TVHPolygonList none;
-  switch (Input.Byte() % 8) {
+  switch (Input.Next() % 8) {
     case 0:
       if (MakesAShortRow(nfp, first)) TArrayInfoAlgo::CalcBest2ndArrayTrans(nfp, first, tol);
       return;
@@ -118,7 +93,7 @@ void TryArray(TInput& Input) {
       if (MakesAShortRow(nfp, first)) TArrayInfoAlgo::Calc2ndArrayTransY(none, first, nfp, 0, tol > 0);
       return;
     case 5:
-      TArrayInfoAlgo::CalcArrayTrans(nfp, Input.Byte() % 5, tol > 0);
+      TArrayInfoAlgo::CalcArrayTrans(nfp, Input.Next() % 5, tol > 0);
       return;
     case 6: {
       const TPoint2D best = nfp.empty() ? Origin2D : TArrayInfoAlgo::Calc1stArrayTrans(nfp.front());
@@ -134,18 +109,18 @@ void TryArray(TInput& Input) {
 void TryLabel(TInput& Input) {
   const TVPolyline2DList layer{ClosedContour(Input)};
   TVPolyline2DList inner;
-  for (int i = Input.Byte() % 3; i > 0; --i) inner.push_back(Contour(Input));
-  const TVRect2D label(Input.Vector(), Input.Vector());
+  for (int i = Input.Next() % 3; i > 0; --i) inner.push_back(Contour(Input));
+  const TVRect2D label(Vector(Input), Vector(Input));
   bool turned = false;
   TPoint2D place;
-  if (TLabelInPartAlgo::CalcLabelPosInPart(layer, inner, label, Input.Number(), turned, place))
+  if (TLabelInPartAlgo::CalcLabelPosInPart(layer, inner, label, Number(Input), turned, place))
     Require(std::isfinite(place.X) && std::isfinite(place.Y));
 }
 
 void TrySucker(TInput& Input) {
   const TVHPolygon part{ClosedContour(Input), Contour(Input)};
   TPoint2D place;
-  if (TSuckerInPartAlgo::CalcSuckerPosInPart(part, Input.Number(), place))
+  if (TSuckerInPartAlgo::CalcSuckerPosInPart(part, Number(Input), place))
     Require(std::isfinite(place.X) && std::isfinite(place.Y));
 }
 
@@ -153,10 +128,11 @@ void TrySucker(TInput& Input) {
 
 // Degenerate shapes, vectors and tolerances are answered or refused with an error of the library.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {
-  if (Size > 400) return 0;
-  TInput input(Data, Size);
+  constexpr std::size_t kMost = 400;
+  if (Size > kMost) return 0;
+  TInput input(Data, Size, kMost);
   try {
-    switch (input.Byte() % 4) {
+    switch (input.Next() % 4) {
       case 0:
         TryLabel(input);
         break;

@@ -1,4 +1,3 @@
-#include <bit>
 #include <limits>
 #include <optional>
 #include <string>
@@ -22,9 +21,7 @@ double Number(TInput& In) {
   const int kind = In.Next();
   if (kind < 200) return kind / 2.0;
   if (kind < 240) return -(kind - 200) / 4.0;
-  std::uint64_t bits = 0;
-  for (int i = 0; i < 8; ++i) bits = bits << 8 | static_cast<std::uint64_t>(In.Next());
-  return std::bit_cast<double>(bits);
+  return AnyDouble(In);
 }
 
 std::string Text(TInput& In) {

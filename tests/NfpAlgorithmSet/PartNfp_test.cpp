@@ -47,12 +47,6 @@ TVHPolygon Moved(TVHPolygon Part, const TPoint2D& By) {
   return Part;
 }
 
-TVHPolygon Turned(TVHPolygon Part, double Angle) {
-  for (TVPolyline2D& contour : Part)
-    for (TPoint2D& point : contour) point = point.RotateBy(Angle);
-  return Part;
-}
-
 // Tells a difference above Share of the exact area.
 std::string Compared(const TPaths& Paths, const TPaths& Exact, double Share, double Band) {
   const TRegionDifference difference = CompareRegions(Paths, Exact, Band, 4e-6);
@@ -106,21 +100,6 @@ TEST(PartNfp, RandomPairsAgreeWithTheOracle) {
     EXPECT_EQ(CheckNfpBySampling(pair.Static, pair.Dynamic, paths, Seed, {60, kCleaningBand}), "");
     EXPECT_EQ(Compared(paths, ForbiddenRegion(pair.Static, pair.Dynamic), 1e-4, kCleaningBand), "");
   });
-}
-
-// A part may stand in a hole of the other one: the free places lie clockwise in the outline.
-TEST(PartNfp, HolesOfEitherPartAreFreePlaces) {
-  const TVHPolygon frame{Box(0, 16, 0, 10), Box(3, 13, 2, 8)};
-  const TVHPolygon corner{{{{100, 50}, {103, 50}, {103, 51}, {101, 51}, {101, 53}, {100, 53}}}};
-  for (const TVHPolygon& part : {corner, Turned(corner, 1)}) {
-    for (const auto& [fixed, moving] : {std::pair{frame, part}, std::pair{part, frame}}) {
-      const TPaths paths = NfpOf(fixed, moving);
-      ASSERT_THAT(paths, SizeIs(2));
-      EXPECT_LT(ClipperLib::Area(paths[1]), 0);
-      EXPECT_EQ(CheckNfpBySampling(fixed, moving, paths, 1), "");
-      EXPECT_EQ(Compared(paths, ForbiddenRegion(fixed, moving), 1e-6, 2e-5), "");
-    }
-  }
 }
 
 TEST(PartNfp, PartsOfSimilarAreaDoNotLookIntoHoles) {
@@ -305,16 +284,6 @@ TEST(PartsPackNfp, StaticPartsForbidTogetherAndDynamicPartsMoveAsOne) {
   EXPECT_DOUBLE_EQ(areaOf(TPack({square, {{Box(0, 11, 0, 1)}}, square}), TPack({plate}), true), 0);
   // Any plate will do, and a fit without play, one unit wide, survives the union.
   EXPECT_NEAR(areaOf(TPack({{{Box(0, 2, 0, 1)}}}), TPack({plate, {{Box(20, 22, 0, 10)}}}), true), 72 + 9e-5, 1e-9);
-}
-
-TEST(PartsPackNfp, CalcLeavesItsArgumentsAlone) {
-  const TVHPolygon closed{{{{0, 0}, {0, 5}, {2, 2}, {5, 0}, {0, 0}}}};  // clockwise and with repeated first point
-  const TPack statics = TPack({closed});
-  const TPack dynamics = TPack({closed});
-  for (const bool putInside : {false, true}) TPartsPackNFP().CalcNFP(dynamics, statics, putInside, ntConvexHull);
-  for (const TVHPolygonList& list : {statics, dynamics})
-    for (std::size_t i = 0; i < closed[0].size(); ++i) EXPECT_EQ(list[0][0][i], closed[0][i]);
-  EXPECT_EQ(statics[0][0].size() + dynamics[0][0].size(), 2 * closed[0].size());
 }
 
 }  // namespace

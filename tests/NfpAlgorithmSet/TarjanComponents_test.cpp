@@ -94,17 +94,5 @@ TEST(TarjanComponents, SoleCircuitAllowsNothingBesideIt) {
   }
 }
 
-// Recursion would need a stack frame per vertex here.
-TEST(TarjanComponents, PathAndRingOfAMillionVertices) {
-  constexpr int count = 1'000'000;
-  TIdGraph graph(count);
-  for (int i = 0; i + 1 < count; ++i) graph.AddEdgeNoErr(i, i + 1);
-  EXPECT_EQ(TTarjanComponents(graph, 0).GetStrongConnectedCompnents().Count(), count);
-  graph.AddEdgeNoErr(count - 1, 0);
-  TTarjanComponents search(graph, 2);
-  EXPECT_EQ(search.GetStrongConnectedCompnents().TotalSize(1), count);
-  EXPECT_TRUE(search.IsSoleCircuit());
-}
-
 }  // namespace
 }  // namespace platenest

@@ -5,9 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <numeric>
-#include <random>
 #include <utility>
 
 #include "GraphFixtures.h"
@@ -165,50 +163,6 @@ TEST(VectorGraph, StraightRunsAndDiamondsCloseUp) {
     TVectorGraph graph(chips, false);
     graph.EliminateEdges(false);
     EXPECT_EQ(Edges(graph), left) << name;
-  }
-}
-
-using TUnit = std::pair<std::pair<int, int>, bool>;  // lower left end of a unit of the grid, and whether it is vertical
-
-// How often each unit of the grid is run along, to the right and upward counting positive.
-std::map<TUnit, int> UnitCounts(const TVectorGraph& Graph) {
-  std::map<TUnit, int> counts;
-  for (int id = 0; id <= Graph.MaxVertexId(); ++id)
-    for (const int end : Graph.Successors(id)) {
-      const TPoint2D from = Graph.GetVertex(id);
-      const TPoint2D to = Graph.GetVertex(end);
-      const bool vertical = from.X == to.X;
-      const int a = Round<int>(vertical ? from.Y : from.X);
-      const int b = Round<int>(vertical ? to.Y : to.X);
-      const int across = Round<int>(vertical ? from.X : from.Y);
-      for (int i = std::min(a, b); i < std::max(a, b); ++i)
-        counts[{vertical ? std::pair{across, i} : std::pair{i, across}, vertical}] += a < b ? 1 : -1;
-    }
-  return counts;
-}
-
-// What runs along a line more in one direction than in the other stays once, in that direction; the rest goes.
-TEST(VectorGraph, OverlapsCancelExactlyOnClosedWaysOverAGrid) {
-  std::mt19937 random(9);
-  for (int round = 0; round < 300; ++round) {
-    TChipList chips;
-    const int loops = 1 + static_cast<int>(random() % 5);
-    for (int i = 0; i < loops; ++i) {
-      const auto place = [&] { return static_cast<double>(random() % 6); };
-      const double x = place(), y = place(), w = 1 + place(), h = 1 + place();
-      const bool back = random() % 2 == 0;
-      chips = chips + (back ? Loop({{x, y}, {x, y + h}, {x + w, y + h}, {x + w, y}})
-                            : Loop({{x, y}, {x + w, y}, {x + w, y + h}, {x, y + h}}));
-    }
-    TVectorGraph graph(chips, random() % 2 == 0);
-    auto expected = UnitCounts(graph);
-    graph.EliminateEdges(true);
-    const auto found = UnitCounts(graph);
-    for (auto& [unit, count] : expected) {
-      const auto place = found.find(unit);
-      ASSERT_EQ(place == found.end() ? 0 : place->second, Sign(count, 0)) << "round " << round;
-    }
-    for (const auto& [unit, count] : found) ASSERT_TRUE(expected.contains(unit));
   }
 }
 

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-
 #include "platenest/foundation/GeometryLog.h"
 
 namespace platenest {
@@ -19,23 +16,6 @@ TEST(CalcCoedgeLength, EachPairCountsFromBothSidesWithItsOverlap) {
   EXPECT_NEAR(CalcCoedgeLength({base, Placed(10, 10, 10, 6)}), 8.04, 1e-9) << "four units shared";
   EXPECT_NEAR(CalcCoedgeLength({base, Placed(10, 4, 14, 0, true)}), 20.04, 1e-9) << "turned: from x 10 to 14";
   EXPECT_EQ(CalcCoedgeLength({base, Placed(10, 10, 10.03, 0)}), 0);
-}
-
-TEST(CalcCoedgeLength, EqualsAllPairs) {
-  std::mt19937 random(23);
-  std::uniform_int_distribution<int> draw(1, 40);
-  TNestedRects list;
-  for (int i = 0; i < 300; ++i)
-    list.push_back(Placed(draw(random), draw(random), 5 * draw(random), 5 * draw(random), i % 2));
-  double expected = 0;
-  for (const TNestedRect& a : list) {
-    for (const TNestedRect& b : list) {
-      if (&a == &b) continue;
-      const TVRect2D common = a.BoundBox().Inflate(0.01).Intersect(b.BoundBox().Inflate(0.01));
-      if (common.IsValid()) expected += std::max(common.Width(), common.Height());
-    }
-  }
-  EXPECT_NEAR(CalcCoedgeLength(list), expected, 1e-9 * expected);
 }
 
 TEST(OutputNestedRects, GivesClosedContoursAndKeepsThePositionOfUnturnedParts) {

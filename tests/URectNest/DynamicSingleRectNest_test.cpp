@@ -58,14 +58,6 @@ double SearchWithLists(const TNestRect& Part, double H, double W, double Gap, TN
   return ratio;
 }
 
-TEST(DynamicSingleRectNest, TrimsToTheBestUsedLength) {
-  // A length of 6 holds five copies without waste; the sixth one on the whole length of 8 costs more than it brings.
-  TNestedRects list{TNestedRect()};
-  EXPECT_NEAR(DynamicSingleRectNest(Part(3, 2, 100), 5, 8, 0, list), 0.8, 1e-12) << "the last ratio, not the best";
-  EXPECT_EQ(list.Count(), 5) << "what was in the list is gone";
-  EXPECT_EQ(list.BoundBox().Right, 6);
-}
-
 TEST(DynamicSingleRectNest, AStopLeavesTheFullPlate) {
   TStopToken stop;
   stop.RequestStop();
@@ -110,14 +102,6 @@ TEST(DynamicSingleRectNest, EqualsTheSearchThatBuildsEveryTrial) {
   }
   EXPECT_GT(raised, 10);
   EXPECT_GT(trimmed, 50);
-}
-
-TEST(DynamicSingleRectNest, RaisesWhenNoUsedLengthIsLeft) {
-  TNestedRects list{TNestedRect()};
-  // One column of 10 on a plate of 19: its length, shared by both copies, is more than a third.
-  EXPECT_THROW(DynamicSingleRectNest(Part(10, 10, 100), 20, 19, 0, list), TRangeError);
-  EXPECT_THROW(DynamicSingleRectNest(Part(50, 50, 100), 20, 19, 0, list), TRangeError) << "nothing fits";
-  EXPECT_EQ(list.Count(), 1) << "untouched";
 }
 
 }  // namespace

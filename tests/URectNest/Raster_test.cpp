@@ -74,13 +74,6 @@ void ExpectIndices(const TInts& Points, const TInts& Index, const TInts& Mirrore
     ASSERT_EQ(Mirrored[i], Index[static_cast<std::size_t>(Size - Points[i])]);
 }
 
-TEST(Raster, KnownPlates) {
-  EXPECT_EQ(TRaster(10, 7, {TIntBox(4, 3, 0, 1, 0)}, true, true).RasterL, (TInts{0, 3, 4, 10}));
-  const TRaster locked(12, 9, {TIntBox(5, 4, 0, 9, 0)}, false, true);
-  EXPECT_EQ(locked.RasterW, (TInts{0, 4, 5, 8, 9})) << "5 is left over from the length axis";
-  EXPECT_EQ(TRaster(10, 0, {}, true, false).RasterW, (TInts{0}));
-}
-
 TEST(Raster, BoxesWithoutBothSidesAreNoSums) {
   const TIntBoxList boxes{TIntBox(0, 3, 0, 5, 1), TIntBox(3, -1, 0, 5, 1), TIntBox(3, 3, 0, -2, 1)};
   EXPECT_EQ(TRaster(10, 7, boxes, true, true).RasterL, (TInts{0, 10}));

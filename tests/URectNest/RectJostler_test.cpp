@@ -35,15 +35,6 @@ TPlaces Places(const TNestedRects& List) {
   return places;
 }
 
-TEST(RectJostler, DropsLeftBeforeDownAndBothTwice) {
-  EXPECT_EQ(Places(Jostled({Placed(30, 20, 50, 40)}, 5, false, false)), (TPlaces{{0, 0}}));
-  EXPECT_EQ(Places(Jostled({Placed(30, 20, 70, 40, 0, true)})), (TPlaces{{20, 0}}));
-  EXPECT_EQ(Places(Jostled({Placed(20, 10, 0, 0), Placed(10, 10, 22, 10, 1)})), (TPlaces{{0, 0}, {0, 10}}));
-  // The third passes below the second only after it has come down beside it.
-  const TNestedRects twice{Placed(10, 20, 0, 0), Placed(30, 10, 0, 23, 1), Placed(10, 10, 35, 23, 2)};
-  EXPECT_EQ(Places(Jostled(twice, 3)), (TPlaces{{0, 0}, {13 - 1e-5, 0}, {0, 23 - 1e-5}}));
-}
-
 // Two neighbours above an obstacle that carries the first only: joined, the second stays up beside it.
 TEST(RectJostler, NeighboursOfOneIndexAndTurnMoveAsOneBlock) {
   const auto joined = [](double Hole, int Idx, bool Turned, double Gap) {

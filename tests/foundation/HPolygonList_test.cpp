@@ -2,16 +2,13 @@
 
 #include <cmath>
 
+#include "BoxContour.h"
 #include "ForEachSeed.h"
 #include "platenest/foundation/Polyline.h"
 #include "platenest/foundation/Random.h"
 
 namespace platenest {
 namespace {
-
-TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
-}
 
 double Area(const TVHPolygonList& Shapes) {
   double sum = 0;
@@ -21,16 +18,6 @@ double Area(const TVHPolygonList& Shapes) {
 }
 
 const TVHPolygon kFrame{Box(0, 0, 10, 10), Box(2, 2, 8, 8)};
-
-TEST(HPolygonList, MembersOverlapOnlyInMaterial) {
-  const auto withFrame = [](const TVPolyline2D& Other) {
-    return TVHPolygonList{TVHPolygon{Box(50, 0, 51, 1)}, TVHPolygon{Other}, kFrame}.MembersOverlap();
-  };
-  EXPECT_FALSE(withFrame(Box(2, 2, 8, 8))) << "fills the hole";
-  EXPECT_TRUE(withFrame(Box(2 - 2e-6, 2, 8, 8)));
-  EXPECT_TRUE(withFrame(Box(0.5, 0.5, 1, 1)));
-  EXPECT_TRUE((TVHPolygonList{kFrame, kFrame}.MembersOverlap()));
-}
 
 TEST(HPolygonList, PointIsInsideOnTheEdgeOrOutside) {
   const TVHPolygonList list{TVHPolygon(), kFrame, TVHPolygon{Box(10, 0, 20, 5)}, TVHPolygon{Box(1, 1, 3, 3)}};

@@ -36,7 +36,10 @@ TEST(Host, ScopesNestAndComeBackWhenTheirBlockThrows) {
     throw std::runtime_error("out");
   } catch (const std::runtime_error&) {
   }
-  EXPECT_TRUE(outer.Calls().empty() && outer.Warnings().empty());
+  AppSys::CallProc("CmdLogln", "outside");
+  TCerr::W("outside");
+  EXPECT_EQ(outer.Calls(), (TCalls{{"CmdLogln", "outside"}}));
+  EXPECT_EQ(outer.Warnings(), TLines{"outside"});
   EXPECT_EQ(FreePhysicalMemory(), 7);
   EXPECT_EQ(Clock::NowMs(), 100);
   EXPECT_EQ(CurrentStopToken(), &token);

@@ -215,19 +215,5 @@ TEST(Knapsack, CountsMayReplaceAListThatWasPassedIn) {
   EXPECT_EQ(list, (std::vector{1, 1}));
 }
 
-// Sums of multiples of 3 miss the capacity, and one odd item keeps the common divisor at 1: nothing can be left out.
-TEST(Knapsack, HardCaseOfFullStripSizeIsExact) {
-  const TRandomScope scope(1);
-  TProblem p{{200'002}, {200'002}, {1}, 300'500};
-  for (int i = 0; i < 20; ++i) {
-    p.Weights.push_back(3 * From(500, 4000));
-    p.Values.push_back(p.Weights.back());
-    p.Limits.push_back(20);
-  }
-  const TAnswer answer = Solve(p);
-  EXPECT_EQ(answer.first, 300'499);
-  ExpectReproduces(p, answer);
-}
-
 }  // namespace
 }  // namespace platenest

@@ -4,6 +4,7 @@
 #include <numbers>
 #include <vector>
 
+#include "BoxContour.h"
 #include "ForEachSeed.h"
 #include "platenest/foundation/HostShapes.h"
 #include "platenest/foundation/Paths.h"
@@ -11,10 +12,6 @@
 
 namespace platenest {
 namespace {
-
-TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
-}
 
 TVPolyline2D Moved(TVPolyline2D Contour, double X, double Y) {
   Contour.Translate({X, Y});

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "BoxContour.h"
+
 namespace platenest {
 namespace {
 
@@ -12,10 +14,6 @@ constexpr double kTwoDegrees = 0.03490658503988659;
 constexpr int kSquare = 0;
 constexpr int kRound = 1;
 constexpr int kMitre = 2;
-
-TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
-}
 
 TPaths PathsOf(const TVHPolygon& Contours) {
   TPaths paths;

@@ -5,15 +5,10 @@
 #include <cmath>
 #include <vector>
 
-#include "ForEachSeed.h"
-#include "platenest/foundation/Random.h"
+#include "BoxContour.h"
 
 namespace platenest {
 namespace {
-
-TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return {{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
-}
 
 using TAreas = std::vector<std::vector<double>>;
 
@@ -44,36 +39,6 @@ TEST(PolylineTree, ContactsDoNotDecide) {
   EXPECT_EQ(Sorted({box, box}), (TAreas{{16}, {16}})) << "equal contours do not contain each other";
   const TVPolyline2D u{{0, 0}, {9, 0}, {9, 9}, {6, 9}, {6, 3}, {3, 3}, {3, 9}, {0, 9}};
   EXPECT_EQ(Sorted({u, Box(3, 3, 6, 9), Box(4, 5, 5, 6)}), (TAreas{{63}, {18, 1}})) << "the bay is outside";
-}
-
-// A box is cut into nested boxes at random; the depth of each is known by the way it was made.
-void Nest(double Left, double Bottom, double Size, int Depth, TVPolyline2DList& Contours, std::vector<int>& Depths) {
-  Contours.push_back(Box(Left, Bottom, Left + Size, Bottom + Size));
-  Depths.push_back(Depth);
-  if (Size < 0.05) return;
-  for (const double x : {0.0, 0.5})
-    for (const double y : {0.0, 0.5})
-      if (Random(5) < 2) Nest(Left + x * Size, Bottom + y * Size, Size * 0.4, Depth + 1, Contours, Depths);
-}
-
-TEST(PolylineTree, CountsTheContoursAround) {
-  ForEachSeed(200, [](unsigned Seed) {
-    const TRandomScope scope(Seed);
-    TVPolyline2DList contours;
-    std::vector<int> depths;
-    for (int i = 0; i < 3; ++i) Nest(20 * i, 0, 16, 0, contours, depths);
-    const TVHPolygonList shapes = TVPolyline2DTree(contours).CreateHPolygons();
-    std::size_t outer = 0;
-    for (const int depth : depths) outer += depth % 2 == 0;
-    EXPECT_EQ(shapes.size(), outer);
-    std::size_t total = 0;
-    for (const TVHPolygon& shape : shapes) {
-      total += shape.size();
-      for (std::size_t i = 1; i < shape.size(); ++i)
-        EXPECT_NEAR(shape[i].BoundBox().Width(), 0.4 * shape[0].BoundBox().Width(), 1e-9) << "its own holes";
-    }
-    EXPECT_EQ(total, contours.size());
-  });
 }
 
 }  // namespace

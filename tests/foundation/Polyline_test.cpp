@@ -235,6 +235,8 @@ TEST(HPolygon, CentroidHasTheHolesTakenOut) {
     for (const TVHPolygon& polygon : {withHole, TVHPolygon{corner}, TVHPolygon{Repeated(corner)}})
       EXPECT_EQ(polygon.Gravity(), (TPoint2D{20.0 / 12, 20.0 / 12})) << "whatever the direction of the hole";
   }
+  withHole.SetIsClockwise(true);
+  EXPECT_TRUE(withHole[0].IsClockwise() && !withHole[1].IsClockwise()) << "holes run against their outer contour";
   EXPECT_EQ((TVHPolygon{TVPolyline2D{{0, 0}, {0.3, 0.1}, {3, 1}}}.Gravity()), (TPoint2D{1.5, 0.5})) << "flat";
 }
 

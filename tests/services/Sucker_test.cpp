@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "BoxContour.h"
 #include "ForEachSeed.h"
 #include "Region.h"
 #include "Shapes.h"
@@ -10,10 +11,6 @@ namespace platenest {
 namespace {
 
 using TSucker = TSuckerInPartAlgo;
-
-TVPolyline2D Box(double Left, double Bottom, double Right, double Top) {
-  return TVPolyline2D{{Left, Bottom}, {Right, Bottom}, {Right, Top}, {Left, Top}};
-}
 
 TVPolyline2D Closed(TVPolyline2D Line) {
   Line.push_back(TPoint2D(Line.front()));

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <stdexcept>
 #include <string>
 
 #include "ConvexPieces.h"
 #include "ExactMinkowski.h"
 #include "ForEachSeed.h"
 #include "InnerFit.h"
-#include "NfpInstances.h"
 #include "NfpSampling.h"
 #include "OverlapDepth.h"
 #include "Shapes.h"
@@ -51,7 +48,6 @@ const TPaths kAngle{PathOf({{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}})};
 TEST(NfpOracle, FreesThePlacesInHolesOfEitherPart) {
   const TPaths frame{Box(0, 10, 0, 10), Hole(Box(1, 9, 1, 9))};
   EXPECT_DOUBLE_EQ(RegionArea(ForbiddenRegion(frame, {Box(0, 2, 0, 2)})), 12 * 12 - 6 * 6);
-  EXPECT_EQ(CellForbiddenArea(frame, {Box(0, 2, 0, 2)}), 12 * 12 - 6 * 6);
   const TPaths ring{Box(0, 16, 0, 10), Hole(Box(3, 13, 2, 8))};
   const TPaths around = ForbiddenRegion({Box(100, 102, 50, 52)}, ring);
   EXPECT_DOUBLE_EQ(RegionArea(around), 18 * 12 - 8 * 4);
@@ -68,31 +64,11 @@ TEST(NfpOracle, FindsWhereAPartFitsIntoAPlateWithHoles) {
   EXPECT_FALSE(FitsAt(kRoom, ring, Place(0.99999, 3)) || FitsAt(kRoom, kUnitSquare, Place(9.00001, 0)));
 }
 
-TEST(NfpOracle, AllWaysToTheSumAgreeOnShapesOfTheGrid) {
-  ForEachSeed(40, [](unsigned seed) {
-    const TShapeKind kinds[] = {TShapeKind::Comb, TShapeKind::Staircase, TShapeKind::LShape, TShapeKind::UShape};
-    const TPaths s = PolygonOf(MakeShape(kinds[seed % 4], 24, 10, seed));
-    const TPaths d = PolygonOf(MakeShape(kinds[seed / 4 % 4], 20, 10, seed + 1000));
-    const TPaths region = ForbiddenRegion(s, d);
-    EXPECT_DOUBLE_EQ(RegionArea(region), static_cast<double>(CellForbiddenArea(s, d)));
-    EXPECT_EQ(CheckNfpBySampling(s, d, region, seed), "");
-  });
-}
-
-TEST(NfpOracle, ConvexPairsEqualTheMergedEdges) {
-  ForEachSeed(40, [](unsigned seed) {
-    const TPaths s = PolygonOf(MakeShape(TShapeKind::Convex, 30, 100, seed));
-    const TPaths d = PolygonOf(MakeShape(TShapeKind::Convex, 12, 20, seed + 1000));
-    const TPaths merged{ConvexSum(s.front(), Negated(d).front())};
-    EXPECT_EQ(CompareRegions(ForbiddenRegion(s, d), merged).Relative(), 0);
-    EXPECT_EQ(CheckNfpBySampling(s, d, merged, seed), "");
-  });
-}
-
 TEST(NfpOracle, EveryPairOfKindsAgreesWithItsSamplesAndItsMirrorImage) {
   ForEachSeed(60, [](unsigned seed) {
     const TShapePair pair = MakePair(40, seed);
     SCOPED_TRACE(std::string(NameOf(pair.StaticKind)) + " and " + NameOf(pair.DynamicKind));
+    for (std::size_t i = 0; i < pair.Static.size(); ++i) EXPECT_EQ(pair.Static[i].IsClockwise(), i > 0);
     const TPaths region = ForbiddenRegion(pair.Static, pair.Dynamic);
     EXPECT_EQ(CheckNfpBySampling(pair.Static, pair.Dynamic, region, seed), "");
     const TRegionDifference off = CompareRegions(Negated(ForbiddenRegion(pair.Dynamic, pair.Static)), region);
@@ -174,57 +150,12 @@ TEST(NfpOracle, NoticesWrongPaths) {
   EXPECT_EQ(CompareRegions({Box(-1, 2, -1, 1)}, right, 2e-5, 2.01).Lost, 0);
 }
 
-TEST(ConvexPieces, CoverThePolygonOnce) {
-  ForEachSeed(110, [](unsigned seed) {
-    const TShapeKind kind = kShapeKinds[seed % kShapeKinds.size()];
-    SCOPED_TRACE(NameOf(kind));
-    const TPaths polygon = PolygonOf(MakeShape(kind, 40, 100, seed));
-    const std::vector<TPath> pieces = ConvexPieces(polygon);
-    for (const TPath& piece : pieces) EXPECT_TRUE(IsConvex(piece));
-    EXPECT_DOUBLE_EQ(TPathUtils::Area(pieces), TPathUtils::Area(polygon)) << "pieces overlap";
-    EXPECT_NEAR(RegionArea(TPaths(pieces.begin(), pieces.end())), TPathUtils::Area(polygon) / 1e10, 1e-3);
-  });
-}
-
 TEST(ConvexPieces, TakePolygonsThatTouchOrCrossThemselves) {
   const TPaths touching{Box(0, 4, 0, 4), Hole(PathOf({{0, 2}, {1, 1}, {1, 3}})), Hole(Box(1, 2, 1.5, 2.5))};
   EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(touching)) / 1e10, 14);
   const TPaths pentagram{PathOf({{0, 10}, {-6, -8}, {10, 3}, {-10, 3}, {6, -8}})};  // its middle is wound twice
   EXPECT_NEAR(TPathUtils::Area(ConvexPieces(pentagram)) / 1e10, RegionArea(pentagram), 1e-3);
   EXPECT_NEAR(CompareRegions(ConvexPieces(pentagram), pentagram).Relative(), 0, 1e-9);
-}
-
-TEST(Shapes, AreSimpleAndJigsawPartsFitTheirHole) {
-  ForEachSeed(110, [](unsigned seed) {
-    const TShapeKind kind = kShapeKinds[seed % kShapeKinds.size()];
-    SCOPED_TRACE(NameOf(kind));
-    const TVHPolygon shape = MakeShape(kind, 8 + seed % 93, std::pow(10.0, 0.5 + seed % 6 * 0.5), seed);
-    EXPECT_TRUE(IsSimple(PolygonOf(shape)));
-    for (std::size_t i = 0; i < shape.size(); ++i) EXPECT_EQ(shape[i].IsClockwise(), i > 0);
-    const double grow = seed % 2 == 0 ? 0 : 0.002;
-    const TJigsaw jigsaw = MakeJigsaw(kind, 24, 100, grow, seed);
-    const TPaths plate = PolygonOf(jigsaw.Plate);
-    const TPaths part = PolygonOf(jigsaw.Part);
-    const TIntPoint place = TPathUtils::CreateIntPoint(jigsaw.Place, kPathScale);
-    EXPECT_FALSE(OverlapsAt(plate, part, place));
-    EXPECT_EQ(PlaceOf(place, ForbiddenRegion(plate, part)), grow > 0 ? TPlace::Outside : TPlace::Inside)
-        << "a place without area vanishes in the region";
-  });
-}
-
-TEST(NfpInstances, AreReadWithTheirStripPlatesAndLayout) {
-  const TNfpInstance instance = ParseNfpInstance(R"({"name": "two", "source": "own", "strip_width": 4.5,
-    "best_length": {"length": 7, "by": "hand"},
-    "parts": [{"id": 3, "demand": 2, "rotations": [0, 180], "outer": [[0,0],[0,4],[4,4],[4,0]],
-               "holes": [[[1,1],[2,1],[2,2]]]}],
-    "plates": [{"id": 0, "outer": [[0,0],[9,0],[9,9]], "holes": [], "zones": []}],
-    "layout": [{"part": 3, "at": [1, 2]}]})");
-  EXPECT_EQ(instance.StripWidth, 4.5);
-  EXPECT_EQ(instance.BestLength, 7);
-  EXPECT_EQ(instance.Parts.at(0).Rotations, (std::vector<double>{0, 180}));
-  EXPECT_DOUBLE_EQ(RegionArea(PolygonOf(instance.Parts.at(0).Shape)), 15.5);
-  EXPECT_EQ(instance.Layout.at(0).At.Y, 2);
-  EXPECT_THROW(ParseNfpInstance("{"), std::runtime_error);
 }
 
 }  // namespace

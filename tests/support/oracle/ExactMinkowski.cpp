@@ -1,10 +1,8 @@
 #include "ExactMinkowski.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "ConvexPieces.h"
-#include "OverlapDepth.h"
 
 namespace platenest {
 
@@ -13,7 +11,6 @@ namespace {
 // Contours of a first batch, and results that are united into one at each level above.
 constexpr std::size_t kFirstBatch = 16;
 constexpr std::size_t kFan = 4;
-constexpr Int64 kUnit = 100000;
 
 std::size_t LowestOf(const TPath& Contour) {
   const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.Y < b.Y || (a.Y == b.Y && a.X < b.X); };
@@ -41,19 +38,7 @@ TPaths UniteMany(std::vector<TPath> Contours) {
   return parts.empty() ? TPaths() : std::move(parts.front());
 }
 
-void RequireOnGrid(const TPaths& Polygon) {
-  for (const TPath& contour : Polygon) {
-    for (std::size_t i = 0; i < contour.size(); ++i) {
-      const TIntPoint& at = contour[i];
-      const TIntPoint& next = Next(contour, i);
-      if (at.X % kUnit != 0 || at.Y % kUnit != 0) throw std::invalid_argument("a vertex is off the unit grid");
-      if (at.X != next.X && at.Y != next.Y) throw std::invalid_argument("an edge is oblique");
-    }
-  }
-}
-
-}  // namespace
-
+// Sum of two convex counter-clockwise contours, by merging their edges in the order of their directions. Exact.
 TPath ConvexSum(const TPath& A, const TPath& B) {
   const std::size_t startA = LowestOf(A);
   const std::size_t startB = LowestOf(B);
@@ -77,6 +62,8 @@ TPath ConvexSum(const TPath& A, const TPath& B) {
   return sum;
 }
 
+}  // namespace
+
 TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B) {
   std::vector<TPath> sums;
   sums.reserve(A.size() * B.size());
@@ -86,28 +73,12 @@ TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath
   return UniteMany(std::move(sums));
 }
 
-TPaths MinkowskiSum(const TPaths& A, const TPaths& B) {
-  return MinkowskiSumOfPieces(ConvexPieces(A), ConvexPieces(B));
-}
-
 TPaths ForbiddenRegion(const TPaths& Static, const TPaths& Dynamic) {
-  return MinkowskiSum(Static, Negated(Dynamic));
+  return MinkowskiSumOfPieces(ConvexPieces(Static), ConvexPieces(Negated(Dynamic)));
 }
 
 TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic) {
   return ForbiddenRegion(PolygonOf(Static), PolygonOf(Dynamic));
-}
-
-Int64 CellForbiddenArea(const TPaths& Static, const TPaths& Dynamic) {
-  RequireOnGrid(Static);
-  RequireOnGrid(Dynamic);
-  const TIntRect s = TPathUtils::BoundBox(Static);
-  const TIntRect d = TPathUtils::BoundBox(Dynamic);
-  Int64 taken = 0;
-  for (Int64 y = s.Bottom - d.Top; y < s.Top - d.Bottom; y += kUnit)
-    for (Int64 x = s.Left - d.Right; x < s.Right - d.Left; x += kUnit)
-      taken += OverlapsAt(Static, Dynamic, {x + kUnit / 2, y + kUnit / 2});
-  return taken;
 }
 
 }  // namespace platenest

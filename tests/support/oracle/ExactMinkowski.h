@@ -10,20 +10,12 @@
 // of a region and vanish in it; ask Overlaps() for such a place.
 namespace platenest {
 
-// Sum of two convex counter-clockwise contours, by merging their edges in the order of their directions. Exact.
-TPath ConvexSum(const TPath& A, const TPath& B);
-
-// Sum of two polygons, holes included: convex pieces of both are summed pair by pair and united. Exact but for the
+// Sum of two polygons, holes included: their convex pieces are summed pair by pair and united. Exact but for the
 // rounding of crossing points by the union, about one unit. Normalised.
-TPaths MinkowskiSum(const TPaths& A, const TPaths& B);
 TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B);
 
 // Static and moving shape as polygons. Normalised; empty if one of them is.
 TPaths ForbiddenRegion(const TPaths& Static, const TPaths& Dynamic);
 TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic);
-
-// The same area in square drawing units for polygons whose edges run along the axes between whole drawing units, by
-// counting unit cells: no clipping, no decomposition. Raises std::invalid_argument for other shapes.
-Int64 CellForbiddenArea(const TPaths& Static, const TPaths& Dynamic);
 
 }  // namespace platenest
