@@ -244,5 +244,229 @@ TEST(WholeJob, BoundsHoldForEveryAnswerAndWhatIsProvedIsBest) {
   EXPECT_GT(proved, jobs / 3);
 }
 
+// Layouts of which only the counts matter.
+TJobLayouts AnyLayouts(TRandom& Random, const TJobSizes& Sizes) {
+  TJobLayouts layouts;
+  for (int i = Random.Pick(0, 12); i > 0; --i) {
+    TJobLayout layout{.Plate = Random.Pick(0, Size(Sizes.Plates) - 1), .Copies = Random.Pick(0, 4), .Nested = {}};
+    const int kinds = Random.Pick(1, Size(Sizes.Parts));
+    for (int k = Random.Pick(0, 9); k > 0; --k) {
+      const TNestRect record(1, Random.Pick(0, kinds - 1), TVRect2D::FromSize(1, 1));
+      layout.Nested.emplace_back(record, Random.Chance(20), TPoint2D{static_cast<double>(Size(layout.Nested)), 0});
+    }
+    layouts.push_back(layout);
+  }
+  return layouts;
+}
+
+using TContent = std::pair<int, TCopies>;  // plate kind, copies of each part
+TContent ContentOf(const TJobSizes& Sizes, const TJobLayout& Layout) {
+  TCopies copies(Sizes.Parts.size());
+  for (const TNestedRect& placed : Layout.Nested) ++copies[placed.Part.Idx];
+  return {Layout.Plate, copies};
+}
+
+// Whether some layout of the list has, of each part, the copies of this one as its first ones.
+bool IsCutFrom(const TJobLayout& Cut, const TJobLayouts& Whole) {
+  const auto placesOf = [](const TJobLayout& layout, int part) {
+    std::vector<double> places;
+    for (const TNestedRect& placed : layout.Nested)
+      if (placed.Part.Idx == part && (!placed.IsRotate || part != 0)) places.push_back(placed.Trans.X);
+    return places;
+  };
+  return std::ranges::any_of(Whole, [&](const TJobLayout& layout) {
+    bool isCut = layout.Plate == Cut.Plate;
+    for (int part = 0; part < 4; ++part) {
+      const std::vector<double> kept = placesOf(Cut, part);
+      const std::vector<double> all = placesOf(layout, part);
+      isCut &= kept.size() <= all.size() && std::equal(kept.begin(), kept.end(), all.begin());
+    }
+    return isCut;
+  });
+}
+
+TEST(WholeJob, TidyAnswersKeepStockAndDemandAndLoseNothingElse) {
+  ForEachSeed(2000, [](unsigned seed) {
+    TRandom random(seed);
+    TJobSizes sizes;
+    for (int i = random.Pick(1, 3); i > 0; --i)
+      sizes.Plates.push_back({.Width = 100, .Height = 100, .Count = random.Pick(1, 12), .Cost = 1, .Area = 1e4});
+    for (int i = random.Pick(1, 4); i > 0; --i)
+      sizes.Parts.push_back({.Width = 10, .Height = 20, .Amount = random.Pick(1, 60), .Area = 100.0 * i});
+    sizes.Parts[0].MayTurn = false;
+    const TJobLayouts given = AnyLayouts(random, sizes);
+    TJobLayouts kept = given;
+    TidyAnswer(sizes, kept);
+
+    TCopies offered(sizes.Parts.size()), placed(sizes.Parts.size()), used(sizes.Plates.size());
+    std::vector<std::vector<bool>> offers(sizes.Plates.size(), std::vector<bool>(sizes.Parts.size()));
+    for (const TJobLayout& layout : given)
+      for (const TNestedRect& item : layout.Nested)
+        if (!item.IsRotate || item.Part.Idx != 0) {
+          offered[item.Part.Idx] += layout.Copies;
+          offers[layout.Plate][item.Part.Idx] = true;
+        }
+    std::map<TContent, int> contents;
+    std::tuple<int, double> last{-1, 0};
+    for (const TJobLayout& layout : kept) {
+      const TContent content = ContentOf(sizes, layout);
+      double area = 0;
+      for (int i = 0; i < Size(content.second); ++i) {
+        placed[i] += content.second[i] * layout.Copies;
+        area += content.second[i] * sizes.Parts[i].Area;
+      }
+      used[layout.Plate] += layout.Copies;
+      EXPECT_TRUE(layout.Copies > 0 && !layout.Nested.empty() && ++contents[content] == 1);
+      EXPECT_TRUE(IsCutFrom(layout, given));
+      EXPECT_LE(last, std::tuple(layout.Plate, -area)) << "order";
+      last = {layout.Plate, -area};
+    }
+    for (int k = 0; k < Size(used); ++k) EXPECT_LE(used[k], sizes.Plates[k].Count);
+    for (int i = 0; i < Size(placed); ++i) {
+      const int due = std::min(offered[i], sizes.Parts[i].Amount);
+      bool mayLack = false;
+      for (int k = 0; k < Size(used); ++k) mayLack |= used[k] == sizes.Plates[k].Count && offers[k][i];
+      EXPECT_TRUE(placed[i] == due || (placed[i] < due && mayLack)) << placed[i] << " of " << due;
+    }
+    TJobLayouts again = kept;
+    TidyAnswer(sizes, again);
+    const TJobMerit before = MeritOf(sizes, kept);
+    const TJobMerit after = MeritOf(sizes, again);
+    EXPECT_TRUE(Size(again) == Size(kept) && !IsBetter(before, after) && !IsBetter(after, before));
+  });
+}
+
+TEST(WholeJob, SizesShareOneScaleAndLeaveOutWhatIsOfNoUse) {
+  Job job;
+  job.Kind = JobKind::Job;
+  job.Gap = 3;
+  job.Margin = {10, 10, 10, 10};
+  job.Plates = {{.Id = "", .Width = 2800, .Height = 2070, .Count = std::nullopt, .Cost = 5},
+                {.Id = "", .Width = 19, .Height = 900, .Count = 3},
+                {.Id = "", .Width = 620, .Height = 420, .Count = 9, .Cost = 1, .Remnant = true},
+                {.Id = "", .Width = 60, .Height = 40, .Count = 9}};
+  job.Parts = {{.Id = "", .Width = 2060, .Height = 300, .Amount = 4, .Turn = Rotate::None},
+               {.Id = "", .Width = 600, .Height = 400, .Amount = 2},
+               {.Id = "", .Width = 2781, .Height = 10, .Amount = 9}};
+  GiveIds(job);
+  const TJobSizes sizes = JobSizesOf(job);
+  ASSERT_EQ(std::pair(Size(sizes.Plates), Size(sizes.Parts)), std::pair(2, 2));
+  EXPECT_THAT((std::vector{sizes.Plates[0].Position, sizes.Plates[0].Count, sizes.Plates[1].Count}),
+              ElementsAre(2, 2, 6));
+  Job metres = job;
+  const auto shrink = [](double& V) { V = std::stod(std::to_string(V / 1000)); };
+  for (Plate& plate : metres.Plates) (shrink(plate.Width), shrink(plate.Height));
+  for (Part& part : metres.Parts) (shrink(part.Width), shrink(part.Height));
+  shrink(metres.Gap);
+  for (double& side : metres.Margin) shrink(side);
+  const TJobSizes same = JobSizesOf(metres);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(std::tie(same.Plates[i].Width, same.Plates[i].Height),
+              std::tie(sizes.Plates[i].Width, sizes.Plates[i].Height));
+    EXPECT_EQ(std::tie(same.Parts[i].Width, same.Gap), std::tie(sizes.Parts[i].Width, sizes.Gap));
+  }
+  EXPECT_EQ(JobBoundsOf(metres), JobBoundsOf(job));
+
+  job.Plates.erase(job.Plates.begin());
+  job.Parts[1].Amount = std::nullopt;
+  EXPECT_EQ(JobSizesOf(job).Parts.at(0).Amount, 9);
+  job.Parts.push_back({.Id = "small", .Width = 0.4, .Height = 0.4, .Amount = std::nullopt});
+  job.Gap = 0;
+  EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "LimitError: limit /parts/3/amount");
+  job.Margin = {300, 250, 400, 250};
+  EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "InputError: range /margin");
+}
+
+// Nothing is left between the parts, in numbers that doubles cannot hold.
+TEST(WholeJob, PerfectTilingsMeetTheirBounds) {
+  for (const double unit : {0.1, 0.0254, 1e-3, 12.7, 1.0 / 7}) {
+    Job job;
+    job.Kind = JobKind::Job;
+    job.Gap = unit;
+    job.Plates = {{.Id = "p", .Width = 9 * unit, .Height = 5 * unit, .Count = std::nullopt}};
+    job.Parts = {{.Id = "a", .Width = unit, .Height = 2 * unit, .Amount = 30}};
+    const std::vector<Bound> bounds = JobBoundsOf(job);
+    EXPECT_EQ(bounds, (std::vector<Bound>{{"plates", "area", 3}})) << unit;
+    job.Parts[0].Amount = 31;
+    EXPECT_EQ(JobBoundsOf(job)[0].Value, 4) << unit;
+  }
+}
+
+// Two plates of a stock, one layout on both, a part too large, parts that found no plate.
+struct TSample {
+  TSample() {
+    Asked.Name = "sample";
+    Asked.Kind = JobKind::Job;
+    Asked.Gap = 4;
+    Asked.Plates = {{.Id = "board", .Width = 1000, .Height = 500, .Count = 2, .Cost = 3},
+                    {.Id = "rest", .Width = 300, .Height = 200, .Count = 1, .Cost = 0, .Remnant = true}};
+    Asked.Parts = {{.Id = "side", .Width = 700, .Height = 480, .Amount = 3},
+                   {.Id = "shelf", .Width = 280, .Height = 190, .Amount = 5},
+                   {.Id = "large", .Width = 1100, .Height = 10, .Amount = 1}};
+    const TJobSizes sizes = JobSizesOf(Asked);
+    const auto record = [&](int i) {
+      return TNestRect(1, i, TVRect2D::FromSize(sizes.Parts[i].Width, sizes.Parts[i].Height));
+    };
+    TNestedRects board, rest;
+    board.emplace_back(record(0), false, TPoint2D{0, 0});
+    board.emplace_back(record(1), false, TPoint2D{704, 0});
+    board.emplace_back(record(1), false, TPoint2D{704, 194});
+    rest.emplace_back(record(1), false, TPoint2D{0, 0});
+    Good = ResultOf(Asked, sizes, {{0, 1, rest}, {1, 2, board}});
+    Good.Name = Asked.Name;
+    Good.Estimate = {"plates", "cg", 3.4};
+  }
+  Job Asked;
+  Result Good;
+};
+
+TEST(CheckResult, FindsWhatIsWrongInAWholeJob) {
+  const TSample sample;
+  EXPECT_EQ(FirstFault(sample.Asked, sample.Good), "");
+  EXPECT_THAT((std::vector{sample.Good.Parts[0].Reason, sample.Good.Parts[1].Reason, sample.Good.Parts[2].Reason}),
+              ElementsAre("no_stock", "", "too_large"));
+  const std::pair<const char*, std::function<void(Job&, Result&)>> changes[] = {
+      {"/layouts/1/copies", [](Job&, Result& r) { r.Layouts[1].Copies = 0; }},
+      {"/summary/plates", [](Job&, Result& r) { r.Layouts[1].Copies = 1; }},
+      {"/summary/plates", [](Job&, Result& r) { ++r.Total.Plates; }},
+      {"/summary/usage", [](Job&, Result& r) { r.Total.Usage *= 1.001; }},
+      {"/summary/part_area", [](Job&, Result& r) { r.Total.PartArea += 1; }},
+      {"/summary/plate_area", [](Job&, Result& r) { r.Total.PlateArea -= 1; }},
+      {"/summary/cost", [](Job&, Result& r) { r.Total.Cost = 5; }},
+      {"/summary/cost", [](Job& j, Result&) { j.Plates[1].Cost.reset(); }},
+      {"/bounds", [](Job&, Result& r) { r.Bounds.front().Value += 1; }},
+      {"/bounds", [](Job&, Result& r) { r.Bounds.clear(); }},
+      {"/bounds",
+       [](Job&, Result& r) {
+         r.Bounds.push_back({"plates", "cg", 3.4});
+       }},
+      {"/proved", [](Job&, Result& r) { r.Proved = !r.Proved; }},
+      {"/status", [](Job&, Result& r) { r.Status = ResultStatus::Complete; }},
+      {"/estimate/value", [](Job&, Result& r) { r.Estimate->Value = -1; }},
+      {"/estimate/value", [](Job&, Result& r) { r.Estimate->Value = std::nan(""); }},
+      {"/plates/0/used", [](Job&, Result& r) { r.Plates[0].Used = 1; }},
+      {"/plates/0/used", [](Job& j, Result& r) { j.Plates[0].Count = r.Plates[0].Count = 1; }},
+      {"/plates/1/count", [](Job&, Result& r) { r.Plates[1].Count.reset(); }},
+      {"/parts/0/placed", [](Job&, Result& r) { ++r.Parts[0].Placed; }},
+      {"/parts/0/unplaced", [](Job&, Result& r) { ++r.Parts[0].Unplaced; }},
+      {"/parts/1/placed", [](Job& j, Result& r) { j.Parts[1].Amount = r.Parts[1].Amount = 4; }},
+      {"/parts/0/reason", [](Job&, Result& r) { r.Parts[0].Reason = "left_by_method"; }},
+      {"/parts/2/reason", [](Job&, Result& r) { r.Parts[2].Reason = "no_stock"; }},
+      {"/layouts/0/placements/0/rotated",
+       [](Job& j, Result& r) {
+         j.Parts[1].Turn = Rotate::None;
+         r.Layouts[0].Placements[0] = {"shelf", true, {190, 0}, {0, 0, 190, 280}};
+       }},
+      {"/layouts/1: ", [](Job&, Result& r) { r.Layouts[1].Placements[2] = r.Layouts[1].Placements[1]; }},
+      {"/layouts/0/plate", [](Job&, Result& r) { r.Layouts[0].Plate = "none"; }},
+  };
+  for (const auto& [place, change] : changes) {
+    Job asked = sample.Asked;
+    Result bad = sample.Good;
+    change(asked, bad);
+    EXPECT_THAT(FirstFault(asked, bad), StartsWith(place));
+  }
+}
+
 }  // namespace
 }  // namespace platenest
