@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "JobExchange.h"
 #include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/Rounding.h"

@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "JobBounds.h"
 #include "JobVerdict.h"
 #include "platenest/job/JobErrors.h"
 
@@ -37,10 +38,15 @@ bool TJobSearch::IsOver() {
 }
 
 bool TJobSearch::MeetsBounds(const TJobMerit& Merit) const {
-  if (FBounds.empty() || Merit.UnplacedArea > 0 || Merit.UnlimitedArea > 0) return false;
-  return std::ranges::all_of(FBounds, [&](const Bound& bound) {
-    const double reached = bound.What == "cost" ? Merit.Cost : static_cast<double>(Merit.Plates);
-    return bound.Kind != "stock" && reached <= bound.Value + kBoundTol * std::fabs(bound.Value);
+  const bool isUnlimited = std::ranges::any_of(FSizes.Parts, &TJobPart::IsUnlimited);
+  const bool placesAll = Merit.UnplacedArea <= 0;
+  if ((placesAll || !isUnlimited) && FillsStock(FSizes, PlacedCopies(FSizes, FBest))) return true;
+  if (isUnlimited || !placesAll) return false;
+  const bool isByPlates = HasOneCost(FSizes);
+  return std::ranges::any_of(FBounds, [&](const Bound& bound) {
+    if (bound.What != (isByPlates ? "plates" : "cost")) return false;
+    const double reached = isByPlates ? static_cast<double>(Merit.Plates) : Merit.Cost;
+    return reached <= bound.Value + kBoundTol * std::fabs(bound.Value);
   });
 }
 

@@ -51,7 +51,7 @@ TSkyline::TNiche TSkyline::NicheAt(int Step, double PlateHeight) const {
 }
 
 // Keys fall along the order, so the search ends where even the highest bonus cannot help any more.
-TSkyline::TChoice TSkyline::Choose(const TNiche& Niche, const TSkyTaste& Taste, const std::vector<int>& Left) const {
+TSkyline::TChoice TSkyline::Choose(const TNiche& Niche, const TSkyTaste& Taste) const {
   constexpr double kMostFits = 3;
   TChoice best;
   for (const int i : FOpen) {
@@ -106,7 +106,7 @@ void TSkyline::Fill(int Plate, const TSkyTaste& Taste, std::vector<int>& Left, T
     const int step = LowestStep();
     const TNiche niche = NicheAt(step, plate.Height);
     if (niche.Height <= 0) return;
-    const TChoice choice = Choose(niche, Taste, Left);
+    const TChoice choice = Choose(niche, Taste);
     if (choice.Part < 0) {
       Lift(step, FSteps[step].Y + std::min(niche.LeftWall, niche.RightWall));
       continue;

@@ -70,7 +70,7 @@ class TSkyline {
 
   int LowestStep() const;
   TNiche NicheAt(int Step, double PlateHeight) const;
-  TChoice Choose(const TNiche& Niche, const TSkyTaste& Taste, const std::vector<int>& Left) const;
+  TChoice Choose(const TNiche& Niche, const TSkyTaste& Taste) const;
   void Lift(int Step, double Y);
   void Lay(int Step, bool AtRight, const TSize& Extent);
   void Join(int Step);

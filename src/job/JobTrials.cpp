@@ -1,6 +1,7 @@
 #include "JobTrials.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -19,7 +20,7 @@ constexpr double kChangeShare = 0.6;
 constexpr double kMostNoise = 0.6;
 constexpr int kMostChanges = 3;
 // What an exact fit adds to keys of up to about 1. The first passes go through them from the highest on.
-constexpr double kFitBonuses[] = {10, 1, 0.3, 0.1, 0.02, 0};
+constexpr std::array kFitBonuses = {10.0, 1.0, 0.3, 0.1, 0.02, 0.0};
 // Less than rounding of an area.
 constexpr double kAreaTol = 1e-9;
 
