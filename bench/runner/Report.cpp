@@ -56,9 +56,14 @@ double PeakMemoryMiB() {
   return static_cast<double>(usage.ru_maxrss) / 1024;
 }
 
-void WriteJson(const std::string& Path, const std::string& Suite, const std::vector<TRow>& Rows) {
+void ForgetPeakMemory() {
+  std::ofstream("/proc/self/clear_refs") << 5;
+}
+
+void WriteJson(const std::string& Path, const std::string& Suite, const std::vector<TRow>& Rows, bool LessIsBetter) {
   nlohmann::ordered_json all;
   all["suite"] = Suite;
+  if (LessIsBetter) all["less_is_better"] = true;
   all["peak_memory_mib"] = PeakMemoryMiB();
   all["rows"] = nlohmann::ordered_json::array();
   for (const TRow& row : Rows) {
