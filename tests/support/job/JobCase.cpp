@@ -73,7 +73,7 @@ class TMaker {
     if (OneIn(3)) FMargin.fill(FPick(12));
     if (OneIn(4))
       for (int& side : FMargin) side = FPick(15);
-    const int count = OneIn(2) ? 1 : Between(1, 4);
+    const int count = OneIn(3) ? 1 : Between(1, 4);
     for (int i = 0; i < count; ++i) {
       TSheet sheet{Between(100, 1600), 0, {}};
       sheet.H = Between(std::max(60, sheet.W / 4), sheet.W);
@@ -99,7 +99,7 @@ class TMaker {
       case 3:
         return (room - 2 * FGap) / 3;
       case 4:
-        return OneIn(3) ? longer + 1 + FPick(longer) : shorter;
+        return OneIn(6) ? longer + 1 + FPick(longer) : shorter;
       case 5:
         return std::max(2, shorter / 25 + FPick(shorter / 25 + 1));
       default:
