@@ -43,6 +43,7 @@ TEST(Job, AnswersAreValidAndLoseNothing) {
   });
 }
 
+// By another thread, and by the progress report.
 TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
   ForEachSeed(kSeeds, [](unsigned seed) {
     const TJobCase made = CaseOf(seed, 5);
@@ -51,8 +52,17 @@ TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
       std::this_thread::sleep_for(std::chrono::microseconds(seed * 7919 % 40000));
       stop.RequestStop();
     });
+    unsigned reports = 0;
+    bool isRefused = false;
+    const auto onProgress = [&](const Progress& now) {
+      EXPECT_FALSE(isRefused) << "a report after a refusal";
+      EXPECT_TRUE(now.Phase == "repeat" || now.Phase == "svc" || now.Phase == "cg") << now.Phase;
+      EXPECT_TRUE(now.Plates >= 0 && now.Usage >= 0 && now.Usage <= 1 + 1e-9 && now.Unplaced >= 0);
+      isRefused = seed % 3 == 0 && ++reports > seed % 4;
+      return !isRefused;
+    };
     try {
-      const Result result = run(made.AJob, {.OnProgress = {}, .Stop = &stop});
+      const Result result = run(made.AJob, {.OnProgress = onProgress, .Stop = &stop});
       EXPECT_EQ(FirstFault(made, result), "") << JobToJson(made.AJob);
     } catch (const StoppedError&) {
     }

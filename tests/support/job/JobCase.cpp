@@ -234,6 +234,7 @@ class TMaker {
       made.Parts.push_back(part);
     }
     PickLocks(made.Parts);
+    if (OneIn(6)) made.Run.MemoryLimit = Int64{1} << (16 + FPick(12));
     return made;
   }
 
