@@ -41,7 +41,7 @@ std::string Number(double V) {
 // Gathers what is wrong; every test names the place in the result.
 class TResultCheck {
  public:
-  TResultCheck(const Job& AJob, const Result& AResult) : FJob(AJob), FResult(AResult) {}
+  TResultCheck(const Job& AJob, const Result& AResult) : FJob(AJob), FIds(AJob), FResult(AResult) {}
 
   std::vector<Fault> Run() {
     CheckHead();
@@ -81,6 +81,7 @@ class TResultCheck {
   void CheckStatus(const Result& True);
 
   const Job& FJob;
+  const TPartIds FIds;
   const Result& FResult;
   std::vector<Fault> FFaults;
 };
@@ -106,13 +107,13 @@ void TResultCheck::CheckOneLayout(int Index) {
   Require(!layout.Placements.empty(), place + "/placements", "is empty: an unused plate is no layout");
   CheckPlacements(layout, place);
   if (FFaults.size() != before) return;
-  const std::string verdict = CheckLayout(FJob, layout, FResult.Gap, FResult.Margin);
+  const std::string verdict = CheckLayout(FIds, layout, FResult.Gap, FResult.Margin);
   if (!verdict.empty()) return Add(place, verdict);
   CheckMeasures(layout, place);
 }
 
 void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Place) {
-  const TNestedRects records = ToRecords(FJob, ALayout);
+  const TNestedRects records = ToRecords(FIds, ALayout);
   for (int i = 0; i < records.Count(); ++i) {
     const Placement& stated = ALayout.Placements[i];
     const std::string place = Place + "/placements/" + std::to_string(i);

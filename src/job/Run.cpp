@@ -71,7 +71,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
     }
     if (answer.Layout.Count() > limits::kCopies) RaiseTooManyCopies(0);
     Layout layout = AssembleLayout(AJob, AJob.Plates[0], Scaled, answer.Layout);
-    const std::string fault = CheckLayout(AJob, layout, AJob.Gap, AJob.Margin);
+    const std::string fault = CheckLayout(TPartIds(AJob), layout, AJob.Gap, AJob.Margin);
     if (!fault.empty()) {
       verdict = fault;
       continue;
