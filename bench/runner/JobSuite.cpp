@@ -49,7 +49,7 @@ void Answer(const Job& AJob, const TJobInstance& Instance, bool Turned, TJobLine
   Line.Plates = result.Total.Plates;
   for (const PartUse& part : result.Parts) Line.Left += part.Unplaced;
   for (const Bound& bound : result.Bounds)
-    if (bound.What == "plates" && bound.Kind == "area") Line.Own = bound.Value;
+    if (bound.What == "plates") Line.Own = std::max(Line.Own, bound.Value);
   Line.IsProved = result.Proved;
   Line.Usage = result.Total.Usage;
   Line.Method = result.Run.Method;

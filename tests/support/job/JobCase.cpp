@@ -164,10 +164,11 @@ class TMaker {
       if (mode == TStock::Scarce) sheet.Count = Between(1, std::max(1, needed / Size(FSheets)));
       if (mode == TStock::Mixed && OneIn(2)) sheet.Count = Between(1, 3);
     }
-    // Parts without limit fill whatever there is.
-    if (mode != TStock::Scarce || !OneIn(3)) return;
+    // A part without limit fills whatever there is.
+    TPiece& endless = FPieces[static_cast<std::size_t>(FPick(Size(FPieces)))];
+    if (mode != TStock::Scarce || OneIn(2) || AreaOf(endless) * 1000 < LargestRoom()) return;
     for (TSheet& sheet : FSheets) sheet.Count = std::min(*sheet.Count, 6);
-    FPieces[static_cast<std::size_t>(FPick(Size(FPieces)))].Amount.reset();
+    endless.Amount.reset();
   }
 
   // Straight cuts with the gap between what they part, so that a plate's pieces lie on it again.

@@ -207,7 +207,7 @@ class TJudge {
       Holds(wasCut || !holdsSpare || least > -kTol, use.Id, ": left although an unused plate holds it");
       Holds(reason == "too_large" || reason == "no_stock" || reason == "time" || reason == "left_by_method", use.Id,
             ": unknown reason ", reason);
-      FIsShort = FIsShort || least < -kTol;
+      FIsShort = FIsShort || least <= kTol;
     }
   }
 
@@ -216,18 +216,20 @@ class TJudge {
     const bool isLimited = std::ranges::all_of(FJob.Parts, [](const Part& part) { return part.Amount.has_value(); });
     Holds(FIsLeft || !isLimited || FResult.Status == ResultStatus::Complete, "all is placed, but not complete");
     bool isMet = false;
-    for (const Bound& bound : FResult.Bounds) {
-      Holds(std::isfinite(bound.Value) && bound.Value >= 0, "a bound of ", bound.Value);
-      const double reached = bound.What == "cost" ? FCost : FResult.Total.Plates;
-      if (bound.Kind == "area") {
-        Holds(FIsShort || reached >= bound.Value * (1 - kRelative), bound.What, " of ", reached, " beat the bound of ",
-              bound.Value);
-        isMet = isMet || reached <= bound.Value * (1 + kRelative);
-      } else {
-        isMet = true;  // judged by what it limits
-      }
-    }
+    for (const Bound& bound : FResult.Bounds) isMet = JudgeBound(bound) || isMet;
     Holds(!FResult.Proved || isMet, "called proved, but no bound is met");
+  }
+
+  // Whether it is met. Plates and cost cannot be less once all that fits is placed, part area cannot be more.
+  bool JudgeBound(const Bound& ABound) {
+    const bool isArea = ABound.What == "area", isCost = ABound.What == "cost";
+    Holds(isArea || isCost || ABound.What == "plates", "a bound on ", ABound.What);
+    const double reached = isArea ? FPartArea : isCost ? FCost : FResult.Total.Plates;
+    const double slack = kRelative * std::max(reached, ABound.Value);
+    const double room = isArea ? ABound.Value - reached : reached - ABound.Value;
+    Holds(room >= -slack || (!isArea && FIsShort), ABound.What, " of ", reached, " beat the bound ", ABound.Kind,
+          " of ", ABound.Value);
+    return room <= slack;
   }
 
   const Job& FJob;
@@ -235,7 +237,7 @@ class TJudge {
   std::vector<Int64> FUsed, FPlaced;
   double FPartArea = 0, FPlateArea = 0, FCost = 0;
   bool FIsLeft = false;
-  bool FIsShort = false;  // something is left that a plate would hold
+  bool FIsShort = false;  // something is left that a plate may hold
   std::ostringstream FFault;
 };
 
@@ -248,10 +250,14 @@ std::string JobFault(const Job& AJob, const Result& AResult) {
 std::string JobFault(const TJobCase& Case, const Result& AResult) {
   std::string fault = JobFault(Case.AJob, AResult);
   if (!fault.empty() || !Case.Sample) return fault;
+  double area = 0;
+  for (const Part& part : Case.AJob.Parts) area += AreaOf(part) * part.Amount.value_or(0);
   for (const Bound& bound : AResult.Bounds) {
-    const double known = bound.What == "cost" ? Case.Sample->Cost : Case.Sample->Plates;
-    if (bound.Kind == "area" && bound.Value > known * (1 + kRelative))
-      return "a bound is above what is known to suffice";
+    const bool isSound =
+        bound.What == "area"
+            ? bound.Value >= area * (1 - kRelative)
+            : bound.Value <= (bound.What == "cost" ? Case.Sample->Cost : Case.Sample->Plates) * (1 + kRelative);
+    if (!isSound) return "the bound " + bound.Kind + " on " + bound.What + " rules out a known answer";
   }
   return "";
 }
@@ -260,6 +266,8 @@ TJobWorth JobWorthOf(const Job& AJob, const Result& AResult) {
   TJobWorth worth;
   for (std::size_t i = 0; i < AResult.Parts.size(); ++i)
     worth.UnplacedArea += AResult.Parts[i].Unplaced * AreaOf(AJob.Parts[i]);
+  for (std::size_t i = 0; i < AResult.Parts.size(); ++i)
+    if (!AJob.Parts[i].Amount) worth.UnlimitedArea += AResult.Parts[i].Placed * AreaOf(AJob.Parts[i]);
   worth.Cost = AResult.Total.Cost;
   worth.Plates = AResult.Total.Plates;
   worth.LastUsage = AResult.Layouts.empty() ? 0 : 1;
@@ -269,6 +277,7 @@ TJobWorth JobWorthOf(const Job& AJob, const Result& AResult) {
 
 bool IsWorse(const TJobWorth& A, const TJobWorth& B) {
   if (!AreClose(A.UnplacedArea, B.UnplacedArea)) return A.UnplacedArea > B.UnplacedArea;
+  if (!AreClose(A.UnlimitedArea, B.UnlimitedArea)) return A.UnlimitedArea < B.UnlimitedArea;
   if (!AreClose(A.Cost, B.Cost)) return A.Cost > B.Cost;
   if (A.Plates != B.Plates) return A.Plates > B.Plates;
   return A.LastUsage > B.LastUsage + kRelative;

@@ -14,12 +14,13 @@ namespace platenest::test {
 // numbers bear out. A copy that is left although an unused plate holds it is a fault of a search that ended by itself.
 std::string JobFault(const Job& AJob, const Result& AResult);
 
-// The same, and no bound may be above what the sample needs.
+// The same, and no bound may rule the sample out.
 std::string JobFault(const TJobCase& Case, const Result& AResult);
 
 // What answers are compared by, in this order.
 struct TJobWorth {
   double UnplacedArea = 0;
+  double UnlimitedArea = 0;  // placed of parts without limit; more is better
   double Cost = 0;
   int Plates = 0;
   double LastUsage = 0;  // of the emptiest plate; less is better
