@@ -44,7 +44,8 @@ class TMaker {
     PickFrame();
     TJobCase made;
     if (FPick(4) == 0) {
-      made.Sample = TJobSample{};
+      // Sums of rounded inches are not the rounded sums.
+      if (FScale.PerUnit == std::floor(FScale.PerUnit)) made.Sample = TJobSample{};
       CutPlatesUp();
     } else {
       PickParts();
