@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       part.Amount = mostCopies;
       made.Sample.reset();
     }
-  job.Run.Method = method;
+  test::AskFor(job, method);
   job.Run.TimeLimit = 0.02;
   job.Run.Deterministic = true;
   job.Run.MemoryLimit = Int64{64} << 20;

@@ -143,13 +143,13 @@ class TCampaign {
 
   TJobAnswer RunMethod(unsigned Seed, const std::string& Method, double StopMs) {
     test::TJobCase made = test::MakeJobCase(Seed);
-    made.AJob.Run.Method = Method;
+    test::AskFor(made.AJob, Method);
     made.AJob.Run.TimeLimit = FArguments.Seconds;
     made.AJob.Run.Seed = Seed;
     made.AJob.Run.Deterministic = FArguments.Deterministic;
-    FFolder.Note("running", made.AJob);
+    FFolder.Note("running-" + Method, made.AJob);
     TJobAnswer answer = AnswerOf(made, StopMs);
-    FFolder.Forget("running");
+    FFolder.Forget("running-" + Method);
     const double promise = StopMs > 0 ? 150 : std::max(150.0, 30 * FArguments.Seconds);
     FTallies[Method].Add(answer, promise);
     const std::string name = Numbered("seed-", Seed) + "-" + Method;

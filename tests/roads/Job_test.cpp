@@ -21,7 +21,7 @@ constexpr unsigned kSeeds = 30;
 // Each seed has its method; a round of the seeds has all.
 TJobCase CaseOf(unsigned Seed, double Seconds, bool Deterministic = false) {
   TJobCase made = MakeJobCase(Seed);
-  made.AJob.Run.Method = kMethods[Seed % kMethods.size()];
+  AskFor(made.AJob, kMethods[Seed % kMethods.size()]);
   made.AJob.Run.TimeLimit = Seconds;
   made.AJob.Run.Seed = Seed;
   made.AJob.Run.Deterministic = Deterministic;
@@ -72,7 +72,7 @@ TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
 TEST(Job, MoreTimeIsNeverWorseAndEqualJobsGiveEqualBytes) {
   ForEachSeed(kSeeds / 3, [](unsigned seed) {
     TJobCase made = CaseOf(seed, 0.02, true);
-    made.AJob.Run.Method = "auto";
+    AskFor(made.AJob, "auto");
     const Result less = run(made.AJob);
     EXPECT_EQ(ResultToJson(less), ResultToJson(run(made.AJob))) << JobToJson(made.AJob);
     made.AJob.Run.TimeLimit = 0.2;

@@ -291,6 +291,12 @@ TJobCase MakeJobCase(unsigned Seed) {
   return MakeJobCase([&engine](int Count) { return static_cast<int>(engine() % static_cast<unsigned>(Count)); });
 }
 
+void AskFor(Job& AJob, const std::string& Method) {
+  AJob.Run.Method = Method;
+  if (Method != "svc" && Method != "cg") return;
+  for (Part& part : AJob.Parts) part.Turn = Rotate::Any;
+}
+
 Job Shrunk(Job AJob, const std::function<bool(const Job&)>& Fails) {
   bool isLess = true;
   while (isLess) {

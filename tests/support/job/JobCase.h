@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "platenest/job/Job.h"
 
@@ -26,6 +27,9 @@ struct TJobCase {
 // plates up. Parts never need more than about 400 plates, mostly up to 40.
 TJobCase MakeJobCase(const std::function<int(int)>& Pick);
 TJobCase MakeJobCase(unsigned Seed);
+
+// Asks for a method. Those that turn parts freely refuse jobs with locks, so these lose them.
+void AskFor(Job& AJob, const std::string& Method);
 
 // The job without all plate kinds, part kinds and copies that it can lose one after the other and still Fails.
 Job Shrunk(Job AJob, const std::function<bool(const Job&)>& Fails);
