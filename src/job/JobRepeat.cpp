@@ -129,7 +129,7 @@ class TNestersNest {
 // Remnants always first; then by cost for area, and with each other kind in front once.
 std::vector<std::vector<int>> PlateOrders(const TJobSizes& Sizes) {
   std::vector<std::vector<int>> orders{PlateOrder(Sizes)};
-  const std::vector<int>& base = orders.front();
+  const std::vector<int> base = orders.front();
   const auto firstPlain =
       std::ranges::find_if(base, [&](int kind) { return !Sizes.Plates[kind].Remnant; }) - base.begin();
   for (auto i = firstPlain + 1; i < Size(base) && Size(orders) < kMostOrders; ++i) {
