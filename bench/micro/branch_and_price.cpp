@@ -1,10 +1,10 @@
 #include <benchmark/benchmark.h>
 
-#include <memory>
 #include <random>
 #include <vector>
 
 #include "CuttingStock1D.h"
+#include "platenest/colgen/BCPRectNest.h"
 #include "platenest/uBCPBase/BCPTree.h"
 
 namespace platenest {
@@ -63,18 +63,16 @@ void BM_ConstructLP(benchmark::State& State) {
 }
 BENCHMARK(BM_ConstructLP)->Arg(25)->Arg(50)->Unit(benchmark::kMicrosecond);
 
-struct TCounts {
-  int Nodes = 0, Rounds = 0;
-};
-
-TCounts Walk(const TBCPNode<TBarPattern>& Node) {
-  TCounts counts{1, Node.LPRounds()};
-  for (const auto& child : Node.ChildNodes) {
-    const TCounts below = Walk(*child);
-    counts.Nodes += below.Nodes;
-    counts.Rounds += below.Rounds;
-  }
-  return counts;
+template <BCPVariable T>
+void Report(benchmark::State& State, const TBCPTree<T>& Tree) {
+  const TBCPCounts counts = Tree.Counts();
+  State.counters["lp_rounds"] = counts.LPRounds;
+  State.counters["nodes"] = counts.Nodes;
+  State.counters["pricings"] = counts.Pricings;
+  State.counters["columns"] = counts.Columns;
+  State.counters["cost"] = Tree.GUB();
+  State.counters["bound"] = Tree.GLB();
+  State.counters["status"] = Tree.Status();
 }
 
 // A whole search: range(0) sizes on bars of 1000, without residual heuristics when range(1) is 0, so that it branches.
@@ -86,37 +84,46 @@ void BM_Search(benchmark::State& State) {
     demand.push_back(1 + static_cast<int>(random() % 40));
   }
   const TBarProblem problem(1000, lengths, demand);
-  int pricings = 0;
   TBCPSolverManager<TBarPattern> manager(&problem);
-  manager.AddSubProblemSolver([&](const TBCPProblem<TBarPattern>& Sub, bool& Usable, double& Value) {
-    ++pricings;
-    return PriceBar(Sub, Usable, Value);
-  });
+  manager.AddSubProblemSolver(PriceBar);
   manager.AddGreedySolver(CutGreedily);
   if (State.range(1) != 0) manager.AddResidualSolver(CutResidual);
-  TCounts counts;
-  double bars = 0, bound = 0, columns = 0, status = 0;
   for (auto _ : State) {
-    pricings = 0;
     TBCPTree<TBarPattern> tree(&manager, nullptr, true, 0);
     tree.Solve([] { return false; });
-    counts = Walk(tree.Root());
-    bars = tree.GUB();
-    bound = tree.GLB();
-    columns = tree.VarPool().Count();
-    status = tree.Status();
+    Report(State, tree);
   }
-  State.counters["lp_rounds"] = counts.Rounds;
-  State.counters["nodes"] = counts.Nodes;
-  State.counters["pricings"] = pricings;
-  State.counters["columns"] = columns;
-  State.counters["cost"] = bars;
-  State.counters["bound"] = bound;
-  State.counters["status"] = status;
 }
 BENCHMARK(BM_Search)
     ->ArgNames({"sizes", "residual"})
     ->ArgsProduct({{10, 20, 50}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
+
+// A job of rectangles: range(0) sizes, 10 to 100 copies each, on plates of 3000 by 1500. The root ends when it has
+// branched, unless its bounds meet before.
+void BM_RectJob(benchmark::State& State) {
+  std::mt19937 random(static_cast<unsigned>(State.range(1)));
+  std::uniform_int_distribution<int> width(200, 1000), height(100, 500), amount(10, 100);
+  TNestRectList parts;
+  for (int i = 0; i < State.range(0); ++i) {
+    const double w = width(random);
+    const double h = height(random);
+    parts.emplace_back(amount(random), i, TVRect2D::FromSize(w, h));
+  }
+  const TNestSpace plate(TVRect2D::FromSize(3000, 1500), 1, false);
+  const bool rootOnly = State.range(2) == 0;
+  for (auto _ : State) {
+    TBCPRectNest nest(parts, plate, 0, nullptr);
+    nest.SetWatch([&](const TBCPRectNest::TTree& Tree) { return rootOnly && !Tree.Root().ChildNodes.empty(); });
+    TRectSolution solution;
+    nest.Solve(solution, 0);
+    Report(State, nest.Tree());
+  }
+}
+BENCHMARK(BM_RectJob)
+    ->ArgNames({"sizes", "seed", "whole"})
+    ->ArgsProduct({{20}, {1, 2, 3, 7}, {0, 1}})
+    ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

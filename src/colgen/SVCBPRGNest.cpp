@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "PatternRepeat.h"
 #include "ValueCorrection.h"
 #include "platenest/colgen/SVCBPRGNestSingle.h"
 
@@ -16,18 +17,6 @@ bool Stopped(const TBCPStopWatch& Watch) {
 
 bool MeetsDemand(const TNestRectList& Work) {
   return std::all_of(Work.begin(), Work.end(), [](const TNestRect& part) { return part.Amount == 0; });
-}
-
-// How often a layout can be used: Plates is the limit, and what each part has left. Takes that off the amounts.
-int Repeat(const TRectPattern& Pattern, int Plates, TNestRectList& Work) {
-  std::vector<int> used(Work.size());
-  for (const TNestedRect& item : Pattern.NestedRects()) ++used[static_cast<std::size_t>(item.Part.Idx)];
-  int times = Plates;
-  for (std::size_t i = 0; i < used.size(); ++i) {
-    if (used[i] > 0) times = std::min(times, Work[i].Amount / used[i]);
-  }
-  for (std::size_t i = 0; i < used.size(); ++i) Work[i].Amount -= times * used[i];
-  return times;
 }
 
 Int64 PlateCount(const TRectSolution& Solution) {
@@ -92,7 +81,7 @@ TRectSolution TSVCBPRGNest::FillPlates(const TNestSpaceList& Spaces, TNestRectLi
       TSVCBPRGNestSingle(space.Space, Work, FGapIn, /*SpecificValue=*/true).NestSinglePlate(layout);
       if (layout.empty()) break;
       const TRectPattern pattern(std::move(layout), space.Space);
-      const int times = Repeat(pattern, left, Work);
+      const int times = detail::Repeat(pattern.NestedRects(), left, Work);
       solution.AddSubSolution(pattern, times);
       left -= times;
     }

@@ -230,6 +230,7 @@ TEST(BCPTree, ErrorsEndTheSearchWithTheBestSolutionButLeaveTheStart) {
     TTree tree(&manager, nullptr, true, 0);
     EXPECT_TRUE(kDeep.CheckSolution(tree.Solve(Never)));
     EXPECT_EQ(calls, good + 1);
+    EXPECT_EQ(tree.Counts().Pricings, calls);
     EXPECT_EQ(tree.Status(), 2);
   }
   TBCPSolverManager<TBarPattern> manager(&kDeep);

@@ -88,6 +88,7 @@ class TBCPNode {
   double BoundBase() const { return FBoundBase; }
   bool CGRequired() const { return FCGRequired; }
   int LPRounds() const { return FLPRounds; }  // LPs solved here, those of branching included
+  int Pricings() const { return FPricings; }  // calls of pricing heuristics
 
   std::vector<std::unique_ptr<TBCPNode>> ChildNodes;
   TBCPNode* Parent;
@@ -167,6 +168,7 @@ class TBCPNode {
   int FDepth = 0;
   int FIdx = 0;
   int FLPRounds = 0;
+  int FPricings = 0;
   bool FCGRequired;
 };
 

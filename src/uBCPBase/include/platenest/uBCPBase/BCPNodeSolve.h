@@ -112,6 +112,7 @@ bool TBCPNode<T>::SolveSubProblem(const TDoubleDynArray& AWVec, double Amp, cons
   FSubProblem->SetDualCost(AWVec, Amp);
   bool status = false;
   for (const TSubProblemSolveFunc<T>& solver : FSolverManager->SubProblemSolvers()) {
+    ++FPricings;
     std::unique_ptr<T> column = solver(*FSubProblem, status, FCostValue);
     FCostValue /= Amp;
     if (status && column != nullptr && AddVartoConstraint(std::move(column)) && AStop()) return true;
@@ -124,11 +125,13 @@ bool TBCPNode<T>::StopByCostValue() const {
   return detail::IsWorthAnotherLP(FCostValue, FMinCost, FLPSol);
 }
 
-// Takes all that stands in the queue. True if there was a solution, also when all its columns were known.
+// Takes all that stands in the queue. True if there was a solution to admit, also when all its columns were known.
 template <BCPVariable T>
 bool TBCPNode<T>::CheckFIFO(TSolutionFifo& AFIFOSolutions, TSolutionList& ASolutions) {
   bool any = false;
-  for (TBCPSolution<T> arrived; AFIFOSolutions.Pop(arrived); any = true) {
+  for (TBCPSolution<T> arrived; AFIFOSolutions.Pop(arrived);) {
+    if (!FSolverManager->Admits(arrived)) continue;
+    any = true;
     ASolutions.push_back(std::move(arrived));
     for (const auto& pair : ASolutions.back()) AddVartoConstraint(*pair.Key);
   }

@@ -29,6 +29,11 @@ template <BCPVariable T>
 using TResidualSolveFunc = std::function<bool(const TBCPProblem<T>& ASubProblem, const TBCPSolution<T>& ACurSolution,
                                               TBCPSolution<T>& AResult)>;
 
+// Rewrites a solution from a queue for the rows of the main problem, before anything else looks at it. False refuses
+// it; it may have been moved from then.
+template <BCPVariable T>
+using TAdmitFunc = std::function<bool(TBCPSolution<T>& ASolution)>;
+
 // The heuristics that a search may call, each kind in the order in which it was added.
 template <BCPVariable T>
 class TBCPSolverManager {
@@ -40,6 +45,10 @@ class TBCPSolverManager {
   void AddGreedySolver(TGreedySolveFunc<T> ASolver) { FGreedySolvers.push_back(std::move(ASolver)); }
   void AddResidualSolver(TResidualSolveFunc<T> ASolver) { FResidualSolvers.push_back(std::move(ASolver)); }
 
+  // What solutions from a queue pass first. Without it they are taken as they are.
+  void SetAdmit(TAdmitFunc<T> AAdmit) { FAdmit = std::move(AAdmit); }
+  bool Admits(TBCPSolution<T>& ASolution) const { return !FAdmit || FAdmit(ASolution); }
+
   const std::vector<TSubProblemSolveFunc<T>>& SubProblemSolvers() const { return FSubProblemSolvers; }
   const std::vector<TGreedySolveFunc<T>>& GreedySolvers() const { return FGreedySolvers; }
   const std::vector<TResidualSolveFunc<T>>& ResidualSolvers() const { return FResidualSolvers; }
@@ -50,6 +59,7 @@ class TBCPSolverManager {
   std::vector<TSubProblemSolveFunc<T>> FSubProblemSolvers;
   std::vector<TGreedySolveFunc<T>> FGreedySolvers;
   std::vector<TResidualSolveFunc<T>> FResidualSolvers;
+  TAdmitFunc<T> FAdmit;
 };
 
 }  // namespace platenest

@@ -21,6 +21,14 @@ inline bool BoundsMeet(double LB, double UB) {
 
 }  // namespace detail
 
+// The work that a search has done so far.
+struct TBCPCounts {
+  int Nodes = 0;     // made, the root included
+  int LPRounds = 0;  // LPs solved
+  int Pricings = 0;  // calls of pricing heuristics
+  int Columns = 0;   // in the pool
+};
+
 // Branch-and-price for one covering problem (Barnhart et al. 1998): a first solution by heuristics, the root by column
 // generation, then a dive along the better child, with a heap of open nodes as the way back. Every solution that is
 // taken meets the demand, as CheckSolution of the main problem has it. The proof of status 0 is as good as pricing:
@@ -61,6 +69,8 @@ class TBCPTree {
   double GUB() const { return FGUB; }  // cost of the best solution; kBCPInfinity before the first one
   const TVarPool<T>& VarPool() const { return FVarPool; }
   const TNode& Root() const { return FRoot; }
+  // By a walk over all nodes, a few thousand at most. Only on the thread of Solve while that runs.
+  TBCPCounts Counts() const;
 
  protected:
   bool StopByFlag() const { return FPStopper->load(std::memory_order_relaxed); }

@@ -58,7 +58,7 @@ template <BCPVariable T>
 bool TBCPTree<T>::GreedySolve() {
   if (FFIFOSolution != nullptr) {
     for (TBCPSolution<T> arrived; FFIFOSolution->Pop(arrived);)
-      UpdateBestResult(arrived, arrived.GetCSPCost(), /*AClone=*/false);
+      if (FSolverManager->Admits(arrived)) UpdateBestResult(arrived, arrived.GetCSPCost(), /*AClone=*/false);
   }
   if (FBestSolution.Count() > 0) return true;
   for (const TGreedySolveFunc<T>& solver : FSolverManager->GreedySolvers()) {
@@ -85,6 +85,21 @@ bool TBCPTree<T>::BoundMeet() {
   const bool met = detail::BoundsMeet(FGLB, FGUB);
   if (met) FStatus = 0;
   return met;
+}
+
+template <BCPVariable T>
+TBCPCounts TBCPTree<T>::Counts() const {
+  TBCPCounts counts{0, 0, 0, FVarPool.Count()};
+  std::vector<const TNode*> open{&FRoot};
+  while (!open.empty()) {
+    const TNode& node = *open.back();
+    open.pop_back();
+    ++counts.Nodes;
+    counts.LPRounds += node.LPRounds();
+    counts.Pricings += node.Pricings();
+    for (const std::unique_ptr<TNode>& child : node.ChildNodes) open.push_back(child.get());
+  }
+  return counts;
 }
 
 template <BCPVariable T>
