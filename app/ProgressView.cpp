@@ -62,11 +62,13 @@ ProgressView::ProgressView(ProgressForm Form, Progress Start)
 void ProgressView::Show(const Progress& AProgress) {
   if (FForm == ProgressForm::None) return;
   const std::lock_guard guard(FLock);
+  FLatest.Seconds = AProgress.Seconds;
+  const bool isSeen = ProgressText(FLatest) != ProgressText(AProgress);
   FLatest = AProgress;
   FLatestMs = NowMs();
   FHasNews = true;
   if (FForm == ProgressForm::Lines) {
-    WriteLine();
+    if (isSeen) WriteLine();
   } else {
     WriteIfDue();
   }
