@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,27 +58,20 @@ struct TTinyJob {
     Asked.Gap = Random.Chance(30) ? Unit : 0;
     const double margin = Unit != 1.0 / 3 && Random.Chance(30) ? Unit : 0;
     Asked.Margin = {margin, 0, 0, 2 * margin};
-    for (int i = Random.Pick(1, 2); i > 0; --i) AddPlate(Random);
-    for (int left = 6; left > 0;) {
+    for (int i = Random.Pick(1, 2); i > 0; --i) {
+      Asked.Plates.push_back({"", Random.Pick(2, 4) * Unit + margin, Random.Pick(2, 4) * Unit + 2 * margin});
+      Asked.Plates.back().Count = Random.Chance(40) ? std::nullopt : std::optional(Random.Pick(1, 3));
+      if (Random.Chance(60)) Asked.Plates.back().Cost = Random.Pick(0, 3) * 0.5;
+    }
+    for (int left = 6; left > 0; left -= *Asked.Parts.back().Amount + Random.Pick(0, 2)) {
       const int amount = Random.Pick(1, std::min(left, 3));
-      left -= amount + Random.Pick(0, 2);
-      const double width = Random.Pick(1, 4) * Unit;
-      Asked.Parts.push_back({.Id = "", .Width = width, .Height = Random.Pick(1, 4) * Unit, .Amount = amount});
+      Asked.Parts.push_back({"", Random.Pick(1, 4) * Unit, Random.Pick(1, 4) * Unit, amount});
       if (Random.Chance(30)) Asked.Parts.back().Turn = Rotate::None;
     }
     const bool isFinite = std::ranges::all_of(Asked.Plates, [](const Plate& plate) { return plate.Count.has_value(); });
     if (isFinite && Random.Chance(40)) Asked.Parts.back().Amount = std::nullopt;
     GiveIds(Asked);
     Unit = ScaleOf(Asked).Up(Unit);
-  }
-  void AddPlate(TRandom& Random) {
-    Plate plate;
-    plate.Width = Random.Pick(2, 4) * Unit + Asked.Margin[0];
-    plate.Height = Random.Pick(2, 4) * Unit + Asked.Margin[3];
-    plate.Count = Random.Chance(40) ? std::nullopt : std::optional(Random.Pick(1, 3));
-    if (Random.Chance(60)) plate.Cost = Random.Pick(0, 3) * 0.5;
-    plate.Remnant = Random.Chance(20);
-    Asked.Plates.push_back(plate);
   }
 
   Job Asked;
@@ -259,32 +253,6 @@ TJobLayouts AnyLayouts(TRandom& Random, const TJobSizes& Sizes) {
   return layouts;
 }
 
-using TContent = std::pair<int, TCopies>;  // plate kind, copies of each part
-TContent ContentOf(const TJobSizes& Sizes, const TJobLayout& Layout) {
-  TCopies copies(Sizes.Parts.size());
-  for (const TNestedRect& placed : Layout.Nested) ++copies[placed.Part.Idx];
-  return {Layout.Plate, copies};
-}
-
-// Whether some layout of the list has, of each part, the copies of this one as its first ones.
-bool IsCutFrom(const TJobLayout& Cut, const TJobLayouts& Whole) {
-  const auto placesOf = [](const TJobLayout& layout, int part) {
-    std::vector<double> places;
-    for (const TNestedRect& placed : layout.Nested)
-      if (placed.Part.Idx == part && (!placed.IsRotate || part != 0)) places.push_back(placed.Trans.X);
-    return places;
-  };
-  return std::ranges::any_of(Whole, [&](const TJobLayout& layout) {
-    bool isCut = layout.Plate == Cut.Plate;
-    for (int part = 0; part < 4; ++part) {
-      const std::vector<double> kept = placesOf(Cut, part);
-      const std::vector<double> all = placesOf(layout, part);
-      isCut &= kept.size() <= all.size() && std::equal(kept.begin(), kept.end(), all.begin());
-    }
-    return isCut;
-  });
-}
-
 TEST(WholeJob, TidyAnswersKeepStockAndDemandAndLoseNothingElse) {
   ForEachSeed(2000, [](unsigned seed) {
     TRandom random(seed);
@@ -298,45 +266,36 @@ TEST(WholeJob, TidyAnswersKeepStockAndDemandAndLoseNothingElse) {
     TJobLayouts kept = given;
     TidyAnswer(sizes, kept);
 
-    TCopies offered(sizes.Parts.size()), placed(sizes.Parts.size()), used(sizes.Plates.size());
-    std::vector<std::vector<bool>> offers(sizes.Plates.size(), std::vector<bool>(sizes.Parts.size()));
+    std::vector<Int64> offered = PlacedCopies(sizes, given);
     for (const TJobLayout& layout : given)
       for (const TNestedRect& item : layout.Nested)
-        if (!item.IsRotate || item.Part.Idx != 0) {
-          offered[item.Part.Idx] += layout.Copies;
-          offers[layout.Plate][item.Part.Idx] = true;
-        }
-    std::map<TContent, int> contents;
-    std::tuple<int, double> last{-1, 0};
+        offered[0] -= item.IsRotate && item.Part.Idx == 0 ? layout.Copies : 0;
+    const std::vector<Int64> placed = PlacedCopies(sizes, kept);
+    std::vector<int> used(sizes.Plates.size());
+    std::set<std::pair<int, TCopies>> contents;
     for (const TJobLayout& layout : kept) {
-      const TContent content = ContentOf(sizes, layout);
-      double area = 0;
-      for (int i = 0; i < Size(content.second); ++i) {
-        placed[i] += content.second[i] * layout.Copies;
-        area += content.second[i] * sizes.Parts[i].Area;
-      }
+      TCopies copies(sizes.Parts.size());
+      for (const TNestedRect& item : layout.Nested) ++copies[item.Part.Idx];
+      EXPECT_TRUE(layout.Copies > 0 && !layout.Nested.empty() && contents.emplace(layout.Plate, copies).second);
       used[layout.Plate] += layout.Copies;
-      EXPECT_TRUE(layout.Copies > 0 && !layout.Nested.empty() && ++contents[content] == 1);
-      EXPECT_TRUE(IsCutFrom(layout, given));
-      EXPECT_LE(last, std::tuple(layout.Plate, -area)) << "order";
-      last = {layout.Plate, -area};
     }
-    for (int k = 0; k < Size(used); ++k) EXPECT_LE(used[k], sizes.Plates[k].Count);
+    bool usesUp = false;
+    for (int k = 0; k < Size(used); ++k) {
+      EXPECT_LE(used[k], sizes.Plates[k].Count);
+      usesUp |= used[k] == sizes.Plates[k].Count;
+    }
     for (int i = 0; i < Size(placed); ++i) {
-      const int due = std::min(offered[i], sizes.Parts[i].Amount);
-      bool mayLack = false;
-      for (int k = 0; k < Size(used); ++k) mayLack |= used[k] == sizes.Plates[k].Count && offers[k][i];
-      EXPECT_TRUE(placed[i] == due || (placed[i] < due && mayLack)) << placed[i] << " of " << due;
+      const Int64 due = std::min<Int64>(offered[i], sizes.Parts[i].Amount);
+      EXPECT_TRUE(placed[i] == due || (placed[i] < due && usesUp)) << placed[i] << " of " << due;
     }
     TJobLayouts again = kept;
     TidyAnswer(sizes, again);
     const TJobMerit before = MeritOf(sizes, kept);
-    const TJobMerit after = MeritOf(sizes, again);
-    EXPECT_TRUE(Size(again) == Size(kept) && !IsBetter(before, after) && !IsBetter(after, before));
+    EXPECT_TRUE(!IsBetter(before, MeritOf(sizes, again)) && !IsBetter(MeritOf(sizes, again), before));
   });
 }
 
-TEST(WholeJob, SizesShareOneScaleAndLeaveOutWhatIsOfNoUse) {
+TEST(WholeJob, SizesLeaveOutWhatIsOfNoUse) {
   Job job;
   job.Kind = JobKind::Job;
   job.Gap = 3;
@@ -353,20 +312,6 @@ TEST(WholeJob, SizesShareOneScaleAndLeaveOutWhatIsOfNoUse) {
   ASSERT_EQ(std::pair(Size(sizes.Plates), Size(sizes.Parts)), std::pair(2, 2));
   EXPECT_THAT((std::vector{sizes.Plates[0].Position, sizes.Plates[0].Count, sizes.Plates[1].Count}),
               ElementsAre(2, 2, 6));
-  Job metres = job;
-  const auto shrink = [](double& V) { V = std::stod(std::to_string(V / 1000)); };
-  for (Plate& plate : metres.Plates) (shrink(plate.Width), shrink(plate.Height));
-  for (Part& part : metres.Parts) (shrink(part.Width), shrink(part.Height));
-  shrink(metres.Gap);
-  for (double& side : metres.Margin) shrink(side);
-  const TJobSizes same = JobSizesOf(metres);
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(std::tie(same.Plates[i].Width, same.Plates[i].Height),
-              std::tie(sizes.Plates[i].Width, sizes.Plates[i].Height));
-    EXPECT_EQ(std::tie(same.Parts[i].Width, same.Gap), std::tie(sizes.Parts[i].Width, sizes.Gap));
-  }
-  EXPECT_EQ(JobBoundsOf(metres), JobBoundsOf(job));
-
   job.Plates.erase(job.Plates.begin());
   job.Parts[1].Amount = std::nullopt;
   EXPECT_EQ(JobSizesOf(job).Parts.at(0).Amount, 9);
@@ -375,21 +320,6 @@ TEST(WholeJob, SizesShareOneScaleAndLeaveOutWhatIsOfNoUse) {
   EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "LimitError: limit /parts/3/amount");
   job.Margin = {300, 250, 400, 250};
   EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "InputError: range /margin");
-}
-
-// Nothing is left between the parts, in numbers that doubles cannot hold.
-TEST(WholeJob, PerfectTilingsMeetTheirBounds) {
-  for (const double unit : {0.1, 0.0254, 1e-3, 12.7, 1.0 / 7}) {
-    Job job;
-    job.Kind = JobKind::Job;
-    job.Gap = unit;
-    job.Plates = {{.Id = "p", .Width = 9 * unit, .Height = 5 * unit, .Count = std::nullopt}};
-    job.Parts = {{.Id = "a", .Width = unit, .Height = 2 * unit, .Amount = 30}};
-    const std::vector<Bound> bounds = JobBoundsOf(job);
-    EXPECT_EQ(bounds, (std::vector<Bound>{{"plates", "area", 3}})) << unit;
-    job.Parts[0].Amount = 31;
-    EXPECT_EQ(JobBoundsOf(job)[0].Value, 4) << unit;
-  }
 }
 
 // Two plates of a stock, one layout on both, a part too large, parts that found no plate.
@@ -428,14 +358,9 @@ TEST(CheckResult, FindsWhatIsWrongInAWholeJob) {
   const std::pair<const char*, std::function<void(Job&, Result&)>> changes[] = {
       {"/layouts/1/copies", [](Job&, Result& r) { r.Layouts[1].Copies = 0; }},
       {"/summary/plates", [](Job&, Result& r) { r.Layouts[1].Copies = 1; }},
-      {"/summary/plates", [](Job&, Result& r) { ++r.Total.Plates; }},
-      {"/summary/usage", [](Job&, Result& r) { r.Total.Usage *= 1.001; }},
-      {"/summary/part_area", [](Job&, Result& r) { r.Total.PartArea += 1; }},
-      {"/summary/plate_area", [](Job&, Result& r) { r.Total.PlateArea -= 1; }},
       {"/summary/cost", [](Job&, Result& r) { r.Total.Cost = 5; }},
       {"/summary/cost", [](Job& j, Result&) { j.Plates[1].Cost.reset(); }},
       {"/bounds", [](Job&, Result& r) { r.Bounds.front().Value += 1; }},
-      {"/bounds", [](Job&, Result& r) { r.Bounds.clear(); }},
       {"/bounds",
        [](Job&, Result& r) {
          r.Bounds.push_back({"plates", "cg", 3.4});
@@ -444,11 +369,7 @@ TEST(CheckResult, FindsWhatIsWrongInAWholeJob) {
       {"/status", [](Job&, Result& r) { r.Status = ResultStatus::Complete; }},
       {"/estimate/value", [](Job&, Result& r) { r.Estimate->Value = -1; }},
       {"/estimate/value", [](Job&, Result& r) { r.Estimate->Value = std::nan(""); }},
-      {"/plates/0/used", [](Job&, Result& r) { r.Plates[0].Used = 1; }},
       {"/plates/0/used", [](Job& j, Result& r) { j.Plates[0].Count = r.Plates[0].Count = 1; }},
-      {"/plates/1/count", [](Job&, Result& r) { r.Plates[1].Count.reset(); }},
-      {"/parts/0/placed", [](Job&, Result& r) { ++r.Parts[0].Placed; }},
-      {"/parts/0/unplaced", [](Job&, Result& r) { ++r.Parts[0].Unplaced; }},
       {"/parts/1/placed", [](Job& j, Result& r) { j.Parts[1].Amount = r.Parts[1].Amount = 4; }},
       {"/parts/0/reason", [](Job&, Result& r) { r.Parts[0].Reason = "left_by_method"; }},
       {"/parts/2/reason", [](Job&, Result& r) { r.Parts[2].Reason = "no_stock"; }},
@@ -458,7 +379,6 @@ TEST(CheckResult, FindsWhatIsWrongInAWholeJob) {
          r.Layouts[0].Placements[0] = {"shelf", true, {190, 0}, {0, 0, 190, 280}};
        }},
       {"/layouts/1: ", [](Job&, Result& r) { r.Layouts[1].Placements[2] = r.Layouts[1].Placements[1]; }},
-      {"/layouts/0/plate", [](Job&, Result& r) { r.Layouts[0].Plate = "none"; }},
   };
   for (const auto& [place, change] : changes) {
     Job asked = sample.Asked;
