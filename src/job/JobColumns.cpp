@@ -17,9 +17,14 @@ namespace {
 constexpr char kMethod[] = "cg";
 constexpr int kTrials = 20;
 constexpr double kMostUnits = 20000;
-// Where no clock ends the search: looks at the watch, about one for each LP, and what each counts.
-constexpr int kMostLooks = 400;
-constexpr double kMsALook = 10;
+// More sizes make columns and pricing too large to come to anything; of columns to begin with, so many are taken.
+constexpr int kMostSizes = 1500;
+constexpr int kMostBeginnings = 3000;
+// Where no clock ends the search, its looks at the watch are counted, about one for each LP: so many milliseconds for
+// states times sizes of the raster, and in all no more than these.
+constexpr double kWorkPerMs = 1e6;
+constexpr double kLeastMsALook = 2;
+constexpr double kMostMs = 3000;
 constexpr double kBoundNoise = 1e-6;
 
 class TColumnSearch {
@@ -44,10 +49,11 @@ class TColumnSearch {
     TRectSolutionFifo queue;
     TBCPRectNest nest(FUnits.Rects(Left), TNestSpace(FUnits.Plate(Kind), 1, false), FUnits.Gap(), &queue);
     for (const TRectSolution& solution : Beginnings(Kind, Left)) nest.AddColumnList(solution);
-    int looks = 0;
+    const double sizes = static_cast<double>(std::ranges::count_if(Left, [](int left) { return left > 0; }));
+    const double msALook = std::max(kLeastMsALook, FUnits.RasterStates(Kind, Left) * sizes / kWorkPerMs);
     nest.SetWatch([&](const TBCPRectNest::TTree& tree) {
       FSearch.Tell(kMethod, tree.Root().LPSol());
-      const bool isSpent = !FSearch.IsTimed() && (++looks > kMostLooks || !FSearch.Control().Affords(kMsALook));
+      const bool isSpent = !FSearch.IsTimed() && !IsAffordable(msALook);
       FIsStopped = isSpent || FSearch.IsOver();
       return FIsStopped;
     });
@@ -55,6 +61,11 @@ class TColumnSearch {
     nest.Solve(solution, 0);
     NoteEstimate(nest.Tree());
     return Taken(Kind, solution, Left);
+  }
+
+  bool IsAffordable(double Ms) {
+    FCountedMs += Ms;
+    return FCountedMs <= kMostMs && FSearch.Control().Affords(Ms);
   }
 
   // A plain answer on plates of this kind alone, and what was found before.
@@ -65,7 +76,11 @@ class TColumnSearch {
     stock[Kind] = limits::kPlates;
     const int order[] = {Kind};
     beginnings.push_back(SolutionOf(Kind, FillPlates(FSearch.Sizes(), order, left, stock, FTrials.Nest(kTrials))));
-    for (const TJobLayouts& layouts : FFound) beginnings.push_back(SolutionOf(Kind, layouts));
+    int columns = 0;
+    for (auto layouts = FFound.rbegin(); layouts != FFound.rend() && columns < kMostBeginnings; ++layouts) {
+      beginnings.push_back(SolutionOf(Kind, *layouts));
+      columns += beginnings.back().Count();
+    }
     return beginnings;
   }
 
@@ -109,22 +124,24 @@ class TColumnSearch {
   TSkyTrials& FTrials;
   const std::vector<TJobLayouts>& FFound;
   TJobUnits FUnits;
+  double FCountedMs = 0;
   bool FIsStopped = false;  // by the watch
 };
 
 }  // namespace
 
 void NestByColumns(TJobSearch& Search, TSkyTrials& Trials, double Share, const std::vector<TJobLayouts>& Found) {
-  if (Search.IsOver() || IsAllPlaced(AskedCopies(Search.Sizes()))) return;
+  const TJobSizes& sizes = Search.Sizes();
+  if (Search.IsOver() || Size(sizes.Parts) > kMostSizes || IsAllPlaced(AskedCopies(sizes))) return;
   Search.Try([&] {
     TColumnSearch columns(Search, Trials, Found);
     TJobLayouts layouts;
     {
       const TTimeShare share(Search.SecondsOf(Share));
-      layouts = columns.Run(PlateOrder(Search.Sizes()));
+      layouts = columns.Run(PlateOrder(sizes));
     }
-    TidyAnswer(Search.Sizes(), layouts);
-    PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
+    TidyAnswer(sizes, layouts);
+    PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
     Search.Offer(kMethod, std::move(layouts));
   });
 }
