@@ -66,9 +66,10 @@ class TAreaSums {
     auto rest = static_cast<long double>(FDemand);
     long double cost = 0;
     for (const int i : AscendingBy(Size(FGrown.Plates), [&](int k) { return FSizes.Plates[k].Cost / areaOf(k); })) {
-      const long double count = std::min<long double>(rest / areaOf(i), FSizes.Plates[i].Count);
-      rest -= count * areaOf(i);
-      cost += count * FSizes.Plates[i].Cost;
+      const long double count = rest / areaOf(i);
+      if (count <= FSizes.Plates[i].Count) return cost + count * FSizes.Plates[i].Cost;
+      rest -= areaOf(i) * FSizes.Plates[i].Count;
+      cost += static_cast<long double>(FSizes.Plates[i].Cost) * FSizes.Plates[i].Count;
     }
     return cost;
   }
@@ -78,9 +79,10 @@ class TAreaSums {
     auto room = static_cast<long double>(FStock);
     long double area = 0;
     for (const int i : AscendingBy(Size(FGrown.Parts), [&](int k) { return -FSizes.Parts[k].Area / areaOf(k); })) {
-      const long double count = std::min<long double>(room / areaOf(i), FSizes.Parts[i].Amount);
-      room -= count * areaOf(i);
-      area += count * FSizes.Parts[i].Area;
+      const long double count = room / areaOf(i);
+      if (count <= FSizes.Parts[i].Amount) return area + count * FSizes.Parts[i].Area;
+      room -= areaOf(i) * FSizes.Parts[i].Amount;
+      area += static_cast<long double>(FSizes.Parts[i].Area) * FSizes.Parts[i].Amount;
     }
     return area;
   }

@@ -160,7 +160,7 @@ bool GoesOn(TJobSearch& Search, TSkyTrials& Trials) {
 }
 
 // The best of some rounds.
-TJobLayouts BestOfRounds(TJobSearch& Search, TSkyTrials& Trials) {
+TJobLayouts BestOfRounds(TJobSearch& Search, TSkyTrials& Trials, std::vector<TJobLayouts>* Built) {
   TValueRounds rounds(Search.Sizes(), Trials);
   rounds.Restart();
   TJobLayouts best;
@@ -170,6 +170,7 @@ TJobLayouts BestOfRounds(TJobSearch& Search, TSkyTrials& Trials) {
     if (RectNestStopped()) break;
     PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
     const TJobMerit merit = MeritOf(Search.Sizes(), layouts);
+    if (Built != nullptr) Built->push_back(layouts);
     if (!best.empty() && !IsBetter(merit, bestMerit)) continue;
     bestMerit = merit;
     best = std::move(layouts);
@@ -193,9 +194,9 @@ void ExchangePlates(TJobSearch& Search, TSkyTrials& Trials, TJobLayouts Layouts)
 
 }  // namespace
 
-void ImproveInCycles(TJobSearch& Search, TSkyTrials& Trials, int Cycles) {
+void ImproveInCycles(TJobSearch& Search, TSkyTrials& Trials, int Cycles, std::vector<TJobLayouts>* Built) {
   for (int cycle = 0; cycle < Cycles && GoesOn(Search, Trials); ++cycle) {
-    TJobLayouts fresh = BestOfRounds(Search, Trials);
+    TJobLayouts fresh = BestOfRounds(Search, Trials, Built);
     // In turn the best answer of all and the best of this cycle.
     const bool isFresh = cycle % 2 == 1 && !fresh.empty();
     TJobLayouts start = isFresh ? std::move(fresh) : Search.Best();

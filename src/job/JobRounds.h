@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "JobSearch.h"
 #include "JobTrials.h"
 
@@ -11,6 +13,7 @@ namespace platenest::detail {
 // three plates of an answer again and again and fills them anew with their parts and with what is unplaced, which is
 // kept where it saves a plate or cost or makes the fuller plates fuller. Ends after Cycles, when the search is over, or
 // when the time share of this thread is.
-void ImproveInCycles(TJobSearch& Search, TSkyTrials& Trials, int Cycles);
+// The answers of the rounds are added to Built unless that is null.
+void ImproveInCycles(TJobSearch& Search, TSkyTrials& Trials, int Cycles, std::vector<TJobLayouts>* Built);
 
 }  // namespace platenest::detail

@@ -1,12 +1,16 @@
 #include "JobRun.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Assembly.h"
+#include "JobColumns.h"
 #include "JobRepeat.h"
 #include "JobRounds.h"
 #include "JobSearch.h"
+#include "JobStripValue.h"
 #include "JobVerdict.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/job/JobErrors.h"
@@ -15,16 +19,37 @@ namespace platenest::detail {
 
 namespace {
 
-constexpr double kRepeatShare = 0.1;
+// Shares of the time that is left when a phase of auto begins.
+constexpr double kRepeatShare = 0.08;
+constexpr double kFirstRoundsShare = 0.2;
+constexpr double kStripValueShare = 0.15;
+constexpr double kColumnsShare = 0.35;
 constexpr int kCycles = 60;
 constexpr int kDeterministicCycles = 4;
 
-void Search(TJobSearch& AllOf, const std::string& Method) {
-  TSkyTrials trials(AllOf.Sizes());
-  RepeatQuickly(AllOf, trials);
-  const bool isAuto = Method == "auto";
-  if (isAuto || Method == "repeat") RepeatNested(AllOf, trials, isAuto ? kRepeatShare : 1);
-  if (isAuto) ImproveInCycles(AllOf, trials, AllOf.Run().Deterministic ? kDeterministicCycles : kCycles);
+void SearchByAll(TJobSearch& Search, TSkyTrials& Trials) {
+  RepeatNested(Search, Trials, kRepeatShare);
+  std::vector<TJobLayouts> found;
+  {
+    const TTimeShare share(Search.SecondsOf(kFirstRoundsShare));
+    ImproveInCycles(Search, Trials, 1, &found);
+  }
+  if (Search.Sizes().TurnsAll()) {
+    NestByStripValues(Search, Trials, kStripValueShare, /*Must=*/false, found);
+    found.push_back(Search.Best());
+    NestByColumns(Search, Trials, kColumnsShare, found);
+  }
+  ImproveInCycles(Search, Trials, Search.Run().Deterministic ? kDeterministicCycles : kCycles, nullptr);
+}
+
+void SearchBy(const std::string& Method, TJobSearch& Search) {
+  TSkyTrials trials(Search.Sizes());
+  RepeatQuickly(Search, trials);
+  std::vector<TJobLayouts> found;
+  if (Method == "repeat") RepeatNested(Search, trials, 1);
+  if (Method == "svc") NestByStripValues(Search, trials, 1, /*Must=*/true, found);
+  if (Method == "cg") NestByColumns(Search, trials, 1, found);
+  if (Method == "auto") SearchByAll(Search, trials);
 }
 
 }  // namespace
@@ -44,7 +69,7 @@ void AnswerJob(const Job& AJob, TRunControl& Control, Result& AResult) {
   AResult.Bounds = JobBoundsOf(AJob);
   const TRandomScope random(AJob.Run.Seed);
   TJobSearch search(AJob, Control, AResult.Bounds);
-  if (!search.Sizes().Parts.empty()) Search(search, AJob.Run.Method);
+  if (!search.Sizes().Parts.empty()) SearchBy(AJob.Run.Method, search);
   if (!search.HasAnswer()) {
     search.RaiseTrouble();
     if (Control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});
@@ -54,6 +79,9 @@ void AnswerJob(const Job& AJob, TRunControl& Control, Result& AResult) {
     for (Layout& layout : AResult.Layouts) MeasureInto(layout, AJob.Gap, AJob.Margin);
   }
   Account(AJob, AResult);
+  // What an answer has refuted is no estimate any more.
+  if (search.Estimate())
+    AResult.Estimate = {"plates", "cg", std::min<double>(*search.Estimate(), AResult.Total.Plates)};
   JudgeJob(AJob, AResult);
   if (!AResult.Proved) NoteInterruption(Control, AResult);
 }

@@ -81,7 +81,7 @@ bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   FMerit = merit;
   FMethod = Method;
   FIsProved = MeetsBounds(merit);
-  Report(Method);
+  Report(Method, std::nullopt);
   return true;
 }
 
@@ -98,14 +98,15 @@ void TJobSearch::Try(const std::function<void()>& Step) {
 }
 
 void TJobSearch::Tell(std::string_view Phase, std::optional<double> LpValue) {
-  (void)LpValue;
   if (!HasAnswer() || FControl.Seconds() < FToldAt + kSecondsBetweenReports) return;
-  Report(Phase);
+  Report(Phase, LpValue);
 }
 
-void TJobSearch::Report(std::string_view Phase) {
+void TJobSearch::Report(std::string_view Phase, std::optional<double> LpValue) {
   Progress now;
   now.Phase = Phase;
+  now.LpValue = LpValue;
+  now.Estimate = FEstimate;
   now.Plates = static_cast<int>(FMerit.Plates);
   double parts = 0;
   double plates = 0;

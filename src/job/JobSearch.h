@@ -53,6 +53,10 @@ class TJobSearch {
   // Tells the caller that a phase goes on, at most five times a second.
   void Tell(std::string_view Phase, std::optional<double> LpValue);
 
+  // Plates that a column generation takes for the least.
+  void SetEstimate(double Plates) { FEstimate = Plates; }
+  std::optional<double> Estimate() const { return FEstimate; }
+
   bool HasAnswer() const { return !FBest.empty(); }
   bool IsProved() const { return FIsProved; }
   const TJobLayouts& Best() const { return FBest; }
@@ -63,7 +67,7 @@ class TJobSearch {
 
  private:
   bool MeetsBounds(const TJobMerit& Merit) const;
-  void Report(std::string_view Phase);
+  void Report(std::string_view Phase, std::optional<double> LpValue);
 
   const Job& FJob;
   TRunControl& FControl;
@@ -74,6 +78,7 @@ class TJobSearch {
   std::vector<Layout> FLayouts;
   std::string FMethod;
   bool FIsProved = false;
+  std::optional<double> FEstimate;
   double FWritingSeconds = 0;
   double FToldAt = -1;
   std::string FTrouble;

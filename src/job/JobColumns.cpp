@@ -1,0 +1,132 @@
+#include "JobColumns.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "JobUnits.h"
+#include "platenest/colgen/BCPRectNest.h"
+#include "platenest/foundation/Compare.h"
+#include "platenest/foundation/Rounding.h"
+#include "platenest/foundation/Sort.h"
+
+namespace platenest::detail {
+
+namespace {
+
+constexpr char kMethod[] = "cg";
+constexpr int kTrials = 20;
+constexpr double kMostUnits = 20000;
+// Where no clock ends the search: looks at the watch, about one for each LP, and what each counts.
+constexpr int kMostLooks = 400;
+constexpr double kMsALook = 10;
+constexpr double kBoundNoise = 1e-6;
+
+class TColumnSearch {
+ public:
+  TColumnSearch(TJobSearch& Search, TSkyTrials& Trials, const std::vector<TJobLayouts>& Found)
+      : FSearch(Search), FTrials(Trials), FFound(Found), FUnits(Search.Sizes(), kMostUnits) {}
+
+  TJobLayouts Run(std::span<const int> Order) {
+    const TJobSizes& sizes = FSearch.Sizes();
+    std::vector<int> left = AskedCopies(sizes);
+    TJobLayouts layouts;
+    for (const int kind : Order) {
+      if (IsAllPlaced(left) || RectNestStopped()) break;
+      TJobLayouts more = RunKind(kind, left);
+      std::ranges::move(more, std::back_inserter(layouts));
+    }
+    return layouts;
+  }
+
+ private:
+  TJobLayouts RunKind(int Kind, std::vector<int>& Left) {
+    TRectSolutionFifo queue;
+    TBCPRectNest nest(FUnits.Rects(Left), TNestSpace(FUnits.Plate(Kind), 1, false), FUnits.Gap(), &queue);
+    for (const TRectSolution& solution : Beginnings(Kind, Left)) nest.AddColumnList(solution);
+    int looks = 0;
+    nest.SetWatch([&](const TBCPRectNest::TTree& tree) {
+      FSearch.Tell(kMethod, tree.Root().LPSol());
+      const bool isSpent = !FSearch.IsTimed() && (++looks > kMostLooks || !FSearch.Control().Affords(kMsALook));
+      FIsStopped = isSpent || FSearch.IsOver();
+      return FIsStopped;
+    });
+    TRectSolution solution;
+    nest.Solve(solution, 0);
+    NoteEstimate(nest.Tree());
+    return Taken(Kind, solution, Left);
+  }
+
+  // A plain answer on plates of this kind alone, and what was found before.
+  std::vector<TRectSolution> Beginnings(int Kind, std::span<const int> Left) {
+    std::vector<TRectSolution> beginnings;
+    std::vector<int> left(Left.begin(), Left.end());
+    std::vector<int> stock(FSearch.Sizes().Plates.size());
+    stock[Kind] = limits::kPlates;
+    const int order[] = {Kind};
+    beginnings.push_back(SolutionOf(Kind, FillPlates(FSearch.Sizes(), order, left, stock, FTrials.Nest(kTrials))));
+    for (const TJobLayouts& layouts : FFound) beginnings.push_back(SolutionOf(Kind, layouts));
+    return beginnings;
+  }
+
+  TRectSolution SolutionOf(int Kind, const TJobLayouts& Layouts) const {
+    TRectSolution solution;
+    for (const TJobLayout& layout : Layouts)
+      if (layout.Plate == Kind) solution.AddSubSolution(FUnits.PatternOf(layout), layout.Copies);
+    return solution;
+  }
+
+  // The bound is that of the root, which means nothing where the root was cut off.
+  void NoteEstimate(const TBCPRectNest::TTree& Tree) {
+    const bool isCut = (RectNestStopped() || FIsStopped) && Tree.Counts().Nodes <= 1;
+    if (FSearch.Sizes().Plates.size() > 1 || isCut || !(Tree.GLB() > 0 && Tree.GLB() < limits::kPlates)) return;
+    FSearch.SetEstimate(std::ceil(Tree.GLB() - kBoundNoise));
+  }
+
+  TJobLayouts Taken(int Kind, const TRectSolution& Solution, std::vector<int>& Left) const {
+    std::vector<int> order;
+    for (int i = 0; i < Solution.Count(); ++i) order.push_back(i);
+    SortBy(order, [&](int a, int b) {
+      return Sign(Solution.GetSubSolution(b).Key->Usage(), Solution.GetSubSolution(a).Key->Usage());
+    });
+    int stock = FSearch.Sizes().Plates[Kind].Count;
+    TJobLayouts taken;
+    for (const int i : order) {
+      const auto& pair = Solution.GetSubSolution(i);
+      const int copies = std::min(pair.Value, stock);
+      if (copies <= 0) continue;
+      stock -= copies;
+      taken.push_back({Kind, copies, FUnits.LayoutOf(*pair.Key)});
+      for (const TNestedRect& placed : pair.Key->NestedRects()) {
+        int& left = Left[placed.Part.Idx];
+        left = std::max(0, left - copies);
+      }
+    }
+    return taken;
+  }
+
+  TJobSearch& FSearch;
+  TSkyTrials& FTrials;
+  const std::vector<TJobLayouts>& FFound;
+  TJobUnits FUnits;
+  bool FIsStopped = false;  // by the watch
+};
+
+}  // namespace
+
+void NestByColumns(TJobSearch& Search, TSkyTrials& Trials, double Share, const std::vector<TJobLayouts>& Found) {
+  if (Search.IsOver() || IsAllPlaced(AskedCopies(Search.Sizes()))) return;
+  Search.Try([&] {
+    TColumnSearch columns(Search, Trials, Found);
+    TJobLayouts layouts;
+    {
+      const TTimeShare share(Search.SecondsOf(Share));
+      layouts = columns.Run(PlateOrder(Search.Sizes()));
+    }
+    TidyAnswer(Search.Sizes(), layouts);
+    PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
+    Search.Offer(kMethod, std::move(layouts));
+  });
+}
+
+}  // namespace platenest::detail

@@ -1,0 +1,131 @@
+#include "JobStripValue.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+#include "JobUnits.h"
+#include "platenest/URectNest/Raster.h"
+#include "platenest/colgen/SVCBPRGNest.h"
+#include "platenest/foundation/Host.h"
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest::detail {
+
+namespace {
+
+constexpr char kMethod[] = "svc";
+constexpr int kTrials = 20;
+constexpr double kUnitSteps[] = {20000, 10000, 5000, 2000, 1000, 500};
+constexpr double kMostStates = 60e6;
+constexpr double kBytesAState = 16;
+// What a millisecond does of states times widths.
+constexpr double kWorkPerMs = 1e5;
+// Runs: as many as the time allows, though no more than these.
+constexpr int kMostRuns = 200;
+constexpr int kRuns = 6;  // where no clock ends them
+constexpr double kMsWithoutClock = 2000;
+// A run fills about as many different layouts as there are sizes, and no more than plates.
+constexpr double kLayoutsASize = 1.2;
+
+struct TCost {
+  double States = 0;
+  double Ms = 0;  // of one run
+};
+
+TCost CostOf(const TJobSizes& Sizes, const TJobUnits& Units, int Kind, std::span<const int> Copies) {
+  const TVRect2D plate = Units.Plate(Kind);
+  TIntBoxList boxes;
+  double area = 0;
+  for (const TNestRect& rect : Units.Rects(Copies)) {
+    if (rect.Amount <= 0) continue;
+    boxes.emplace_back(Round<int>(rect.BoundBox.Width() + Units.Gap()),
+                       Round<int>(rect.BoundBox.Height() + Units.Gap()), rect.Idx, rect.Amount, 0);
+    area += rect.Area * rect.Amount;
+  }
+  const int l = Round<int>(std::max(plate.Width(), plate.Height()) + Units.Gap());
+  const int w = Round<int>(std::min(plate.Width(), plate.Height()) + Units.Gap());
+  const TRaster raster(l, w, boxes, /*AllowRotate=*/true, /*UseNormal=*/true);
+  TCost cost;
+  cost.States = static_cast<double>(raster.SizeL) * raster.SizeW;
+  const double widths = 2.0 * Size(boxes);
+  const double layouts =
+      std::min(kLayoutsASize * Size(boxes), area / plate.Area() + 1) * std::max(1, Size(Sizes.Plates) > 1 ? 2 : 1);
+  cost.Ms = cost.States * widths / kWorkPerMs * layouts;
+  return cost;
+}
+
+// The finest units that one run can be done in.
+std::optional<TJobUnits> UnitsFor(const TJobSizes& Sizes, std::span<const int> Copies, double MostMs, bool Must) {
+  const double states =
+      std::min(kMostStates, static_cast<double>(std::max<Int64>(FreePhysicalMemory(), 0)) / (2 * kBytesAState));
+  for (const double steps : kUnitSteps) {
+    TJobUnits units(Sizes, steps);
+    TCost worst;
+    for (int kind = 0; kind < Size(Sizes.Plates); ++kind) {
+      const TCost cost = CostOf(Sizes, units, kind, Copies);
+      worst = {std::max(worst.States, cost.States), std::max(worst.Ms, cost.Ms)};
+    }
+    const bool isLast = steps == kUnitSteps[std::size(kUnitSteps) - 1];
+    if (worst.States <= states && (worst.Ms <= MostMs || (isLast && Must))) return units;
+  }
+  return std::nullopt;
+}
+
+TNestSpaceList StockOf(const TJobSizes& Sizes, const TJobUnits& Units) {
+  TNestSpaceList stock;
+  for (const int kind : PlateOrder(Sizes))
+    stock.emplace_back(Units.Plate(kind), Sizes.Plates[kind].Count, Sizes.Plates[kind].Remnant);
+  return stock;
+}
+
+// The nest joins kinds of one size; their plates go to those kinds in turn.
+TJobLayouts LayoutsOf(const TJobSizes& Sizes, const TJobUnits& Units, const TRectSolution& Solution) {
+  const std::vector<int> order = PlateOrder(Sizes);
+  std::vector<int> stock = StockLeft(Sizes, {});
+  TJobLayouts layouts;
+  for (const auto& pair : Solution) {
+    int left = pair.Value;
+    for (const int kind : order) {
+      if (left <= 0) break;
+      if (!pair.Key->Plate().SizeEquals(Units.Plate(kind), kDefaultTol)) continue;
+      const int copies = std::min(left, stock[kind]);
+      if (copies <= 0) continue;
+      layouts.push_back({kind, copies, Units.LayoutOf(*pair.Key)});
+      stock[kind] -= copies;
+      left -= copies;
+    }
+  }
+  return layouts;
+}
+
+}  // namespace
+
+void NestByStripValues(TJobSearch& Search, TSkyTrials& Trials, double Share, bool Must,
+                       std::vector<TJobLayouts>& Found) {
+  const TJobSizes& sizes = Search.Sizes();
+  const std::vector<int> asked = AskedCopies(sizes);
+  if (Search.IsOver() || IsAllPlaced(asked)) return;
+  const std::optional<double> seconds = Search.SecondsOf(Share);
+  const double mostMs = seconds ? *seconds * 1000 : kMsWithoutClock;
+  Search.Try([&] {
+    const std::optional<TJobUnits> units = UnitsFor(sizes, asked, mostMs, Must);
+    if (!units || !Search.Control().Affords(mostMs)) return;
+    std::vector<TRectSolution> solutions;
+    {
+      const TTimeShare share(seconds);
+      const TSVCBPRGNest nest(StockOf(sizes, *units), units->Rects(asked), units->Gap(), seconds.value_or(0),
+                              /*SpecificValue=*/false, seconds ? kMostRuns : kRuns);
+      nest.NestAllRes(solutions);
+    }
+    for (const TRectSolution& solution : solutions) {
+      TJobLayouts layouts = LayoutsOf(sizes, *units, solution);
+      PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
+      Search.Offer(kMethod, layouts);
+      Found.push_back(std::move(layouts));
+    }
+  });
+}
+
+}  // namespace platenest::detail
