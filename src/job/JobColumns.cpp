@@ -17,6 +17,9 @@ namespace {
 constexpr char kMethod[] = "cg";
 constexpr int kTrials = 20;
 constexpr double kMostUnits = 20000;
+// More sizes make columns and pricing too large to come to anything; of columns to begin with, so many are taken.
+constexpr int kMostSizes = 1500;
+constexpr int kMostBeginnings = 3000;
 // Where no clock ends the search: looks at the watch, about one for each LP, and what each counts.
 constexpr int kMostLooks = 400;
 constexpr double kMsALook = 10;
@@ -65,7 +68,11 @@ class TColumnSearch {
     stock[Kind] = limits::kPlates;
     const int order[] = {Kind};
     beginnings.push_back(SolutionOf(Kind, FillPlates(FSearch.Sizes(), order, left, stock, FTrials.Nest(kTrials))));
-    for (const TJobLayouts& layouts : FFound) beginnings.push_back(SolutionOf(Kind, layouts));
+    int columns = 0;
+    for (auto layouts = FFound.rbegin(); layouts != FFound.rend() && columns < kMostBeginnings; ++layouts) {
+      beginnings.push_back(SolutionOf(Kind, *layouts));
+      columns += beginnings.back().Count();
+    }
     return beginnings;
   }
 
@@ -115,16 +122,17 @@ class TColumnSearch {
 }  // namespace
 
 void NestByColumns(TJobSearch& Search, TSkyTrials& Trials, double Share, const std::vector<TJobLayouts>& Found) {
-  if (Search.IsOver() || IsAllPlaced(AskedCopies(Search.Sizes()))) return;
+  const TJobSizes& sizes = Search.Sizes();
+  if (Search.IsOver() || Size(sizes.Parts) > kMostSizes || IsAllPlaced(AskedCopies(sizes))) return;
   Search.Try([&] {
     TColumnSearch columns(Search, Trials, Found);
     TJobLayouts layouts;
     {
       const TTimeShare share(Search.SecondsOf(Share));
-      layouts = columns.Run(PlateOrder(Search.Sizes()));
+      layouts = columns.Run(PlateOrder(sizes));
     }
-    TidyAnswer(Search.Sizes(), layouts);
-    PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
+    TidyAnswer(sizes, layouts);
+    PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
     Search.Offer(kMethod, std::move(layouts));
   });
 }

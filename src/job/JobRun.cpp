@@ -24,8 +24,17 @@ constexpr double kRepeatShare = 0.08;
 constexpr double kFirstRoundsShare = 0.2;
 constexpr double kStripValueShare = 0.15;
 constexpr double kColumnsShare = 0.35;
+// Where sizes have many copies on average, layouts repeat, which is what columns are good at.
+constexpr double kManyCopies = 4;
+constexpr double kColumnsShareOfMany = 0.75;
 constexpr int kCycles = 60;
 constexpr int kDeterministicCycles = 4;
+
+double ColumnsShare(const TJobSizes& Sizes) {
+  double copies = 0;
+  for (const TJobPart& part : Sizes.Parts) copies += part.IsUnlimited ? 0 : part.Amount;
+  return copies >= kManyCopies * Size(Sizes.Parts) ? kColumnsShareOfMany : kColumnsShare;
+}
 
 void SearchByAll(TJobSearch& Search, TSkyTrials& Trials) {
   RepeatNested(Search, Trials, kRepeatShare);
@@ -37,7 +46,7 @@ void SearchByAll(TJobSearch& Search, TSkyTrials& Trials) {
   if (Search.Sizes().TurnsAll()) {
     NestByStripValues(Search, Trials, kStripValueShare, /*Must=*/false, found);
     found.push_back(Search.Best());
-    NestByColumns(Search, Trials, kColumnsShare, found);
+    NestByColumns(Search, Trials, ColumnsShare(Search.Sizes()), found);
   }
   ImproveInCycles(Search, Trials, Search.Run().Deterministic ? kDeterministicCycles : kCycles, nullptr);
 }
@@ -74,6 +83,9 @@ void AnswerJob(const Job& AJob, TRunControl& Control, Result& AResult) {
     search.RaiseTrouble();
     if (Control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});
   } else {
+    const std::string& named = AJob.Run.Method;
+    if (named != "auto" && named != search.Method())
+      AResult.Warnings.push_back(named + " found nothing better than the answer of " + search.Method());
     AResult.Run.Method = search.Method();
     AResult.Layouts = search.TakeLayouts();
     for (Layout& layout : AResult.Layouts) MeasureInto(layout, AJob.Gap, AJob.Margin);

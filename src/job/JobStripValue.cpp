@@ -26,12 +26,20 @@ constexpr double kWorkPerMs = 1e5;
 constexpr int kMostRuns = 200;
 constexpr int kRuns = 6;  // where no clock ends them
 constexpr double kMsWithoutClock = 2000;
+// More make the choice of units itself too long.
+constexpr int kMostSizes = 400;
+constexpr int kMostKinds = 30;
 // A run fills about as many different layouts as there are sizes, and no more than plates.
 constexpr double kLayoutsASize = 1.2;
 
 struct TCost {
   double States = 0;
   double Ms = 0;  // of one run
+};
+
+struct TChoice {
+  TJobUnits Units;
+  double RunMs = 0;
 };
 
 TCost CostOf(const TJobSizes& Sizes, const TJobUnits& Units, int Kind, std::span<const int> Copies) {
@@ -57,7 +65,7 @@ TCost CostOf(const TJobSizes& Sizes, const TJobUnits& Units, int Kind, std::span
 }
 
 // The finest units that one run can be done in.
-std::optional<TJobUnits> UnitsFor(const TJobSizes& Sizes, std::span<const int> Copies, double MostMs, bool Must) {
+std::optional<TChoice> ChooseUnits(const TJobSizes& Sizes, std::span<const int> Copies, double MostMs, bool Must) {
   const double states =
       std::min(kMostStates, static_cast<double>(std::max<Int64>(FreePhysicalMemory(), 0)) / (2 * kBytesAState));
   for (const double steps : kUnitSteps) {
@@ -68,7 +76,7 @@ std::optional<TJobUnits> UnitsFor(const TJobSizes& Sizes, std::span<const int> C
       worst = {std::max(worst.States, cost.States), std::max(worst.Ms, cost.Ms)};
     }
     const bool isLast = steps == kUnitSteps[std::size(kUnitSteps) - 1];
-    if (worst.States <= states && (worst.Ms <= MostMs || (isLast && Must))) return units;
+    if (worst.States <= states && (worst.Ms <= MostMs || (isLast && Must))) return TChoice{units, worst.Ms};
   }
   return std::nullopt;
 }
@@ -106,21 +114,23 @@ void NestByStripValues(TJobSearch& Search, TSkyTrials& Trials, double Share, boo
                        std::vector<TJobLayouts>& Found) {
   const TJobSizes& sizes = Search.Sizes();
   const std::vector<int> asked = AskedCopies(sizes);
-  if (Search.IsOver() || IsAllPlaced(asked)) return;
+  if (Search.IsOver() || Size(sizes.Parts) > kMostSizes || Size(sizes.Plates) > kMostKinds || IsAllPlaced(asked))
+    return;
   const std::optional<double> seconds = Search.SecondsOf(Share);
-  const double mostMs = seconds ? *seconds * 1000 : kMsWithoutClock;
+  const double mostMs = seconds ? *seconds * 1000 : kMsWithoutClock / kRuns;
   Search.Try([&] {
-    const std::optional<TJobUnits> units = UnitsFor(sizes, asked, mostMs, Must);
-    if (!units || !Search.Control().Affords(mostMs)) return;
+    const std::optional<TChoice> choice = ChooseUnits(sizes, asked, mostMs, Must);
+    if (!choice || !Search.Control().Affords(kRuns * choice->RunMs)) return;
+    const TJobUnits& units = choice->Units;
     std::vector<TRectSolution> solutions;
     {
       const TTimeShare share(seconds);
-      const TSVCBPRGNest nest(StockOf(sizes, *units), units->Rects(asked), units->Gap(), seconds.value_or(0),
+      const TSVCBPRGNest nest(StockOf(sizes, units), units.Rects(asked), units.Gap(), seconds.value_or(0),
                               /*SpecificValue=*/false, seconds ? kMostRuns : kRuns);
       nest.NestAllRes(solutions);
     }
     for (const TRectSolution& solution : solutions) {
-      TJobLayouts layouts = LayoutsOf(sizes, *units, solution);
+      TJobLayouts layouts = LayoutsOf(sizes, units, solution);
       PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
       Search.Offer(kMethod, layouts);
       Found.push_back(std::move(layouts));
