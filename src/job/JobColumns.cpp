@@ -20,9 +20,11 @@ constexpr double kMostUnits = 20000;
 // More sizes make columns and pricing too large to come to anything; of columns to begin with, so many are taken.
 constexpr int kMostSizes = 1500;
 constexpr int kMostBeginnings = 3000;
-// Where no clock ends the search: looks at the watch, about one for each LP, and what each counts.
-constexpr int kMostLooks = 400;
-constexpr double kMsALook = 10;
+// Where no clock ends the search, its looks at the watch are counted, about one for each LP: so many milliseconds for
+// states times sizes of the raster, and in all no more than these.
+constexpr double kWorkPerMs = 1e6;
+constexpr double kLeastMsALook = 2;
+constexpr double kMostMs = 3000;
 constexpr double kBoundNoise = 1e-6;
 
 class TColumnSearch {
@@ -47,10 +49,11 @@ class TColumnSearch {
     TRectSolutionFifo queue;
     TBCPRectNest nest(FUnits.Rects(Left), TNestSpace(FUnits.Plate(Kind), 1, false), FUnits.Gap(), &queue);
     for (const TRectSolution& solution : Beginnings(Kind, Left)) nest.AddColumnList(solution);
-    int looks = 0;
+    const double sizes = static_cast<double>(std::ranges::count_if(Left, [](int left) { return left > 0; }));
+    const double msALook = std::max(kLeastMsALook, FUnits.RasterStates(Kind, Left) * sizes / kWorkPerMs);
     nest.SetWatch([&](const TBCPRectNest::TTree& tree) {
       FSearch.Tell(kMethod, tree.Root().LPSol());
-      const bool isSpent = !FSearch.IsTimed() && (++looks > kMostLooks || !FSearch.Control().Affords(kMsALook));
+      const bool isSpent = !FSearch.IsTimed() && !IsAffordable(msALook);
       FIsStopped = isSpent || FSearch.IsOver();
       return FIsStopped;
     });
@@ -58,6 +61,11 @@ class TColumnSearch {
     nest.Solve(solution, 0);
     NoteEstimate(nest.Tree());
     return Taken(Kind, solution, Left);
+  }
+
+  bool IsAffordable(double Ms) {
+    FCountedMs += Ms;
+    return FCountedMs <= kMostMs && FSearch.Control().Affords(Ms);
   }
 
   // A plain answer on plates of this kind alone, and what was found before.
@@ -116,6 +124,7 @@ class TColumnSearch {
   TSkyTrials& FTrials;
   const std::vector<TJobLayouts>& FFound;
   TJobUnits FUnits;
+  double FCountedMs = 0;
   bool FIsStopped = false;  // by the watch
 };
 

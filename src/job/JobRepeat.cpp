@@ -97,7 +97,8 @@ class TNestersNest {
     const bool turnsSome = std::ranges::any_of(fill.Parts, mayTurn);
     if (work <= kMostSmartWork) Take(fill, work, [&] { return NestAll(fill); });
     if (work <= kMostSmartWork && turnsAll) Take(fill, work, [&] { return NestRaster(fill); });
-    if (work <= kMostProgramWork)
+    // No clock would end the program in a deterministic run.
+    if (work <= kMostProgramWork && !FSearch.Run().Deterministic)
       Take(fill, work, [&] {
         if (turnsAll) return NestProgram(fill, true, false);
         return turnsSome ? NestWithTwins(fill, false) : NestUnturned(fill, false);

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "JobUnits.h"
-#include "platenest/URectNest/Raster.h"
 #include "platenest/colgen/SVCBPRGNest.h"
 #include "platenest/foundation/Host.h"
 #include "platenest/foundation/Rounding.h"
@@ -32,36 +31,25 @@ constexpr int kMostKinds = 30;
 // A run fills about as many different layouts as there are sizes, and no more than plates.
 constexpr double kLayoutsASize = 1.2;
 
-struct TCost {
-  double States = 0;
-  double Ms = 0;  // of one run
-};
-
 struct TChoice {
   TJobUnits Units;
   double RunMs = 0;
 };
 
-TCost CostOf(const TJobSizes& Sizes, const TJobUnits& Units, int Kind, std::span<const int> Copies) {
-  const TVRect2D plate = Units.Plate(Kind);
-  TIntBoxList boxes;
-  double area = 0;
-  for (const TNestRect& rect : Units.Rects(Copies)) {
-    if (rect.Amount <= 0) continue;
-    boxes.emplace_back(Round<int>(rect.BoundBox.Width() + Units.Gap()),
-                       Round<int>(rect.BoundBox.Height() + Units.Gap()), rect.Idx, rect.Amount, 0);
-    area += rect.Area * rect.Amount;
+// Of one run, on the kind of plate that takes longest.
+double RunMsOf(const TJobSizes& Sizes, const TJobUnits& Units, std::span<const int> Copies) {
+  double worst = 0;
+  for (int kind = 0; kind < Size(Sizes.Plates); ++kind) {
+    double area = 0;
+    int sizes = 0;
+    for (const TNestRect& rect : Units.Rects(Copies)) {
+      area += rect.Area * rect.Amount;
+      sizes += rect.Amount > 0 ? 1 : 0;
+    }
+    const double layouts = std::min(kLayoutsASize * sizes, area / Units.Plate(kind).Area() + 1);
+    worst = std::max(worst, Units.RasterStates(kind, Copies) * 2 * sizes / kWorkPerMs * layouts);
   }
-  const int l = Round<int>(std::max(plate.Width(), plate.Height()) + Units.Gap());
-  const int w = Round<int>(std::min(plate.Width(), plate.Height()) + Units.Gap());
-  const TRaster raster(l, w, boxes, /*AllowRotate=*/true, /*UseNormal=*/true);
-  TCost cost;
-  cost.States = static_cast<double>(raster.SizeL) * raster.SizeW;
-  const double widths = 2.0 * Size(boxes);
-  const double layouts =
-      std::min(kLayoutsASize * Size(boxes), area / plate.Area() + 1) * std::max(1, Size(Sizes.Plates) > 1 ? 2 : 1);
-  cost.Ms = cost.States * widths / kWorkPerMs * layouts;
-  return cost;
+  return worst;
 }
 
 // The finest units that one run can be done in.
@@ -69,14 +57,12 @@ std::optional<TChoice> ChooseUnits(const TJobSizes& Sizes, std::span<const int> 
   const double states =
       std::min(kMostStates, static_cast<double>(std::max<Int64>(FreePhysicalMemory(), 0)) / (2 * kBytesAState));
   for (const double steps : kUnitSteps) {
-    TJobUnits units(Sizes, steps);
-    TCost worst;
-    for (int kind = 0; kind < Size(Sizes.Plates); ++kind) {
-      const TCost cost = CostOf(Sizes, units, kind, Copies);
-      worst = {std::max(worst.States, cost.States), std::max(worst.Ms, cost.Ms)};
-    }
+    const TJobUnits units(Sizes, steps);
+    double most = 0;
+    for (int kind = 0; kind < Size(Sizes.Plates); ++kind) most = std::max(most, units.RasterStates(kind, Copies));
+    const double ms = RunMsOf(Sizes, units, Copies);
     const bool isLast = steps == kUnitSteps[std::size(kUnitSteps) - 1];
-    if (worst.States <= states && (worst.Ms <= MostMs || (isLast && Must))) return TChoice{units, worst.Ms};
+    if (most <= states && (ms <= MostMs || (isLast && Must))) return TChoice{units, ms};
   }
   return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platenest/URectNest/Raster.h"
 #include "platenest/foundation/Rounding.h"
 
 namespace platenest::detail {
@@ -42,6 +43,20 @@ TNestRectList TJobUnits::Rects(std::span<const int> Copies) const {
     rects.push_back(rect);
   }
   return rects;
+}
+
+double TJobUnits::RasterStates(int Kind, std::span<const int> Copies) const {
+  TIntBoxList boxes;
+  for (const TNestRect& rect : Rects(Copies)) {
+    if (rect.Amount <= 0) continue;
+    const auto side = [&](double V) { return Round<int>(V + Gap()); };
+    boxes.emplace_back(side(rect.BoundBox.Width()), side(rect.BoundBox.Height()), rect.Idx, rect.Amount, 0);
+  }
+  const TVRect2D plate = Plate(Kind);
+  const int l = Round<int>(std::max(plate.Width(), plate.Height()) + Gap());
+  const int w = Round<int>(std::min(plate.Width(), plate.Height()) + Gap());
+  const TRaster raster(l, w, boxes, /*AllowRotate=*/true, /*UseNormal=*/true);
+  return static_cast<double>(raster.SizeL) * raster.SizeW;
 }
 
 // Corners are brought back: the box of a part in units may be larger than the part.

@@ -21,6 +21,9 @@ class TJobUnits {
   // With copies as given; Idx is the position.
   TNestRectList Rects(std::span<const int> Copies) const;
 
+  // Positions that copies can take along both axes, multiplied: what the tables of raster programs grow with.
+  double RasterStates(int Kind, std::span<const int> Copies) const;
+
   // To and from the steps of a plate. The layout of a pattern keeps the gap if the pattern does.
   TNestedRects LayoutOf(const TRectPattern& Pattern) const;
   TRectPattern PatternOf(const TJobLayout& Layout) const;
