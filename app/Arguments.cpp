@@ -133,6 +133,7 @@ struct OptionPlace {
 };
 
 constexpr OptionPlace kOptionPlaces[] = {
+    {"/plates", "--plates", "", [](const JobOverrides& o) { return o.HasPlatesTable && !o.PlateSize; }},
     {"/parts", "--parts", "", [](const JobOverrides& o) { return o.HasPartsTable; }},
     {"/plates/0/width", "--plate", "width ", [](const JobOverrides& o) { return o.PlateSize.has_value(); }},
     {"/plates/0/height", "--plate", "height ", [](const JobOverrides& o) { return o.PlateSize.has_value(); }},
@@ -186,8 +187,10 @@ void Replace(T& Value, const std::optional<T>& Wish) {
 
 void JobOverrides::ApplyTo(platenest::Job& AJob) const {
   if (PlateSize) {
+    const bool isNew = AJob.Plates.empty();
     Plate& plate = OnlyItem(AJob.Plates, "plate-1", "--plate", "plates");
     std::tie(plate.Width, plate.Height) = std::tie(PlateSize->Width, PlateSize->Height);
+    if (isNew && AJob.Kind == JobKind::Job) plate.Count = std::nullopt;
   }
   if (PartSize) {
     const bool isNew = AJob.Parts.empty();
@@ -222,7 +225,8 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {
   for (const OptionPlace& row : kOptionPlaces) {
-    const bool isOfJob = AreTheJob && row.Option != "--parts";  // which no command asks for where there is no part
+    const bool isTable = row.Option == "--parts" || row.Option == "--plates";
+    const bool isOfJob = AreTheJob && !isTable;  // tables are asked for where they are the job
     if (!IsAtOrBelow(AFault.Place, row.Place) || !(isOfJob || row.Given(*this))) continue;
     return {AFault.Code, std::string(row.Option), std::string(row.Subject) + AFault.Text, AFault.Detail};
   }
@@ -239,6 +243,7 @@ Arguments ReadArguments(const CommandLine& Line) {
   result.PartsFile = reader.Read("--parts", ParseText, "the name of a file").value_or("");
   result.Job.HasPartsTable = !result.PartsFile.empty();
   result.PlatesFile = reader.Read("--plates", ParseText, "the name of a file").value_or("");
+  result.Job.HasPlatesTable = !result.PlatesFile.empty();
   result.Output = reader.Read("-o", ParseText, "the name of a file").value_or("-");
   result.SvgFolder = reader.Read("--svg", ParseText, "the name of a folder").value_or("");
   result.CsvFile = reader.Read("--csv", ParseText, "the name of a file").value_or("");

@@ -38,10 +38,12 @@ struct JobOverrides {
   std::optional<RectSize> LabelSides;
   std::optional<double> Offset;
   std::optional<double> Radius;
+  bool HasPlatesTable = false;
   bool HasPartsTable = false;
   bool AreTheJob = false;  // there is no job file: every place of the job is an option's
 
-  // Sizes replace those of the only plate or part, which is added when there is none. Raises OptionError where one
+  // Sizes replace those of the only plate or part, which is added when there is none: a part as often as it fits, a
+  // plate of a whole job as many times as needed. Raises OptionError where one
   // option would have to stand for several plates or parts.
   void ApplyTo(Job& AJob) const;
 

@@ -39,13 +39,14 @@ Job ReadJob(const std::string& Path, Messages& Out) {
   return ParseJob(ReadSource(Path, limits::kJobBytes, Out));
 }
 
-// A job without a file: one plate, and one part as often as it fits or a table of parts.
+// A job without a file: one plate or a table of plates, and one part as often as it fits or a table of parts.
 Job JobOfOptions(const Arguments& Args, JobKind Kind) {
   const bool isOne = Kind == JobKind::One;
-  if (!Args.Job.PlateSize || (isOne ? !Args.Job.PartSize : Args.PartsFile.empty())) {
+  const bool hasPlates = Args.Job.PlateSize || !Args.PlatesFile.empty();
+  if (!hasPlates || (isOne ? !Args.Job.PartSize : Args.PartsFile.empty())) {
     const std::string name(KindName(Kind));
-    throw WrongWord(name + " takes a JOB, or --plate and " + (isOne ? "--part" : "--parts") + "; see platenest " +
-                    name + " --help");
+    throw WrongWord(name + " takes a JOB, or " + (Kind == JobKind::Job ? "--plates or --plate" : "--plate") + " and " +
+                    (isOne ? "--part" : "--parts") + "; see platenest " + name + " --help");
   }
   Job job;
   job.Kind = Kind;
@@ -54,11 +55,12 @@ Job JobOfOptions(const Arguments& Args, JobKind Kind) {
 
 // What the options say about the job goes before what it says itself.
 void ApplyOptions(const Arguments& Args, Job& AJob, Messages& Out) {
-  if (!Args.PartsFile.empty()) {
-    const std::string source = Out.Source();
+  const std::string source = Out.Source();
+  if (!Args.PlatesFile.empty())
+    AJob.Plates = PlatesFromCsv(ReadSource(Args.PlatesFile, limits::kJobBytes, Out), Args.PlatesFile);
+  if (!Args.PartsFile.empty())
     AJob.Parts = PartsFromCsv(ReadSource(Args.PartsFile, limits::kJobBytes, Out), Args.PartsFile, AJob.Kind);
-    Out.SetSource(source);
-  }
+  Out.SetSource(source);
   Out.SetReading(false);
   Args.Job.ApplyTo(AJob);
 }
@@ -284,6 +286,8 @@ int RunCommand(const Arguments& Args, Messages& Out, const Runner& Run) {
       return RunJob(Args, JobKind::One, Out, Run);
     case Command::Fill:
       return RunJob(Args, JobKind::Fill, Out, Run);
+    case Command::Job:
+      return RunJob(Args, JobKind::Job, Out, Run);
     case Command::Nfp:
       return RunJob(Args, JobKind::Nfp, Out, Run);
     case Command::Array:

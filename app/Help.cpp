@@ -76,6 +76,27 @@ Examples:
   platenest fill cabinet.json --method smart -o filled.json
 )";
 
+constexpr std::string_view kJobPage = R"(
+Cuts a whole demand out of a stock of plates: as few plates, or as cheap ones, as it
+can, remnants first. JOB is a job file, - for standard input, or absent when --plates
+(or --plate, as many as needed) and --parts say it all. Options win over the job file,
+and the result repeats what was in force. Parts with rotate none keep their turn. The
+answer is a list of layouts with the number of plates cut by each, what is left with
+its reason, and lower bounds on plates and cost that hold whatever the search found.
+
+auto fills a plate and repeats it while the demand lasts (repeat), then goes on with
+strips of corrected values (svc), then with column generation (cg) until the time
+limit, and keeps the best answer that passed the check: least unplaced area, least
+plate cost, fewest plates, emptiest last plate. It ends early where a bound proves the
+answer best. Ctrl-C stops the search and writes the best answer so far; a second one
+leaves at once.
+)";
+constexpr std::string_view kJobExamples = R"(
+Examples:
+  platenest job order.json --time-limit 5 --svg out/
+  platenest job --plates plates.csv --parts demand.csv --gap 4 -o plan.json
+)";
+
 constexpr std::string_view kNfpPage = R"(
 Works out where a part may lie beside another one: the no-fit polygon, which the
 reference point (origin) of the moving part must not enter, or with --inside the
@@ -177,6 +198,8 @@ Page PageOf(Command Id) {
       return {kOnePage, kOneExamples};
     case Command::Fill:
       return {kFillPage, kFillExamples};
+    case Command::Job:
+      return {kJobPage, kJobExamples};
     case Command::Nfp:
       return {kNfpPage, kNfpExamples};
     case Command::Array:

@@ -37,6 +37,7 @@ std::string ProgressText(const Progress& AProgress) {
   std::string line = AProgress.Phase + "  " + Fixed(std::floor(AProgress.Seconds), 0) + " s  plates " +
                      std::to_string(AProgress.Plates) + "  use " + Fixed(AProgress.Usage * 100, 1) + " %";
   if (AProgress.BoundValue) line += "  bound " + Shortest(*AProgress.BoundValue);
+  if (AProgress.LpValue) line += "  lp " + Fixed(*AProgress.LpValue, 2);
   return line + "  unplaced " + std::to_string(AProgress.Unplaced);
 }
 
@@ -46,6 +47,8 @@ std::string ProgressJson(const Progress& AProgress) {
       ",\"plates\":" + std::to_string(AProgress.Plates) + ",\"usage\":" + Shortest(Rounded(AProgress.Usage, 10000)) +
       ",\"unplaced\":" + std::to_string(AProgress.Unplaced);
   if (AProgress.BoundValue) object += ",\"bound\":" + Shortest(*AProgress.BoundValue);
+  if (AProgress.LpValue) object += ",\"lp\":" + Shortest(Rounded(*AProgress.LpValue, 10000));
+  if (AProgress.Estimate) object += ",\"estimate\":" + Shortest(Rounded(*AProgress.Estimate, 10000));
   return object + "}";
 }
 
@@ -59,11 +62,13 @@ ProgressView::ProgressView(ProgressForm Form, Progress Start)
 void ProgressView::Show(const Progress& AProgress) {
   if (FForm == ProgressForm::None) return;
   const std::lock_guard guard(FLock);
+  FLatest.Seconds = AProgress.Seconds;
+  const bool isSeen = ProgressText(FLatest) != ProgressText(AProgress);
   FLatest = AProgress;
   FLatestMs = NowMs();
   FHasNews = true;
   if (FForm == ProgressForm::Lines) {
-    WriteLine();
+    if (isSeen) WriteLine();
   } else {
     WriteIfDue();
   }

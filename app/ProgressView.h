@@ -13,7 +13,7 @@ namespace platenest {
 enum class ProgressForm : std::uint8_t {
   None,
   Terminal,  // one line, rewritten
-  Lines,     // a line at each improvement
+  Lines,     // a line at each improvement that it shows
   Json,      // one object a line
 };
 

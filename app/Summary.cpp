@@ -1,6 +1,7 @@
 #include "Summary.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 #include "Text.h"
@@ -27,18 +28,25 @@ std::string BoundsText(const Result& AResult) {
   std::string text;
   for (const Bound& bound : AResult.Bounds) {
     if (!text.empty()) text += ", ";
-    text += bound.What + (bound.What == "plates" ? " at least " : " at most ") + Shortest(bound.Value) + " (" +
-            bound.Kind + ")";
+    const bool isLeast = bound.What == "plates" || bound.What == "cost";
+    text += bound.What + (isLeast ? " at least " : " at most ") + Shortest(bound.Value) + " (" + bound.Kind + ")";
   }
   return AResult.Proved ? text + ": proved best" : text;
 }
 
-// The first reason stands for all; the result lists every part with its own.
+// "5 parts (no_stock)", or how many for each of several reasons; the result lists every part with its own.
 std::string UnplacedText(const Result& AResult) {
-  const std::string text = Counted(UnplacedCopies(AResult), "part");
-  const auto first = std::find_if(AResult.Parts.begin(), AResult.Parts.end(),
-                                  [](const PartUse& part) { return part.Unplaced > 0 && !part.Reason.empty(); });
-  return first == AResult.Parts.end() ? text : text + " (" + first->Reason + ")";
+  std::map<std::string, Int64> counts;
+  for (const PartUse& part : AResult.Parts)
+    if (part.Unplaced > 0 && !part.Reason.empty()) counts[part.Reason] += part.Unplaced;
+  std::string reasons;
+  for (const auto& [reason, count] : counts)
+    reasons += (reasons.empty() ? "" : ", ") + (counts.size() > 1 ? std::to_string(count) + " " : "") + reason;
+  return Counted(UnplacedCopies(AResult), "part") + (reasons.empty() ? "" : " (" + reasons + ")");
+}
+
+std::string EstimateText(const HeuristicBound& Estimate) {
+  return "about " + Fixed(Estimate.Value, 2) + " " + Estimate.What + " (" + Estimate.Kind + "), no bound";
 }
 
 std::optional<double> LeastClearance(const Result& AResult) {
@@ -75,9 +83,12 @@ std::string PairsText(const Result& AResult) {
 std::string LayoutsText(const Result& AResult) {
   const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
   std::string text = Counted(PlacedCopies(AResult), "part") + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
-  text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %");
+  const bool isJob = AResult.Kind == JobKind::Job;
+  text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %" +
+                          (isJob ? ", plates cost " + Shortest(AResult.Total.Cost) : ""));
   if (AResult.Total.Value) text += Line("value", Shortest(*AResult.Total.Value));
   if (!AResult.Bounds.empty()) text += Line("bounds", BoundsText(AResult));
+  if (AResult.Estimate) text += Line("estimate", EstimateText(*AResult.Estimate));
   if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
   if (const std::optional<double> clearance = LeastClearance(AResult)) {
     text += Line("clearance", Fixed(*clearance, 3) + unit + " between the nearest two parts");

@@ -9,7 +9,7 @@ namespace platenest {
 // Copies of parts with a limit that found no place.
 Int64 UnplacedCopies(const Result& AResult);
 
-// What a person wants to know first, in at most eight lines; two more say where the files went.
+// What a person wants to know first, in at most nine lines; one more says where the files went.
 std::string SummaryText(const Result& AResult);
 
 }  // namespace platenest

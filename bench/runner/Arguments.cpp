@@ -13,6 +13,10 @@ const char* const kUsage =
     "FILE]\n"
     "                                 [--quiet]\n"
     "       platenest_bench fill-exact [--pairs N] [--seed S] [--json FILE]\n"
+    "       platenest_bench job FILE [--method auto|repeat|svc|cg] [--time-limit S] [--seed N] [--turn on|off]\n"
+    "                                [--only PATTERN] [--all] [--deterministic] [--json FILE] [--quiet]\n"
+    "       platenest_bench job-random [--pairs N] [--seed S] [--method auto|repeat|svc|cg] [--time-limit S] [--stop]\n"
+    "                                  [--deterministic] [--faults FOLDER] [--json FILE]\n"
     "       platenest_bench nfp FILE... [--json FILE] [--repeat N] [--most PAIRS] [--pair NUMBER] [--turned]\n"
     "                                   [--inside] [--oracle off|sampling|area] [--quiet]\n"
     "       platenest_bench nfp-random|nfp-inside|nfp-jigsaw [--pairs N] [--seed S] [--edges N] [--json FILE]\n"
@@ -31,23 +35,27 @@ bool ReadOracle(std::string_view Word, TOracle& Oracle) {
   return true;
 }
 
-bool ReadMethod(std::string_view Word, TArguments& Arguments) {
-  if (Word == "strip" || Word == "fiveblock") {
-    Arguments.Method = Word == "strip" ? TOneMethod::Strip : TOneMethod::Fiveblock;
-    return true;
-  }
-  constexpr std::array fill = {"auto", "smart", "raster", "rskf", "bigfirst"};
-  Arguments.Fill = Word;
-  return std::find(fill.begin(), fill.end(), Word) != fill.end();
+// The first one stands for none.
+bool CheckMethod(TArguments& Arguments) {
+  const std::vector<std::string> jobs = {"auto", "repeat", "svc", "cg"};
+  const std::map<std::string_view, std::vector<std::string>> known = {
+      {"one", {"strip", "fiveblock"}},
+      {"fill", {"auto", "smart", "raster", "rskf", "bigfirst"}},
+      {"job", jobs},
+      {"job-random", jobs}};
+  const auto suite = known.find(Arguments.Suite);
+  if (suite == known.end()) return Arguments.Method.empty();
+  if (Arguments.Method.empty() && Arguments.Suite != "job-random") Arguments.Method = suite->second.front();
+  return Arguments.Method.empty() || std::ranges::find(suite->second, Arguments.Method) != suite->second.end();
 }
 
 bool TakesFiles(std::string_view Suite) {
-  constexpr std::array suites = {"one", "fill", "nfp", "nfp-layout", "array", "label"};
+  constexpr std::array suites = {"one", "fill", "job", "nfp", "nfp-layout", "array", "label"};
   return std::find(suites.begin(), suites.end(), Suite) != suites.end();
 }
 
 bool IsSuite(std::string_view Suite) {
-  constexpr std::array suites = {"fill-exact", "nfp-random", "nfp-inside", "nfp-jigsaw"};
+  constexpr std::array suites = {"fill-exact", "job-random", "nfp-random", "nfp-inside", "nfp-jigsaw"};
   return TakesFiles(Suite) || std::find(suites.begin(), suites.end(), Suite) != suites.end();
 }
 
@@ -60,16 +68,23 @@ bool ReadOption(std::string_view Word, const std::string& Value, TArguments& Arg
     *number->second = std::stoi(Value);
     return true;
   }
-  const std::map<std::string_view, std::string*> texts = {{"--json", &Arguments.Json}, {"--id", &Arguments.Id}};
+  const std::map<std::string_view, std::string*> texts = {{"--json", &Arguments.Json},
+                                                          {"--id", &Arguments.Id},
+                                                          {"--only", &Arguments.Only},
+                                                          {"--method", &Arguments.Method},
+                                                          {"--faults", &Arguments.Faults}};
   if (const auto text = texts.find(Word); text != texts.end()) {
     *text->second = Value;
     return true;
   }
-  if (Word == "--seconds") {
+  if (Word == "--seconds" || Word == "--time-limit") {
     Arguments.Seconds = std::stod(Value);
     return true;
   }
-  if (Word == "--method") return ReadMethod(Value, Arguments);
+  if (Word == "--turn") {
+    Arguments.Turn = Value == "on";
+    return Arguments.Turn || Value == "off";
+  }
   return Word == "--oracle" && ReadOracle(Value, Arguments.Oracle);
 }
 
@@ -77,7 +92,8 @@ bool ReadOption(std::string_view Word, const std::string& Value, TArguments& Arg
 
 bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
   const std::map<std::string_view, bool*> flags = {
-      {"--quiet", &Arguments.Quiet}, {"--turned", &Arguments.Turned}, {"--inside", &Arguments.Inside}};
+      {"--quiet", &Arguments.Quiet}, {"--turned", &Arguments.Turned}, {"--inside", &Arguments.Inside},
+      {"--all", &Arguments.All},     {"--stop", &Arguments.Stops},    {"--deterministic", &Arguments.Deterministic}};
   for (int i = 1; i < argc; ++i) {
     const std::string_view word = argv[i];
     if (const auto flag = flags.find(word); flag != flags.end())
@@ -91,7 +107,9 @@ bool ReadArguments(int argc, char** argv, TArguments& Arguments) {
       Arguments.Files.emplace_back(word);
   }
   if (!IsSuite(Arguments.Suite) || TakesFiles(Arguments.Suite) == Arguments.Files.empty()) return false;
-  if ((Arguments.Suite == "one" || Arguments.Suite == "fill") && Arguments.Files.size() != 1) return false;
+  constexpr std::array ofOneFile = {"one", "fill", "job"};
+  if (std::ranges::find(ofOneFile, Arguments.Suite) != ofOneFile.end() && Arguments.Files.size() != 1) return false;
+  if (!CheckMethod(Arguments)) return false;
   return Arguments.Seconds > 0 && Arguments.Repeat > 0 && Arguments.Most > 0 && Arguments.Pairs > 0;
 }
 

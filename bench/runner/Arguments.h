@@ -8,19 +8,21 @@ namespace platenest::bench {
 // How far the answers of the kernel are judged.
 enum class TOracle { Off, Sampling, Area };
 
-// The nester of the suite for one size on one plate.
-enum class TOneMethod { Strip, Fiveblock };
-
 struct TArguments {
   std::string Suite;
   std::vector<std::string> Files;
   std::string Json;
   int Repeat = 1;
   int Rows = 0;
-  TOneMethod Method = TOneMethod::Strip;
-  std::string Fill = "auto";  // method of the suite for many sizes on one plate
-  double Seconds = 5;         // for each of its jobs
-  std::string Id;             // regular expression for the jobs to run; empty for all
+  std::string Method;  // of the suite; empty for the first one that it knows, in job-random for all
+  double Seconds = 5;  // for each job
+  std::string Id;      // regular expression for the jobs to run; empty for all
+  std::string Only;    // pattern with * and ? for the whole jobs to run; empty for the core ones, where some are marked
+  bool All = false;    // not the core ones alone
+  bool Turn = true;    // parts of whole jobs may turn
+  bool Stops = false;  // each answer is stopped at a random moment
+  bool Deterministic = false;
+  std::string Faults;  // folder for the jobs that went wrong
   bool Quiet = false;
   int Most = 400;  // pairs or parts of an instance
   int Pair = -1;   // the one pair to run, by its number

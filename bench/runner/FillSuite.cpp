@@ -25,10 +25,10 @@ std::vector<TFillLine> RunInstance(const TFillInstance& Instance, const TArgumen
   std::vector<TFillLine> lines;
   for (const TFillRef& ref : Instance.Refs) {
     const test::TFillCase fill = CaseOf(Instance, ref.Turned, ref.Limited);
-    if (!Answers(Arguments.Fill, fill)) continue;
+    if (!Answers(Arguments.Method, fill)) continue;
     const auto [at, isNew] = answers.try_emplace({ref.Turned, ref.Limited});
     TFillAnswer& answer = at->second;
-    if (isNew) answer = AnswerFill(Arguments.Fill, fill, Arguments.Seconds, Arguments.Repeat);
+    if (isNew) answer = AnswerFill(Arguments.Method, fill, Arguments.Seconds, Arguments.Repeat);
     std::string fault = answer.Fault.empty() ? BoundFault(answer, ref) : answer.Fault;
     lines.push_back({Instance.Id, Instance.Group, ref, answer.Worth, answer.Ms, std::move(fault)});
   }

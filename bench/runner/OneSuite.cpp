@@ -43,8 +43,8 @@ std::string Text(double V) {
   return std::to_string(static_cast<long long>(V));
 }
 
-void Nest(TOneMethod Method, const TVRect2D& Plate, const TNestRect& Part, TNestedRects& Layout) {
-  if (Method == TOneMethod::Fiveblock) {
+void Nest(const std::string& Method, const TVRect2D& Plate, const TNestRect& Part, TNestedRects& Layout) {
+  if (Method == "fiveblock") {
     TRecursiveFiveblockNest(Plate, Part, 0, 0).SingleNest(Layout, 0, 0);
     return;
   }

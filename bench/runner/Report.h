@@ -14,7 +14,7 @@ struct TRow {
   std::string Size;
   double Result = 0;
   double Best = 0;                                      // best known value
-  double Bound = 0;                                     // proven upper bound
+  double Bound = 0;                                     // proven, 0 for none
   double Ms = 0;                                        // median of the repetitions
   std::string Fault;                                    // what the check found, empty if nothing
   std::vector<std::pair<std::string, double>> Figures;  // further ones of the suite, by name
@@ -37,10 +37,12 @@ double Quantile(std::vector<double> Values, double Q);
 // A word and a number behind it.
 std::string Numbered(std::string Word, std::size_t Number);
 
-// Peak resident memory of the process in MiB.
+// Peak resident memory of the process in MiB, since the last call of ForgetPeakMemory where the system can do that.
 double PeakMemoryMiB();
+void ForgetPeakMemory();
 
 // Writes the rows as JSON, the form that scripts/compare_bench reads.
-void WriteJson(const std::string& Path, const std::string& Suite, const std::vector<TRow>& Rows);
+void WriteJson(const std::string& Path, const std::string& Suite, const std::vector<TRow>& Rows,
+               bool LessIsBetter = false);
 
 }  // namespace platenest::bench

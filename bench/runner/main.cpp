@@ -1,11 +1,14 @@
 // Solves or measures the instances of data files, checks each answer and prints one row per instance and a summary.
 #include <cstdio>
 #include <exception>
+#include <string_view>
 
 #include "Arguments.h"
 #include "ArraySuite.h"
 #include "FillCorpus.h"
 #include "FillSuite.h"
+#include "JobCampaign.h"
+#include "JobSuite.h"
 #include "LabelSuite.h"
 #include "NfpCampaign.h"
 #include "NfpSuite.h"
@@ -50,11 +53,18 @@ std::vector<TRow> Run(const TArguments& Arguments) {
   if (Arguments.Suite == "one") return RunOne(Arguments);
   if (Arguments.Suite == "fill") return RunFillSuite(Arguments);
   if (Arguments.Suite == "fill-exact") return RunFillCorpus(Arguments);
+  if (Arguments.Suite == "job") return RunJobSuite(Arguments);
+  if (Arguments.Suite == "job-random") return RunJobCampaign(Arguments);
   if (Arguments.Suite == "nfp") return RunNfpSuite(Arguments);
   if (Arguments.Suite == "array") return RunArraySuite(Arguments);
   if (Arguments.Suite == "label") return RunLabelSuite(Arguments);
   if (Arguments.Suite == "nfp-layout") return RunLayoutCampaign(Arguments);
   return RunNfpCampaign(Arguments);
+}
+
+// Plates and cost are to be few.
+bool LessIsBetter(std::string_view Suite) {
+  return Suite == "job" || Suite == "job-random";
 }
 
 }  // namespace
@@ -67,7 +77,7 @@ int main(int argc, char** argv) {
       return 2;
     }
     const std::vector<TRow> rows = Run(arguments);
-    if (!arguments.Json.empty()) WriteJson(arguments.Json, arguments.Suite, rows);
+    if (!arguments.Json.empty()) WriteJson(arguments.Json, arguments.Suite, rows, LessIsBetter(arguments.Suite));
     for (const TRow& row : rows)
       if (!row.Fault.empty()) return 1;
     return 0;

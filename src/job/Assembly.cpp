@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 #include <numeric>
-#include <unordered_map>
 
 #include "platenest/job/JobErrors.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
@@ -18,14 +17,6 @@ Box ToBox(const TPlacedBox& B) {
 }
 TPlacedBox ToPlacedBox(const Box& B) {
   return {B[0], B[1], B[2], B[3]};
-}
-
-// Positions of ids, for look-up only; no order is taken from it.
-template <class List>
-std::unordered_map<std::string, int> PositionsById(const List& Items) {
-  std::unordered_map<std::string, int> positions;
-  for (int i = 0; i < Size(Items); ++i) positions.emplace(Items[i].Id, i);
-  return positions;
 }
 
 // Results that were read from a file may multiply to more than a count holds; the checks on stock and demand see the
@@ -53,7 +44,10 @@ Placement AssemblePlacement(const Part& APart, const TScaledPlate& Scaled, const
 
 }  // namespace
 
-TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate) : Scale(std::max(APlate.Width, APlate.Height)) {
+TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate)
+    : TScaledPlate(AJob, APlate, TScale(std::max(APlate.Width, APlate.Height))) {}
+
+TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate, const TScale& AScale) : Scale(AScale) {
   Gap = Scale.Up(AJob.Gap);
   MarginLeft = Scale.Up(AJob.Margin[0]);
   MarginBottom = Scale.Up(AJob.Margin[1]);
@@ -86,39 +80,54 @@ void MeasureInto(Layout& ALayout, double Gap, const std::array<double, 4>& Margi
   ALayout.FreeBox = measures.Free ? ToBox(*measures.Free) : Box{0, 0, 0, 0};
 }
 
-TNestedRects ToRecords(const Job& AJob, const Layout& ALayout) {
-  const auto positions = PositionsById(AJob.Parts);
+TPartIds::TPartIds(const Job& AJob) : FJob(&AJob) {
+  for (int i = 0; i < Size(AJob.Parts); ++i) FPositions.emplace(AJob.Parts[i].Id, i);
+}
+
+int TPartIds::PositionOf(std::string_view Id) const {
+  const auto known = FPositions.find(Id);
+  return known == FPositions.end() ? -1 : known->second;
+}
+
+TNestedRects ToRecords(const TPartIds& Ids, const Layout& ALayout) {
   TNestedRects records;
   records.reserve(ALayout.Placements.size());
   for (const Placement& place : ALayout.Placements) {
-    const auto known = positions.find(place.Part);
-    TNestRect part(1, -1, TVRect2D());
-    if (known != positions.end()) {
-      const Part& demand = AJob.Parts[known->second];
-      part = TNestRect(1, known->second, TVRect2D::FromSize(demand.Width, demand.Height));
+    const int position = Ids.PositionOf(place.Part);
+    TNestRect part(1, position, TVRect2D());
+    if (position >= 0) {
+      const Part& demand = Ids.Subject().Parts[position];
+      part.BoundBox = TVRect2D::FromSize(demand.Width, demand.Height);
     }
     records.emplace_back(part, place.Rotated, TPoint2D{place.Trans[0], place.Trans[1]});
   }
   return records;
 }
 
-std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
+std::string CheckLayout(const TPartIds& Ids, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
+  const TNestedRects records = ToRecords(Ids, ALayout);
+  std::vector<int> met;
+  for (const TNestedRect& placed : records)
+    if (placed.Part.Idx >= 0) met.push_back(placed.Part.Idx);
+  std::ranges::sort(met);
+  met.erase(std::ranges::unique(met).begin(), met.end());
   TNestRectList demand;
-  for (int i = 0; i < Size(AJob.Parts); ++i)  // amounts belong to the whole job and are counted over all layouts
-    demand.emplace_back(-1, i, TVRect2D::FromSize(AJob.Parts[i].Width, AJob.Parts[i].Height));
+  for (const int position : met) {  // amounts belong to the whole job and are counted over all layouts
+    const Part& part = Ids.Subject().Parts[position];
+    demand.emplace_back(-1, position, TVRect2D::FromSize(part.Width, part.Height));
+  }
   const TVRect2D plate =
       TVRect2D::FromBounds(ALayout.Height - Margin[3], Margin[0], Margin[1], ALayout.Width - Margin[2]);
-  return CheckRectLayout(ToRecords(AJob, ALayout), plate, Gap, demand, {.NegativeAmountIsNoLimit = true});
+  return CheckRectLayout(records, plate, Gap, demand, {.NegativeAmountIsNoLimit = true});
 }
 
 double WorthOf(const Part& APart) {
   return APart.Value.value_or(APart.Width * APart.Height);
 }
 
-std::vector<Int64> CountCopies(const Job& AJob, const Layout& ALayout) {
-  const auto positions = PositionsById(AJob.Parts);
-  std::vector<Int64> counts(AJob.Parts.size());
-  for (const Placement& place : ALayout.Placements) ++counts[positions.at(place.Part)];
+std::vector<Int64> CountCopies(const TPartIds& Ids, const Layout& ALayout) {
+  std::vector<Int64> counts(Ids.Subject().Parts.size());
+  for (const Placement& place : ALayout.Placements) ++counts.at(Ids.PositionOf(place.Part));
   return counts;
 }
 
@@ -141,12 +150,17 @@ void RequireRoom(const TScaledPlate& Scaled, const Plate& APlate) {
 }
 
 void Account(const Job& AJob, Result& AResult) {
-  const auto partPositions = PositionsById(AJob.Parts);
-  const auto platePositions = PositionsById(AJob.Plates);
+  Account(AJob, AResult.Layouts, AResult);
+}
+
+void Account(const Job& AJob, std::span<const Layout> Layouts, Result& AResult) {
+  const TPartIds ids(AJob);
+  std::unordered_map<std::string_view, int> platePositions;  // for look-up only
+  for (int i = 0; i < Size(AJob.Plates); ++i) platePositions.emplace(AJob.Plates[i].Id, i);
   std::vector<Int64> placed(AJob.Parts.size()), used(AJob.Plates.size());
   for (const Part& part : AJob.Parts) AResult.Parts.push_back({part.Id, part.Amount, 0, 0, ""});
   for (const Plate& plate : AJob.Plates) AResult.Plates.push_back({plate.Id, 0, plate.Count});
-  for (const Layout& layout : AResult.Layouts) {
+  for (const Layout& layout : Layouts) {
     const int platePosition = platePositions.at(layout.Plate);
     const Plate& plate = AJob.Plates[platePosition];
     const double plateArea = layout.Width * layout.Height;
@@ -154,8 +168,8 @@ void Account(const Job& AJob, Result& AResult) {
     AResult.Total.PlateArea += plateArea * layout.Copies;
     AResult.Total.Cost += plate.Cost.value_or(plateArea) * layout.Copies;
     for (const Placement& place : layout.Placements) {
-      const int position = partPositions.at(place.Part);
-      placed[position] += layout.Copies;
+      const int position = ids.PositionOf(place.Part);
+      placed.at(position) += layout.Copies;
       AResult.Total.PartArea += AJob.Parts[position].Width * AJob.Parts[position].Height * layout.Copies;
     }
   }

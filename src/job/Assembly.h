@@ -2,6 +2,8 @@
 
 #include <span>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "OneSizeBounds.h"
@@ -16,6 +18,8 @@ namespace platenest::detail {
 // record.
 struct TScaledPlate {
   TScaledPlate(const Job& AJob, const Plate& APlate);
+  // In a scale that several plates share.
+  TScaledPlate(const Job& AJob, const Plate& APlate, const TScale& AScale);
 
   TScale Scale;
   double Gap = 0;
@@ -32,18 +36,31 @@ Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& 
 // What can be measured on the placements of a layout: usage, used box, clearance, edge-to-edge, free box.
 void MeasureInto(Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
 
+// The parts of a job by their ids, made once for all its layouts. The job must outlive it.
+class TPartIds {
+ public:
+  explicit TPartIds(const Job& AJob);
+
+  const Job& Subject() const { return *FJob; }
+  int PositionOf(std::string_view Id) const;  // -1 for an unknown one
+
+ private:
+  const Job* FJob;
+  std::unordered_map<std::string_view, int> FPositions;  // for look-up only; no order is taken from it
+};
+
 // Placements as records for the checker. Part.Idx is the position in the job's list, -1 for an unknown id.
-TNestedRects ToRecords(const Job& AJob, const Layout& ALayout);
+TNestedRects ToRecords(const TPartIds& Ids, const Layout& ALayout);
 
 // The checker's verdict on a layout, empty if it is valid: plate less margin, gap, convention, known parts of right
 // size.
-std::string CheckLayout(const Job& AJob, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
+std::string CheckLayout(const TPartIds& Ids, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
 
 // The worth of one copy in a job of kind Fill: its value, or its area in the job's units.
 double WorthOf(const Part& APart);
 
 // Copies of each part in a layout, whose ids are known, and what counts of copies are worth in sum.
-std::vector<Int64> CountCopies(const Job& AJob, const Layout& ALayout);
+std::vector<Int64> CountCopies(const TPartIds& Ids, const Layout& ALayout);
 double WorthOfCopies(const Job& AJob, std::span<const Int64> Counts);
 
 // The limit on copies of a part that states none.
@@ -54,5 +71,6 @@ void RequireRoom(const TScaledPlate& Scaled, const Plate& APlate);
 
 // Sums over all layouts: summary, plates and parts with their counts, without reasons.
 void Account(const Job& AJob, Result& AResult);
+void Account(const Job& AJob, std::span<const Layout> Layouts, Result& AResult);
 
 }  // namespace platenest::detail

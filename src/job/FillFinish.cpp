@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "FillMethods.h"
+#include "FillNesters.h"
 #include "WholeUnits.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/layoutcheck/LayoutCheck.h"

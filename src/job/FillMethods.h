@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -28,11 +27,5 @@ void RequireFillMethod(const Job& AJob);
 // The ways behind a method name, in the order in which they are to be tried, quick ones first. Where parts may turn,
 // every way of the same job without turning is among those of auto.
 std::vector<TFillMethod> FillMethods(const Job& AJob);
-
-// A part as a record, with its true size.
-TNestRect RecordOf(const TFillSizes& Sizes, int Index, int Amount);
-
-// The free-rectangle nest of the given copies of each part on a plate or on a piece of one.
-TNestedRects NestSmart(const TFillSizes& Sizes, std::span<const int> Amounts, double Width, double Height);
 
 }  // namespace platenest::detail

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "FillMethods.h"
+#include "FillNesters.h"
 #include "WholeUnits.h"
 #include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Rounding.h"

@@ -55,12 +55,13 @@ bool BeatsBound(double Worth, const Bound& ABound) {
 }
 
 std::string FillFault(const Job& AJob, const Layout& ALayout, const std::vector<Bound>& Bounds) {
-  std::string verdict = CheckLayout(AJob, ALayout, AJob.Gap, AJob.Margin);
+  const TPartIds ids(AJob);
+  std::string verdict = CheckLayout(ids, ALayout, AJob.Gap, AJob.Margin);
   if (!verdict.empty()) return verdict;
-  const TNestedRects records = ToRecords(AJob, ALayout);
+  const TNestedRects records = ToRecords(ids, ALayout);
   for (const TNestedRect& placed : records)
     if (placed.IsRotate && AJob.Parts[placed.Part.Idx].Turn == Rotate::None) return "a part is turned that may not be";
-  const std::vector<Int64> counts = CountCopies(AJob, ALayout);
+  const std::vector<Int64> counts = CountCopies(ids, ALayout);
   for (int i = 0; i < Size(counts); ++i)
     if (counts[i] > AJob.Parts[i].Amount.value_or(limits::kCopies)) return "there are more copies than asked for";
   const double worth = WorthOfCopies(AJob, counts);

@@ -7,6 +7,7 @@
 #include "Assembly.h"
 #include "FillVerdict.h"
 #include "JobForm.h"
+#include "JobVerdict.h"
 #include "OneSizeVerdict.h"
 #include "ShapeResultCheck.h"
 #include "platenest/job/Run.h"
@@ -41,7 +42,7 @@ std::string Number(double V) {
 // Gathers what is wrong; every test names the place in the result.
 class TResultCheck {
  public:
-  TResultCheck(const Job& AJob, const Result& AResult) : FJob(AJob), FResult(AResult) {}
+  TResultCheck(const Job& AJob, const Result& AResult) : FJob(AJob), FIds(AJob), FResult(AResult) {}
 
   std::vector<Fault> Run() {
     CheckHead();
@@ -78,10 +79,15 @@ class TResultCheck {
   void CheckVerdict();
   void CheckReasons();
   void CheckBoundsAndStatus();
+  Job JobInForce() const;
+  Result Judged(const Job& InForce) const;
+  void CheckBeaten(const Job& InForce, const Result& True);
   void CheckStatus(const Result& True);
 
   const Job& FJob;
+  const TPartIds FIds;
   const Result& FResult;
+  std::vector<Box> FFreeBoxes;  // of the layouts, measured
   std::vector<Fault> FFaults;
 };
 
@@ -103,16 +109,17 @@ void TResultCheck::CheckOneLayout(int Index) {
   const std::size_t before = FFaults.size();
   Require(layout.Width == plate->Width, place + "/width", "is not that of the plate, " + Number(plate->Width));
   Require(layout.Height == plate->Height, place + "/height", "is not that of the plate, " + Number(plate->Height));
+  Require(layout.Copies >= 1, place + "/copies", "must be at least 1");
   Require(!layout.Placements.empty(), place + "/placements", "is empty: an unused plate is no layout");
   CheckPlacements(layout, place);
   if (FFaults.size() != before) return;
-  const std::string verdict = CheckLayout(FJob, layout, FResult.Gap, FResult.Margin);
+  const std::string verdict = CheckLayout(FIds, layout, FResult.Gap, FResult.Margin);
   if (!verdict.empty()) return Add(place, verdict);
   CheckMeasures(layout, place);
 }
 
 void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Place) {
-  const TNestedRects records = ToRecords(FJob, ALayout);
+  const TNestedRects records = ToRecords(FIds, ALayout);
   for (int i = 0; i < records.Count(); ++i) {
     const Placement& stated = ALayout.Placements[i];
     const std::string place = Place + "/placements/" + std::to_string(i);
@@ -132,6 +139,7 @@ void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Pla
 void TResultCheck::CheckMeasures(const Layout& ALayout, const std::string& Place) {
   Layout measured = ALayout;
   MeasureInto(measured, FResult.Gap, FResult.Margin);
+  FFreeBoxes.push_back(measured.FreeBox);
   RequireNumber(ALayout.Usage, measured.Usage, Place + "/usage");
   Require(AreClose(ALayout.UsedBox, measured.UsedBox), Place + "/used_box", "is not the box around the parts");
   Require(ALayout.EdgeToEdge == measured.EdgeToEdge, Place + "/edge_to_edge", "is wrong");
@@ -207,9 +215,11 @@ void TResultCheck::CheckDemand(const Result& True) {
 
 void TResultCheck::CheckVerdict() {
   CheckReasons();
-  if (FJob.Kind == JobKind::One || FJob.Kind == JobKind::Fill) return CheckBoundsAndStatus();
-  const bool isLeft = std::ranges::any_of(FResult.Parts, [](const PartUse& part) { return part.Unplaced > 0; });
-  Require(FResult.Status != ResultStatus::Complete || !isLeft, "/status", "says complete beside unplaced copies");
+  CheckBoundsAndStatus();
+  if (!FResult.Estimate) return;
+  Require(FJob.Kind == JobKind::Job, "/estimate", "has no meaning in a result of this kind");
+  Require(std::isfinite(FResult.Estimate->Value) && FResult.Estimate->Value >= 0, "/estimate/value",
+          "must be a number of at least 0");
 }
 
 void TResultCheck::CheckReasons() {
@@ -220,25 +230,51 @@ void TResultCheck::CheckReasons() {
 }
 
 // Everything that follows from the placements is worked out again, for the gap and margin that the run was given.
-void TResultCheck::CheckBoundsAndStatus() {
+Job TResultCheck::JobInForce() const {
   Job inForce = FJob;
   inForce.Gap = FResult.Gap;
   inForce.Margin = FResult.Margin;
-  const bool isFill = FJob.Kind == JobKind::Fill;
+  return inForce;
+}
+
+Result TResultCheck::Judged(const Job& InForce) const {
   Result truth = FResult;
-  truth.Bounds = isFill ? FillBoundsOf(inForce) : BoundsOf(inForce);
-  if (!truth.Layouts.empty()) MeasureInto(truth.Layouts[0], FResult.Gap, FResult.Margin);
-  isFill ? JudgeFill(inForce, truth) : Judge(inForce, truth);
+  for (int i = 0; i < Size(truth.Layouts); ++i) truth.Layouts[i].FreeBox = FFreeBoxes[i];
+  if (FJob.Kind == JobKind::Job) {
+    truth.Bounds = JobBoundsOf(InForce);
+    JudgeJob(InForce, truth);
+  } else if (FJob.Kind == JobKind::Fill) {
+    truth.Bounds = FillBoundsOf(InForce);
+    JudgeFill(InForce, truth);
+  } else {
+    truth.Bounds = BoundsOf(InForce);
+    Judge(InForce, truth);
+  }
+  return truth;
+}
+
+void TResultCheck::CheckBoundsAndStatus() {
+  const Job inForce = JobInForce();
+  const Result truth = Judged(inForce);
   Require(FResult.Bounds == truth.Bounds, "/bounds", "are not the bounds of the job");
   Require(FResult.Proved == truth.Proved, "/proved",
           truth.Proved ? "is false although a bound is met" : "is true although no bound is met");
-  for (const Bound& bound : truth.Bounds) {
-    if (isFill)
-      Require(!BeatsBound(*truth.Total.Value, bound), "/layouts", "are worth more than the bound " + bound.Kind);
-    else
-      Require(truth.Parts[0].Placed <= bound.Value, "/layouts", "hold more copies than the bound " + bound.Kind);
-  }
+  CheckBeaten(inForce, truth);
   CheckStatus(truth);
+}
+
+void TResultCheck::CheckBeaten(const Job& InForce, const Result& True) {
+  if (FJob.Kind == JobKind::Job) {
+    const Bound* const beaten = BeatenBound(InForce, True, True.Bounds);
+    return Require(beaten == nullptr, "/layouts",
+                   beaten == nullptr ? "" : "are better than the bound " + beaten->What + ", " + beaten->Kind);
+  }
+  for (const Bound& bound : True.Bounds) {
+    if (FJob.Kind == JobKind::Fill)
+      Require(!BeatsBound(*True.Total.Value, bound), "/layouts", "are worth more than the bound " + bound.Kind);
+    else
+      Require(True.Parts[0].Placed <= bound.Value, "/layouts", "hold more copies than the bound " + bound.Kind);
+  }
 }
 
 void TResultCheck::CheckStatus(const Result& True) {

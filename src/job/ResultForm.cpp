@@ -46,6 +46,16 @@ std::span<const Field<Bound>> FieldsOf<Bound>() {
 }
 
 template <>
+std::span<const Field<HeuristicBound>> FieldsOf<HeuristicBound>() {
+  static constexpr Field<HeuristicBound> fields[] = {
+      {"what", true, Text<&HeuristicBound::What>},
+      {"kind", true, Text<&HeuristicBound::Kind>},
+      {"value", true, NotNegative<&HeuristicBound::Value>},
+  };
+  return fields;
+}
+
+template <>
 std::span<const Field<Placement>> FieldsOf<Placement>() {
   static constexpr Field<Placement> fields[] = {
       {"part", true, Id<&Placement::Part>},
@@ -176,6 +186,7 @@ std::span<const Field<Result>> FieldsOf<Result>() {
       {"proved", true, Flag<&Result::Proved>},
       {"summary", true, Object<&Result::Total>},
       {"bounds", true, List<&Result::Bounds, limits::kCopies>},
+      {"estimate", false, Optional<&Result::Estimate>},
       {"layouts", true, List<&Result::Layouts, limits::kCopies>},
       {"plates", true, List<&Result::Plates, limits::kPlateKinds>},
       {"parts", true, List<&Result::Parts, limits::kPartKinds>},
@@ -213,6 +224,9 @@ void RequireAnswer(const Result& AResult, FaultList& Faults) {
   if (AResult.Kind != JobKind::Fill && AResult.Total.Value)
     Faults.AddInput("conflict", "/summary/value",
                     Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));
+  if (AResult.Kind != JobKind::Job && AResult.Estimate)
+    Faults.AddInput("conflict", "/estimate",
+                    Joined("has no meaning in a result of kind `", KindName(AResult.Kind), "`"));
   for (const auto& [kind, name, isThere] : members) {
     if (kind == AResult.Kind && kind != JobKind::Nfp && !isThere) Faults.AddMissing("", name);
     if (kind != AResult.Kind && isThere)
@@ -236,7 +250,8 @@ void WriteList(JsonWriter& Out, std::string_view Name, const std::vector<T>& Ite
   Out.EndList();
 }
 
-void WriteBound(JsonWriter& Out, const Bound& ABound) {
+template <class T>
+void WriteBound(JsonWriter& Out, const T& ABound) {
   Out.BeginObject(JsonStyle::Line);
   Out.Member("what", ABound.What);
   Out.Member("kind", ABound.Kind);
@@ -409,7 +424,8 @@ std::string ResultToJson(const Result& AResult) {
   out.Member("proved", AResult.Proved);
   out.Key("summary");
   WriteSummary(out, AResult.Total);
-  WriteList(out, "bounds", AResult.Bounds, WriteBound);
+  WriteList(out, "bounds", AResult.Bounds, WriteBound<Bound>);
+  WriteAnswer(out, "estimate", AResult.Estimate, WriteBound<HeuristicBound>);
   WriteList(out, "layouts", AResult.Layouts, WriteLayout);
   WriteList(out, "plates", AResult.Plates, WritePlateUse);
   WriteList(out, "parts", AResult.Parts, WritePartUse);

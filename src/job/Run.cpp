@@ -10,6 +10,7 @@
 #include "FillMethods.h"
 #include "FillRun.h"
 #include "JobForm.h"
+#include "JobRun.h"
 #include "NfpRun.h"
 #include "OneSize.h"
 #include "OneSizeBounds.h"
@@ -48,10 +49,7 @@ Result BeginResult(const Job& AJob) {
 void RequireAnswerable(const Job& AJob) {
   if (IsOfShapes(AJob.Kind)) return;
   if (AJob.Kind == JobKind::Fill) return RequireFillMethod(AJob);
-  if (AJob.Kind != JobKind::One)
-    throw InputError({"choice", "/kind",
-                      "this version answers jobs of the kinds `one`, `fill`, `nfp`, `array`, `label` and `sucker` only",
-                      ""});
+  if (AJob.Kind == JobKind::Job) return RequireJobMethod(AJob);
   if (AJob.Parts[0].Turn == Rotate::None)
     throw InputError({"conflict", "/parts/0/rotate",
                       "method `" + AJob.Run.Method + "` turns parts freely and cannot keep `none`", ""});
@@ -71,7 +69,7 @@ Layout FirstValidLayout(const Job& AJob, const TScaledPlate& Scaled, const TOneS
     }
     if (answer.Layout.Count() > limits::kCopies) RaiseTooManyCopies(0);
     Layout layout = AssembleLayout(AJob, AJob.Plates[0], Scaled, answer.Layout);
-    const std::string fault = CheckLayout(AJob, layout, AJob.Gap, AJob.Margin);
+    const std::string fault = CheckLayout(TPartIds(AJob), layout, AJob.Gap, AJob.Margin);
     if (!fault.empty()) {
       verdict = fault;
       continue;
@@ -114,6 +112,8 @@ void Answer(const Job& AJob, TRunControl& Control, Result& AResult) {
   switch (AJob.Kind) {
     case JobKind::Fill:
       return AnswerFill(AJob, Control, AResult);
+    case JobKind::Job:
+      return AnswerJob(AJob, Control, AResult);
     case JobKind::Nfp:
       return AnswerPairs(AJob, Control, AResult);
     case JobKind::Array:

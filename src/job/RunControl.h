@@ -21,6 +21,7 @@ class TRunControl {
   TRunControl& operator=(const TRunControl&) = delete;
 
   bool StoppedByCaller() const;
+  const TStopToken* CallersToken() const { return FHooks.Stop; }
   bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
   // Whether to begin nothing new: stopped, or past the limit by the run's clock, counted or not.
   bool IsOver();

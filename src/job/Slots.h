@@ -112,15 +112,16 @@ struct ListAt {
   Int64 Most;
 };
 
-using Slot = std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, NumbersAt, IdsAt,            //
-                          ObjectAt<Job>, ObjectAt<Plate>, ObjectAt<Part>, ObjectAt<Options>,              //
-                          ObjectAt<Result>, ObjectAt<Summary>, ObjectAt<Bound>, ObjectAt<Layout>,         //
-                          ObjectAt<Placement>, ObjectAt<PlateUse>, ObjectAt<PartUse>, ObjectAt<RunInfo>,  //
-                          ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,  //
-                          ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
-                          ListAt<PolygonPoint>,  //
-                          ListAt<PolygonRing>, ObjectAt<LabelSize>, ObjectAt<ArrayAnswer>, ObjectAt<LabelAnswer>,
-                          ObjectAt<SuckerAnswer>>;
+using Slot =
+    std::variant<Skip, NumberAt, WholeAt, FlagAt, TextAt, ChoiceAt, NumbersAt, IdsAt,                               //
+                 ObjectAt<Job>, ObjectAt<Plate>, ObjectAt<Part>, ObjectAt<Options>,                                 //
+                 ObjectAt<Result>, ObjectAt<Summary>, ObjectAt<Bound>, ObjectAt<HeuristicBound>, ObjectAt<Layout>,  //
+                 ObjectAt<Placement>, ObjectAt<PlateUse>, ObjectAt<PartUse>, ObjectAt<RunInfo>,                     //
+                 ListAt<Plate>, ListAt<Part>, ListAt<Bound>, ListAt<Layout>, ListAt<Placement>,                     //
+                 ListAt<PlateUse>, ListAt<PartUse>, ListAt<std::string>, ObjectAt<NfpPair>, ListAt<NfpPair>,
+                 ListAt<PolygonPoint>,  //
+                 ListAt<PolygonRing>, ObjectAt<LabelSize>, ObjectAt<ArrayAnswer>, ObjectAt<LabelAnswer>,
+                 ObjectAt<SuckerAnswer>>;
 
 // A member of the form of a record.
 template <class T>

@@ -22,6 +22,7 @@ class TWholeUnits {
   TWholeUnits(std::span<const double> Lengths, double Gap, double MostUnits);
 
   double Scale() const { return FScale; }  // units in one length
+  bool IsExact() const { return FIsExact; }
   double HalfGap() const { return FHalfGap; }
   double Room(double Length) const;
   double Need(double Length) const;

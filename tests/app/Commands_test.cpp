@@ -90,6 +90,39 @@ TEST(Fill, TakesATableOrAJobFileAndTheAnswerPassesTheCheck) {
   }
 }
 
+TEST(Job, TakesTablesOrAJobFileAndTheAnswerPassesTheCheck) {
+  const TempFolder folder;
+  CopyExamples(folder);
+  folder.Write("plates.csv", "id,width,height,count,cost,remnant\nboard,1000,500,2,3,\nrest,300,200,1,0,true\n");
+  folder.Write("demand.csv", "id;width;height;amount;rotate\nside;700;480;3;\nshelf;280;190;5;none\nlong;1100;9;1;\n");
+  folder.Write("job.json", R"({"schema": "platenest-job/1", "kind": "job", "plates": [{"width": 9, "height": 9}],
+                               "parts": [{"width": 9, "height": 9}]})");
+  const std::string tables = " --plates plates.csv --parts demand.csv";
+  const Outcome job = folder.Run("job --gap 4 --time-limit 0.3 -o r.json --svg out/" + tables);
+  EXPECT_EQ(job.Exit, 0) << job.Err;
+  EXPECT_THAT(job.Err, HasSubstr(", 7 parts on 3 plates\n  use        "));
+  EXPECT_THAT(job.Err, HasSubstr(" %, plates cost 6\n  bounds     area at most "));
+  EXPECT_THAT(job.Err, HasSubstr("unplaced   2 parts (1 no_stock, 1 too_large)\n"));
+  EXPECT_THAT(job.Err, HasSubstr("written    r.json, out/layout-001-x1.svg and 1 more\n"));
+  EXPECT_THAT(folder.Read("out/layout-002-x2.svg"), HasSubstr("data-part=\"side\""));
+  const std::tuple<int, std::string, std::string> cases[] = {
+      {0, "check job.json r.json --gap 4" + tables, "OK: r.json"},
+      {1, "check job.json r.json --gap 4 --parts demand.csv", "r.json: /layouts/0/plate: names no plate"},
+      {1, "job --gap 4 --time-limit 0.3 --require-all" + tables, "unplaced   2 parts"},
+      {0, "job --plate 1000x500 --parts demand.csv --method repeat", " on 3 plates\n"},
+      {2, "job --parts demand.csv", "job takes a JOB, or --plates or --plate and --parts; see"},
+      {2, "job order.json --plate 9x9", "--plate: cannot stand for all of the job's 3 plates"},
+      {2, "job --method svc" + tables, "--method: `svc` turns parts, but /parts/1 asks for"},
+      {3, "job --parts demand.csv --plates demand.csv", "demand.csv:1"},
+      {5, "job --parts demand.csv --plates none.csv", "none.csv"},
+  };
+  for (const auto& [exit, line, message] : cases) {
+    const Outcome outcome = folder.Run(line);
+    EXPECT_EQ(outcome.Exit, exit) << line << outcome.Err;
+    EXPECT_THAT(outcome.Err, HasSubstr(message)) << line;
+  }
+}
+
 constexpr const char* kShapes =
     R"({"schema": "platenest-job/1", "name": "../x", "kind": "nfp", "parts": [
         {"id": "plate", "outline": [[0, 0], [50, 0], [60, 20], [60, 40], [0, 40]], "holes": [[[20, 15], [25, 15], [25, 25]]]},
@@ -211,6 +244,7 @@ TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
   CopyExamples(folder);
   folder.Write("demand.txt", "1000 500\n300 200 60000 8\n");
   folder.Write("demand.csv", "id,width,height,amount\na,300,200,4\nb,450,120,2\n");
+  folder.Write("plates.csv", "id,width,height\nboard,2000,1000\n");
   for (const CommandRow& command : CommandTable()) {
     const std::string name(command.Name);
     const Outcome help = RunLine(name + " --help");
@@ -222,7 +256,7 @@ TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
     }
     EXPECT_EQ(RunLines(folder, help.Out, "  platenest "), 2) << name;
   }
-  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 11);
+  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 12);
   EXPECT_THAT(RunLine("--help").Out, HasSubstr("Exit codes:"));
   EXPECT_THAT(RunLine("--version").Out, testing::MatchesRegex("platenest [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }

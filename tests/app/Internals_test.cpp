@@ -93,6 +93,21 @@ TEST(ProgressLines, ObjectsAreHeldBackButTheLastNewsComes) {
   EXPECT_THAT(err, HasSubstr(R"("usage":0.75)"));
 }
 
+TEST(ProgressLines, TellPlatesUseBoundAndLinearProgram) {
+  const Progress now{.Seconds = 12.3456,
+                     .Phase = "cg",
+                     .Plates = 8,
+                     .Usage = 0.91362,
+                     .Unplaced = 0,
+                     .BoundValue = 8,
+                     .LpValue = 7.312345,
+                     .Estimate = 7.25};
+  EXPECT_EQ(ProgressText(now), "cg  12 s  plates 8  use 91.4 %  bound 8  lp 7.31  unplaced 0");
+  EXPECT_EQ(
+      ProgressJson(now),
+      R"({"t":12.346,"phase":"cg","plates":8,"usage":0.9136,"unplaced":0,"bound":8,"lp":7.3123,"estimate":7.25})");
+}
+
 TEST(ProgressLines, OneLineOfATerminalIsRewrittenAndLeftEmpty) {
   Start start = RunWith(kThreeSteps);
   start.TerminalErr = true;

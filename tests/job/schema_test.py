@@ -1,4 +1,4 @@
-"""Holds the JSON Schemas against the test files: the good ones are valid, each bad one is not."""
+"""Holds the JSON Schemas against the test files and examples: the good ones are valid, each bad one is not."""
 import json
 import sys
 from pathlib import Path
@@ -14,6 +14,8 @@ def main(root):
         validator = Draft202012Validator(schema)
         for verdict in ("good", "bad"):
             files = sorted((root / "tests/data" / folder / verdict).glob("*.json"))
+            if (form, verdict) == ("job", "good"):
+                files += sorted((root / "examples/jobs").glob("*.json"))
             assert files, f"no {verdict} {folder}"
             for file in files:
                 errors = [error.message for error in validator.iter_errors(json.loads(file.read_text()))]

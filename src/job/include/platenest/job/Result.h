@@ -46,12 +46,24 @@ struct Layout {
   friend bool operator==(const Layout&, const Layout&) = default;
 };
 
+// Holds without trust in a heuristic.
 struct Bound {
-  std::string What;  // "plates", "count", or "value" of all placed copies in kind Fill
-  std::string Kind;  // "area", "barnes", "stock", or "demand" where no more is asked for; each holds for every layout
+  // "count", or "value" of all placed copies in kind Fill; in kind Job "plates" and "cost", which are no less in any
+  // answer that places all copies asked for by number of parts that fit a plate, and "area" of all placed copies.
+  std::string What;
+  std::string Kind;  // "area", "barnes", "fekete", "plates", "stock", or "demand" where no more is asked for
   double Value = 0;
 
   friend bool operator==(const Bound&, const Bound&) = default;
+};
+
+// What a search takes for a lower bound while a heuristic it rests on may have missed something.
+struct HeuristicBound {
+  std::string What;  // "plates"
+  std::string Kind;  // "cg": the linear program over the layouts that were found
+  double Value = 0;
+
+  friend bool operator==(const HeuristicBound&, const HeuristicBound&) = default;
 };
 
 struct PlateUse {
@@ -149,6 +161,7 @@ struct Result {
   bool Proved = false;  // a bound is met
   Summary Total;
   std::vector<Bound> Bounds;
+  std::optional<HeuristicBound> Estimate{};  // kind Job; never one of the bounds
   std::vector<Layout> Layouts;
   std::vector<PlateUse> Plates;
   std::vector<PartUse> Parts;

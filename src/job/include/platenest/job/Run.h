@@ -15,8 +15,9 @@ namespace platenest {
 using StopToken = TStopToken;
 
 // In a run of kind Fill, whose phase is the method that the answer is from, BoundValue limits the worth of the placed
-// copies. Kinds Array, Label and Sucker report nothing. In a run of kind Nfp, whose phase is "nfp", Usage is the share
-// of the pairs that are done and Unplaced the others.
+// copies. In a run of kind Job it is the least number of plates that all copies asked for can need. Kinds Array, Label
+// and Sucker report nothing. In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs that are done
+// and Unplaced the others.
 struct Progress {
   double Seconds = 0;
   std::string Phase;  // the method at work
@@ -24,6 +25,8 @@ struct Progress {
   double Usage = 0;
   Int64 Unplaced = 0;
   std::optional<double> BoundValue;
+  std::optional<double> LpValue{};   // plates that the linear program of a column generation makes do with
+  std::optional<double> Estimate{};  // what Result::Estimate would say now
 };
 
 struct RunHooks {

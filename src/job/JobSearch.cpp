@@ -1,0 +1,141 @@
+#include "JobSearch.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "JobBounds.h"
+#include "JobFill.h"
+#include "JobVerdict.h"
+#include "platenest/job/JobErrors.h"
+
+namespace platenest::detail {
+
+namespace {
+
+// Bounds are stated to twelve digits.
+constexpr double kBoundTol = 1e-11;
+constexpr double kSecondsBetweenReports = 0.2;
+// How much longer measuring an answer takes than checking it.
+constexpr double kWritingRate = 2;
+// Between two answers of a search that goes on, in units of what writing one takes.
+constexpr double kLeastPause = 4;
+constexpr double kMsACopy = 1e-3;
+
+}  // namespace
+
+TTimeShare::TTimeShare(std::optional<double> Seconds) : FToken(CurrentStopToken()), FScope(&FToken) {
+  if (Seconds) FTimer.emplace(*Seconds, [this] { FToken.RequestStop(); });
+}
+
+TJobSearch::TJobSearch(const Job& AJob, TRunControl& Control, const std::vector<Bound>& Bounds)
+    : FJob(AJob), FControl(Control), FBounds(Bounds), FSizes(JobSizesOf(AJob)) {}
+
+std::optional<double> TJobSearch::SecondsOf(double Share) const {
+  if (!IsTimed()) return std::nullopt;
+  return std::max(0.0, Share * (FJob.Run.TimeLimit - FControl.Seconds() - kWritingRate * FWritingSeconds));
+}
+
+bool TJobSearch::IsOver() {
+  return FIsProved || FControl.IsOver() || (IsTimed() && HasAnswer() && SecondsOf(1) <= 0.0);
+}
+
+bool TJobSearch::MeetsBounds(const TJobMerit& Merit) const {
+  const bool isUnlimited = std::ranges::any_of(FSizes.Parts, &TJobPart::IsUnlimited);
+  const bool placesAll = Merit.UnplacedArea <= 0;
+  if ((placesAll || !isUnlimited) && FillsStock(FSizes, PlacedCopies(FSizes, FBest))) return true;
+  if (isUnlimited || !placesAll) return false;
+  const bool isByPlates = HasOneCost(FSizes);
+  return std::ranges::any_of(FBounds, [&](const Bound& bound) {
+    if (bound.What != (isByPlates ? "plates" : "cost")) return false;
+    const double reached = isByPlates ? static_cast<double>(Merit.Plates) : Merit.Cost;
+    return reached <= bound.Value + kBoundTol * std::fabs(bound.Value);
+  });
+}
+
+namespace {
+
+void RequireFewCopies(const TJobLayouts& Layouts) {
+  if (std::ranges::all_of(Layouts, [](const TJobLayout& each) { return each.Nested.Count() <= limits::kCopies; }))
+    return;
+  throw LimitError({"limit", "/parts",
+                    "more than " + std::to_string(limits::kCopies) + " copies fit, which is the limit; ask for amounts",
+                    ""});
+}
+
+}  // namespace
+
+bool TJobSearch::IsDue() const {
+  return !IsTimed() || FControl.Seconds() >= FWrittenAt + kLeastPause * FWritingSeconds;
+}
+
+bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
+  TidyAnswer(FSizes, Layouts);
+  if (Layouts.empty()) return false;
+  const TJobMerit merit = MeritOf(FSizes, Layouts);
+  if (!WouldStand(merit)) return false;
+  const double start = FControl.Seconds();
+  RequireFewCopies(Layouts);
+  std::vector<Layout> assembled = AssembleLayouts(FJob, FSizes, Layouts);
+  std::string fault = JobFault(FJob, assembled, FBounds);
+  FWrittenAt = FControl.Seconds();
+  FWritingSeconds = FWrittenAt - start;
+  FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
+  if (!fault.empty()) {
+    FTrouble = std::move(fault);
+    return false;
+  }
+  FBest = std::move(Layouts);
+  FLayouts = std::move(assembled);
+  FMerit = merit;
+  FMethod = Method;
+  FIsProved = MeetsBounds(merit);
+  Report(Method, std::nullopt);
+  return true;
+}
+
+void TJobSearch::Try(const std::function<void()>& Step) {
+  try {
+    Step();
+  } catch (const JobError&) {
+    throw;
+  } catch (const TNestError& error) {
+    FTrouble = error.Text();
+  } catch (const std::bad_alloc&) {
+    FLacksMemory = true;
+  }
+}
+
+void TJobSearch::Tell(std::string_view Phase, std::optional<double> LpValue) {
+  if (!HasAnswer() || FControl.Seconds() < FToldAt + kSecondsBetweenReports) return;
+  Report(Phase, LpValue);
+}
+
+void TJobSearch::Report(std::string_view Phase, std::optional<double> LpValue) {
+  Progress now;
+  now.Phase = Phase;
+  now.LpValue = LpValue;
+  now.Estimate = FEstimate;
+  now.Plates = static_cast<int>(FMerit.Plates);
+  double parts = 0;
+  double plates = 0;
+  const std::vector<Int64> placed = PlacedCopies(FSizes, FBest);
+  for (const TJobLayout& layout : FBest) plates += FSizes.Plates[layout.Plate].Area * layout.Copies;
+  for (int i = 0; i < Size(placed); ++i) parts += FSizes.Parts[i].Area * static_cast<double>(placed[i]);
+  for (const Part& part : FJob.Parts) now.Unplaced += part.Amount.value_or(0);
+  for (int i = 0; i < Size(placed); ++i)
+    if (!FSizes.Parts[i].IsUnlimited) now.Unplaced -= placed[i];
+  if (plates > 0) now.Usage = parts / plates;
+  for (const Bound& bound : FBounds)
+    if (bound.What == "plates") now.BoundValue = std::max(now.BoundValue.value_or(0), bound.Value);
+  FToldAt = FControl.Seconds();
+  FControl.Report(now);
+}
+
+void TJobSearch::RaiseTrouble() const {
+  if (FLacksMemory) throw std::bad_alloc();
+  if (!FTrouble.empty()) throw CheckError({"check", "", "no answer passed the layout check", FTrouble});
+}
+
+}  // namespace platenest::detail

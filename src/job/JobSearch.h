@@ -1,0 +1,91 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "JobAnswer.h"
+#include "JobSizes.h"
+#include "RunControl.h"
+#include "platenest/foundation/EventTimer.h"
+#include "platenest/foundation/StopToken.h"
+#include "platenest/job/Job.h"
+#include "platenest/job/Result.h"
+
+// What the methods of a job of kind Job share: the demand, the run's time and the best checked answer.
+namespace platenest::detail {
+
+// A span of the run's time after which everything that polls the stop token of this thread sees a stop. A run without
+// limit, or with a counted clock, has no such spans: only the run's own stop passes through.
+class TTimeShare {
+ public:
+  explicit TTimeShare(std::optional<double> Seconds);
+  bool IsOver() const { return FToken.StopRequested(); }
+
+ private:
+  TStopToken FToken;
+  std::optional<TEventTimer> FTimer;
+  TStopTokenScope FScope;
+};
+
+class TJobSearch {
+ public:
+  TJobSearch(const Job& AJob, TRunControl& Control, const std::vector<Bound>& Bounds);
+
+  const TJobSizes& Sizes() const { return FSizes; }
+  const Options& Run() const { return FJob.Run; }
+  TRunControl& Control() { return FControl; }
+  // A share of what is left of the time limit, less what writing an answer takes; nothing where no clock ends the run.
+  std::optional<double> SecondsOf(double Share) const;
+  bool IsTimed() const { return FJob.Run.TimeLimit > 0 && !FJob.Run.Deterministic; }
+  // Stopped, out of time, or nothing can be better any more.
+  bool IsOver();
+
+  // Takes layouts that place any part of the demand, in their own order of preference: tidied and checked they become
+  // the answer if they are better than it.
+  bool Offer(std::string_view Method, TJobLayouts Layouts);
+  // Whether writing an answer down again would take a small part of the time since the last one.
+  bool IsDue() const;
+  // Whether layouts of this merit would become the answer.
+  bool WouldStand(const TJobMerit& Merit) const { return !HasAnswer() || IsBetter(Merit, FMerit); }
+  // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
+  void Try(const std::function<void()>& Step);
+  // Tells the caller that a phase goes on, at most five times a second.
+  void Tell(std::string_view Phase, std::optional<double> LpValue);
+
+  // Plates that a column generation takes for the least.
+  void SetEstimate(double Plates) { FEstimate = Plates; }
+  std::optional<double> Estimate() const { return FEstimate; }
+
+  bool HasAnswer() const { return !FBest.empty(); }
+  bool IsProved() const { return FIsProved; }
+  const TJobLayouts& Best() const { return FBest; }
+  const TJobMerit& Merit() const { return FMerit; }
+  const std::string& Method() const { return FMethod; }
+  std::vector<Layout> TakeLayouts() { return std::move(FLayouts); }
+  void RaiseTrouble() const;
+
+ private:
+  bool MeetsBounds(const TJobMerit& Merit) const;
+  void Report(std::string_view Phase, std::optional<double> LpValue);
+
+  const Job& FJob;
+  TRunControl& FControl;
+  const std::vector<Bound>& FBounds;
+  TJobSizes FSizes;
+  TJobLayouts FBest;
+  TJobMerit FMerit;
+  std::vector<Layout> FLayouts;
+  std::string FMethod;
+  bool FIsProved = false;
+  std::optional<double> FEstimate;
+  double FWritingSeconds = 0;
+  double FWrittenAt = 0;
+  double FToldAt = -1;
+  std::string FTrouble;
+  bool FLacksMemory = false;
+};
+
+}  // namespace platenest::detail

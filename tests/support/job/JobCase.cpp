@@ -1,0 +1,312 @@
+#include "JobCase.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platenest/foundation/Rounding.h"
+
+namespace platenest::test {
+
+namespace {
+
+using TPick = std::function<int(int)>;
+
+struct TScale {
+  double PerUnit;  // whole numbers behind one unit of length
+  const char* Units;
+};
+constexpr std::array kScales = {TScale{1, "mm"}, TScale{10, "mm"}, TScale{1000, "m"}, TScale{25.4, "in"}};
+
+struct TSheet {
+  int W = 0, H = 0;
+  std::optional<int> Count;
+};
+
+struct TPiece {
+  int W = 0, H = 0;
+  std::optional<int> Amount;
+};
+
+enum class TStock { Unlimited, Ample, Scarce, Mixed };
+
+// One job in whole numbers.
+class TMaker {
+ public:
+  explicit TMaker(const TPick& Pick) : FPick(Pick), FScale(kScales[static_cast<std::size_t>(Pick(kScales.size()))]) {}
+
+  TJobCase Make() {
+    PickFrame();
+    TJobCase made;
+    if (FPick(4) == 0) {
+      // Sums of rounded inches are not the rounded sums.
+      if (FScale.PerUnit == std::floor(FScale.PerUnit)) made.Sample = TJobSample{};
+      CutPlatesUp();
+    } else {
+      PickParts();
+      PickStock();
+    }
+    made.AJob = JobOf();
+    if (made.Sample) {
+      for (std::size_t i = 0; i < FCut.size(); ++i) {
+        const Plate& plate = made.AJob.Plates[i];
+        made.Sample->Plates += FCut[i];
+        made.Sample->Cost += FCut[i] * plate.Cost.value_or(plate.Width * plate.Height);
+      }
+    }
+    return made;
+  }
+
+ private:
+  int Between(int Low, int High) { return Low + (High > Low ? FPick(High - Low + 1) : 0); }
+  bool OneIn(int Count) { return FPick(Count) == 0; }
+  int RoomW(const TSheet& Sheet) const { return Sheet.W - FMargin[0] - FMargin[2]; }
+  int RoomH(const TSheet& Sheet) const { return Sheet.H - FMargin[1] - FMargin[3]; }
+  const TSheet& AnySheet() { return FSheets[static_cast<std::size_t>(FPick(Size(FSheets)))]; }
+
+  void PickFrame() {
+    if (OneIn(2)) FGap = FPick(12);
+    if (OneIn(3)) FMargin.fill(FPick(12));
+    if (OneIn(4))
+      for (int& side : FMargin) side = FPick(15);
+    const int count = OneIn(3) ? 1 : Between(1, 4);
+    for (int i = 0; i < count; ++i) {
+      TSheet sheet{Between(100, 1600), 0, {}};
+      sheet.H = Between(std::max(60, sheet.W / 4), sheet.W);
+      if (OneIn(3)) std::swap(sheet.W, sheet.H);
+      if (i > 0 && OneIn(4)) sheet = FSheets.back();
+      if (i > 0 && OneIn(4)) std::swap(sheet.W, sheet.H);
+      FSheets.push_back(sheet);
+    }
+  }
+
+  int PickSide() {
+    const TSheet& sheet = AnySheet();
+    const bool across = OneIn(2);
+    const int side = across ? sheet.H : sheet.W, room = across ? RoomH(sheet) : RoomW(sheet);
+    const int shorter = std::min(RoomW(sheet), RoomH(sheet)), longer = std::max(RoomW(sheet), RoomH(sheet));
+    switch (FPick(14)) {
+      case 0:
+        return room;
+      case 1:
+        return side;
+      case 2:
+        return (room - FGap) / 2;
+      case 3:
+        return (room - 2 * FGap) / 3;
+      case 4:
+        return OneIn(6) ? longer + 1 + FPick(longer) : shorter;
+      case 5:
+        return std::max(2, shorter / 25 + FPick(shorter / 25 + 1));
+      default:
+        return std::max(2, shorter / 12) + FPick(longer / 2);
+    }
+  }
+
+  std::optional<int> PickAmount() {
+    switch (FPick(10)) {
+      case 0:
+      case 1:
+        return 1;
+      case 2:
+      case 3:
+        return Between(1, 200);
+      case 4:
+        return 200;
+      default:
+        return Between(1, 12);
+    }
+  }
+
+  double AreaOf(const TPiece& Piece) const { return (1.0 * Piece.W + FGap) * (Piece.H + FGap); }
+  double Demanded() const {
+    double area = 0;
+    for (const TPiece& piece : FPieces) area += AreaOf(piece) * piece.Amount.value_or(0);
+    return area;
+  }
+  double LargestRoom() const {
+    double area = 0;
+    for (const TSheet& sheet : FSheets) area = std::max(area, 1.0 * RoomW(sheet) * RoomH(sheet));
+    return area;
+  }
+
+  void PickParts() {
+    const int count = OneIn(8) ? Between(13, 30) : Between(1, 12);
+    for (int i = 0; i < count; ++i) {
+      TPiece piece{PickSide(), PickSide(), PickAmount()};
+      if (i > 0 && OneIn(8)) {
+        piece.W = FPieces.back().W;
+        piece.H = FPieces.back().H;
+      }
+      if (i > 0 && OneIn(12)) std::swap(piece.W, piece.H);
+      piece.W = std::max(1, piece.W);
+      piece.H = std::max(1, piece.H);
+      FPieces.push_back(piece);
+    }
+    const double most = LargestRoom() * (OneIn(12) ? 300 : 30);
+    while (Demanded() > most) {
+      TPiece& largest =
+          *std::ranges::max_element(FPieces, {}, [this](const TPiece& p) { return AreaOf(p) * *p.Amount; });
+      if (*largest.Amount == 1) break;
+      largest.Amount = *largest.Amount / 2;
+    }
+  }
+
+  void PickStock() {
+    const auto mode = static_cast<TStock>(FPick(4));
+    const int needed = Ceil(std::min(1e4, Demanded() / LargestRoom())) + 1;
+    for (TSheet& sheet : FSheets) {
+      if (mode == TStock::Ample) sheet.Count = 3 * needed + FPick(5);
+      if (mode == TStock::Scarce) sheet.Count = Between(1, std::max(1, needed / Size(FSheets)));
+      if (mode == TStock::Mixed && OneIn(2)) sheet.Count = Between(1, 3);
+    }
+    // A part without limit fills whatever there is.
+    TPiece& endless = FPieces[static_cast<std::size_t>(FPick(Size(FPieces)))];
+    if (mode != TStock::Scarce || OneIn(2) || AreaOf(endless) * 1000 < LargestRoom()) return;
+    for (TSheet& sheet : FSheets) sheet.Count = std::min(*sheet.Count, 6);
+    endless.Amount.reset();
+  }
+
+  // Straight cuts with the gap between what they part, so that a plate's pieces lie on it again.
+  void Cut(int W, int H, int Depth, int Copies, std::map<std::pair<int, int>, int>& Pieces) {
+    const bool across = OneIn(2);
+    const int side = across ? H : W, first = side > FGap + 40 ? Between(side / 5, side - side / 5 - FGap) : 0;
+    if (Depth == 0 || first < 8 || side - first - FGap < 8) {
+      if (OneIn(2)) std::swap(W, H);
+      Pieces[{W, H}] += Copies;
+      return;
+    }
+    const int rest = side - first - FGap;
+    Cut(across ? W : first, across ? first : H, Depth - 1, Copies, Pieces);
+    Cut(across ? W : rest, across ? rest : H, Depth - 1, Copies, Pieces);
+  }
+
+  void CutPlatesUp() {
+    std::map<std::pair<int, int>, int> pieces;
+    for (const TSheet& sheet : FSheets) {
+      const int layouts = Between(1, 3);
+      int used = 0;
+      for (int i = 0; i < layouts; ++i) {
+        const int copies = OneIn(3) ? Between(1, 30) : 1;
+        used += copies;
+        Cut(RoomW(sheet), RoomH(sheet), Between(1, 4), copies, pieces);
+      }
+      FCut.push_back(used);
+    }
+    for (const auto& [size, amount] : pieces) FPieces.push_back({size.first, size.second, amount});
+    const bool isTight = OneIn(2);
+    for (std::size_t i = 0; i < FSheets.size(); ++i)
+      if (isTight) FSheets[i].Count = FCut[i];
+  }
+
+  // A sample turns some of its pieces, and so must the answer be free to.
+  void PickLocks(std::vector<Part>& Parts) {
+    const int mode = FCut.empty() ? FPick(5) : 2;
+    for (Part& part : Parts)
+      if (mode == 0 || (mode == 1 && OneIn(2))) part.Turn = Rotate::None;
+  }
+
+  Job JobOf() {
+    const auto length = [this](int whole) { return whole / FScale.PerUnit; };
+    Job made;
+    made.Kind = JobKind::Job;
+    made.Units = FScale.Units;
+    made.Gap = length(FGap);
+    for (std::size_t i = 0; i < 4; ++i) made.Margin[i] = length(FMargin[i]);
+    const int costs = FPick(5);
+    for (const TSheet& sheet : FSheets) {
+      Plate plate{
+          .Id = "plate " + std::to_string(made.Plates.size()), .Width = length(sheet.W), .Height = length(sheet.H)};
+      plate.Count = sheet.Count;
+      plate.Remnant = Size(FSheets) > 1 && OneIn(4);
+      if (costs == 0) plate.Cost = FPick(4);
+      if (costs == 1) plate.Cost = plate.Width * plate.Height * (50 + FPick(100)) / 100;
+      if (plate.Remnant && OneIn(2)) plate.Cost = 0;
+      made.Plates.push_back(plate);
+    }
+    for (const TPiece& piece : FPieces) {
+      Part part{.Id = "part " + std::to_string(made.Parts.size()), .Width = length(piece.W), .Height = length(piece.H)};
+      part.Amount = piece.Amount;
+      if (OneIn(12)) part.Value = 1 + FPick(50);
+      made.Parts.push_back(part);
+    }
+    PickLocks(made.Parts);
+    if (OneIn(6)) made.Run.MemoryLimit = Int64{1} << (16 + FPick(12));
+    return made;
+  }
+
+  const TPick& FPick;
+  const TScale FScale;
+  int FGap = 0;
+  std::array<int, 4> FMargin{};
+  std::vector<TSheet> FSheets;
+  std::vector<TPiece> FPieces;
+  std::vector<int> FCut;  // plates of each kind that were cut up
+};
+
+bool Lessen(Job& AJob, const std::function<bool(const Job&)>& Fails, const std::function<bool(Job&)>& Change) {
+  Job less = AJob;
+  if (!Change(less) || !Fails(less)) return false;
+  AJob = std::move(less);
+  return true;
+}
+
+template <class TList>
+bool DropEntries(Job& AJob, const std::function<bool(const Job&)>& Fails, TList Job::*List) {
+  bool isLess = false;
+  for (int i = Size(AJob.*List) - 1; i >= 0 && Size(AJob.*List) > 1; --i)
+    isLess |= Lessen(AJob, Fails, [List, i](Job& less) {
+      (less.*List).erase((less.*List).begin() + i);
+      return true;
+    });
+  return isLess;
+}
+
+bool LessenAmounts(Job& AJob, const std::function<bool(const Job&)>& Fails) {
+  bool isLess = false;
+  for (std::size_t i = 0; i < AJob.Parts.size(); ++i)
+    for (const auto& next : {+[](int) { return 1; }, +[](int n) { return n / 2; }, +[](int n) { return n - 1; }})
+      isLess |= Lessen(AJob, Fails, [i, next](Job& less) {
+        std::optional<int>& amount = less.Parts[i].Amount;
+        if (!amount || *amount <= 1) return false;
+        amount = next(*amount);
+        return true;
+      });
+  return isLess;
+}
+
+}  // namespace
+
+TJobCase MakeJobCase(const TPick& Pick) {
+  return TMaker(Pick).Make();
+}
+
+TJobCase MakeJobCase(unsigned Seed) {
+  std::mt19937 engine(Seed);
+  return MakeJobCase([&engine](int Count) { return static_cast<int>(engine() % static_cast<unsigned>(Count)); });
+}
+
+void AskFor(Job& AJob, const std::string& Method) {
+  AJob.Run.Method = Method;
+  if (Method != "svc" && Method != "cg") return;
+  for (Part& part : AJob.Parts) part.Turn = Rotate::Any;
+}
+
+Job Shrunk(Job AJob, const std::function<bool(const Job&)>& Fails) {
+  bool isLess = true;
+  while (isLess) {
+    isLess = DropEntries(AJob, Fails, &Job::Parts);
+    isLess |= DropEntries(AJob, Fails, &Job::Plates);
+    isLess |= LessenAmounts(AJob, Fails);
+    isLess |= Lessen(AJob, Fails, [](Job& less) { return std::exchange(less.Margin, {}) != less.Margin; });
+    isLess |= Lessen(AJob, Fails, [](Job& less) { return std::exchange(less.Gap, 0) != 0; });
+  }
+  return AJob;
+}
+
+}  // namespace platenest::test
