@@ -122,7 +122,7 @@ void BM_RectJob(benchmark::State& State) {
 }
 BENCHMARK(BM_RectJob)
     ->ArgNames({"sizes", "seed", "whole"})
-    ->ArgsProduct({{20}, {1, 2, 3, 7}, {0, 1}})
+    ->ArgsProduct({{20}, {1, 4, 5}, {0, 1}})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 

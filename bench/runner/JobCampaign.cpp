@@ -87,8 +87,10 @@ struct TTally {
   int Answers = 0, Complete = 0, Stopped = 0, Faults = 0, OverPromise = 0;
   double UsageSum = 0;
   std::vector<double> Ms, LateMs;
+  std::string Slowest;
 
-  void Add(const TJobAnswer& Answer, double PromiseMs) {
+  void Add(const std::string& Name, const TJobAnswer& Answer, double PromiseMs) {
+    if (Ms.empty() || Answer.Ms > std::ranges::max(Ms)) Slowest = Name;
     ++Answers;
     Stopped += !Answer.AResult;
     Complete += Answer.AResult && Answer.AResult->Status == ResultStatus::Complete;
@@ -100,11 +102,12 @@ struct TTally {
   }
   void Print(const std::string& Method) const {
     std::printf(
-        "%-6s %5d answers, %d complete, %d without result, %d faults, usage %.4f, ms median %.1f worst %.1f, late ms "
+        "%-6s %5d answers, %d complete, %d without result, %d faults, usage %.4f, ms median %.1f worst %.1f (%s), late "
+        "ms "
         "median %.1f p99 %.1f worst %.1f, %d later than promised\n",
         Method.c_str(), Answers, Complete, Stopped, Faults, UsageSum / std::max(1, Answers - Stopped),
-        Quantile(Ms, 0.5), Quantile(Ms, 1), Quantile(LateMs, 0.5), Quantile(LateMs, 0.99), Quantile(LateMs, 1),
-        OverPromise);
+        Quantile(Ms, 0.5), Quantile(Ms, 1), Slowest.c_str(), Quantile(LateMs, 0.5), Quantile(LateMs, 0.99),
+        Quantile(LateMs, 1), OverPromise);
   }
 };
 
@@ -151,8 +154,8 @@ class TCampaign {
     TJobAnswer answer = AnswerOf(made, StopMs);
     FFolder.Forget("running-" + Method);
     const double promise = StopMs > 0 ? 150 : std::max(150.0, 30 * FArguments.Seconds);
-    FTallies[Method].Add(answer, promise);
     const std::string name = Numbered("seed-", Seed) + "-" + Method;
+    FTallies[Method].Add(name, answer, promise);
     if (answer.LateMs > promise) std::printf("%s: %.0f ms late\n", name.c_str(), answer.LateMs);
     if (!answer.Fault.empty()) {
       std::printf("%s: %s\n", name.c_str(), answer.Fault.c_str());

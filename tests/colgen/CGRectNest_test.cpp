@@ -16,8 +16,7 @@ namespace {
 using testing::ElementsAre;
 
 struct TProbe : TCGRectNest {
-  using TCGRectNest::ReturnSpace, TCGRectNest::ReturnExcessiveRects, TCGRectNest::ReturnRects,
-      TCGRectNest::RunSequentialMultiPlate, TCGRectNest::TCGRectNest;
+  using TCGRectNest::ReturnSpace, TCGRectNest::ReturnExcessiveRects, TCGRectNest::ReturnRects;
 };
 
 struct TSearch : TBCPRectNest {
@@ -25,17 +24,14 @@ struct TSearch : TBCPRectNest {
 };
 
 // Flags and pool of the process as a fresh one has them.
-struct TCleanProcess {
-  TCleanProcess() { Reset(); }
-  ~TCleanProcess() { Reset(); }
-  static void Reset() {
-    RectNestTerminated = ColumnGenerationTerminated = false;
-    TCGRectNest::Initialize();
-  }
-};
+void ResetProcess() {
+  RectNestTerminated = ColumnGenerationTerminated = false;
+  TCGRectNest::Initialize();
+}
 
-class CGRectNest : public testing::Test {
-  TCleanProcess FClean;
+struct CGRectNest : testing::Test {
+  void SetUp() override { ResetProcess(); }
+  void TearDown() override { ResetProcess(); }
 };
 
 TNestRect Part(double Width, double Height, int Amount) {
@@ -87,13 +83,12 @@ std::vector<int> CheckedCopies(const TRectSolution& Solution, TNestRectList Part
 TEST_F(CGRectNest, StockTakesTheEmptiestPlatesBack) {
   const TNestSpace plate = Plate(100, 1);
   const auto used = [&](double share) { return Row({Part(share, 1, 9)}, plate, {0}); };
-  const std::vector<std::vector<int>> left = {{}, {1}, {2}, {2, 1}, {2, 1, 1}, {2, 1, 2}, {2, 1, 2}};
-  for (int stock = 0; stock < Size(left); ++stock) {
+  for (const int stock : {2, 4, 6}) {
     TRectSolution solution = SolutionOf({{used(40), 2}, {used(95), 2}, {used(70), 1}});
     TProbe::ReturnSpace(solution, stock);
     std::vector<int> counts;
     for (const auto& pair : solution) counts.push_back(pair.Value);
-    EXPECT_EQ(counts, left[static_cast<std::size_t>(stock)]);
+    EXPECT_EQ(counts, stock == 2 ? std::vector{2} : std::vector({2, 1, std::min(stock - 3, 2)}));
   }
 }
 
@@ -138,10 +133,23 @@ TEST_F(CGRectNest, PartsSetAsideOnceArePlacedAgainOnEveryLaterPlate) {
   EXPECT_THAT(CheckedCopies(solution, parts, plates), ElementsAre(2, 4));
 }
 
+// Every look at the clock takes eleven seconds.
+TEST_F(CGRectNest, WithoutTimeLeftTheNextPlateIsSkipped) {
+  const TNestRectList parts = {Part(49, 49, 8)};
+  const TNestSpaceList plates = {Plate(100, 100, 1), Plate(99, 99)};
+  for (const double limit : {10.0, 12.0, 0.0}) {
+    TFakeClock clock;
+    clock.AdvanceAtEachReading(11000);
+    TRectSolution solution;
+    EXPECT_EQ(TCGRectNest(&parts, &plates, 0).RunRectNest(limit, solution), limit != 10);
+    EXPECT_EQ(solution.Count(), limit == 10 ? 0 : limit == 12 ? 1 : 2);
+  }
+}
+
 // Every third run is fed by another thread, which ends it at a random moment.
 TEST_F(CGRectNest, RunsKeepStockAndAmountsAndReachThemUnlessStopped) {
   ForEachSeed(45, [](unsigned seed) {
-    const TCleanProcess clean;
+    ResetProcess();
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> side(150, 850), amount(0, 12);
     TNestRectList parts(1 + random() % 9);
@@ -222,18 +230,6 @@ TEST_F(CGRectNest, ColumnGenerationStopsAfterAGraceAndTheRestAtOnce) {
   EXPECT_FALSE(stopped.NeedStop()) << "its own grace";
   stopped.SetWatch([once = true](const auto&) mutable { return std::exchange(once, false); });
   for (int poll = 0; poll < 2; ++poll) EXPECT_TRUE(stopped.NeedStop()) << "for good";
-}
-
-TEST_F(CGRectNest, WithoutTimeLeftTheNextPlateIsSkipped) {
-  const TNestRectList parts = {Part(49, 49, 8)};
-  const TNestSpaceList plates = {Plate(100, 100, 1), Plate(99, 99)};
-  for (const double limit : {10.0, 12.0, 0.0}) {
-    TFakeClock clock;
-    clock.AdvanceAtEachReading(11000);
-    TRectSolution solution;
-    EXPECT_TRUE(TProbe(&parts, &plates, 0).RunSequentialMultiPlate(limit, solution));
-    EXPECT_EQ(solution.Count(), limit == 10 ? 0 : limit == 12 ? 1 : 2);
-  }
 }
 
 }  // namespace

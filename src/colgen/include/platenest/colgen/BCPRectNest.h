@@ -10,8 +10,8 @@
 
 namespace platenest {
 
-extern template class TBCPNode<TRectPattern>;
-extern template class TBCPTree<TRectPattern>;
+extern template class PLATENEST_API TBCPNode<TRectPattern>;
+extern template class PLATENEST_API TBCPTree<TRectPattern>;
 
 using TRectSolutionFifo = TFifo<TRectSolution>;
 
@@ -24,10 +24,11 @@ using TRectSolutionFifo = TFifo<TRectSolution>;
 // and come out is the position in ARects whatever was left out; rows inside number what is kept.
 //
 // A solution from outside, by AddColumnList or from the queue, loses its items of parts that were left out, and its
-// patterns that are then empty or lie on a plate of another size. What remains enters the pool column by column, and
-// is the answer too if it meets the demand. A solution that names positions or sizes that ARects does not have was
-// written for another list and is not used at all. From the queue, a solution whose first pattern lies on a plate of
-// another size is set aside untouched, see TakeOtherPlates.
+// patterns that are then empty or lie on a plate of another size; turned by a quarter it is the same size, and patterns
+// of the answer may lie so. What remains can be the answer, and its columns enter the pool, unless it stood in the
+// queue when the search began. A solution that names positions or sizes that ARects does not have was written for
+// another list and is not used at all. From the queue, a solution whose first pattern lies on a plate of another size
+// is set aside untouched, see TakeOtherPlates.
 //
 // Searches of different objects may run on different threads; this one uses its queue, the stop flags of the process
 // and the stop token of the thread of Solve. Cost: each pricing is a run of one or two nesters, each node one at least.

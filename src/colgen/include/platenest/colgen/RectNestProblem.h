@@ -7,6 +7,8 @@
 
 namespace platenest {
 
+extern template class PLATENEST_API TBCPProblem<TRectPattern>;
+
 // Cutting stock on one kind of plate: a row for each size, at least Amount copies of it, as few plates as can be.
 // Gilmore and Gomory, Multistage Cutting Stock Problems of Two and More Dimensions, 1965. Lengths are plate units.
 class PLATENEST_API TRectNestProblem : public TBCPProblem<TRectPattern> {
@@ -44,7 +46,5 @@ class PLATENEST_API TRectNestProblem : public TBCPProblem<TRectPattern> {
   TVRect2D FPlate;
   double FGap;
 };
-
-extern template class TBCPProblem<TRectPattern>;
 
 }  // namespace platenest

@@ -58,6 +58,6 @@ class PLATENEST_API TRectPattern : public TBCPVariable {
 
 using TRectSolution = TBCPSolution<TRectPattern>;
 
-extern template class TBCPSolution<TRectPattern>;
+extern template class PLATENEST_API TBCPSolution<TRectPattern>;
 
 }  // namespace platenest
