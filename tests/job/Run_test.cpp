@@ -201,9 +201,6 @@ TEST(RunOne, RefusesWhatItCannotKeepWithThePlace) {
   job = OneJob(100, 50, 10, 10);
   job.Margin = {60, 0, 40, 0};
   EXPECT_EQ(faults(job), "InputError: range /margin");
-  job.Margin = {0, 0, 0, 0};
-  job.Kind = JobKind::Job;
-  EXPECT_EQ(faults(job), "InputError: choice /kind");
   job = OneJob(1e5, 1e5, 1, 1);
   EXPECT_EQ(faults(job), "LimitError: limit /parts/0/amount");
   EXPECT_EQ(faults(OneJob(1000, 1000, 300, 0.003)), "LimitError: limit /parts/0/amount") << "by strips, not the grid";
