@@ -84,10 +84,10 @@ and the result repeats what was in force. Parts with rotate none keep their turn
 answer is a list of layouts with the number of plates cut by each, what is left with
 its reason, and lower bounds on plates and cost that hold whatever the search found.
 
-auto fills a plate and repeats it while the demand lasts (repeat), then goes on with
-strips of corrected values (svc), then with column generation (cg) until the time
-limit, and keeps the best answer that passed the check: least unplaced area, least
-plate cost, fewest plates, emptiest last plate. It ends early where a bound proves the
+auto fills a plate and repeats it while the demand lasts (repeat), takes plates apart
+and fills them anew (rounds), goes on with strips of corrected values (svc), column
+generation (cg) and rounds until the time limit, and keeps the best answer that passed
+the check: least unplaced area, least plate cost, fewest plates, emptiest last plate. It ends early where a bound proves the
 answer best. Ctrl-C stops the search and writes the best answer so far; a second one
 leaves at once.
 )";

@@ -67,7 +67,7 @@ class TAllotment {
     while (copies > 0 && FStock.at(Layout.Plate) > 0) {
       const TCounts kept = WithinDemand(counts);
       if (kept.empty()) return;
-      const int alike = std::min({copies, FStock[Layout.Plate], PlatesAlike(counts, kept)});
+      const int alike = std::min({copies, FStock[Layout.Plate], PlatesAlike(kept)});
       for (const auto& [part, count] : kept) FLeft[part] -= Int64{count} * alike;
       FStock[Layout.Plate] -= alike;
       copies -= alike;
@@ -97,14 +97,10 @@ class TAllotment {
     return kept;
   }
 
-  // How many plates can keep the same copies.
-  int PlatesAlike(const TCounts& Counts, const TCounts& Kept) const {
+  // How many plates can keep the same copies; one where a part runs out.
+  int PlatesAlike(const TCounts& Kept) const {
     Int64 alike = limits::kPlates;
-    auto full = Counts.begin();
-    for (const auto& [part, copies] : Kept) {
-      while (full->Part != part) ++full;
-      alike = std::min(alike, copies < full->Copies ? 1 : FLeft[part] / copies);
-    }
+    for (const auto& [part, copies] : Kept) alike = std::min(alike, FLeft[part] / copies);
     return static_cast<int>(alike);
   }
 

@@ -350,6 +350,25 @@ struct TSample {
   Result Good;
 };
 
+TEST(WholeJob, IsCompleteWhenNoCopyWithoutLimitFitsAnyMore) {
+  TSample sample;
+  sample.Asked.Parts[0].Amount = sample.Good.Parts[0].Amount = 2;
+  sample.Asked.Parts[1].Amount = sample.Good.Parts[1].Amount = std::nullopt;
+  sample.Asked.Parts[2].Amount = sample.Good.Parts[2].Amount = std::nullopt;
+  for (PartUse& part : sample.Good.Parts) part.Unplaced = 0;
+  const auto status = [&] {
+    JudgeJob(sample.Asked, sample.Good);
+    return sample.Good.Status;
+  };
+  EXPECT_EQ(status(), ResultStatus::Complete);
+  sample.Good.Layouts[1].FreeBox = {0, 0, 190, 280};
+  EXPECT_EQ(status(), ResultStatus::Partial);
+  sample.Asked.Parts[1].Turn = Rotate::None;
+  EXPECT_EQ(status(), ResultStatus::Complete);
+  sample.Asked.Plates[0].Count = sample.Good.Plates[0].Count = 3;
+  EXPECT_EQ(status(), ResultStatus::Partial);
+}
+
 TEST(CheckResult, FindsWhatIsWrongInAWholeJob) {
   const TSample sample;
   EXPECT_EQ(FirstFault(sample.Asked, sample.Good), "");
