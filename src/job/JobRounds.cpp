@@ -19,8 +19,8 @@ namespace {
 constexpr char kMethod[] = "rounds";
 constexpr int kTrials = 20;
 constexpr int kRoundsPerCycle = 50;
-// What a millisecond does of TSkyTrials' work.
-constexpr double kWorkPerMs = 2e5;
+// Copies in the layouts of all answers that are kept.
+constexpr Int64 kMostKept = 200000;
 // Exchanges that bring nothing end a cycle: so many, and so many for each plate.
 constexpr int kIdleExchanges = 2000;
 constexpr int kIdleExchangesAPlate = 40;
@@ -155,7 +155,7 @@ class TValueRounds {
 
 // Cut by the clock, or where it is counted by the work that was done.
 bool GoesOn(TJobSearch& Search, TSkyTrials& Trials) {
-  const bool affords = Search.Control().Affords(Trials.TakeWork() / kWorkPerMs);
+  const bool affords = Search.Control().Affords(Trials.TakeWork() / kTrialWorkPerMs);
   return affords && !Search.IsOver() && !RectNestStopped();
 }
 
@@ -165,12 +165,13 @@ TJobLayouts BestOfRounds(TJobSearch& Search, TSkyTrials& Trials, std::vector<TJo
   rounds.Restart();
   TJobLayouts best;
   TJobMerit bestMerit;
+  Int64 kept = 0;
   for (int round = 0; round < kRoundsPerCycle && GoesOn(Search, Trials); ++round) {
     TJobLayouts layouts = rounds.Build();
     if (RectNestStopped()) break;
     PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
     const TJobMerit merit = MeritOf(Search.Sizes(), layouts);
-    if (Built != nullptr) Built->push_back(layouts);
+    if (Built != nullptr && (kept += CopiesIn(layouts)) <= kMostKept) Built->push_back(layouts);
     if (!best.empty() && !IsBetter(merit, bestMerit)) continue;
     bestMerit = merit;
     best = std::move(layouts);
@@ -186,7 +187,7 @@ void ExchangePlates(TJobSearch& Search, TSkyTrials& Trials, TJobLayouts Layouts)
   for (Int64 step = 0; idle < mostIdle && step < kMostIdleTimes * mostIdle && GoesOn(Search, Trials); ++step) {
     const TExchange::Outcome outcome = exchange.Step();
     idle = outcome == TExchange::Outcome::Nothing ? idle + 1 : 0;
-    if (outcome == TExchange::Outcome::Better) Search.Offer(kMethod, exchange.Layouts());
+    if (outcome == TExchange::Outcome::Better && Search.IsDue()) Search.Offer(kMethod, exchange.Layouts());
     Search.Tell(kMethod, {});
   }
   Search.Offer(kMethod, exchange.Layouts());
