@@ -8,7 +8,6 @@
 
 #include "FillFinish.h"
 #include "platenest/foundation/Compare.h"
-#include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 
 namespace platenest::detail {

@@ -71,6 +71,7 @@ bool TJobSearch::IsDue() const {
 }
 
 bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
+  if (HasAnswer() && FJob.Run.Deterministic && FControl.OutOfTime()) return false;
   TidyAnswer(FSizes, Layouts);
   if (Layouts.empty()) return false;
   const TJobMerit merit = MeritOf(FSizes, Layouts);

@@ -43,8 +43,9 @@ class TJobSearch {
   // Stopped, out of time, or nothing can be better any more.
   bool IsOver();
 
-  // Takes layouts that place any part of the demand, in their own order of preference: tidied and checked they become
-  // the answer if they are better than it.
+  // Takes layouts that place any part of the demand: tidied and checked they become the answer if they are better than
+  // it. A deterministic run takes nothing any more once its time is out: what a search comes to when it is cut short is
+  // not what it would have come to with more time, which must not be worse.
   bool Offer(std::string_view Method, TJobLayouts Layouts);
   // Whether writing an answer down again would take a small part of the time since the last one.
   bool IsDue() const;

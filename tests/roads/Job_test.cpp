@@ -56,7 +56,8 @@ TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
     bool isRefused = false;
     const auto onProgress = [&](const Progress& now) {
       EXPECT_FALSE(isRefused) << "a report after a refusal";
-      EXPECT_TRUE(now.Phase == "repeat" || now.Phase == "svc" || now.Phase == "cg" || now.Phase == "rounds") << now.Phase;
+      EXPECT_TRUE(now.Phase == "repeat" || now.Phase == "svc" || now.Phase == "cg" || now.Phase == "rounds")
+          << now.Phase;
       EXPECT_TRUE(now.Plates >= 0 && now.Usage >= 0 && now.Usage <= 1 + 1e-9 && now.Unplaced >= 0);
       isRefused = seed % 3 == 0 && ++reports > seed % 4;
       return !isRefused;
