@@ -142,18 +142,6 @@ TEST_F(CGRectNest, PartsSetAsideOnceArePlacedAgainOnEveryLaterPlate) {
 }
 
 // Every look at the clock takes eleven seconds.
-TEST_F(CGRectNest, WithoutTimeLeftTheNextPlateIsSkipped) {
-  const TNestRectList parts = {Part(49, 49, 8)};
-  const TNestSpaceList plates = {Plate(100, 100, 1), Plate(99, 99)};
-  for (const double limit : {10.0, 12.0, 0.0}) {
-    TFakeClock clock;
-    clock.AdvanceAtEachReading(11000);
-    TRectSolution solution;
-    EXPECT_EQ(TCGRectNest(&parts, &plates, 0).RunRectNest(limit, solution), limit != 10);
-    EXPECT_EQ(solution.Count(), limit == 10 ? 0 : limit == 12 ? 1 : 2);
-  }
-}
-
 // Every third run is fed by another thread, which ends it at a random moment.
 TEST_F(CGRectNest, RunsKeepStockAndAmountsAndReachThemUnlessStopped) {
   ForEachSeed(45, [](unsigned seed) {
