@@ -322,6 +322,34 @@ TEST(WholeJob, SizesLeaveOutWhatIsOfNoUse) {
   EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "InputError: range /margin");
 }
 
+// A third of a side has more digits than a double, and three of them can be longer than the side.
+TEST(WholeJob, PartsThatDivideAPlateFillIt) {
+  ForEachSeed(60, [](unsigned seed) {
+    TRandom random(seed);
+    const double unit = std::vector{1.0, 0.001, 25.4, 1.0 / 16}[random.Pick(0, 3)];
+    const int across = random.Pick(2, 9);
+    const int along = random.Pick(2, 9);
+    Job job;
+    job.Kind = JobKind::Job;
+    job.Gap = random.Pick(0, 2) * 2 * unit;
+    const double margin = random.Pick(0, 1) * 10 * unit;
+    job.Margin = {margin, margin, margin, margin};
+    const double width = random.Pick(500, 1900) * unit;
+    const double height = random.Pick(500, 1900) * unit;
+    job.Plates = {{.Id = "whole", .Width = width, .Height = height}};
+    job.Parts = {{.Id = "piece",
+                  .Width = (width - 2 * margin - (across - 1) * job.Gap) / across,
+                  .Height = (height - 2 * margin - (along - 1) * job.Gap) / along,
+                  .Amount = across * along}};
+    job.Run.Method = "repeat";
+    job.Run.TimeLimit = 5;
+    const Result result = run(job);
+    EXPECT_EQ(result.Parts.at(0).Unplaced, 0) << JobToJson(job);
+    EXPECT_EQ(FirstFault(job, result), "") << JobToJson(job);
+    EXPECT_TRUE(result.Layouts.at(0).EdgeToEdge) << JobToJson(job);
+  });
+}
+
 // Two plates of a stock, one layout on both, a part too large, parts that found no plate.
 struct TSample {
   TSample() {
