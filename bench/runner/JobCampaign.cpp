@@ -140,7 +140,10 @@ class TCampaign {
       if (method == "repeat") repeated = worth;
       if (method != "auto" || !repeated || !test::IsWorse(worth, *repeated)) continue;
       ++FWorse;
-      std::printf("seed %u: auto is worse than repeat alone\n", Seed);
+      std::printf(
+          "seed %u: auto is worse than repeat alone: unplaced %g, %g, cost %g, %g, plates %d, %d, last %g, %g\n", Seed,
+          worth.UnplacedArea, repeated->UnplacedArea, worth.Cost, repeated->Cost, worth.Plates, repeated->Plates,
+          worth.LastUsage, repeated->LastUsage);
     }
   }
 

@@ -135,14 +135,17 @@ void NestByColumns(TJobSearch& Search, TSkyTrials& Trials, double Share, const s
   if (Search.IsOver() || Size(sizes.Parts) > kMostSizes || IsAllPlaced(AskedCopies(sizes))) return;
   Search.Try([&] {
     TColumnSearch columns(Search, Trials, Found);
-    TJobLayouts layouts;
+    std::vector<TJobLayouts> answers;
     {
       const TTimeShare share(Search.SecondsOf(Share));
-      layouts = columns.Run(PlateOrder(sizes));
+      for (const std::vector<int>& order : PlateOrders(sizes))
+        if (!RectNestStopped() && !Search.IsOver()) answers.push_back(columns.Run(order));
     }
-    TidyAnswer(sizes, layouts);
-    PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
-    Search.Offer(kMethod, std::move(layouts));
+    for (TJobLayouts& layouts : answers) {
+      TidyAnswer(sizes, layouts);
+      PlaceLeftOver(sizes, layouts, Trials.Nest(kTrials));
+      Search.Offer(kMethod, std::move(layouts));
+    }
   });
 }
 

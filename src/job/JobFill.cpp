@@ -8,12 +8,13 @@
 
 #include "FillFinish.h"
 #include "platenest/foundation/Compare.h"
-#include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 
 namespace platenest::detail {
 
 namespace {
+
+constexpr int kMostOrders = 6;
 
 double CostForArea(const TJobPlate& Plate) {
   return Plate.Cost / Plate.Area;
@@ -151,6 +152,12 @@ std::vector<int> AskedCopies(const TJobSizes& Sizes) {
   return copies;
 }
 
+Int64 CopiesIn(const TJobLayouts& Layouts) {
+  Int64 copies = 0;
+  for (const TJobLayout& layout : Layouts) copies += layout.Nested.Count();
+  return copies;
+}
+
 bool IsAllPlaced(std::span<const int> Left) {
   return std::ranges::none_of(Left, [](int left) { return left > 0; });
 }
@@ -173,6 +180,19 @@ std::vector<int> PlateOrder(const TJobSizes& Sizes) {
     return byCost != 0 ? byCost : Sign(b.Area, a.Area);
   });
   return order;
+}
+
+std::vector<std::vector<int>> PlateOrders(const TJobSizes& Sizes) {
+  std::vector<std::vector<int>> orders{PlateOrder(Sizes)};
+  const std::vector<int> base = orders.front();
+  const auto firstPlain =
+      std::ranges::find_if(base, [&](int kind) { return !Sizes.Plates[kind].Remnant; }) - base.begin();
+  for (auto i = firstPlain + 1; i < Size(base) && Size(orders) < kMostOrders; ++i) {
+    std::vector<int> order = orders.front();
+    std::rotate(order.begin() + firstPlain, order.begin() + i, order.begin() + i + 1);
+    orders.push_back(std::move(order));
+  }
+  return orders;
 }
 
 TJobLayouts FillPlates(const TJobSizes& Sizes, std::span<const int> Order, std::vector<int>& Left,

@@ -20,6 +20,8 @@ TFillSizes FillSizesOf(const TJobSizes& Sizes, int Plate, std::span<const int> P
 TNestedRects FromFill(const TJobSizes& Sizes, const TFillSizes& Fill, const TNestedRects& Nested);
 
 double AreaOf(const TJobSizes& Sizes, const TNestedRects& Nested);
+// Placements in all layouts, each counted once.
+Int64 CopiesIn(const TJobLayouts& Layouts);
 
 // The demand as it stands, copies without limit left out or alone.
 std::vector<int> AskedCopies(const TJobSizes& Sizes);
@@ -33,6 +35,8 @@ using TPlateNest = std::function<TNestedRects(int Plate, std::span<const int> Le
 
 // Remnants in the order of Sizes, then the others by cost for their area, the larger ones first.
 std::vector<int> PlateOrder(const TJobSizes& Sizes);
+// That one first, then the same with each other kind, up to a few, in front of those that are no remnants.
+std::vector<std::vector<int>> PlateOrders(const TJobSizes& Sizes);
 
 // Fills plates in the given order of kinds, each layout as often as demand and stock allow, until nothing is left or
 // nothing fits; takes what it places off Left and what it uses off Stock. A stop ends it between two plates. The last

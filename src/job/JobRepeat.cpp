@@ -26,7 +26,6 @@ constexpr double kMostProgramWork = 2e3;
 constexpr double kWorkPerMs = 1e4;
 constexpr int kFirstTrials = 4;
 constexpr int kTrials = 40;
-constexpr int kMostOrders = 6;
 
 // Rows of the highest parts that are left. Each call looks at little more than it places, so that thousands of
 // layouts of thousands of sizes take a moment.
@@ -83,7 +82,8 @@ TJobLayouts Walk(const TJobSizes& Sizes, std::span<const int> Order, const TPlat
 // The best of all that fits the time, by area.
 class TNestersNest {
  public:
-  TNestersNest(TJobSearch& Search, TSkyTrials& Trials) : FSearch(Search), FTrials(Trials) {}
+  TNestersNest(TJobSearch& Search, TSkyTrials& Trials, bool AsksProgram)
+      : FSearch(Search), FTrials(Trials), FAsksProgram(AsksProgram) {}
 
   TNestedRects operator()(int Plate, std::span<const int> Left) {
     const TJobSizes& sizes = FSearch.Sizes();
@@ -97,8 +97,7 @@ class TNestersNest {
     const bool turnsSome = std::ranges::any_of(fill.Parts, mayTurn);
     if (work <= kMostSmartWork) Take(fill, work, [&] { return NestAll(fill); });
     if (work <= kMostSmartWork && turnsAll) Take(fill, work, [&] { return NestRaster(fill); });
-    // No clock would end the program in a deterministic run.
-    if (work <= kMostProgramWork && !FSearch.Run().Deterministic)
+    if (work <= kMostProgramWork && FAsksProgram)
       Take(fill, work, [&] {
         if (turnsAll) return NestProgram(fill, true, false);
         return turnsSome ? NestWithTwins(fill, false) : NestUnturned(fill, false);
@@ -123,23 +122,10 @@ class TNestersNest {
 
   TJobSearch& FSearch;
   TSkyTrials& FTrials;
+  bool FAsksProgram;
   TNestedRects FBest;
   double FBestArea = 0;
 };
-
-// Remnants always first; then by cost for area, and with each other kind in front once.
-std::vector<std::vector<int>> PlateOrders(const TJobSizes& Sizes) {
-  std::vector<std::vector<int>> orders{PlateOrder(Sizes)};
-  const std::vector<int> base = orders.front();
-  const auto firstPlain =
-      std::ranges::find_if(base, [&](int kind) { return !Sizes.Plates[kind].Remnant; }) - base.begin();
-  for (auto i = firstPlain + 1; i < Size(base) && Size(orders) < kMostOrders; ++i) {
-    std::vector<int> order = orders.front();
-    std::rotate(order.begin() + firstPlain, order.begin() + i, order.begin() + i + 1);
-    orders.push_back(std::move(order));
-  }
-  return orders;
-}
 
 }  // namespace
 
@@ -157,9 +143,14 @@ void RepeatQuickly(TJobSearch& Search, TSkyTrials& Trials) {
 void RepeatNested(TJobSearch& Search, TSkyTrials& Trials, double Share) {
   const TTimeShare share(Search.SecondsOf(Share));
   const TJobSizes& sizes = Search.Sizes();
-  for (const std::vector<int>& order : PlateOrders(sizes)) {
-    if (Search.IsOver() || RectNestStopped()) return;
-    Search.Try([&] { Search.Offer(kMethod, Walk(sizes, order, TNestersNest(Search, Trials))); });
+  // No clock would end the program in a deterministic run.
+  for (const bool asksProgram : {false, true}) {
+    if (asksProgram && Search.Run().Deterministic) return;
+    for (const std::vector<int>& order : PlateOrders(sizes)) {
+      if (Search.IsOver() || RectNestStopped()) return;
+      Search.Try([&] { Search.Offer(kMethod, Walk(sizes, order, TNestersNest(Search, Trials, asksProgram))); });
+      Search.Control().Affords(Trials.TakeWork() / kTrialWorkPerMs);
+    }
   }
 }
 

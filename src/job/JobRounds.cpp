@@ -2,15 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <optional>
 #include <utility>
 
 #include "JobExchange.h"
-#include "platenest/foundation/Compare.h"
-#include "platenest/foundation/Random.h"
-#include "platenest/foundation/Rounding.h"
-#include "platenest/foundation/Sort.h"
 
 namespace platenest::detail {
 
@@ -19,8 +14,8 @@ namespace {
 constexpr char kMethod[] = "rounds";
 constexpr int kTrials = 20;
 constexpr int kRoundsPerCycle = 50;
-// What a millisecond does of TSkyTrials' work.
-constexpr double kWorkPerMs = 2e5;
+// Copies in the layouts of all answers that are kept.
+constexpr Int64 kMostKept = 200000;
 // Exchanges that bring nothing end a cycle: so many, and so many for each plate.
 constexpr int kIdleExchanges = 2000;
 constexpr int kIdleExchangesAPlate = 40;
@@ -28,33 +23,13 @@ constexpr int kMostIdleTimes = 10;
 // Other kinds of plates are tried that often where there are some, and so many of them where a plate is chosen.
 constexpr double kOtherKindShare = 0.3;
 constexpr int kMostKindsTried = 4;
-// Worths: areas to this power, moved by chance, and half way to what a round says.
-constexpr double kAreaPower = 1.02;
+// Worths: areas to a power a little above 1, moved by chance, and half way to what a round says.
+constexpr double kMoreForLarge = 0.02;
 constexpr double kStartNoise = 0.3;
 constexpr double kRoundNoise = 0.1;
+constexpr double kRateNoise = 0.3;
 constexpr double kStep = 0.5;
 constexpr double kTol = 1e-9;
-
-// One kind of exchange or build may use any kind of plate.
-class TKinds {
- public:
-  explicit TKinds(const TJobSizes& Sizes) : FSizes(Sizes), FOrder(PlateOrder(Sizes)) {}
-
-  // Kinds in stock: the next remnant alone as long as there is one that takes something, else the others in order.
-  const std::vector<int>& Order() const { return FOrder; }
-  bool IsRemnant(int Kind) const { return FSizes.Plates[Kind].Remnant; }
-  bool AreMany() const { return FOrder.size() > 1; }
-  int Drawn(std::span<const int> Stock) const {
-    std::vector<int> kinds;
-    for (const int kind : FOrder)
-      if (Stock[kind] > 0) kinds.push_back(kind);
-    return kinds.empty() ? -1 : kinds[Random(Size(kinds))];
-  }
-
- private:
-  const TJobSizes& FSizes;
-  std::vector<int> FOrder;
-};
 
 struct TFilled {
   int Plate = 0;
@@ -66,7 +41,8 @@ struct TFilled {
 // Whole answers by filling plate after plate, with worths that learn from the answer before.
 class TValueRounds {
  public:
-  TValueRounds(const TJobSizes& Sizes, TSkyTrials& Trials) : FSizes(Sizes), FTrials(Trials), FKinds(Sizes) {}
+  TValueRounds(const TJobSizes& Sizes, TSkyTrials& Trials)
+      : FSizes(Sizes), FTrials(Trials), FOrder(PlateOrder(Sizes)) {}
 
   void Restart() {
     FTrials.ResetWorths();
@@ -76,7 +52,7 @@ class TValueRounds {
   TJobLayouts Build() {
     FLeft = AskedCopies(FSizes);
     FStock = StockLeft(FSizes, {});
-    const bool isByChance = FKinds.AreMany() && DrawnUniform() < kOtherKindShare;
+    const bool isByChance = FOrder.size() > 1 && DrawnUniform() < kOtherKindShare;
     std::vector<TFilled> plates;
     while (!IsAllPlaced(FLeft) && !RectNestStopped()) {
       std::optional<TFilled> filled = NextPlate(isByChance);
@@ -90,41 +66,39 @@ class TValueRounds {
   }
 
  private:
+  // The first remnant that takes something, else of a few kinds the one that takes most for its cost, by chance also
+  // one that takes somewhat less.
   std::optional<TFilled> NextPlate(bool IsByChance) {
     std::optional<TFilled> best;
     double bestRate = 0;
-    std::vector<int> bestLeft;
     int tried = 0;
-    for (const int kind : FKinds.Order()) {
+    for (const int kind : FOrder) {
       if (FStock[kind] <= 0) continue;
-      if (best && FKinds.IsRemnant(best->Plate)) break;
+      if (tried >= kMostKindsTried || (best && FSizes.Plates[best->Plate].Remnant)) break;
       std::vector<int> left = FLeft;
       TFilled filled{kind, 1, 0, FTrials.Fill(kind, left, kTrials)};
       if (filled.Layout.empty()) continue;
+      ++tried;
       filled.Area = FTrials.AreaOf(filled.Layout);
-      const bool isWhole = IsAllPlaced(left);
-      const double cost = FSizes.Plates[kind].Cost;
-      // What takes all of the rest counts by cost alone, and more than what leaves something.
-      const double rate = isWhole ? 1e9 / (1 + cost) : filled.Area / std::max(cost, kTol);
-      if (best && rate <= bestRate * (IsByChance ? 0.7 + 0.6 * DrawnUniform() : 1)) continue;
+      const TJobPlate& plate = FSizes.Plates[kind];
+      const double rate = filled.Area / std::max(plate.Cost, kTol * plate.Area);
+      const double chance = IsByChance ? 1 + kRateNoise * (2 * DrawnUniform() - 1) : 1;
+      if (best && rate <= bestRate * chance) continue;
       best = std::move(filled);
       bestRate = rate;
-      bestLeft = std::move(left);
-      if (!FKinds.AreMany() || ++tried >= kMostKindsTried) break;
     }
-    if (best) Repeat(*best, std::move(bestLeft));
+    if (best) Repeat(*best);
     return best;
   }
 
-  void Repeat(TFilled& Filled, std::vector<int> Left) {
+  void Repeat(TFilled& Filled) {
     std::vector<int> used(FLeft.size());
     for (const TSkyPlaced& placed : Filled.Layout) ++used[placed.Part];
-    for (int i = 0; i < Size(used); ++i) Left[i] = FLeft[i];
-    int times = FStock[Filled.Plate];
-    for (const TSkyPlaced& placed : Filled.Layout) times = std::min(times, FLeft[placed.Part] / used[placed.Part]);
-    for (int i = 0; i < Size(used); ++i) FLeft[i] -= times * used[i];
-    FStock[Filled.Plate] -= times;
-    Filled.Copies = times;
+    Filled.Copies = FStock[Filled.Plate];
+    for (const TSkyPlaced& placed : Filled.Layout)
+      Filled.Copies = std::min(Filled.Copies, FLeft[placed.Part] / used[placed.Part]);
+    for (int i = 0; i < Size(used); ++i) FLeft[i] -= Filled.Copies * used[i];
+    FStock[Filled.Plate] -= Filled.Copies;
   }
 
   // Parts are worth more the worse the plates are used that they lie on.
@@ -141,21 +115,22 @@ class TValueRounds {
     for (int i = 0; i < Size(waste); ++i) {
       if (copies[i] == 0) continue;
       const double noise = 1 + kRoundNoise * (DrawnUniform() - 0.5);
-      const double now = std::pow(FSizes.Parts[i].Area, kAreaPower) * waste[i] / copies[i] * noise;
+      const double area = FSizes.Parts[i].Area;
+      const double now = area * std::pow(area / FSizes.Plates[0].Area, kMoreForLarge) * waste[i] / copies[i] * noise;
       FTrials.Worths()[i] += kStep * (now - FTrials.Worths()[i]);
     }
   }
 
   const TJobSizes& FSizes;
   TSkyTrials& FTrials;
-  TKinds FKinds;
+  std::vector<int> FOrder;
   std::vector<int> FLeft;
   std::vector<int> FStock;
 };
 
 // Cut by the clock, or where it is counted by the work that was done.
 bool GoesOn(TJobSearch& Search, TSkyTrials& Trials) {
-  const bool affords = Search.Control().Affords(Trials.TakeWork() / kWorkPerMs);
+  const bool affords = Search.Control().Affords(Trials.TakeWork() / kTrialWorkPerMs);
   return affords && !Search.IsOver() && !RectNestStopped();
 }
 
@@ -165,12 +140,13 @@ TJobLayouts BestOfRounds(TJobSearch& Search, TSkyTrials& Trials, std::vector<TJo
   rounds.Restart();
   TJobLayouts best;
   TJobMerit bestMerit;
+  Int64 kept = 0;
   for (int round = 0; round < kRoundsPerCycle && GoesOn(Search, Trials); ++round) {
     TJobLayouts layouts = rounds.Build();
     if (RectNestStopped()) break;
     PlaceLeftOver(Search.Sizes(), layouts, Trials.Nest(kTrials));
     const TJobMerit merit = MeritOf(Search.Sizes(), layouts);
-    if (Built != nullptr) Built->push_back(layouts);
+    if (Built != nullptr && (kept += CopiesIn(layouts)) <= kMostKept) Built->push_back(layouts);
     if (!best.empty() && !IsBetter(merit, bestMerit)) continue;
     bestMerit = merit;
     best = std::move(layouts);
@@ -186,7 +162,7 @@ void ExchangePlates(TJobSearch& Search, TSkyTrials& Trials, TJobLayouts Layouts)
   for (Int64 step = 0; idle < mostIdle && step < kMostIdleTimes * mostIdle && GoesOn(Search, Trials); ++step) {
     const TExchange::Outcome outcome = exchange.Step();
     idle = outcome == TExchange::Outcome::Nothing ? idle + 1 : 0;
-    if (outcome == TExchange::Outcome::Better) Search.Offer(kMethod, exchange.Layouts());
+    if (outcome == TExchange::Outcome::Better && Search.IsDue()) Search.Offer(kMethod, exchange.Layouts());
     Search.Tell(kMethod, {});
   }
   Search.Offer(kMethod, exchange.Layouts());

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "JobBounds.h"
+#include "JobFill.h"
 #include "JobVerdict.h"
 #include "platenest/job/JobErrors.h"
 
@@ -18,6 +19,9 @@ constexpr double kBoundTol = 1e-11;
 constexpr double kSecondsBetweenReports = 0.2;
 // How much longer measuring an answer takes than checking it.
 constexpr double kWritingRate = 2;
+// Between two answers of a search that goes on, in units of what writing one takes.
+constexpr double kLeastPause = 4;
+constexpr double kMsACopy = 1e-3;
 
 }  // namespace
 
@@ -62,7 +66,12 @@ void RequireFewCopies(const TJobLayouts& Layouts) {
 
 }  // namespace
 
+bool TJobSearch::IsDue() const {
+  return !IsTimed() || FControl.Seconds() >= FWrittenAt + kLeastPause * FWritingSeconds;
+}
+
 bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
+  if (HasAnswer() && FJob.Run.Deterministic && FControl.OutOfTime()) return false;
   TidyAnswer(FSizes, Layouts);
   if (Layouts.empty()) return false;
   const TJobMerit merit = MeritOf(FSizes, Layouts);
@@ -71,7 +80,9 @@ bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   RequireFewCopies(Layouts);
   std::vector<Layout> assembled = AssembleLayouts(FJob, FSizes, Layouts);
   std::string fault = JobFault(FJob, assembled, FBounds);
-  FWritingSeconds = FControl.Seconds() - start;
+  FWrittenAt = FControl.Seconds();
+  FWritingSeconds = FWrittenAt - start;
+  FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
   if (!fault.empty()) {
     FTrouble = std::move(fault);
     return false;

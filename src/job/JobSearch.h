@@ -43,9 +43,12 @@ class TJobSearch {
   // Stopped, out of time, or nothing can be better any more.
   bool IsOver();
 
-  // Takes layouts that place any part of the demand, in their own order of preference: tidied and checked they become
-  // the answer if they are better than it.
+  // Takes layouts that place any part of the demand: tidied and checked they become the answer if they are better than
+  // it. A deterministic run takes nothing any more once its time is out: what a search comes to when it is cut short is
+  // not what it would have come to with more time, which must not be worse.
   bool Offer(std::string_view Method, TJobLayouts Layouts);
+  // Whether writing an answer down again would take a small part of the time since the last one.
+  bool IsDue() const;
   // Whether layouts of this merit would become the answer.
   bool WouldStand(const TJobMerit& Merit) const { return !HasAnswer() || IsBetter(Merit, FMerit); }
   // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
@@ -80,6 +83,7 @@ class TJobSearch {
   bool FIsProved = false;
   std::optional<double> FEstimate;
   double FWritingSeconds = 0;
+  double FWrittenAt = 0;
   double FToldAt = -1;
   std::string FTrouble;
   bool FLacksMemory = false;

@@ -8,6 +8,9 @@
 
 namespace platenest::detail {
 
+// What a millisecond does of the work of TSkyTrials.
+inline constexpr double kTrialWorkPerMs = 2e5;
+
 // The best of several skyline passes on one plate, under orders and tastes that are drawn by the generator of this
 // thread (see foundation/Random.h): an ordered first few, then random ones and small changes of the best one.
 class TSkyTrials {

@@ -12,14 +12,14 @@ namespace {
 
 std::string Answer(unsigned Seed) {
   Job job = MakeJobCase(Seed).AJob;
-  job.Run.TimeLimit = 0.02;
+  job.Run.TimeLimit = 0.01;
   job.Run.Deterministic = true;
   return ResultToJson(run(job));
 }
 
 // Each column that one run finds must stay in that run.
 TEST(JobThreads, RunsSideBySideGiveWhatEachGivesAlone) {
-  constexpr unsigned kRuns = 8;
+  constexpr unsigned kRuns = 6;
   std::vector<std::string> alone, together(kRuns);
   for (unsigned i = 0; i < kRuns; ++i) alone.push_back(Answer(i));
   std::vector<std::jthread> threads;

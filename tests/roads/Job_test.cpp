@@ -56,7 +56,8 @@ TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
     bool isRefused = false;
     const auto onProgress = [&](const Progress& now) {
       EXPECT_FALSE(isRefused) << "a report after a refusal";
-      EXPECT_TRUE(now.Phase == "repeat" || now.Phase == "svc" || now.Phase == "cg" || now.Phase == "rounds") << now.Phase;
+      EXPECT_TRUE(now.Phase == "repeat" || now.Phase == "svc" || now.Phase == "cg" || now.Phase == "rounds")
+          << now.Phase;
       EXPECT_TRUE(now.Plates >= 0 && now.Usage >= 0 && now.Usage <= 1 + 1e-9 && now.Unplaced >= 0);
       isRefused = seed % 3 == 0 && ++reports > seed % 4;
       return !isRefused;
@@ -70,12 +71,12 @@ TEST(Job, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
 }
 
 TEST(Job, MoreTimeIsNeverWorseAndEqualJobsGiveEqualBytes) {
-  ForEachSeed(kSeeds / 3, [](unsigned seed) {
-    TJobCase made = CaseOf(seed, 0.02, true);
+  ForEachSeed(kSeeds / 5, [](unsigned seed) {
+    TJobCase made = CaseOf(seed, 0.01, true);
     AskFor(made.AJob, "auto");
     const Result less = run(made.AJob);
     EXPECT_EQ(ResultToJson(less), ResultToJson(run(made.AJob))) << JobToJson(made.AJob);
-    made.AJob.Run.TimeLimit = 0.2;
+    made.AJob.Run.TimeLimit = 0.06;
     const Result more = run(made.AJob);
     EXPECT_EQ(FirstFault(made, more), "") << JobToJson(made.AJob);
     EXPECT_FALSE(IsWorse(JobWorthOf(made.AJob, more), JobWorthOf(made.AJob, less))) << JobToJson(made.AJob);

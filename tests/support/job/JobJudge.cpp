@@ -189,6 +189,8 @@ class TJudge {
 
   void JudgeReasons() {
     const bool wasCut = FResult.Status == ResultStatus::TimeLimit || FResult.Status == ResultStatus::Stopped;
+    // Lengths of more than twelve digits are rounded, so that a part as long as the room may just not fit.
+    const double most = FJob.Units == "in" ? -kTol : 0;
     for (std::size_t i = 0; i < FPlaced.size(); ++i) {
       const PartUse& use = FResult.Parts[i];
       if (use.Unplaced == 0) continue;
@@ -197,14 +199,14 @@ class TJudge {
       for (std::size_t k = 0; k < FUsed.size(); ++k) {
         const double excess = Excess(FJob, FJob.Parts[i], FJob.Plates[k]);
         least = std::min(least, excess);
-        holdsSpare = holdsSpare || (excess <= 0 && IsSpare(k));
+        holdsSpare = holdsSpare || (excess <= most && IsSpare(k));
       }
       const std::string& reason = use.Reason;
       Holds(reason != "too_large" || least > -kTol, use.Id, ": called too large, but it fits");
       Holds(reason == "too_large" || least <= kTol, use.Id, ": fits no plate, the reason is ", reason);
       Holds(reason != "no_stock" || !holdsSpare, use.Id, ": an unused plate holds it, the reason is no_stock");
       Holds(reason != "time" || wasCut, use.Id, ": left for time, but nothing cut the run short");
-      Holds(wasCut || !holdsSpare || least > -kTol, use.Id, ": left although an unused plate holds it");
+      Holds(wasCut || (!holdsSpare && reason != "left_by_method"), use.Id, ": left although an unused plate holds it");
       Holds(reason == "too_large" || reason == "no_stock" || reason == "time" || reason == "left_by_method", use.Id,
             ": unknown reason ", reason);
       FIsShort = FIsShort || least <= kTol;
