@@ -7,6 +7,7 @@
 
 #include "Assembly.h"
 #include "JobColumns.h"
+#include "JobOffcut.h"
 #include "JobRepeat.h"
 #include "JobRounds.h"
 #include "JobSearch.h"
@@ -89,6 +90,8 @@ void AnswerJob(const Job& AJob, TRunControl& Control, Result& AResult) {
     AResult.Run.Method = search.Method();
     AResult.Layouts = search.TakeLayouts();
     for (Layout& layout : AResult.Layouts) MeasureInto(layout, AJob.Gap, AJob.Margin);
+    const TStopTokenScope scope(Control.CallersToken());  // the time may be over, the caller's stop goes on
+    WidenOffcuts(AJob, search.Sizes(), search.Best(), AResult.Layouts);
   }
   Account(AJob, AResult);
   // What an answer has refuted is no estimate any more.

@@ -350,6 +350,36 @@ TEST(WholeJob, PartsThatDivideAPlateFillIt) {
   });
 }
 
+// A fill that stops as soon as all is placed leaves less than six tenths of the room in one piece.
+TEST(WholeJob, LeavesTheRoomOfALastPlateInOnePiece) {
+  double shares = 0;
+  int jobs = 0;
+  ForEachSeed(30, [&](unsigned seed) {
+    TRandom random(seed);
+    Job job;
+    job.Kind = JobKind::Job;
+    job.Gap = 4;
+    job.Plates = {{.Id = "board", .Width = 2800, .Height = 2070, .Count = std::nullopt}};
+    double least = 0.01 * random.Pick(55, 75) * 2800 * 2070;
+    while (least > 0) {
+      const double width = random.Pick(100, 700);
+      const double height = random.Pick(100, 700);
+      job.Parts.push_back({.Id = "", .Width = width, .Height = height, .Amount = random.Pick(1, 4)});
+      least -= width * height * *job.Parts.back().Amount;
+    }
+    GiveIds(job);
+    job.Run.TimeLimit = 5;
+    const Result result = run(job);
+    EXPECT_EQ(FirstFault(job, result), "");
+    if (result.Layouts.size() != 1) return;
+    const Box& free = result.Layouts[0].FreeBox;
+    shares += (free[2] - free[0]) * (free[3] - free[1]) / (result.Total.PlateArea - result.Total.PartArea);
+    ++jobs;
+  });
+  EXPECT_GT(jobs, 20);
+  EXPECT_GT(shares, 0.67 * jobs);
+}
+
 // Two plates of a stock, one layout on both, a part too large, parts that found no plate.
 struct TSample {
   TSample() {
