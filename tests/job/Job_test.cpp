@@ -350,6 +350,37 @@ TEST(WholeJob, PartsThatDivideAPlateFillIt) {
   });
 }
 
+// A bound on one of the things that answers are compared by does not end the search for the others.
+TEST(WholeJob, GoesOnWhereABoundSaysHalfOfIt) {
+  Job full;  // five parts fill the grown plate, but others hold more area
+  full.Kind = JobKind::Job;
+  full.Gap = 1;
+  full.Plates = {{.Id = "plate", .Width = 7, .Height = 5}};
+  full.Parts = {{.Id = "long", .Width = 7, .Height = 1, .Amount = 4},
+                {.Id = "short", .Width = 2, .Height = 4, .Amount = 3}};
+  full.Run.Deterministic = true;
+  EXPECT_EQ(run(full).Total.PartArea, 24);
+  Job cheap = full;  // two small plates cost what a large one does
+  cheap.Plates = {{.Id = "large", .Width = 9, .Height = 5, .Count = 2, .Cost = 1},
+                  {.Id = "small", .Width = 5, .Height = 6, .Count = 2, .Cost = 0.5}};
+  cheap.Parts = {{.Id = "strip", .Width = 5, .Height = 2, .Amount = 3}};
+  EXPECT_EQ(run(cheap).Total.Plates, 1);
+}
+
+TEST(WholeJob, LastPlateIsARemnantOnlyWhereNoOtherIsUsed) {
+  Job job;
+  job.Kind = JobKind::Job;
+  job.Plates = {{.Id = "rest", .Width = 10, .Height = 10, .Remnant = true}, {.Id = "board", .Width = 20, .Height = 10}};
+  job.Parts = {{.Id = "piece", .Width = 10, .Height = 5, .Amount = 4}};
+  const TJobSizes sizes = JobSizesOf(job);
+  const TNestRect record(1, 0, TVRect2D::FromSize(sizes.Parts[0].Width, sizes.Parts[0].Height));
+  TNestedRects one, three;
+  for (int i = 0; i < 3; ++i) (i == 0 ? one : three).emplace_back(record, false, TPoint2D{0, 0});
+  three.emplace_back(record, false, TPoint2D{0, 0});
+  EXPECT_EQ(MeritOf(sizes, {{0, 1, one}, {1, 1, three}}).LastUsage, 0.75);
+  EXPECT_EQ(MeritOf(sizes, {{0, 1, one}}).LastUsage, 0.5);
+}
+
 // A fill that stops as soon as all is placed leaves less than six tenths of the room in one piece.
 TEST(WholeJob, LeavesTheRoomOfALastPlateInOnePiece) {
   double shares = 0;
