@@ -89,8 +89,8 @@ and fills them anew (rounds), goes on with strips of corrected values (svc), col
 generation (cg) and rounds until the time limit, and keeps the best answer that passed
 the check: least unplaced area, least plate cost, fewest plates, emptiest last plate.
 Where a bound proves that nothing costs less it ends early, after a moment for fewer
-plates and an emptier last one. Ctrl-C stops the search and writes the best answer so far; a second one
-leaves at once.
+plates and an emptier last one. Ctrl-C stops the search and writes the best answer so
+far; a second one leaves at once.
 )";
 constexpr std::string_view kJobExamples = R"(
 Examples:
