@@ -87,9 +87,10 @@ its reason, and lower bounds on plates and cost that hold whatever the search fo
 auto fills a plate and repeats it while the demand lasts (repeat), takes plates apart
 and fills them anew (rounds), goes on with strips of corrected values (svc), column
 generation (cg) and rounds until the time limit, and keeps the best answer that passed
-the check: least unplaced area, least plate cost, fewest plates, emptiest last plate. It ends early where a bound proves the
-answer best. Ctrl-C stops the search and writes the best answer so far; a second one
-leaves at once.
+the check: least unplaced area, least plate cost, fewest plates, emptiest last plate.
+Where a bound proves that nothing costs less it ends early, after a moment for fewer
+plates and an emptier last one. Ctrl-C stops the search and writes the best answer so
+far; a second one leaves at once.
 )";
 constexpr std::string_view kJobExamples = R"(
 Examples:

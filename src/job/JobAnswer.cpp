@@ -143,12 +143,17 @@ TJobMerit MeritOf(const TJobSizes& Sizes, const TJobLayouts& Layouts) {
       merit.UnplacedArea += part.Area * static_cast<double>(std::max<Int64>(0, part.Amount - placed[i]));
   }
   std::vector<Int64> used(Sizes.Plates.size());
+  constexpr double kNone = 2;
+  double last = kNone;
+  double lastRemnant = kNone;
   for (const TJobLayout& layout : Layouts) {
     used[layout.Plate] += layout.Copies;
     merit.Plates += layout.Copies;
     const double usage = UsageOf(Sizes, layout);
-    merit.LastUsage = &layout == &Layouts.front() ? usage : std::min(merit.LastUsage, usage);
+    double& emptiest = Sizes.Plates[layout.Plate].Remnant ? lastRemnant : last;
+    emptiest = std::min(emptiest, usage);
   }
+  merit.LastUsage = last < kNone ? last : (lastRemnant < kNone ? lastRemnant : 0);
   for (int i = 0; i < Size(used); ++i) merit.Cost += Sizes.Plates[i].Cost * static_cast<double>(used[i]);
   for (double* sum : {&merit.UnplacedArea, &merit.UnlimitedArea, &merit.Cost, &merit.LastUsage})
     *sum = RoundToTwelveDigits(*sum);

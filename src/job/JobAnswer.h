@@ -26,7 +26,9 @@ struct TJobMerit {
   double UnlimitedArea = 0;  // of copies placed of parts without limit; more is better
   double Cost = 0;
   Int64 Plates = 0;
-  double LastUsage = 0;  // of the emptiest plate; less is better
+  // Of the emptiest plate; less is better. Remnants come first, so the last plate is one of them only where no other is
+  // used.
+  double LastUsage = 0;
 };
 
 TJobMerit MeritOf(const TJobSizes& Sizes, const TJobLayouts& Layouts);

@@ -63,12 +63,12 @@ class TAreaSums {
 
   long double LeastCost() const {
     const auto areaOf = [&](int i) { return static_cast<long double>(FGrown.Plates[i].Area()); };
-    auto rest = static_cast<long double>(FDemand);
+    TWide rest = FDemand;
     long double cost = 0;
     for (const int i : AscendingBy(Size(FGrown.Plates), [&](int k) { return FSizes.Plates[k].Cost / areaOf(k); })) {
-      const long double count = rest / areaOf(i);
-      if (count <= FSizes.Plates[i].Count) return cost + count * FSizes.Plates[i].Cost;
-      rest -= areaOf(i) * FSizes.Plates[i].Count;
+      const TWide held = TWide{FGrown.Plates[i].Area()} * FSizes.Plates[i].Count;
+      if (rest <= held) return cost + static_cast<long double>(rest) / areaOf(i) * FSizes.Plates[i].Cost;
+      rest -= held;
       cost += static_cast<long double>(FSizes.Plates[i].Cost) * FSizes.Plates[i].Count;
     }
     return cost;
@@ -76,12 +76,12 @@ class TAreaSums {
 
   long double MostArea() const {
     const auto areaOf = [&](int i) { return static_cast<long double>(FGrown.Parts[i].Area()); };
-    auto room = static_cast<long double>(FStock);
+    TWide room = FStock;
     long double area = 0;
     for (const int i : AscendingBy(Size(FGrown.Parts), [&](int k) { return -FSizes.Parts[k].Area / areaOf(k); })) {
-      const long double count = room / areaOf(i);
-      if (count <= FSizes.Parts[i].Amount) return area + count * FSizes.Parts[i].Area;
-      room -= areaOf(i) * FSizes.Parts[i].Amount;
+      const TWide filled = TWide{FGrown.Parts[i].Area()} * FSizes.Parts[i].Amount;
+      if (room <= filled) return area + static_cast<long double>(room) / areaOf(i) * FSizes.Parts[i].Area;
+      room -= filled;
       area += static_cast<long double>(FSizes.Parts[i].Area) * FSizes.Parts[i].Amount;
     }
     return area;

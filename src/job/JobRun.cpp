@@ -1,12 +1,14 @@
 #include "JobRun.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "Assembly.h"
 #include "JobColumns.h"
+#include "JobOffcut.h"
 #include "JobRepeat.h"
 #include "JobRounds.h"
 #include "JobSearch.h"
@@ -27,6 +29,12 @@ constexpr double kColumnsShare = 0.35;
 // Where sizes have many copies on average, layouts repeat, which is what columns are good at.
 constexpr double kManyCopies = 4;
 constexpr double kColumnsShareOfMany = 0.75;
+// What a proof on the cost leaves for the emptiest plate, and for fewer plates where these are not proved.
+constexpr double kOffcutShare = 0.1;
+constexpr double kMostOffcutSeconds = 1;
+constexpr double kFewerShare = 0.3;
+constexpr double kMostFewerSeconds = 3;
+constexpr int kFewerCycles = 4;
 constexpr int kCycles = 60;
 constexpr int kDeterministicCycles = 4;
 
@@ -34,6 +42,17 @@ double ColumnsShare(const TJobSizes& Sizes) {
   double copies = 0;
   for (const TJobPart& part : Sizes.Parts) copies += part.IsUnlimited ? 0 : part.Amount;
   return copies >= kManyCopies * Size(Sizes.Parts) ? kColumnsShareOfMany : kColumnsShare;
+}
+
+// Where bounds on the cost ended the search early: a moment for fewer plates, and for an emptier last one.
+void SearchBeyondProof(TJobSearch& Search, TSkyTrials& Trials) {
+  if (!Search.IsBest() || Search.Merit().Plates <= 1 || Search.Control().IsOver()) return;
+  Search.SeekFewer();
+  const bool isFewest = Search.HasFewestPlates();
+  std::optional<double> seconds = Search.SecondsOf(isFewest ? kOffcutShare : kFewerShare);
+  if (seconds) seconds = std::min(*seconds, isFewest ? kMostOffcutSeconds : kMostFewerSeconds);
+  const TTimeShare share(seconds);
+  ImproveInCycles(Search, Trials, isFewest ? 1 : kFewerCycles, nullptr);
 }
 
 void SearchByAll(TJobSearch& Search, TSkyTrials& Trials) {
@@ -49,6 +68,7 @@ void SearchByAll(TJobSearch& Search, TSkyTrials& Trials) {
     NestByColumns(Search, Trials, ColumnsShare(Search.Sizes()), found);
   }
   ImproveInCycles(Search, Trials, Search.Run().Deterministic ? kDeterministicCycles : kCycles, nullptr);
+  SearchBeyondProof(Search, Trials);
 }
 
 void SearchBy(const std::string& Method, TJobSearch& Search) {
@@ -89,6 +109,8 @@ void AnswerJob(const Job& AJob, TRunControl& Control, Result& AResult) {
     AResult.Run.Method = search.Method();
     AResult.Layouts = search.TakeLayouts();
     for (Layout& layout : AResult.Layouts) MeasureInto(layout, AJob.Gap, AJob.Margin);
+    const TStopTokenScope scope(Control.CallersToken());  // the time may be over, the caller's stop goes on
+    WidenOffcuts(AJob, search.Sizes(), search.Best(), AResult.Layouts);
   }
   Account(AJob, AResult);
   // What an answer has refuted is no estimate any more.

@@ -38,20 +38,31 @@ std::optional<double> TJobSearch::SecondsOf(double Share) const {
 }
 
 bool TJobSearch::IsOver() {
-  return FIsProved || FControl.IsOver() || (IsTimed() && HasAnswer() && SecondsOf(1) <= 0.0);
+  return (FIsBest && !FSeeksFewer) || FControl.IsOver() || (IsTimed() && HasAnswer() && SecondsOf(1) <= 0.0);
 }
 
-bool TJobSearch::MeetsBounds(const TJobMerit& Merit) const {
+bool TJobSearch::Meets(std::string_view What, double Reached) const {
+  return std::ranges::any_of(FBounds, [&](const Bound& bound) {
+    const double slack = kBoundTol * std::fabs(bound.Value);
+    return bound.What == What && (What == "area" ? Reached >= bound.Value - slack : Reached <= bound.Value + slack);
+  });
+}
+
+bool TJobSearch::IsBest(const TJobMerit& Merit) const {
   const bool isUnlimited = std::ranges::any_of(FSizes.Parts, &TJobPart::IsUnlimited);
   const bool placesAll = Merit.UnplacedArea <= 0;
-  if ((placesAll || !isUnlimited) && FillsStock(FSizes, PlacedCopies(FSizes, FBest))) return true;
+  if (placesAll || !isUnlimited) {
+    const std::vector<Int64> placed = PlacedCopies(FSizes, FBest);
+    double area = 0;
+    for (int i = 0; i < Size(placed); ++i) area += FSizes.Parts[i].Area * static_cast<double>(placed[i]);
+    if (Meets("area", area) && FillsStock(FSizes, placed)) return true;
+  }
   if (isUnlimited || !placesAll) return false;
-  const bool isByPlates = HasOneCost(FSizes);
-  return std::ranges::any_of(FBounds, [&](const Bound& bound) {
-    if (bound.What != (isByPlates ? "plates" : "cost")) return false;
-    const double reached = isByPlates ? static_cast<double>(Merit.Plates) : Merit.Cost;
-    return reached <= bound.Value + kBoundTol * std::fabs(bound.Value);
-  });
+  return HasOneCost(FSizes) ? HasFewestPlates(Merit) : Meets("cost", Merit.Cost);
+}
+
+bool TJobSearch::HasFewestPlates(const TJobMerit& Merit) const {
+  return Merit.Plates <= 1 || Meets("plates", static_cast<double>(Merit.Plates));
 }
 
 namespace {
@@ -91,7 +102,7 @@ bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   FLayouts = std::move(assembled);
   FMerit = merit;
   FMethod = Method;
-  FIsProved = MeetsBounds(merit);
+  FIsBest = IsBest(merit);
   Report(Method, std::nullopt);
   return true;
 }

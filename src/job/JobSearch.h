@@ -40,8 +40,10 @@ class TJobSearch {
   // A share of what is left of the time limit, less what writing an answer takes; nothing where no clock ends the run.
   std::optional<double> SecondsOf(double Share) const;
   bool IsTimed() const { return FJob.Run.TimeLimit > 0 && !FJob.Run.Deterministic; }
-  // Stopped, out of time, or nothing can be better any more.
+  // Stopped, out of time, or bounds prove that no answer places more, or as much at less cost.
   bool IsOver();
+  // From now on the search goes on after such a proof, for fewer plates and an emptier last one.
+  void SeekFewer() { FSeeksFewer = true; }
 
   // Takes layouts that place any part of the demand: tidied and checked they become the answer if they are better than
   // it. A deterministic run takes nothing any more once its time is out: what a search comes to when it is cut short is
@@ -61,7 +63,8 @@ class TJobSearch {
   std::optional<double> Estimate() const { return FEstimate; }
 
   bool HasAnswer() const { return !FBest.empty(); }
-  bool IsProved() const { return FIsProved; }
+  bool IsBest() const { return FIsBest; }  // in unplaced area and cost
+  bool HasFewestPlates() const { return HasFewestPlates(FMerit); }
   const TJobLayouts& Best() const { return FBest; }
   const TJobMerit& Merit() const { return FMerit; }
   const std::string& Method() const { return FMethod; }
@@ -69,7 +72,9 @@ class TJobSearch {
   void RaiseTrouble() const;
 
  private:
-  bool MeetsBounds(const TJobMerit& Merit) const;
+  bool IsBest(const TJobMerit& Merit) const;
+  bool HasFewestPlates(const TJobMerit& Merit) const;
+  bool Meets(std::string_view What, double Reached) const;
   void Report(std::string_view Phase, std::optional<double> LpValue);
 
   const Job& FJob;
@@ -80,7 +85,8 @@ class TJobSearch {
   TJobMerit FMerit;
   std::vector<Layout> FLayouts;
   std::string FMethod;
-  bool FIsProved = false;
+  bool FIsBest = false;
+  bool FSeeksFewer = false;
   std::optional<double> FEstimate;
   double FWritingSeconds = 0;
   double FWrittenAt = 0;

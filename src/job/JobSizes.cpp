@@ -16,8 +16,43 @@ constexpr double kLargestWhole = 3e9;
 // Slack against the noise of doubles, in units of the fine scale.
 constexpr double kNoise = 1e-2;
 
-std::vector<TJobPlate> PlatesOf(const Job& AJob) {
-  const TScale scale = ScaleOf(AJob);
+// Decimals in the job's units, or in the nesters' where these are finer, to which lengths are cut that have more.
+constexpr int kCutDecimals = 7;
+
+// Six sixths of a plate side, each written with as many digits as a double has, do not fit side by side in numbers,
+// though they do within the tolerance of the layout check. So where some length has more than a few decimals, parts and
+// gap lose what is behind them and plates get one step more. Each copy needs at most one step more than it is given,
+// and the gap beside it another one.
+class TLengths {
+ public:
+  explicit TLengths(const Job& AJob) : FScale(ScaleOf(AJob)) {
+    const int decimals = std::min(kMostDecimals, kCutDecimals + std::max(0, -FScale.Exponent()));
+    std::vector<double> lengths{FScale.Up(AJob.Gap)};
+    for (const Plate& plate : AJob.Plates) {
+      const TScaledPlate scaled(AJob, plate, FScale);
+      lengths.insert(lengths.end(), {scaled.Width, scaled.Height});
+    }
+    for (const Part& part : AJob.Parts) lengths.insert(lengths.end(), {FScale.Up(part.Width), FScale.Up(part.Height)});
+    if (CommonDecimals(lengths).value_or(kMostDecimals + 1) > decimals) FSteps = std::pow(10.0, decimals);
+  }
+
+  const TScale& Scale() const { return FScale; }
+  double Need(double Length) const {
+    const double scaled = FScale.Up(Length);
+    if (FSteps == 0) return scaled;
+    // A length is no less than a step.
+    return std::max<double>(1, std::floor(scaled * FSteps + kNoise)) / FSteps;
+  }
+  double GapOf(const Job& AJob) const { return AJob.Gap > 0 ? Need(AJob.Gap) : 0; }
+  double Room(double Scaled) const { return FSteps == 0 ? Scaled : std::ceil(Scaled * FSteps - kNoise) / FSteps; }
+
+ private:
+  TScale FScale;
+  double FSteps = 0;  // of a length's unit; 0 where lengths stay as they are
+};
+
+std::vector<TJobPlate> PlatesOf(const Job& AJob, const TLengths& Lengths) {
+  const TScale& scale = Lengths.Scale();
   std::vector<TJobPlate> plates;
   for (const bool isRemnant : {true, false}) {
     for (int i = 0; i < Size(AJob.Plates); ++i) {
@@ -27,19 +62,19 @@ std::vector<TJobPlate> PlatesOf(const Job& AJob) {
       if (!(scaled.Width > 0 && scaled.Height > 0)) continue;
       const double area = plate.Width * plate.Height;
       const int count = plate.Count.value_or(static_cast<int>(limits::kPlates));
-      plates.push_back({i, scaled.Width, scaled.Height, count, plate.Cost.value_or(area), area, isRemnant});
+      plates.push_back({i, Lengths.Room(scaled.Width), Lengths.Room(scaled.Height), count, plate.Cost.value_or(area),
+                        area, isRemnant});
     }
   }
   if (plates.empty()) RequireRoom(TScaledPlate(AJob, AJob.Plates.at(0), scale), AJob.Plates[0]);
   return plates;
 }
 
-std::vector<TJobPart> PartsOf(const Job& AJob, const std::vector<TJobPlate>& Plates) {
-  const TScale scale = ScaleOf(AJob);
+std::vector<TJobPart> PartsOf(const Job& AJob, const TLengths& Lengths, const std::vector<TJobPlate>& Plates) {
   std::vector<TJobPart> parts;
   for (int i = 0; i < Size(AJob.Parts); ++i) {
     const Part& demand = AJob.Parts[i];
-    TJobPart part{.Position = i, .Width = scale.Up(demand.Width), .Height = scale.Up(demand.Height)};
+    TJobPart part{.Position = i, .Width = Lengths.Need(demand.Width), .Height = Lengths.Need(demand.Height)};
     part.Amount = demand.Amount.value_or(0);
     part.IsUnlimited = !demand.Amount;
     part.MayTurn = demand.Turn == Rotate::Any;
@@ -104,10 +139,11 @@ bool Holds(const TJobPlate& APlate, const TJobPart& APart) {
 }
 
 TJobSizes JobSizesOf(const Job& AJob) {
+  const TLengths lengths(AJob);
   TJobSizes sizes;
-  sizes.Gap = ScaleOf(AJob).Up(AJob.Gap);
-  sizes.Plates = PlatesOf(AJob);
-  sizes.Parts = PartsOf(AJob, sizes.Plates);
+  sizes.Gap = lengths.GapOf(AJob);
+  sizes.Plates = PlatesOf(AJob, lengths);
+  sizes.Parts = PartsOf(AJob, lengths, sizes.Plates);
   std::erase_if(sizes.Plates, [&](const TJobPlate& plate) {
     return std::ranges::none_of(sizes.Parts, [&](const TJobPart& part) { return Holds(plate, part); });
   });

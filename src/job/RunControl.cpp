@@ -64,7 +64,7 @@ double TRunControl::Seconds() const {
 }
 
 void TRunControl::Report(Progress Now) {
-  if (!FHooks.OnProgress) return;
+  if (!FHooks.OnProgress || FRefused) return;
   Now.Seconds = Seconds();
   if (FHooks.OnProgress(Now)) return;
   FRefused = true;

@@ -31,7 +31,7 @@ class TRunControl {
   // How the run ends now, if it is to end.
   std::optional<ResultStatus> Interruption() const;
   double Seconds() const;
-  // Tells the caller of an improvement; a refusal stops the run.
+  // Tells the caller of an improvement; a refusal stops the run and is the last report.
   void Report(Progress Now);
 
  private:

@@ -322,6 +322,95 @@ TEST(WholeJob, SizesLeaveOutWhatIsOfNoUse) {
   EXPECT_EQ(FaultsOf([&] { JobSizesOf(job); }), "InputError: range /margin");
 }
 
+// A third of a side has more digits than a double, and three of them can be longer than the side.
+TEST(WholeJob, PartsThatDivideAPlateFillIt) {
+  ForEachSeed(60, [](unsigned seed) {
+    TRandom random(seed);
+    const double unit = std::vector{1.0, 0.001, 25.4, 1.0 / 16}[random.Pick(0, 3)];
+    const int across = random.Pick(2, 9);
+    const int along = random.Pick(2, 9);
+    Job job;
+    job.Kind = JobKind::Job;
+    job.Gap = random.Pick(0, 2) * 2 * unit;
+    const double margin = random.Pick(0, 1) * 10 * unit;
+    job.Margin = {margin, margin, margin, margin};
+    const double width = random.Pick(500, 1900) * unit;
+    const double height = random.Pick(500, 1900) * unit;
+    job.Plates = {{.Id = "whole", .Width = width, .Height = height}};
+    job.Parts = {{.Id = "piece",
+                  .Width = (width - 2 * margin - (across - 1) * job.Gap) / across,
+                  .Height = (height - 2 * margin - (along - 1) * job.Gap) / along,
+                  .Amount = across * along}};
+    job.Run.Method = "repeat";
+    job.Run.TimeLimit = 5;
+    const Result result = run(job);
+    EXPECT_EQ(result.Parts.at(0).Unplaced, 0) << JobToJson(job);
+    EXPECT_EQ(FirstFault(job, result), "") << JobToJson(job);
+    EXPECT_TRUE(result.Layouts.at(0).EdgeToEdge) << JobToJson(job);
+  });
+}
+
+// A bound on one of the things that answers are compared by does not end the search for the others.
+TEST(WholeJob, GoesOnWhereABoundSaysHalfOfIt) {
+  Job full;  // five parts fill the grown plate, but others hold more area
+  full.Kind = JobKind::Job;
+  full.Gap = 1;
+  full.Plates = {{.Id = "plate", .Width = 7, .Height = 5}};
+  full.Parts = {{.Id = "long", .Width = 7, .Height = 1, .Amount = 4},
+                {.Id = "short", .Width = 2, .Height = 4, .Amount = 3}};
+  full.Run.Deterministic = true;
+  EXPECT_EQ(run(full).Total.PartArea, 24);
+  Job cheap = full;  // two small plates cost what a large one does
+  cheap.Plates = {{.Id = "large", .Width = 9, .Height = 5, .Count = 2, .Cost = 1},
+                  {.Id = "small", .Width = 5, .Height = 6, .Count = 2, .Cost = 0.5}};
+  cheap.Parts = {{.Id = "strip", .Width = 5, .Height = 2, .Amount = 3}};
+  EXPECT_EQ(run(cheap).Total.Plates, 1);
+}
+
+TEST(WholeJob, LastPlateIsARemnantOnlyWhereNoOtherIsUsed) {
+  Job job;
+  job.Kind = JobKind::Job;
+  job.Plates = {{.Id = "rest", .Width = 10, .Height = 10, .Remnant = true}, {.Id = "board", .Width = 20, .Height = 10}};
+  job.Parts = {{.Id = "piece", .Width = 10, .Height = 5, .Amount = 4}};
+  const TJobSizes sizes = JobSizesOf(job);
+  const TNestRect record(1, 0, TVRect2D::FromSize(sizes.Parts[0].Width, sizes.Parts[0].Height));
+  TNestedRects one, three;
+  for (int i = 0; i < 3; ++i) (i == 0 ? one : three).emplace_back(record, false, TPoint2D{0, 0});
+  three.emplace_back(record, false, TPoint2D{0, 0});
+  EXPECT_EQ(MeritOf(sizes, {{0, 1, one}, {1, 1, three}}).LastUsage, 0.75);
+  EXPECT_EQ(MeritOf(sizes, {{0, 1, one}}).LastUsage, 0.5);
+}
+
+// A fill that stops as soon as all is placed leaves less than six tenths of the room in one piece.
+TEST(WholeJob, LeavesTheRoomOfALastPlateInOnePiece) {
+  double shares = 0;
+  int jobs = 0;
+  ForEachSeed(30, [&](unsigned seed) {
+    TRandom random(seed);
+    Job job;
+    job.Kind = JobKind::Job;
+    job.Gap = 4;
+    job.Plates = {{.Id = "board", .Width = 2800, .Height = 2070, .Count = std::nullopt}};
+    double least = 0.01 * random.Pick(55, 75) * 2800 * 2070;
+    while (least > 0) {
+      const double width = random.Pick(100, 700);
+      const double height = random.Pick(100, 700);
+      job.Parts.push_back({.Id = "", .Width = width, .Height = height, .Amount = random.Pick(1, 4)});
+      least -= width * height * *job.Parts.back().Amount;
+    }
+    GiveIds(job);
+    job.Run.TimeLimit = 5;
+    const Result result = run(job);
+    EXPECT_EQ(FirstFault(job, result), "");
+    if (result.Layouts.size() != 1) return;
+    const Box& free = result.Layouts[0].FreeBox;
+    shares += (free[2] - free[0]) * (free[3] - free[1]) / (result.Total.PlateArea - result.Total.PartArea);
+    ++jobs;
+  });
+  EXPECT_GT(jobs, 20);
+  EXPECT_GT(shares, 0.67 * jobs);
+}
+
 // Two plates of a stock, one layout on both, a part too large, parts that found no plate.
 struct TSample {
   TSample() {
