@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "JobUnits.h"
@@ -52,7 +53,8 @@ class TColumnSearch {
     const double sizes = static_cast<double>(std::ranges::count_if(Left, [](int left) { return left > 0; }));
     const double msALook = std::max(kLeastMsALook, FUnits.RasterStates(Kind, Left) * sizes / kWorkPerMs);
     nest.SetWatch([&](const TBCPRectNest::TTree& tree) {
-      FSearch.Tell(kMethod, tree.Root().LPSol());
+      const double lpValue = tree.Root().LPSol();
+      FSearch.Tell(kMethod, lpValue > 0 ? std::optional(lpValue) : std::nullopt);  // 0 before the first LP
       const bool isSpent = !FSearch.IsTimed() && !IsAffordable(msALook);
       FIsStopped = isSpent || FSearch.IsOver();
       return FIsStopped;
