@@ -102,7 +102,15 @@ class TFreeBoxSearch {
   TFreeBoxSearch(std::vector<TPlacedBox> Obstacles, const TPlacedBox& Area)
       : FObstacles(std::move(Obstacles)), FArea(Area) {}
 
-  TPlacedBox Run() {
+  // The best of the strips along the four sides: the answer where no rectangle has more area.
+  TPlacedBox Rims() {
+    OfferRims();
+    return FBest;
+  }
+
+  // Least: what is no larger is not looked at. The answer is the same as without where it has more area than that.
+  TPlacedBox Run(double Least) {
+    FBest = {0, 0, Least, 1};
     TEdges edges;
     edges.reserve(2 * FObstacles.size());
     for (int i = 0; i < Size(FObstacles); ++i) {
@@ -236,6 +244,44 @@ class TFreeBoxSearch {
   double FRunEnd = 0;
 };
 
+bool IsJoined(const TPlacedBox& A, const TPlacedBox& B) {
+  const bool isRow = A.Bottom == B.Bottom && A.Top == B.Top;
+  const bool isColumn = A.Left == B.Left && A.Right == B.Right;
+  return (isRow && A.Left <= B.Right && B.Left <= A.Right) || (isColumn && A.Bottom <= B.Top && B.Bottom <= A.Top);
+}
+
+// The same obstacles with neighbours in the list joined where together they are a box, as in rows and grids.
+std::vector<TPlacedBox> Joined(const std::vector<TPlacedBox>& Obstacles) {
+  std::vector<TPlacedBox> joined;
+  for (const TPlacedBox& obstacle : Obstacles) {
+    TPlacedBox box = obstacle;
+    while (!joined.empty() && IsJoined(joined.back(), box)) {
+      const TPlacedBox& last = joined.back();
+      box = {std::min(last.Left, box.Left), std::min(last.Bottom, box.Bottom), std::max(last.Right, box.Right),
+             std::max(last.Top, box.Top)};
+      joined.pop_back();
+    }
+    joined.push_back(box);
+  }
+  return joined;
+}
+
+// Joined obstacles leave the same room but may lead to another one of several equal rectangles, so all of them are
+// searched again, for nothing smaller, unless a rim is the answer, which comes before all.
+TPlacedBox LargestBetween(std::vector<TPlacedBox> Obstacles, const TPlacedBox& Area) {
+  constexpr double kSameArea = 1 - 1e-12;
+  std::vector<TPlacedBox> joined = Joined(Obstacles);
+  double least = 0;
+  if (joined.size() < Obstacles.size()) {
+    TFreeBoxSearch search(std::move(joined), Area);
+    const TPlacedBox rim = search.Rims();
+    const TPlacedBox best = search.Run(0);
+    if (best.Area() <= rim.Area()) return rim;
+    least = best.Area() * kSameArea;
+  }
+  return TFreeBoxSearch(std::move(Obstacles), Area).Run(least);
+}
+
 }  // namespace
 
 std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, const TPlacedBox& Area, double Clearance,
@@ -247,12 +293,13 @@ std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, cons
   if (Clearance < 0 || Tol < 0)
     throw TArgumentError("[Error] LayoutCheck.LargestFreeBox: the clearance and the tolerance must not be below 0");
   std::vector<TPlacedBox> obstacles;
+  obstacles.reserve(Boxes.size());
   for (const TPlacedBox& box : Boxes) {
     const TPlacedBox grown{std::max(box.Left - Clearance, Area.Left), std::max(box.Bottom - Clearance, Area.Bottom),
                            std::min(box.Right + Clearance, Area.Right), std::min(box.Top + Clearance, Area.Top)};
     if (grown.Left < grown.Right && grown.Bottom < grown.Top) obstacles.push_back(grown);
   }
-  const TPlacedBox best = TFreeBoxSearch(std::move(obstacles), Area).Run();
+  const TPlacedBox best = LargestBetween(std::move(obstacles), Area);
   return best.Width() > Tol && best.Height() > Tol ? std::optional(best) : std::nullopt;
 }
 
