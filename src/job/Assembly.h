@@ -42,7 +42,8 @@ class TPartIds {
   explicit TPartIds(const Job& AJob);
 
   const Job& Subject() const { return *FJob; }
-  int PositionOf(std::string_view Id) const;  // -1 for an unknown one
+  // -1 for an unknown one. Likely: a position to look at first, or -1; copies of one part often follow each other.
+  int PositionOf(std::string_view Id, int Likely = -1) const;
 
  private:
   const Job* FJob;
