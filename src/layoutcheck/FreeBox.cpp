@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "BoxSweep.h"
 #include "FreeRun.h"
 #include "Guards.h"
 #include "platenest/foundation/Compare.h"
@@ -102,28 +103,34 @@ class TFreeBoxSearch {
   TFreeBoxSearch(std::vector<TPlacedBox> Obstacles, const TPlacedBox& Area)
       : FObstacles(std::move(Obstacles)), FArea(Area) {}
 
-  // The best of the strips along the four sides: the answer where no rectangle has more area.
-  TPlacedBox Rims() {
-    OfferRims();
-    return FBest;
-  }
-
-  // Least: what is no larger is not looked at. The answer is the same as without where it has more area than that.
-  TPlacedBox Run(double Least) {
-    FBest = {0, 0, Least, 1};
-    TEdges edges;
-    edges.reserve(2 * FObstacles.size());
-    for (int i = 0; i < Size(FObstacles); ++i) {
-      edges.push_back({FObstacles[i].Bottom, i, true});
-      edges.push_back({FObstacles[i].Top, i, false});
-    }
-    SortBy(edges, [](const TEdge& A, const TEdge& B) { return Sign(A.Y, B.Y); });
+  TPlacedBox Run() {
+    const TEdges edges = AllEdges();
     OfferRims();
     Slab(FArea.Left, FArea.Right, Narrowed(edges, FArea.Left, FArea.Right));
     return FBest;
   }
 
  private:
+  // On the way up; of equal heights by obstacle, its lower edge first.
+  TEdges AllEdges() const {
+    using detail::TKeyed;
+    const std::vector<TKeyed> begins = detail::OrderBy(FObstacles, [](const TPlacedBox& B) { return B.Bottom; });
+    const std::vector<TKeyed> ends = detail::OrderBy(FObstacles, [](const TPlacedBox& B) { return B.Top; });
+    TEdges edges;
+    edges.reserve(2 * FObstacles.size());
+    auto end = ends.begin();
+    const auto takeEnd = [&] {
+      edges.push_back({end->Key, end->Index, false});
+      ++end;
+    };
+    for (const auto& [y, obstacle] : begins) {
+      while (end != ends.end() && (end->Key < y || (end->Key == y && end->Index < obstacle))) takeEnd();
+      edges.push_back({y, obstacle, true});
+    }
+    while (end != ends.end()) takeEnd();
+    return edges;
+  }
+
   void Offer(const TPlacedBox& Box) {
     if (Box.Area() > FBest.Area()) FBest = Box;
   }
@@ -250,7 +257,8 @@ bool IsJoined(const TPlacedBox& A, const TPlacedBox& B) {
   return (isRow && A.Left <= B.Right && B.Left <= A.Right) || (isColumn && A.Bottom <= B.Top && B.Bottom <= A.Top);
 }
 
-// The same obstacles with neighbours in the list joined where together they are a box, as in rows and grids.
+// The same obstacles with neighbours in the list joined where together they are a box, as in rows and grids: the room
+// between them is the same.
 std::vector<TPlacedBox> Joined(const std::vector<TPlacedBox>& Obstacles) {
   std::vector<TPlacedBox> joined;
   for (const TPlacedBox& obstacle : Obstacles) {
@@ -264,22 +272,6 @@ std::vector<TPlacedBox> Joined(const std::vector<TPlacedBox>& Obstacles) {
     joined.push_back(box);
   }
   return joined;
-}
-
-// Joined obstacles leave the same room but may lead to another one of several equal rectangles, so all of them are
-// searched again, for nothing smaller, unless a rim is the answer, which comes before all.
-TPlacedBox LargestBetween(std::vector<TPlacedBox> Obstacles, const TPlacedBox& Area) {
-  constexpr double kSameArea = 1 - 1e-12;
-  std::vector<TPlacedBox> joined = Joined(Obstacles);
-  double least = 0;
-  if (joined.size() < Obstacles.size()) {
-    TFreeBoxSearch search(std::move(joined), Area);
-    const TPlacedBox rim = search.Rims();
-    const TPlacedBox best = search.Run(0);
-    if (best.Area() <= rim.Area()) return rim;
-    least = best.Area() * kSameArea;
-  }
-  return TFreeBoxSearch(std::move(Obstacles), Area).Run(least);
 }
 
 }  // namespace
@@ -299,7 +291,7 @@ std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, cons
                            std::min(box.Right + Clearance, Area.Right), std::min(box.Top + Clearance, Area.Top)};
     if (grown.Left < grown.Right && grown.Bottom < grown.Top) obstacles.push_back(grown);
   }
-  const TPlacedBox best = LargestBetween(std::move(obstacles), Area);
+  const TPlacedBox best = TFreeBoxSearch(Joined(obstacles), Area).Run();
   return best.Width() > Tol && best.Height() > Tol ? std::optional(best) : std::nullopt;
 }
 

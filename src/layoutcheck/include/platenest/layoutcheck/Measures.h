@@ -38,7 +38,8 @@ PLATENEST_API bool IsEdgeToEdge(std::span<const TPlacedBox> Boxes, double Tol = 
 // below 0. Cost: O(n log n) for layouts as nesters make them, O(n log^4 n) at the very worst: median cuts over the
 // vertical edges (after Chazelle, Drysdale, Lee 1986), where the largest rectangle across a cut comes from the free
 // depths to its two sides by a second halving with monotone row maxima (Aggarwal, Suri 1987). What cannot beat the best
-// so far is skipped. Boxes that follow each other in rows and grids count as one where a rim is the answer.
+// so far is skipped. Boxes that follow each other in the list and join to one box, as in rows and grids, are one to the
+// search.
 PLATENEST_API std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, const TPlacedBox& Area,
                                                        double Clearance, double Tol = kDefaultTol);
 
