@@ -87,7 +87,8 @@ TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate, const TScale& A
   Height = RoundToTwelveDigits(Scale.Up(APlate.Height) - MarginBottom - Scale.Up(AJob.Margin[3]));
 }
 
-Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested) {
+Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested,
+                      std::span<const int> Positions) {
   Layout layout;
   layout.Plate = APlate.Id;
   layout.Width = APlate.Width;
@@ -96,8 +97,9 @@ Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& 
   std::vector<std::optional<TSize>> sizes(AJob.Parts.size());
   TWaysDown down(Scaled.Scale);
   for (const TNestedRect& placed : Nested) {
-    const Part& part = AJob.Parts.at(placed.Part.Idx);
-    std::optional<TSize>& size = sizes[placed.Part.Idx];
+    const int position = Positions.empty() ? placed.Part.Idx : Positions[placed.Part.Idx];
+    const Part& part = AJob.Parts.at(position);
+    std::optional<TSize>& size = sizes[position];
     if (!size) size = TSize{Scaled.Scale.Up(part.Width), Scaled.Scale.Up(part.Height)};
     layout.Placements.push_back(AssemblePlacement(part, *size, Scaled, placed, down));
   }
@@ -146,14 +148,14 @@ TNestedRects ToRecords(const TPartIds& Ids, const Layout& ALayout) {
 
 std::string CheckLayout(const TPartIds& Ids, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
   const TNestedRects records = ToRecords(Ids, ALayout);
-  std::vector<int> met;
+  std::vector<char> isMet(Ids.Subject().Parts.size());
   for (const TNestedRect& placed : records)
-    if (placed.Part.Idx >= 0) met.push_back(placed.Part.Idx);
-  std::ranges::sort(met);
-  met.erase(std::ranges::unique(met).begin(), met.end());
+    if (placed.Part.Idx >= 0) isMet[placed.Part.Idx] = true;
   TNestRectList demand;
-  for (const int position : met) {  // amounts belong to the whole job and are counted over all layouts
+  for (int position = 0; position < Size(isMet); ++position) {
+    if (!isMet[position]) continue;
     const Part& part = Ids.Subject().Parts[position];
+    // Amounts belong to the whole job and are counted over all layouts.
     demand.emplace_back(-1, position, TVRect2D::FromSize(part.Width, part.Height));
   }
   const TVRect2D plate =
