@@ -1,8 +1,11 @@
 #include "Assembly.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <limits>
 #include <numeric>
+#include <optional>
 
 #include "platenest/job/JobErrors.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
@@ -25,20 +28,49 @@ int ToCount(Int64 Sum) {
   return static_cast<int>(std::min<Int64>(Sum, std::numeric_limits<int>::max()));
 }
 
-Placement AssemblePlacement(const Part& APart, const TScaledPlate& Scaled, const TNestedRect& Nested) {
-  const TScale& scale = Scaled.Scale;
+// Ways down of lengths that come again and again, as the coordinates of copies in rows and columns do.
+class TWaysDown {
+ public:
+  explicit TWaysDown(const TScale& Scale) : FScale(Scale), FKnown(kPlaces) {}
+
   // Sums are brought back to twelve digits before the way down, so that whole sizes give whole corners.
-  const auto down = [&scale](double V) { return scale.Down(RoundToTwelveDigits(V)); };
+  double operator()(double Length) {
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;
+    const auto bits = std::bit_cast<std::uint64_t>(Length);
+    TWay& way = FKnown[bits * kSpread >> (64 - kBits)];
+    if (way.From != bits) way = {bits, FScale.DownRounded(Length)};
+    return way.To;
+  }
+
+ private:
+  struct TWay {
+    std::uint64_t From = 0;  // the bits of 0, whose way down is 0
+    double To = 0;
+  };
+  static constexpr int kBits = 12;
+  static constexpr std::size_t kPlaces = std::size_t{1} << kBits;
+
+  const TScale& FScale;
+  std::vector<TWay> FKnown;
+};
+
+struct TSize {
+  double Width = 0;
+  double Height = 0;
+};
+
+Placement AssemblePlacement(const Part& APart, const TSize& Up, const TScaledPlate& Scaled, const TNestedRect& Nested,
+                            TWaysDown& Down) {
   const double x = Nested.Trans.X + Scaled.MarginLeft;
   const double y = Nested.Trans.Y + Scaled.MarginBottom;
-  const double w = scale.Up(APart.Width);
-  const double h = scale.Up(APart.Height);
+  const double downX = Down(x);
+  const double downY = Down(y);
   Placement place;
   place.Part = APart.Id;
   place.Rotated = Nested.IsRotate;
-  place.Trans = {down(x), down(y)};
-  place.Bounds = Nested.IsRotate ? Box{down(x - h), down(y), down(x), down(y + w)}
-                                 : Box{down(x), down(y), down(x + w), down(y + h)};
+  place.Trans = {downX, downY};
+  place.Bounds = Nested.IsRotate ? Box{Down(x - Up.Height), downY, downX, Down(y + Up.Width)}
+                                 : Box{downX, downY, Down(x + Up.Width), Down(y + Up.Height)};
   return place;
 }
 
@@ -55,14 +87,22 @@ TScaledPlate::TScaledPlate(const Job& AJob, const Plate& APlate, const TScale& A
   Height = RoundToTwelveDigits(Scale.Up(APlate.Height) - MarginBottom - Scale.Up(AJob.Margin[3]));
 }
 
-Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested) {
+Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested,
+                      std::span<const int> Positions) {
   Layout layout;
   layout.Plate = APlate.Id;
   layout.Width = APlate.Width;
   layout.Height = APlate.Height;
   layout.Placements.reserve(Nested.size());
-  for (const TNestedRect& placed : Nested)
-    layout.Placements.push_back(AssemblePlacement(AJob.Parts.at(placed.Part.Idx), Scaled, placed));
+  std::vector<std::optional<TSize>> sizes(AJob.Parts.size());
+  TWaysDown down(Scaled.Scale);
+  for (const TNestedRect& placed : Nested) {
+    const int position = Positions.empty() ? placed.Part.Idx : Positions[placed.Part.Idx];
+    const Part& part = AJob.Parts.at(position);
+    std::optional<TSize>& size = sizes[position];
+    if (!size) size = TSize{Scaled.Scale.Up(part.Width), Scaled.Scale.Up(part.Height)};
+    layout.Placements.push_back(AssemblePlacement(part, *size, Scaled, placed, down));
+  }
   return layout;
 }
 
@@ -84,7 +124,8 @@ TPartIds::TPartIds(const Job& AJob) : FJob(&AJob) {
   for (int i = 0; i < Size(AJob.Parts); ++i) FPositions.emplace(AJob.Parts[i].Id, i);
 }
 
-int TPartIds::PositionOf(std::string_view Id) const {
+int TPartIds::PositionOf(std::string_view Id, int Likely) const {
+  if (Likely >= 0 && FJob->Parts[Likely].Id == Id) return Likely;
   const auto known = FPositions.find(Id);
   return known == FPositions.end() ? -1 : known->second;
 }
@@ -92,8 +133,9 @@ int TPartIds::PositionOf(std::string_view Id) const {
 TNestedRects ToRecords(const TPartIds& Ids, const Layout& ALayout) {
   TNestedRects records;
   records.reserve(ALayout.Placements.size());
+  int position = -1;
   for (const Placement& place : ALayout.Placements) {
-    const int position = Ids.PositionOf(place.Part);
+    position = Ids.PositionOf(place.Part, position);
     TNestRect part(1, position, TVRect2D());
     if (position >= 0) {
       const Part& demand = Ids.Subject().Parts[position];
@@ -106,14 +148,14 @@ TNestedRects ToRecords(const TPartIds& Ids, const Layout& ALayout) {
 
 std::string CheckLayout(const TPartIds& Ids, const Layout& ALayout, double Gap, const std::array<double, 4>& Margin) {
   const TNestedRects records = ToRecords(Ids, ALayout);
-  std::vector<int> met;
+  std::vector<char> isMet(Ids.Subject().Parts.size());
   for (const TNestedRect& placed : records)
-    if (placed.Part.Idx >= 0) met.push_back(placed.Part.Idx);
-  std::ranges::sort(met);
-  met.erase(std::ranges::unique(met).begin(), met.end());
+    if (placed.Part.Idx >= 0) isMet[placed.Part.Idx] = true;
   TNestRectList demand;
-  for (const int position : met) {  // amounts belong to the whole job and are counted over all layouts
+  for (int position = 0; position < Size(isMet); ++position) {
+    if (!isMet[position]) continue;
     const Part& part = Ids.Subject().Parts[position];
+    // Amounts belong to the whole job and are counted over all layouts.
     demand.emplace_back(-1, position, TVRect2D::FromSize(part.Width, part.Height));
   }
   const TVRect2D plate =
@@ -127,7 +169,8 @@ double WorthOf(const Part& APart) {
 
 std::vector<Int64> CountCopies(const TPartIds& Ids, const Layout& ALayout) {
   std::vector<Int64> counts(Ids.Subject().Parts.size());
-  for (const Placement& place : ALayout.Placements) ++counts.at(Ids.PositionOf(place.Part));
+  int position = -1;
+  for (const Placement& place : ALayout.Placements) ++counts.at(position = Ids.PositionOf(place.Part, position));
   return counts;
 }
 
@@ -167,8 +210,9 @@ void Account(const Job& AJob, std::span<const Layout> Layouts, Result& AResult) 
     used[platePosition] += layout.Copies;
     AResult.Total.PlateArea += plateArea * layout.Copies;
     AResult.Total.Cost += plate.Cost.value_or(plateArea) * layout.Copies;
+    int position = -1;
     for (const Placement& place : layout.Placements) {
-      const int position = ids.PositionOf(place.Part);
+      position = ids.PositionOf(place.Part, position);
       placed.at(position) += layout.Copies;
       AResult.Total.PartArea += AJob.Parts[position].Width * AJob.Parts[position].Height * layout.Copies;
     }

@@ -30,8 +30,9 @@ struct TScaledPlate {
 };
 
 // The layout of a nester in the job's ids and units, with everything measured that a result states about it. Part.Idx
-// of a placement is the position in the job's list of parts.
-Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested);
+// of a placement is the position in the job's list of parts, or in Positions, which lead there.
+Layout AssembleLayout(const Job& AJob, const Plate& APlate, const TScaledPlate& Scaled, const TNestedRects& Nested,
+                      std::span<const int> Positions = {});
 
 // What can be measured on the placements of a layout: usage, used box, clearance, edge-to-edge, free box.
 void MeasureInto(Layout& ALayout, double Gap, const std::array<double, 4>& Margin);
@@ -42,7 +43,8 @@ class TPartIds {
   explicit TPartIds(const Job& AJob);
 
   const Job& Subject() const { return *FJob; }
-  int PositionOf(std::string_view Id) const;  // -1 for an unknown one
+  // -1 for an unknown one. Likely: a position to look at first, or -1; copies of one part often follow each other.
+  int PositionOf(std::string_view Id, int Likely = -1) const;
 
  private:
   const Job* FJob;

@@ -28,6 +28,7 @@ double UsageOf(const TJobSizes& Sizes, const TJobLayout& Layout) {
 
 // Drops what turns and must not.
 void KeepLocks(const TJobSizes& Sizes, TNestedRects& Nested) {
+  if (std::ranges::all_of(Sizes.Parts, &TJobPart::MayTurn)) return;
   const auto isWrong = [&](TNestedRect& placed) {
     const TJobPart& part = Sizes.Parts.at(placed.Part.Idx);
     if (!placed.IsRotate || part.MayTurn) return false;
@@ -195,12 +196,12 @@ void TidyAnswer(const TJobSizes& Sizes, TJobLayouts& Layouts) {
 
 std::vector<Layout> AssembleLayouts(const Job& AJob, const TJobSizes& Sizes, const TJobLayouts& Layouts) {
   const TScale scale = ScaleOf(AJob);
+  std::vector<int> positions;
+  for (const TJobPart& part : Sizes.Parts) positions.push_back(part.Position);
   std::vector<Layout> assembled;
   for (const TJobLayout& layout : Layouts) {
     const Plate& plate = AJob.Plates.at(Sizes.Plates.at(layout.Plate).Position);
-    TNestedRects nested = layout.Nested;
-    for (TNestedRect& placed : nested) placed.Part.Idx = Sizes.Parts.at(placed.Part.Idx).Position;
-    assembled.push_back(AssembleLayout(AJob, plate, TScaledPlate(AJob, plate, scale), nested));
+    assembled.push_back(AssembleLayout(AJob, plate, TScaledPlate(AJob, plate, scale), layout.Nested, positions));
     assembled.back().Copies = layout.Copies;
   }
   return assembled;

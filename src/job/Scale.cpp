@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -25,9 +24,9 @@ double ShiftDecimalPoint(double V, int Exponent, std::optional<int> Digits) {
   int exponent = 0;
   const std::size_t first = mark + (all[mark + 1] == '+' ? 2 : 1);
   std::from_chars(all.data() + first, all.data() + all.size(), exponent);
-  const std::string shifted = std::string(all.substr(0, mark)) + 'e' + std::to_string(exponent + Exponent);
+  const auto shifted = std::to_chars(text + mark + 1, text + sizeof text, exponent + Exponent);
   double result = 0;
-  std::from_chars(shifted.data(), shifted.data() + shifted.size(), result);
+  std::from_chars(text, shifted.ptr, result);
   return result;
 }
 
@@ -58,6 +57,10 @@ double TScale::Up(double Length) const {
 }
 double TScale::Down(double Length) const {
   return ShiftDecimalPoint(Length, -FExponent, std::nullopt);
+}
+
+double TScale::DownRounded(double Length) const {
+  return ShiftDecimalPoint(Length, -FExponent, kDigits);
 }
 
 double RoundToTwelveDigits(double V) {

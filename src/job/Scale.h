@@ -16,6 +16,8 @@ class TScale {
   double Up(double Length) const;
   // Back into the job's units.
   double Down(double Length) const;
+  // Down(RoundToTwelveDigits(Length)) in one step.
+  double DownRounded(double Length) const;
 
  private:
   int FExponent;

@@ -2,11 +2,17 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numeric>
+#include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platenest/foundation/Compare.h"
+#include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
 #include "platenest/foundation/Types.h"
 #include "platenest/layoutcheck/PlacedBox.h"
@@ -18,8 +24,10 @@ struct TKeyed {
   int Index;
 };
 
-// Ascending; equal keys keep their order.
+// Ascending; equal keys keep their order. Lists of layouts often come in order, which costs one look.
 inline void SortKeyed(std::vector<TKeyed>& Items) {
+  const auto isBefore = [](const TKeyed& A, const TKeyed& B) { return A.Key < B.Key; };
+  if (std::is_sorted(Items.begin(), Items.end(), isBefore)) return;
   SortBy(Items, [](const TKeyed& A, const TKeyed& B) { return Sign(A.Key, B.Key); });
 }
 
@@ -91,6 +99,103 @@ void SweepNearPairs(std::span<const TPlacedBox> Boxes, double& Reach, Visitor Vi
     // A box without width may have left the queue of right edges already; it is near no later box.
     if (left - box.Right < Reach) tops.Set(placeOf[index], box.Top);
   }
+}
+
+// The boxes that meet strips of one height across all of them, a box that meets several in each.
+class TStrips {
+ public:
+  // Boxes that come nearer than Reach on the y axis have a strip in common. Nothing where that takes too many entries.
+  static std::optional<TStrips> Of(std::span<const TPlacedBox> Boxes, double Reach) {
+    TStrips strips;
+    return strips.Lay(Boxes, Reach) && strips.Fill(Boxes) ? std::optional(std::move(strips)) : std::nullopt;
+  }
+
+  int Count() const { return Size(FStarts) - 1; }
+  // Ascending by the left edge.
+  const std::vector<TKeyed>& At(int Strip, std::span<const TPlacedBox> Boxes) {
+    FStrip.clear();
+    for (int i = FStarts[Strip]; i < FStarts[Strip + 1]; ++i) FStrip.push_back({Boxes[FEntries[i]].Left, FEntries[i]});
+    SortKeyed(FStrip);
+    return FStrip;
+  }
+
+ private:
+  static constexpr Int64 kMostEntries = 4;  // for each box
+
+  bool Lay(std::span<const TPlacedBox> Boxes, double Reach) {
+    double top = -std::numeric_limits<double>::infinity();
+    double bottom = -top;
+    double heights = 0;
+    for (const TPlacedBox& box : Boxes) {
+      top = std::max(top, box.Top);
+      bottom = std::min(bottom, box.Bottom);
+      heights += box.Height();
+    }
+    FHeight = 2 * heights / Size(Boxes) + Reach;
+    // Above what rounding takes off.
+    FReach = Reach + 1e-9 * FHeight + 1e-15 * std::max(std::fabs(bottom), std::fabs(top));
+    FBottom = bottom - FReach;
+    const double count = (top - FBottom) / FHeight + 1;
+    if (!(count <= Size(Boxes) + 2.0)) return false;
+    FStarts.assign(Floor<int>(count) + 2, 0);
+    return true;
+  }
+
+  int StripOf(double Y) const { return Floor<int>((Y - FBottom) / FHeight); }
+
+  bool Fill(std::span<const TPlacedBox> Boxes) {
+    Int64 entries = 0;
+    for (const TPlacedBox& box : Boxes) {
+      const int first = StripOf(box.Bottom - FReach);
+      const int last = StripOf(box.Top);
+      entries += last - first + 1;
+      if (entries > kMostEntries * Size(Boxes)) return false;
+      for (int strip = first; strip <= last; ++strip) ++FStarts[strip + 1];
+    }
+    std::partial_sum(FStarts.begin(), FStarts.end(), FStarts.begin());
+    FEntries.resize(entries);
+    std::vector<int> next(FStarts.begin(), FStarts.end() - 1);
+    for (int i = 0; i < Size(Boxes); ++i)
+      for (int strip = StripOf(Boxes[i].Bottom - FReach); strip <= StripOf(Boxes[i].Top); ++strip)
+        FEntries[next[strip]++] = i;
+    return true;
+  }
+
+  double FHeight = 0;
+  double FReach = 0;
+  double FBottom = 0;
+  std::vector<int> FStarts;
+  std::vector<int> FEntries;
+  std::vector<TKeyed> FStrip;
+};
+
+enum class TSweepEnd : std::uint8_t { Done, Stopped, GaveUp };
+
+// Shows the pairs of SweepNearPairs in another order and some of them more than once, with all data close together.
+// Gives up before it has looked at more than a few boxes for each one, as where heights differ much. Cost: O(n log n)
+// comparisons at most, of which few are made for layouts in rows.
+template <class Visitor>
+TSweepEnd SweepStrips(std::span<const TPlacedBox> Boxes, double& Reach, Visitor Visit) {
+  constexpr Int64 kMostLooks = 32;
+  std::optional<TStrips> strips = TStrips::Of(Boxes, Reach);
+  if (!strips) return TSweepEnd::GaveUp;
+  Int64 looks = kMostLooks * Size(Boxes);
+  std::vector<int> open;
+  for (int strip = 0; strip < strips->Count(); ++strip) {
+    open.clear();
+    for (const auto& [left, index] : strips->At(strip, Boxes)) {
+      const TPlacedBox& box = Boxes[index];
+      if ((looks -= Size(open)) < 0) return TSweepEnd::GaveUp;
+      std::erase_if(open, [&](int other) { return left - Boxes[other].Right >= Reach; });
+      for (const int other : open) {
+        const TPlacedBox& b = Boxes[other];
+        const bool isNear = b.Bottom - box.Top < Reach && box.Bottom - b.Top < Reach;
+        if (isNear && Visit(other, index)) return TSweepEnd::Stopped;
+      }
+      open.push_back(index);
+    }
+  }
+  return TSweepEnd::Done;
 }
 
 }  // namespace platenest::detail

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <limits>
@@ -19,14 +20,13 @@ constexpr int kEnd = -1;
 // lists, one for each side, ascending by the near edge as seen from that side.
 class TCutter {
  public:
-  TCutter(std::span<const TPlacedBox> Boxes, double Tol) : FBoxes(Boxes), FTol(Tol), FTaken(Boxes.size(), false) {
-    std::vector<int> all(Boxes.size());
-    for (int i = 0; i < Size(all); ++i) all[i] = i;
+  TCutter(std::span<const TPlacedBox> Boxes, double Tol, const std::vector<std::vector<int>>& Pieces)
+      : FBoxes(Boxes), FTol(Tol), FTaken(Boxes.size(), false) {
     for (int side = 0; side < kSides; ++side) {
       FNext[side].resize(Boxes.size());
       FFormer[side].resize(Boxes.size());
     }
-    FPieces.push_back(MakePiece(all));
+    for (const std::vector<int>& piece : Pieces) FPieces.push_back(MakePiece(piece));
   }
 
   bool PartsAll() {
@@ -155,12 +155,83 @@ class TCutter {
   std::vector<TPiece> FPieces;
 };
 
+// Makes all cuts across all pieces at once, in turn along both axes, as long as that leads on: layouts in rows and
+// columns are done after a few turns. What is left is for TCutter; the order of cuts makes no difference.
+class TTurnCutter {
+ public:
+  TTurnCutter(std::span<const TPlacedBox> Boxes, double Tol)
+      : FBoxes(Boxes), FTol(Tol), FPieceOf(Boxes.size()), FStarts{0, Size(Boxes)} {
+    FOrder[0] = Indices(detail::OrderBy(Boxes, [](const TPlacedBox& B) { return B.Bottom; }));
+    FOrder[1] = Indices(detail::OrderBy(Boxes, [](const TPlacedBox& B) { return B.Left; }));
+  }
+
+  // The pieces of two or more boxes that are left.
+  std::vector<std::vector<int>> Run() {
+    int fruitless = 0;
+    for (int turn = 0; turn < kTurns && fruitless < 2 && Size(FStarts) <= Size(FBoxes); ++turn) {
+      const int axis = turn % 2;
+      const auto pieces = FStarts.size();
+      CutAll(axis);
+      fruitless = FStarts.size() > pieces ? 0 : fruitless + 1;
+      Regroup(FOrder[1 - axis]);
+    }
+    std::vector<std::vector<int>> left;
+    std::vector<int>& order = FOrder[0];
+    Regroup(order);
+    for (int i = 0; i + 1 < Size(FStarts); ++i)
+      if (FStarts[i + 1] - FStarts[i] > 1)
+        left.emplace_back(order.begin() + FStarts[i], order.begin() + FStarts[i + 1]);
+    return left;
+  }
+
+ private:
+  static constexpr int kTurns = 10;
+
+  static std::vector<int> Indices(const std::vector<detail::TKeyed>& Order) {
+    std::vector<int> indices(Order.size());
+    std::ranges::transform(Order, indices.begin(), &detail::TKeyed::Index);
+    return indices;
+  }
+
+  // Numbers the pieces anew. Orders go piece by piece.
+  void CutAll(int Axis) {
+    const std::vector<int>& order = FOrder[Axis];
+    std::vector<int> starts;
+    for (int i = 0; i + 1 < Size(FStarts); ++i) {
+      double reached = -std::numeric_limits<double>::infinity();
+      for (int k = FStarts[i]; k < FStarts[i + 1]; ++k) {
+        const TPlacedBox& box = FBoxes[order[k]];
+        if (reached <= (Axis == 0 ? box.Bottom : box.Left) + FTol) starts.push_back(k);
+        reached = std::max(reached, Axis == 0 ? box.Top : box.Right);
+        FPieceOf[order[k]] = Size(starts) - 1;
+      }
+    }
+    starts.push_back(Size(FBoxes));
+    FStarts = std::move(starts);
+  }
+
+  void Regroup(std::vector<int>& Order) const {
+    std::vector<int> next(FStarts.begin(), FStarts.end() - 1);
+    std::vector<int> grouped(Order.size());
+    for (const int box : Order) grouped[next[FPieceOf[box]]++] = box;
+    Order = std::move(grouped);
+  }
+
+  std::span<const TPlacedBox> FBoxes;
+  double FTol;
+  std::array<std::vector<int>, 2> FOrder;  // by the lower and by the left edge
+  std::vector<int> FPieceOf;               // by box
+  std::vector<int> FStarts;                // of the pieces within the orders, and the end
+};
+
 }  // namespace
 
 bool IsEdgeToEdge(std::span<const TPlacedBox> Boxes, double Tol) {
   detail::RequireProper(Boxes, "IsEdgeToEdge");
   detail::RequireFinite(Tol, "IsEdgeToEdge", "the tolerance");
-  return Boxes.size() < 2 || TCutter(Boxes, Tol).PartsAll();
+  if (Boxes.size() < 2) return true;
+  const std::vector<std::vector<int>> left = TTurnCutter(Boxes, Tol).Run();
+  return left.empty() || TCutter(Boxes, Tol, left).PartsAll();
 }
 
 }  // namespace platenest

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "BoxSweep.h"
 #include "FreeRun.h"
 #include "Guards.h"
 #include "platenest/foundation/Compare.h"
@@ -103,19 +104,33 @@ class TFreeBoxSearch {
       : FObstacles(std::move(Obstacles)), FArea(Area) {}
 
   TPlacedBox Run() {
-    TEdges edges;
-    edges.reserve(2 * FObstacles.size());
-    for (int i = 0; i < Size(FObstacles); ++i) {
-      edges.push_back({FObstacles[i].Bottom, i, true});
-      edges.push_back({FObstacles[i].Top, i, false});
-    }
-    SortBy(edges, [](const TEdge& A, const TEdge& B) { return Sign(A.Y, B.Y); });
+    const TEdges edges = AllEdges();
     OfferRims();
     Slab(FArea.Left, FArea.Right, Narrowed(edges, FArea.Left, FArea.Right));
     return FBest;
   }
 
  private:
+  // On the way up; of equal heights by obstacle, its lower edge first.
+  TEdges AllEdges() const {
+    using detail::TKeyed;
+    const std::vector<TKeyed> begins = detail::OrderBy(FObstacles, [](const TPlacedBox& B) { return B.Bottom; });
+    const std::vector<TKeyed> ends = detail::OrderBy(FObstacles, [](const TPlacedBox& B) { return B.Top; });
+    TEdges edges;
+    edges.reserve(2 * FObstacles.size());
+    auto end = ends.begin();
+    const auto takeEnd = [&] {
+      edges.push_back({end->Key, end->Index, false});
+      ++end;
+    };
+    for (const auto& [y, obstacle] : begins) {
+      while (end != ends.end() && (end->Key < y || (end->Key == y && end->Index < obstacle))) takeEnd();
+      edges.push_back({y, obstacle, true});
+    }
+    while (end != ends.end()) takeEnd();
+    return edges;
+  }
+
   void Offer(const TPlacedBox& Box) {
     if (Box.Area() > FBest.Area()) FBest = Box;
   }
@@ -236,6 +251,29 @@ class TFreeBoxSearch {
   double FRunEnd = 0;
 };
 
+bool IsJoined(const TPlacedBox& A, const TPlacedBox& B) {
+  const bool isRow = A.Bottom == B.Bottom && A.Top == B.Top;
+  const bool isColumn = A.Left == B.Left && A.Right == B.Right;
+  return (isRow && A.Left <= B.Right && B.Left <= A.Right) || (isColumn && A.Bottom <= B.Top && B.Bottom <= A.Top);
+}
+
+// The same obstacles with neighbours in the list joined where together they are a box, as in rows and grids: the room
+// between them is the same.
+std::vector<TPlacedBox> Joined(const std::vector<TPlacedBox>& Obstacles) {
+  std::vector<TPlacedBox> joined;
+  for (const TPlacedBox& obstacle : Obstacles) {
+    TPlacedBox box = obstacle;
+    while (!joined.empty() && IsJoined(joined.back(), box)) {
+      const TPlacedBox& last = joined.back();
+      box = {std::min(last.Left, box.Left), std::min(last.Bottom, box.Bottom), std::max(last.Right, box.Right),
+             std::max(last.Top, box.Top)};
+      joined.pop_back();
+    }
+    joined.push_back(box);
+  }
+  return joined;
+}
+
 }  // namespace
 
 std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, const TPlacedBox& Area, double Clearance,
@@ -247,12 +285,13 @@ std::optional<TPlacedBox> LargestFreeBox(std::span<const TPlacedBox> Boxes, cons
   if (Clearance < 0 || Tol < 0)
     throw TArgumentError("[Error] LayoutCheck.LargestFreeBox: the clearance and the tolerance must not be below 0");
   std::vector<TPlacedBox> obstacles;
+  obstacles.reserve(Boxes.size());
   for (const TPlacedBox& box : Boxes) {
     const TPlacedBox grown{std::max(box.Left - Clearance, Area.Left), std::max(box.Bottom - Clearance, Area.Bottom),
                            std::min(box.Right + Clearance, Area.Right), std::min(box.Top + Clearance, Area.Top)};
     if (grown.Left < grown.Right && grown.Bottom < grown.Top) obstacles.push_back(grown);
   }
-  const TPlacedBox best = TFreeBoxSearch(std::move(obstacles), Area).Run();
+  const TPlacedBox best = TFreeBoxSearch(Joined(obstacles), Area).Run();
   return best.Width() > Tol && best.Height() > Tol ? std::optional(best) : std::nullopt;
 }
 

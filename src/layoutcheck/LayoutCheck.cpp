@@ -147,6 +147,9 @@ std::optional<TBoxPair> FirstTooClose(std::span<const TPlacedBox> Boxes, double 
   detail::RequireFinite(Tol, "FirstTooClose", "the tolerance");
   const double least = Gap - Tol;
   double reach = std::max(least, 0.0);
+  // The quick sweep only tells whether there is such a pair; which one is for the other to say.
+  const auto isTooClose = [&](int A, int B) { return Clearance(Boxes[A], Boxes[B]) < least; };
+  if (detail::SweepStrips(Boxes, reach, isTooClose) == detail::TSweepEnd::Done) return std::nullopt;
   std::optional<TBoxPair> found;
   detail::SweepNearPairs(Boxes, reach, [&](int A, int B) {
     const double clearance = Clearance(Boxes[A], Boxes[B]);

@@ -40,11 +40,29 @@ TBoxes Anywhere(int Count, double Largest) {
   });
 }
 
+// As nesters list them: rows from below, or columns from the left, of one size or of several, here and there without a
+// copy.
+TBoxes InRows(int Count, double Gap, bool IsAcross) {
+  const bool isMixed = Random(2) == 1;
+  TBoxes boxes;
+  double x = 0, y = 0;
+  for (int i = 0; i < Count; ++i) {
+    const double width = isMixed ? Between(2, 12) : 8;
+    const TPlacedBox box{x, y, x + width, y + (isMixed ? Between(3, 5) : 5)};
+    if (Random(12) > 0) boxes.push_back(IsAcross ? TPlacedBox{box.Bottom, box.Left, box.Top, box.Right} : box);
+    x += width + Gap;
+    if (x > 80) x = 0, y += 5 + Gap;
+  }
+  return boxes;
+}
+
 TEST(LeastClearance, EqualsAllPairsTested) {
   for (int seed = 1; seed <= 1500; ++seed) {
     SetSeed(seed);
     const int count = 2 + Random(30);
-    const TBoxes boxes = seed % 3 == 0 ? OnGrid(count, 60, 4) : Anywhere(count, seed % 3 == 1 ? 3 : 15);
+    const TBoxes boxes = seed % 4 == 0   ? OnGrid(count, 60, 4)
+                         : seed % 4 == 1 ? InRows(2 * count, Between(0.1, 3), Random(2) == 1)
+                                         : Anywhere(count, seed % 4 == 2 ? 3 : 15);
     double least = std::numeric_limits<double>::infinity();
     for (const TPlacedBox& a : boxes)
       for (const TPlacedBox& b : boxes)
@@ -86,6 +104,7 @@ TEST(IsEdgeToEdge, EqualsTheSearchOverAllCuts) {
     SetSeed(seed);
     const TBoxes boxes = Disjoint(OnGrid(40, 7, 4));
     ASSERT_EQ(IsEdgeToEdge(boxes), NaiveEdgeToEdge(boxes)) << "seed " << seed;
+    ASSERT_TRUE(IsEdgeToEdge(InRows(60, seed % 2, seed % 3 == 0))) << "seed " << seed;
   }
   EXPECT_FALSE(IsEdgeToEdge(TBoxes{{0, 0, 2, 2}, {1, 1, 3, 3}}));
 }
@@ -133,6 +152,7 @@ TEST(LargestFreeBox, EqualsTheSearchOverAllRectangles) {
     const int count = Random(40);
     ExpectLargestFree(OnGrid(count, 12, 4), {1, 0, 12, 13}, seed % 3 == 0 ? 1 : 0, seed);
     ExpectLargestFree(Anywhere(count, seed % 2 == 0 ? 10 : 2), {0, 0, 100, 100}, seed % 5, seed);
+    ExpectLargestFree(InRows(2 * count, seed % 3, seed % 2 == 0), {0, 0, 92, 97}, seed % 3, seed);
     TBoxes bars = Anywhere(count, 3);
     for (std::size_t i = 0; i < bars.size(); i += 2) bars[i].Right = bars[i].Left + Between(20, 100);
     for (std::size_t i = 0; i < bars.size(); i += 5) bars[i].Top = bars[i].Bottom + Between(20, 100);

@@ -54,7 +54,8 @@ struct TBoxPair {
 
 // Some pair whose Clearance is below Gap - Tol, always the same one for the same list; nothing if there is none.
 // Raises TArgumentError for a box that is not proper and for a Gap or Tol that is not finite.
-// Cost: O(n log n); it stops at the first pair. A sweep over the left edges with the boxes at hand in a tree of maxima
+// Cost: O(n log n); it stops at the first pair. Strips across the layout mostly show that there is none. Where there is
+// one or heights differ too much, a sweep over the left edges with the boxes at hand in a tree of maxima
 // over their bottoms: as long as all boxes so far keep the distance, only a handful of others can be near a new one.
 PLATENEST_API std::optional<TBoxPair> FirstTooClose(std::span<const TPlacedBox> Boxes, double Gap,
                                                     double Tol = kDefaultTol);
