@@ -19,6 +19,8 @@ constexpr double kBoundTol = 1e-11;
 constexpr double kSecondsBetweenReports = 0.2;
 // How much longer measuring an answer takes than checking it.
 constexpr double kWritingRate = 2;
+// How far beyond the limit that may reach.
+constexpr double kLateSeconds = 0.05;
 // Between two answers of a search that goes on, in units of what writing one takes.
 constexpr double kLeastPause = 4;
 constexpr double kMsACopy = 1e-3;
@@ -34,11 +36,12 @@ TJobSearch::TJobSearch(const Job& AJob, TRunControl& Control, const std::vector<
 
 std::optional<double> TJobSearch::SecondsOf(double Share) const {
   if (!IsTimed()) return std::nullopt;
-  return std::max(0.0, Share * (FJob.Run.TimeLimit - FControl.Seconds() - kWritingRate * FWritingSeconds));
+  return std::max(0.0, Share * (FJob.Run.TimeLimit - FControl.Seconds() - (1 + kWritingRate) * FWritingSeconds));
 }
 
 bool TJobSearch::IsOver() {
-  return (FIsBest && !FSeeksFewer) || FControl.IsOver() || (IsTimed() && HasAnswer() && SecondsOf(1) <= 0.0);
+  if (IsTimed() && HasAnswer() && SecondsOf(1) <= 0.0) FControl.EndForTime();
+  return (FIsBest && !FSeeksFewer) || FControl.IsOver();
 }
 
 bool TJobSearch::Meets(std::string_view What, double Reached) const {
@@ -81,8 +84,16 @@ bool TJobSearch::IsDue() const {
   return !IsTimed() || FControl.Seconds() >= FWrittenAt + kLeastPause * FWritingSeconds;
 }
 
+// What takes no time to write down may come a little late: nesters that were stopped at the limit hand over what they
+// have.
+bool TJobSearch::IsTooLateToWrite() const {
+  const double seconds = (1 + kWritingRate) * FWritingSeconds;
+  return seconds > kLateSeconds && FControl.Seconds() + seconds > FJob.Run.TimeLimit + kLateSeconds;
+}
+
 bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   if (HasAnswer() && FJob.Run.Deterministic && FControl.OutOfTime()) return false;
+  if (HasAnswer() && IsTimed() && IsTooLateToWrite()) return false;
   TidyAnswer(FSizes, Layouts);
   if (Layouts.empty()) return false;
   const TJobMerit merit = MeritOf(FSizes, Layouts);

@@ -46,8 +46,9 @@ class TJobSearch {
   void SeekFewer() { FSeeksFewer = true; }
 
   // Takes layouts that place any part of the demand: tidied and checked they become the answer if they are better than
-  // it. A deterministic run takes nothing any more once its time is out: what a search comes to when it is cut short is
-  // not what it would have come to with more time, which must not be worse.
+  // it. Where writing another one down takes time and would pass the limit, nothing is taken any more. Nor does a
+  // deterministic run take anything once its time is out: what a search comes to when it is cut short is not what it
+  // would have come to with more time, which must not be worse.
   bool Offer(std::string_view Method, TJobLayouts Layouts);
   // Whether writing an answer down again would take a small part of the time since the last one.
   bool IsDue() const;
@@ -72,6 +73,7 @@ class TJobSearch {
   void RaiseTrouble() const;
 
  private:
+  bool IsTooLateToWrite() const;
   bool IsBest(const TJobMerit& Merit) const;
   bool HasFewestPlates(const TJobMerit& Merit) const;
   bool Meets(std::string_view What, double Reached) const;

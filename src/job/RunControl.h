@@ -25,6 +25,8 @@ class TRunControl {
   bool OutOfTime() const { return FOutOfTime.load(std::memory_order_relaxed); }
   // Whether to begin nothing new: stopped, or past the limit by the run's clock, counted or not.
   bool IsOver();
+  // Out of time from now on, ahead of the limit: what is left of it goes into writing the answer.
+  void EndForTime() { FOutOfTime.store(true, std::memory_order_relaxed); }
   // Counts what is about to be done as this many milliseconds in a deterministic run, whose limit no watchdog keeps.
   // False, and out of time from now on, where it would pass the limit.
   bool Affords(double Ms);
