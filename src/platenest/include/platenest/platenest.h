@@ -2,6 +2,7 @@
 
 // Everything that a host may use: the facade run(job) and the core classes below it.
 #include "platenest/NfpAlgorithmSet/NfpAlgorithmSet.h"
+#include "platenest/UCircleNest/UCircleNest.h"
 #include "platenest/URectNest/URectNest.h"
 #include "platenest/colgen/colgen.h"
 #include "platenest/job/Convert.h"

@@ -15,13 +15,14 @@
 namespace platenest {
 
 enum class JobKind : std::uint8_t {
-  One,     // how many of one size on one plate
-  Fill,    // best use of one plate, many sizes
-  Job,     // a whole demand over a stock of plates
-  Nfp,     // no-fit polygons, or the regions where parts fit into others
-  Array,   // two vectors that repeat a part
-  Label,   // where a label fits in a part, with its margin
-  Sucker,  // where a round gripper holds a part
+  One,      // how many of one size on one plate
+  Fill,     // best use of one plate, many sizes
+  Job,      // a whole demand over a stock of plates
+  Nfp,      // no-fit polygons, or the regions where parts fit into others
+  Array,    // two vectors that repeat a part
+  Label,    // where a label fits in a part, with its margin
+  Sucker,   // where a round gripper holds a part
+  Circles,  // circles of one or several sizes on one or many plates
 };
 
 enum class Rotate : std::uint8_t { Any, None };
@@ -57,7 +58,7 @@ struct Plate {
   friend bool operator==(const Plate&, const Plate&) = default;
 };
 
-// A rectangle from (0, 0) to (Width, Height), or a polygon where Outline holds points.
+// A rectangle from (0, 0) to (Width, Height), a polygon where Outline holds points, or a circle where Radius is not 0.
 struct Part {
   std::string Id;
   double Width = 0;  // 0 beside an outline, as Height
@@ -68,6 +69,7 @@ struct Part {
   std::string Label{};
   PolygonRing Outline{};
   std::vector<PolygonRing> Holes{};  // inside the outline, apart from each other; touching is allowed
+  double Radius = 0;                 // of a circle, which has no width and height; 0 for other shapes
 
   friend bool operator==(const Part&, const Part&) = default;
 };

@@ -30,6 +30,14 @@ struct Placement {
   friend bool operator==(const Placement&, const Placement&) = default;
 };
 
+struct CirclePlacement {
+  std::string Part;
+  std::array<double, 2> Center{0, 0};
+  double Radius = 0;
+
+  friend bool operator==(const CirclePlacement&, const CirclePlacement&) = default;
+};
+
 // One arrangement and how many plates are cut by it.
 struct Layout {
   std::string Plate;
@@ -42,6 +50,7 @@ struct Layout {
   bool EdgeToEdge = false;             // straight cuts from edge to edge can part the layout
   Box FreeBox{0, 0, 0, 0};             // the largest free rectangle, the offcut worth keeping
   std::vector<Placement> Placements;
+  std::vector<CirclePlacement> Circles{};  // kind Circles, instead of the placements
 
   friend bool operator==(const Layout&, const Layout&) = default;
 };

@@ -1,0 +1,7 @@
+#include "platenest/UCircleNest/CirclePacking.h"
+
+namespace platenest {
+
+// FRAME
+
+}  // namespace platenest

@@ -1,0 +1,7 @@
+#include "platenest/UCircleNest/MaxCirclePacking.h"
+
+namespace platenest {
+
+// FRAME
+
+}  // namespace platenest

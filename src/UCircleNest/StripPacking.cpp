@@ -1,0 +1,7 @@
+#include "PackingThread.h"
+
+namespace platenest {
+
+// FRAME
+
+}  // namespace platenest

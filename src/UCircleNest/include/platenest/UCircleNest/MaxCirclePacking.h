@@ -1,0 +1,124 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "platenest/foundation/Export.h"
+#include "platenest/foundation/Polyline.h"
+#include "platenest/foundation/Rect2D.h"
+
+namespace platenest {
+
+// The complete description of a pattern of equal circles, in units of one pitch.
+struct TPlaceInfo {
+  std::uint8_t SquareMode = 0;  // layout family
+  std::uint8_t AddMode = 0;     // variant within the family
+  int SquareNum = 0;            // columns of the square part; below 0 rows of it
+  int SquareNum2 = 0;
+  double GapX = 0;  // lattice steps
+  double GapY = 0;
+  bool Direct = false;        // rows along X, else along Y
+  bool Spec = false;          // special form: stretched or with a knapsack stack
+  bool NewState = false;      // extra circles in the rest strip
+  bool ShapeMethod5 = false;  // two rows plus one
+  bool MayTryShape5 = false;
+  double SPecAdj = 0;
+  double SPecAdj2 = 0;
+  double RestWid = 0;  // rest strip
+  double RestDel = 0;
+  int Rows = 0;  // of the lattice
+  int Columns = 0;
+  std::array<int, 4> ChooseTypeNum{};  // pieces of each row kind of a stack
+};
+
+// FRAME: header comment by the owner.
+class PLATENEST_API TMaxCirclePacking {
+ public:
+  TMaxCirclePacking(const TVRect2D& ARect, double ARadius, double PlateGap, double CirGap);
+  TMaxCirclePacking(const TVRect2D& ARect, double ARadius) : TMaxCirclePacking(ARect, ARadius, 0, 0) {}
+
+  int TryMaxFill();
+  const TVPoint2DList& ResultPt() const { return FResultPt; }
+  TVPoint2DList TakeResultPt() { return std::move(FResultPt); }
+  // Patterns whose layout did not stand, so that the next best took their place.
+  int FallbackCount() const { return FFallbackCount; }
+
+ protected:
+  // Whole pitches and fractions of the box, and no pattern yet. What a probe calls before it tries one family alone.
+  void BeginTrials();
+  // Takes FTempInfo with Count circles as the best pattern if it has more than all before; keeps two runners-up.
+  void Offer(int Count);
+
+  void TryGrid();
+  bool TryAddOne();
+  void TrySquareBlocks();
+  void TryPlace(bool Flag);
+  int CalNum1();
+  int CalNum2();
+  void TryIncXAndDecY1();
+  void TryIncYAndDecX1();
+  void TryIncXAndDecY2();
+  void TryIncYAndDecX2();
+  void TryCornerBlocks();
+  void TryMethod2(int I, int J);
+  int ProcessRest(int I, int J, std::uint8_t& AddMode);
+  void TryMethodNew();
+  void TryDirectX();
+  void TryDirectY();
+  int CalcStandMode(double Length, bool IsX);
+  static double CalcRef(double M, double F);
+  void TriangleDivide();
+
+  // Lays FPlaceInfo out, in plate coordinates; a pattern that does not stand gives way to the next best.
+  void ShapeResultPt();
+  // The layout of FPlaceInfo in the unit box, appended to FResultPt.
+  void Add1();
+  void Add2();
+  void Add3();
+  void Add4();
+  void Add5();
+  void AddSqu(int Nx, int Ny) { AddSqu(Nx, Ny, 0, 0); }
+  void AddSqu(int Nx, int Ny, double Dx, double Dy);
+  void AddPoint(double X, double Y) { FResultPt.push_back({X, Y}); }
+
+  int Result() const { return FResult; }
+  const TPlaceInfo& PlaceInfo() const { return FPlaceInfo; }
+  const TPoint2D& Bound() const { return FBound; }
+
+ private:
+  struct TRunnerUp {
+    int Count = 0;
+    TPlaceInfo Info;
+  };
+
+  int FResult = 0;
+  int FResult2 = 0;
+  int FAdded = 0;
+  bool FHaveAdjust = false;
+  int FIntX = 0;
+  int FIntY = 0;
+  double FFracX = 0;
+  double FFracY = 0;
+  TPoint2D FBound;
+  TPoint2D FBoundNew;
+  int FResNumX = 0;
+  int FResNumY = 0;
+  std::array<double, 2> FResX{};
+  std::array<double, 2> FResY{};
+  std::array<int, 2> FRows{};
+  std::array<int, 2> FCols{};
+  bool FMayAddOne = false;
+  double FRatio = 0;
+  TPoint2D FTrans;
+  TPlaceInfo FTempInfo;
+  TPlaceInfo FPlaceInfo;
+  std::array<TRunnerUp, 2> FRunnersUp{};
+  TVPoint2DList FResultPt;
+  int FFallbackCount = 0;
+};
+
+// FRAME
+PLATENEST_API double DynamicSinglCircleNest(double Radius, double ExtentY, double ExtentX, double Gap,
+                                            TVPoint2DList& Points);
+
+}  // namespace platenest
