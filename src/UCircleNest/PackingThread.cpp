@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "StepBudget.h"
+#include "CornerPlacement.h"
 
 namespace platenest {
 
