@@ -18,11 +18,11 @@ namespace {
 
 // The nester counts whole seconds: the run's token ends it earlier.
 constexpr int kNoLimitMs = 2'000'000'000;
-constexpr int kMostSizes = 120;
+constexpr int kMostSizes = 400;
 // In the nesters' units.
 constexpr double kTol = 2e-6;
-// Of one greedy pass over a plate, for each size and pair of circles.
-constexpr double kSecondsAPair = 6e-10;
+// Of one greedy pass over a plate, for each size and pair of circles. Look-ahead does not interrupt a pass.
+constexpr double kSecondsAPair = 4e-9;
 constexpr double kLongestPass = 0.12;
 // Of a plate's area that circles may cover, for estimates.
 constexpr double kDense = 0.85;
@@ -89,21 +89,45 @@ TCircleSpots SpotsOf(const TCircleNestRst& Result, const TCircleSizes& Sizes, co
   return spots;
 }
 
+// Whether one greedy pass over such a plate is short.
+bool IsQuick(const TShown& AShown, double Area, double Gap) {
+  const double standing = MostStanding(AShown, Area, Gap);
+  return kSecondsAPair * Size(AShown.Parts) * standing * standing <= kLongestPass;
+}
+
+// The nester with a way to leave the look-ahead out.
+class TPlatePacking : public TCirclePacking {
+ public:
+  using TCirclePacking::TCirclePacking;
+
+  // From each start pair without look-ahead, which ends at once when stopped.
+  void PackWithoutLookAhead() {
+    GenerateInitConfig();
+    if (WorkerCount() > 0) PackingMultiThread(kNoLookAhead, WorkerCount(), kFromStartPairs);
+  }
+
+ private:
+  static constexpr double kNoLookAhead = -4294967295.0;
+  static constexpr int kFromStartPairs = 1;
+};
+
 }  // namespace
 
 TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort) {
   const TCirclePlate& plate = Sizes.Plates[Plate];
   const TShown shown = Shown(Sizes, Plate, Left);
-  const double standing = MostStanding(shown, (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap), Sizes.Gap);
-  if (shown.Parts.empty() || kSecondsAPair * Size(shown.Parts) * standing * standing > kLongestPass) return {};
+  if (shown.Parts.empty()) return {};
   const TVRect2D rect = Effort.ExchangesSides ? TVRect2D::FromSize(plate.Height, plate.Width)
                                               : TVRect2D::FromSize(plate.Width, plate.Height);
-  TCirclePacking packing(rect, Sizes.Gap, shown.Radii, shown.Copies);
+  TPlatePacking packing(rect, Sizes.Gap, shown.Radii, shown.Copies);
   packing.SetThreadLimit(Effort.Threads);
   packing.SetStepLimit(Effort.Steps);
   {
     const TTimeShare share(Effort.Seconds);
-    packing.Packing(0, kNoLimitMs);
+    if (IsQuick(shown, (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap), Sizes.Gap))
+      packing.Packing(0, kNoLimitMs);
+    else
+      packing.PackWithoutLookAhead();
   }
   TCircleSpots spots = SpotsOf(packing.ResultTranslation(), Sizes, plate, shown, Effort.ExchangesSides);
   if (spots.empty()) return spots;
@@ -117,10 +141,7 @@ TCircleSpots PackStrip(const TCircleSizes& Sizes, int Plate, std::span<const int
   const TCirclePlate& plate = Sizes.Plates[Plate];
   const TShown shown = Shown(Sizes, Plate, Left);
   const double area = (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap);
-  const double standing = MostStanding(shown, area, Sizes.Gap);
-  if (shown.Parts.empty() || AreaOf(shown, Sizes.Gap) > area ||
-      kSecondsAPair * Size(shown.Parts) * standing * standing > kLongestPass)
-    return {};
+  if (shown.Parts.empty() || AreaOf(shown, Sizes.Gap) > area || !IsQuick(shown, area, Sizes.Gap)) return {};
   const double along = Effort.ExchangesSides ? plate.Height : plate.Width;
   const double across = Effort.ExchangesSides ? plate.Width : plate.Height;
   TCirclePacking packing(TVRect2D::FromSize(kStripPlates * along, across), Sizes.Gap, shown.Radii, shown.Copies);
