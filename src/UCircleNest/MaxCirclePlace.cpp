@@ -210,10 +210,7 @@ void TMaxCirclePacking::Add2() {
     AddSqu(FPlaceInfo.SquareNum, FIntY);
   else
     AddSqu(FIntX, -FPlaceInfo.SquareNum);
-  if (FPlaceInfo.ShapeMethod5 && FPlaceInfo.NewState)
-    AddWallColumn();
-  else
-    AddLattice();
+  AddLattice();
 }
 
 // Two rows of the block between the outer rows of the lattice: each circle of the last column lies SPecAdj above or
@@ -268,7 +265,8 @@ void TMaxCirclePacking::AddLattice() {
   if (FPlaceInfo.ShapeMethod5) AddTwoRowsPlusOne();
 }
 
-// Rows of two: the last two of them become two, one and two.
+// Rows of two: the last two of them become two, one and two. Never beside a rest strip: where that would be wide enough,
+// the height over the last row already lets the lattice take one row more.
 //
 //     o   o          o    o
 //       o   o          o
@@ -283,27 +281,6 @@ void TMaxCirclePacking::AddTwoRowsPlusOne() {
   AddAlong((wall + 0.5) / 2, (low + top) / 2);
   AddAlong(0.5, top);
   AddAlong(wall, top);
-}
-
-// Rows of two with a rest strip and one circle more: rows of two and of one alternate beside a column at the wall, and
-// lie so high that the column begins at the edge. The column only has to keep away from the rows of two.
-void TMaxCirclePacking::AddWallColumn() {
-  const double wall = Along(FBound, FPlaceInfo.Direct) - 0.5;
-  const double away = Leg(FPlaceInfo.RestWid);
-  const double low = 0.5 + away;
-  for (int j = 0; j < FPlaceInfo.Columns; ++j) {
-    AddAlong(j % 2 == 0 ? 0.5 : 1.0, low + j * RowStep());
-    if (j % 2 == 0) AddAlong(1.5, low + j * RowStep());
-  }
-  const int columnCount = FPlaceInfo.Columns / 2 + FPlaceInfo.Columns / 4 + 1;
-  double y = 0.5;
-  int row = 0;
-  for (int k = 0; k < columnCount; ++k) {
-    while (row < FPlaceInfo.Columns && low + row * RowStep() + away <= y) row += 2;
-    if (row < FPlaceInfo.Columns && low + row * RowStep() - away < y - 1e-12) y = low + row * RowStep() + away;
-    AddAlong(wall, y);
-    ++y;
-  }
 }
 
 }  // namespace platenest

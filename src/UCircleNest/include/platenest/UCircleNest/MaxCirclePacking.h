@@ -105,7 +105,6 @@ class PLATENEST_API TMaxCirclePacking {
   void AddSpecBlock();
   void AddLattice();
   void AddTwoRowsPlusOne();
-  void AddWallColumn();
   void AddAlong(double AlongRows, double AcrossRows);
   double RowStep() const;
   // Count circles, all in the box, all pairs at distance 1 at least.
