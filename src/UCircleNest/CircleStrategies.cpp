@@ -2,6 +2,8 @@
 
 namespace platenest {
 
-// FRAME
+void TCirclePacking::LargePlateNest() {}
+
+void TCirclePacking::CheckLastPlate() {}
 
 }  // namespace platenest
