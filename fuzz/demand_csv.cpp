@@ -12,10 +12,12 @@ using namespace platenest;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  try {
-    const std::vector<Part> parts = PartsFromCsv(text, "fuzz.csv", JobKind::Fill);
-    if (PartsFromCsv(PartsToCsv(parts), "written.csv", JobKind::Fill) != parts) std::abort();
-  } catch (const JobError&) {
+  for (const JobKind kind : {JobKind::Fill, JobKind::Circles}) {
+    try {
+      const std::vector<Part> parts = PartsFromCsv(text, "fuzz.csv", kind);
+      if (PartsFromCsv(PartsToCsv(parts), "written.csv", kind) != parts) std::abort();
+    } catch (const JobError&) {
+    }
   }
   try {
     PlatesFromCsv(text, "fuzz.csv");

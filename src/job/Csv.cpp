@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "JobForm.h"
+#include "KindChecks.h"
 #include "Table.h"
 #include "Texts.h"
 #include "platenest/job/Convert.h"
@@ -25,8 +26,10 @@ std::optional<bool> FlagFromText(std::string_view Text) {
 template <class T>
 class RecordTable {
  public:
-  RecordTable(std::string_view Text, std::string_view FileName, std::string_view List, int Most)
-      : FTable(Text, FileName), FFile(FileName), FList(List), FMost(Most) {
+  // Kind: of the job whose parts these are, if it is known; otherwise the columns tell whether they are circles.
+  RecordTable(std::string_view Text, std::string_view FileName, std::string_view List, int Most,
+              std::optional<JobKind> Kind = {})
+      : FTable(Text, FileName), FFile(FileName), FList(List), FMost(Most), FKind(Kind) {
     CheckFileText(Text, FileName, limits::kJobBytes);
   }
 
@@ -48,14 +51,39 @@ class RecordTable {
     return records;
   }
 
-  // Raises the faults of the reading and what else is wrong with the records, with lines and columns for places.
-  void Check(const std::vector<T>& Records) {
-    FindFaults(Records, FFaults);
+  bool HoldsCircles() const {
+    return FKind ? *FKind == JobKind::Circles : HasColumn("radius") && !HasColumn("width") && !HasColumn("height");
+  }
+
+  // Completes the records of a job of this kind. Raises the faults of the reading and what else is wrong with them,
+  // with lines and columns for places.
+  void Check(std::vector<Part>& Parts, JobKind Kind) {
+    ResolveSizes(Parts, Kind, FFaults);
+    FindFaults(Parts, Kind, FFaults);
+    RefuseForeignPartMembers(Parts, Kind, FFaults);
+    RaiseRenamed();
+  }
+  void Check(const std::vector<Plate>& Plates) {
+    FindFaults(Plates, FFaults);
+    RaiseRenamed();
+  }
+
+ private:
+  void RaiseRenamed() {
     FFaults.Rename([this](const std::string& place) { return Renamed(place); });
     FFaults.Raise();
   }
 
- private:
+  bool HasColumn(std::string_view Name) const {
+    return std::ranges::any_of(FColumns, [&](const Field<T>* field) { return field->Name == Name; });
+  }
+
+  bool IsNeeded(const Field<T>& AField) const {
+    if (!std::is_same_v<T, Part>) return AField.Required;
+    return AField.Name == "radius" ? HoldsCircles()
+                                   : (AField.Name == "width" || AField.Name == "height") && !HoldsCircles();
+  }
+
   void ReadHeader() {
     TableRow row;
     if (!FTable.Next(row)) throw InputError(Fault{"missing", FFile, "must begin with a line of column names", ""});
@@ -74,8 +102,7 @@ class RecordTable {
       }
     }
     for (const Field<T>& field : fields) {
-      const bool isThere = std::ranges::find(FColumns, &field) != FColumns.end();
-      if (field.Required && !isThere)
+      if (IsNeeded(field) && !HasColumn(field.Name))
         FFaults.AddInput("missing", Joined(HeaderPlace(), ":", field.Name), "is missing in the header");
     }
   }
@@ -93,7 +120,7 @@ class RecordTable {
         const Slot slot = field.At(Record);
         Accept(
             slot, ScalarFor(slot, cell), [&] { return Pointer(field.Name); }, FFaults);
-      } else if (field.Required) {
+      } else if (IsNeeded(field)) {
         FFaults.AddInput("missing", Pointer(field.Name), "must not be empty");
       }
     }
@@ -140,6 +167,7 @@ class RecordTable {
   std::string FFile;
   std::string FList;
   int FMost;
+  std::optional<JobKind> FKind;
   int FHeaderLine = 1;
   std::vector<const Field<T>*> FColumns;
   std::vector<int> FLines;  // where each record began
@@ -159,12 +187,12 @@ using namespace detail;
 
 std::vector<Part> PartsFromCsv(std::string_view Text, std::string_view FileName, JobKind Kind) {
   return WithMemoryError([&] {
-    RecordTable<Part> table(Text, FileName, "parts", limits::kPartKinds);
+    RecordTable<Part> table(Text, FileName, "parts", limits::kPartKinds, Kind);
     Job job;
     job.Parts = table.Read();
     ResolveAmounts(job.Parts, Kind);
     GiveIds(job);
-    table.Check(job.Parts);
+    table.Check(job.Parts, Kind);
     return std::move(job.Parts);
   });
 }
@@ -189,15 +217,61 @@ Job JobFromCsv(std::string_view Parts, std::string_view FileName, const std::vec
     const bool onePlateKind = Plates.size() <= 1;
     if (!onePlateKind) job.Kind = JobKind::Job;
     if (onePlateKind && job.Parts.size() > 1) job.Kind = JobKind::Fill;
+    if (table.HoldsCircles()) job.Kind = JobKind::Circles;
     ResolveAmounts(job.Parts, job.Kind);
     GiveIds(job);
-    table.Check(job.Parts);
+    table.Check(job.Parts, job.Kind);
     CheckJob(job);
     return job;
   });
 }
 
+namespace {
+
+std::string AmountCell(const Part& APart) {
+  return APart.Amount ? std::to_string(*APart.Amount) : "null";
+}
+
+std::string CirclesToCsv(const std::vector<Part>& Parts) {
+  std::string out = "id,radius,amount,label\n";
+  for (const Part& part : Parts) {
+    if (part.Radius == 0)
+      throw InputError(
+          Fault{"conflict", Joined("/parts/", &part - Parts.data()), "cannot stand in a table of circles", ""});
+    AppendTextCell(out, part.Id);
+    out += ',';
+    AppendNumberCell(out, part.Radius, "radius");
+    out += Joined(",", AmountCell(part), ",");
+    AppendTextCell(out, part.Label);
+    out += '\n';
+  }
+  return out;
+}
+
+std::string CircleResultToCsv(const Result& AResult) {
+  std::string out = "layout,plate,copies,part,x,y,radius\n";
+  for (int i = 0; i < Size(AResult.Layouts); ++i) {
+    const Layout& layout = AResult.Layouts[i];
+    std::string head = Joined(i + 1, ",");
+    AppendTextCell(head, layout.Plate);
+    head += Joined(",", layout.Copies, ",");
+    for (const CirclePlacement& circle : layout.Circles) {
+      out += head;
+      AppendTextCell(out, circle.Part);
+      for (const double number : {circle.Center[0], circle.Center[1], circle.Radius}) {
+        out += ',';
+        AppendNumberCell(out, number, "/layouts");
+      }
+      out += '\n';
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
 std::string PartsToCsv(const std::vector<Part>& Parts) {
+  if (std::ranges::any_of(Parts, [](const Part& part) { return part.Radius != 0; })) return CirclesToCsv(Parts);
   std::string out = "id,width,height,amount,rotate,value,label\n";
   for (const Part& part : Parts) {
     if (!part.Outline.empty())
@@ -208,7 +282,7 @@ std::string PartsToCsv(const std::vector<Part>& Parts) {
     AppendNumberCell(out, part.Width, "width");
     out += ',';
     AppendNumberCell(out, part.Height, "height");
-    out += Joined(",", part.Amount ? std::to_string(*part.Amount) : "null", ",");
+    out += Joined(",", AmountCell(part), ",");
     out += kRotateNames[part.Turn == Rotate::None ? 1 : 0];
     out += ',';
     if (part.Value) AppendNumberCell(out, *part.Value, "value");
@@ -220,6 +294,7 @@ std::string PartsToCsv(const std::vector<Part>& Parts) {
 }
 
 std::string ResultToCsv(const Result& AResult) {
+  if (AResult.Kind == JobKind::Circles) return CircleResultToCsv(AResult);
   std::string out = "layout,plate,copies,part,rotated,x,y,left,bottom,right,top\n";
   for (int i = 0; i < Size(AResult.Layouts); ++i) {
     const Layout& layout = AResult.Layouts[i];

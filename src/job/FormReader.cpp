@@ -181,8 +181,12 @@ void FormReader::CheckComplete(const Frame& Closed, const ObjectAt<T>& Object) {
   std::uint64_t bit = 1;
   for (const Field<T>& field : FieldsOf<T>()) {
     const bool isRequired = field.Required && (field.When == nullptr || field.When(*Object.Target));
-    if (isRequired && (Closed.Seen & bit) == 0 && !SeenIn<T>(Closed.Seen, field.Instead))
-      FFaults.AddMissing(Pointer(), field.Name);
+    const bool isSeen = (Closed.Seen & bit) != 0;
+    const bool isReplaced = SeenIn<T>(Closed.Seen, field.Instead);
+    if (isRequired && !isSeen && !isReplaced) FFaults.AddMissing(Pointer(), field.Name);
+    if (isSeen && isReplaced)
+      FFaults.AddInput("conflict", Joined(Pointer(), "/", field.Name),
+                       Joined("must not stand beside `", field.Instead, "`"));
     bit <<= 1;
   }
 }

@@ -18,6 +18,7 @@ namespace {
 constexpr NumberRule kValueRule{0, true, 0, limits::kWorth};
 constexpr NumberRule kCostRule{0, false, 0, limits::kWorth};
 constexpr NumberRule kTimeRule{0, false, 0, limits::kTimeLimit};
+constexpr NumberRule kRadiusRule{0, true, limits::kSmallestSize / 2, limits::kLargestSize / 2};
 
 // What each kind asks of its plates, parts and methods.
 struct KindRule {
@@ -31,6 +32,8 @@ constexpr std::string_view kOneMethods[] = {"auto", "strip", "fiveblock", "trim"
 constexpr std::string_view kFillMethods[] = {"auto", "smart", "raster", "rskf", "bigfirst", "strips"};
 constexpr std::string_view kJobMethods[] = {"auto", "repeat", "svc", "cg"};
 constexpr std::string_view kShapeMethods[] = {"auto"};
+constexpr std::string_view kCircleMethods[] = {"auto", "pattern", "pack"};
+constexpr std::string_view kLaterCircleMethods[] = {"dominant", "special"};
 
 // Without limit on both sides a job would never end.
 void CheckEnd(const Job& AJob, FaultList& Faults) {
@@ -42,6 +45,16 @@ void CheckEnd(const Job& AJob, FaultList& Faults) {
                          " is null too: such a job has no end"));
 }
 
+void FindCircleFaults(const Job& AJob, FaultList& Faults) {
+  CheckEnd(AJob, Faults);
+  const auto other =
+      std::ranges::find_if(AJob.Parts, [&](const Part& part) { return part.Radius != AJob.Parts[0].Radius; });
+  if (AJob.Run.Method != "pattern" || other == AJob.Parts.end()) return;
+  Faults.AddInput("conflict", "/options/method",
+                  Joined("\"pattern\" lays circles of one size, but the radius of /parts/", other - AJob.Parts.begin(),
+                         " is not that of /parts/0"));
+}
+
 // In the order of JobKind.
 constexpr KindRule kKindRules[] = {{kOneMethods, true, true, nullptr},
                                    {kFillMethods, true, false, nullptr},
@@ -49,7 +62,8 @@ constexpr KindRule kKindRules[] = {{kOneMethods, true, true, nullptr},
                                    {kShapeMethods, false, false, FindPairFaults},
                                    {kShapeMethods, false, false, FindArrayFaults},
                                    {kShapeMethods, false, false, FindLabelFaults},
-                                   {kShapeMethods, false, false, FindSuckerFaults}};
+                                   {kShapeMethods, false, false, FindSuckerFaults},
+                                   {kCircleMethods, false, false, FindCircleFaults}};
 
 void CheckCount(const std::optional<int>& V, const WholeRule& Rule, const PlaceOf& Place, FaultList& Faults) {
   if (!V) return;
@@ -128,8 +142,20 @@ void CheckSizeSpan(const Job& AJob, FaultList& Faults) {
     if (!AJob.Parts[i].Outline.empty()) continue;
     span.Add(AJob.Parts[i].Width, at("width"));
     span.Add(AJob.Parts[i].Height, at("height"));
+    span.Add(2 * AJob.Parts[i].Radius, at("radius"));
   }
   span.Check(Faults);
+}
+
+// The sizes that a part of this kind of jobs has. One of another kind is told by RefuseForeignPartMembers.
+void CheckSizes(const Part& APart, JobKind Kind, int Index, FaultList& Faults) {
+  const auto at = EntryPlaces("parts", Index);
+  if (Kind == JobKind::Circles) {
+    CheckNumber(APart.Radius, kRadiusRule, at("radius"), Faults);
+  } else if (APart.Outline.empty() && (APart.Radius == 0 || APart.Width != 0 || APart.Height != 0)) {
+    CheckNumber(APart.Width, kSizeRule, at("width"), Faults);
+    CheckNumber(APart.Height, kSizeRule, at("height"), Faults);
+  }
 }
 
 void CheckOptions(const Options& Run, FaultList& Faults) {
@@ -144,13 +170,17 @@ void CheckOptions(const Options& Run, FaultList& Faults) {
 // Whether a method keeps parts as they lie where the job asks for it. Methods of kind Job are told apart later, by
 // run().
 bool KeepsLocks(JobKind Kind, std::string_view Method, bool AllLocked) {
-  if (Method == "auto" || Kind == JobKind::Job) return true;
+  if (Method == "auto" || Kind == JobKind::Job || Kind == JobKind::Circles) return true;
   if (Kind == JobKind::One) return false;
   return Method == "smart" || (AllLocked && Method == "rskf");
 }
 
 void CheckMethod(const Job& AJob, const KindRule& Rule, FaultList& Faults) {
   const std::string& method = AJob.Run.Method;
+  if (AJob.Kind == JobKind::Circles && std::ranges::find(kLaterCircleMethods, method) != std::end(kLaterCircleMethods))
+    return Faults.AddInput(
+        "choice", "/options/method",
+        Joined("must be one of ", Listed(Rule.Methods), ": ", Quoted(method), " is not available in this version"));
   if (std::ranges::find(Rule.Methods, method) == Rule.Methods.end()) {
     return Faults.AddInput(
         "choice", "/options/method",
@@ -204,14 +234,11 @@ void FindFaults(const std::vector<Plate>& Plates, FaultList& Faults) {
   CheckIds(Plates, "plates", Faults);
 }
 
-void FindFaults(const std::vector<Part>& Parts, FaultList& Faults) {
+void FindFaults(const std::vector<Part>& Parts, JobKind Kind, FaultList& Faults) {
   for (int i = 0; i < Size(Parts) && !Faults.Full(); ++i) {
     const Part& part = Parts[i];
     const auto at = EntryPlaces("parts", i);
-    if (part.Outline.empty()) {
-      CheckNumber(part.Width, kSizeRule, at("width"), Faults);
-      CheckNumber(part.Height, kSizeRule, at("height"), Faults);
-    }
+    CheckSizes(part, Kind, i, Faults);
     FindShapeFaults(part, i, Faults);
     CheckCount(part.Amount, kAmountRule, at("amount"), Faults);
     if (part.Value) CheckNumber(*part.Value, kValueRule, at("value"), Faults);
@@ -225,7 +252,7 @@ void FindFaults(const Job& AJob, FaultList& Faults) {
   if (Faults.Full()) return;
   CheckHead(AJob, Faults);
   FindFaults(AJob.Plates, Faults);
-  FindFaults(AJob.Parts, Faults);
+  FindFaults(AJob.Parts, AJob.Kind, Faults);
   CheckOptions(AJob.Run, Faults);
   if (!Faults.Knows("/kind")) CheckKind(AJob, Faults);
   CheckSizeSpan(AJob, Faults);

@@ -1,6 +1,7 @@
 #include "JobForm.h"
 
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "FormFields.h"
@@ -29,8 +30,9 @@ template <>
 std::span<const Field<Part>> FieldsOf<Part>() {
   static constexpr Field<Part> fields[] = {
       {"id", false, Id<&Part::Id>},
-      {"width", true, Number<&Part::Width>, "outline"},
-      {"height", true, Number<&Part::Height>, "outline"},
+      {"width", false, Number<&Part::Width>},
+      {"height", false, Number<&Part::Height>},
+      {"radius", false, Number<&Part::Radius>},
       {"amount", false, Whole<&Part::Amount, kAmountRule>},
       {"rotate", false, Choice<&Part::Turn, kRotateNames>},
       {"value", false, Number<&Part::Value>},
@@ -104,6 +106,23 @@ void ResolveAmounts(std::vector<Part>& Parts, JobKind Kind) {
   }
 }
 
+void ResolveSizes(std::vector<Part>& Parts, JobKind Kind, FaultList& Faults) {
+  const bool asksForRadius = Kind == JobKind::Circles;
+  for (int i = 0; i < Size(Parts); ++i) {
+    Part& part = Parts[i];
+    const bool asksForSides = !asksForRadius && part.Outline.empty() && std::isnan(part.Radius);
+    const auto resolve = [&](double& Length, bool IsAsked, std::string_view Name) {
+      if (!std::isnan(Length)) return;
+      Length = 0;
+      const std::string place = Joined("/parts/", i);
+      if (IsAsked && !Faults.Knows(Joined(place, "/", Name))) Faults.AddMissing(place, Name);
+    };
+    resolve(part.Width, asksForSides, "width");
+    resolve(part.Height, asksForSides, "height");
+    resolve(part.Radius, asksForRadius, "radius");
+  }
+}
+
 void WriteContour(JsonWriter& Out, const PolygonRing& AContour) {
   Out.BeginList(JsonStyle::Line);
   for (const PolygonPoint& point : AContour) Out.Value(point);
@@ -143,10 +162,11 @@ void WritePlate(JsonWriter& Out, const Plate& APlate) {
 void WritePart(JsonWriter& Out, const Part& APart) {
   Out.BeginObject(JsonStyle::Line);
   Out.Member("id", APart.Id);
-  if (APart.Outline.empty()) {
+  if (APart.Outline.empty() && APart.Radius == 0) {
     Out.Member("width", APart.Width);
     Out.Member("height", APart.Height);
   }
+  if (APart.Radius != 0) Out.Member("radius", APart.Radius);
   Out.Member("amount", APart.Amount);
   if (APart.Turn == Rotate::None) Out.Member("rotate", "none");
   if (APart.Value) Out.Member("value", *APart.Value);
@@ -234,6 +254,7 @@ Job ParseJob(std::string_view Json) {
     const bool isWhole = ReadJson(Json, limits::kJobBytes, reader, faults);
     ResolvePlates(job, isWhole, faults);
     ResolveAmounts(job.Parts, job.Kind);
+    if (isWhole) ResolveSizes(job.Parts, job.Kind, faults);
     GiveIds(job);
     if (isWhole) FindFaults(job, faults);
     faults.Raise();

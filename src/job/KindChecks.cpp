@@ -18,7 +18,7 @@ constexpr unsigned Kinds(std::initializer_list<JobKind> List) {
   return bits;
 }
 
-constexpr unsigned kOfPlates = Kinds({JobKind::One, JobKind::Fill, JobKind::Job});
+constexpr unsigned kOfPlates = Kinds({JobKind::One, JobKind::Fill, JobKind::Job, JobKind::Circles});
 constexpr unsigned kOfOnePart = Kinds({JobKind::Array, JobKind::Label, JobKind::Sucker});
 
 struct TMember {
@@ -55,9 +55,26 @@ void CheckVertexSquare(const Job& AJob, FaultList& Faults) {
 
 }  // namespace
 
+void RefuseForeignPartMembers(const std::vector<Part>& Parts, JobKind Kind, FaultList& Faults) {
+  const bool isOfCircles = Kind == JobKind::Circles;
+  const std::string text = Joined("has no meaning in a job of kind `", KindName(Kind), "`, whose parts have ",
+                                  isOfCircles ? "a `radius`" : "`width` and `height`");
+  const auto refuse = [&](int Index, std::string_view Member, bool IsGiven) {
+    if (IsGiven) Faults.AddInput("conflict", Joined("/parts/", Index, "/", Member), text);
+  };
+  for (int i = 0; i < Size(Parts) && !Faults.Full(); ++i) {
+    refuse(i, "width", isOfCircles && Parts[i].Width != 0);
+    refuse(i, "height", isOfCircles && Parts[i].Height != 0);
+    refuse(i, "rotate", isOfCircles && Parts[i].Turn != Rotate::Any);
+    refuse(i, "value", isOfCircles && Parts[i].Value);
+    refuse(i, "radius", !isOfCircles && Parts[i].Radius != 0);
+  }
+}
+
 void RefuseForeignMembers(const Job& AJob, FaultList& Faults) {
   const std::string_view kind = KindName(AJob.Kind);
   const std::string text = Joined("has no meaning in a job of kind `", kind, "`");
+  RefuseForeignPartMembers(AJob.Parts, AJob.Kind, Faults);
   if (!IsOfShapes(AJob.Kind)) {
     for (int i = 0; i < Size(AJob.Parts); ++i)
       if (!AJob.Parts[i].Outline.empty()) Faults.AddInput("conflict", Joined("/parts/", i, "/outline"), text);

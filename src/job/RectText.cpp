@@ -217,6 +217,9 @@ Job JobFromRectText(std::string_view Text, std::string_view FileName) {
 
 Converted JobToRectText(const Job& AJob) {
   CheckJob(AJob);
+  if (AJob.Kind == JobKind::Circles)
+    throw InputError(Fault{"conflict", "/kind",
+                           "`circles` cannot be written to a text rectangle file, which holds rectangles only", ""});
   if (IsOfShapes(AJob.Kind))
     throw InputError(
         Fault{"conflict", "/kind",

@@ -1,3 +1,5 @@
+#include <cmath>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -59,9 +61,15 @@ template <>
 std::span<const Field<Placement>> FieldsOf<Placement>() {
   static constexpr Field<Placement> fields[] = {
       {"part", true, Id<&Placement::Part>},
-      {"rotated", true, Flag<&Placement::Rotated>},
-      {"trans", true, Numbers<&Placement::Trans>},
-      {"box", true, Numbers<&Placement::Bounds>},
+      {"rotated", true, Flag<&Placement::Rotated>, "center"},
+      {"trans", true, Numbers<&Placement::Trans>, "center"},
+      {"box", true, Numbers<&Placement::Bounds>, "center"},
+      {"center", false, [](Placement& r) -> Slot { return NumbersAt{std::span(r.Bounds).first<2>()}; }, "trans"},
+      {"radius", false,
+       [](Placement& r) -> Slot {
+         return NumberAt{&r.Bounds[2], false, 0};
+       },
+       "trans"},
   };
   return fields;
 }
@@ -235,6 +243,24 @@ void RequireAnswer(const Result& AResult, FaultList& Faults) {
   }
 }
 
+// Tells placements of circles from others, of which a result of one kind has one sort only.
+void ResolvePlacements(Layout& ALayout, JobKind Kind, const std::string& Place, FaultList& Faults) {
+  const bool areCircles = Kind == JobKind::Circles;
+  for (int i = 0; i < Size(ALayout.Placements) && !Faults.Full(); ++i) {
+    Placement& place = ALayout.Placements[i];
+    const std::string text = Joined("must have ", areCircles ? "`center` and `radius`" : "`rotated`, `trans` and `box`",
+                                    " in a result of kind `", KindName(Kind), "`");
+    if (std::isnan(place.Trans[0]) != areCircles) {
+      Faults.AddInput("conflict", Joined(Place, "/placements/", i), text);
+    } else if (areCircles && std::isnan(place.Bounds[2])) {
+      Faults.AddMissing(Joined(Place, "/placements/", i), "radius");
+    } else if (areCircles) {
+      ALayout.Circles.push_back({std::move(place.Part), {place.Bounds[0], place.Bounds[1]}, place.Bounds[2]});
+    }
+  }
+  if (areCircles) ALayout.Placements = {};
+}
+
 // What stands beside the word that there is no place says nothing.
 void ResolvePlaces(Result& AResult) {
   if (AResult.Label && !AResult.Label->Found) AResult.Label = LabelAnswer{};
@@ -268,6 +294,14 @@ void WritePlacement(JsonWriter& Out, const Placement& APlacement) {
   Out.EndObject();
 }
 
+void WriteCircle(JsonWriter& Out, const CirclePlacement& APlacement) {
+  Out.BeginObject(JsonStyle::Line);
+  Out.Member("part", APlacement.Part);
+  Out.Member("center", APlacement.Center);
+  Out.Member("radius", APlacement.Radius);
+  Out.EndObject();
+}
+
 void WriteLayout(JsonWriter& Out, const Layout& ALayout) {
   Out.BeginObject(JsonStyle::Block);
   Out.Member("plate", ALayout.Plate);
@@ -279,7 +313,10 @@ void WriteLayout(JsonWriter& Out, const Layout& ALayout) {
   Out.Member("min_clearance", ALayout.MinClearance);
   Out.Member("edge_to_edge", ALayout.EdgeToEdge);
   Out.Member("free_box", ALayout.FreeBox);
-  WriteList(Out, "placements", ALayout.Placements, WritePlacement);
+  if (ALayout.Circles.empty())
+    WriteList(Out, "placements", ALayout.Placements, WritePlacement);
+  else
+    WriteList(Out, "placements", ALayout.Circles, WriteCircle);
   Out.EndObject();
 }
 
@@ -406,6 +443,9 @@ Result ParseResult(std::string_view Json) {
     if (isWhole) ResolveTimes(result.Run, faults);
     if (isWhole) RequireAnswer(result, faults);
     ResolvePlaces(result);
+    faults.Raise();
+    for (int i = 0; i < Size(result.Layouts); ++i)
+      ResolvePlacements(result.Layouts[i], result.Kind, Joined("/layouts/", i), faults);
     faults.Raise();
     return result;
   });

@@ -50,7 +50,7 @@ inline constexpr WholeRule kTallyRule{0, kMostInt};   // a count in a result
 inline constexpr WholeRule kCopiesRule{1, kMostInt};  // plates cut by one layout
 
 inline constexpr std::string_view kUnitNames[] = {"mm", "cm", "m", "in", "none"};
-inline constexpr std::string_view kKindNames[] = {"one", "fill", "job", "nfp", "array", "label", "sucker"};
+inline constexpr std::string_view kKindNames[] = {"one", "fill", "job", "nfp", "array", "label", "sucker", "circles"};
 inline constexpr std::string_view kRotateNames[] = {"any", "none"};
 inline constexpr std::string_view kQualityNames[] = {"convex", "concave", "complete", "exact"};
 inline constexpr std::string_view kAlongNames[] = {"x", "y", "xy", "free"};
@@ -129,7 +129,7 @@ struct Field {
   std::string_view Name;
   bool Required;
   Slot (*At)(T&);
-  std::string_view Instead = {};     // the member that makes a required one needless
+  std::string_view Instead = {};     // the member that makes a required one needless, and may not stand beside it
   bool InTables = true;              // a cell can hold it
   bool (*When)(const T&) = nullptr;  // a required member is needless where this does not hold
 };
@@ -140,6 +140,7 @@ std::span<const Field<T>> FieldsOf();
 // A record that a form is about to fill. What the form may leave out and what then depends on other members holds a
 // value that no form can give.
 inline constexpr int kAbsentAmount = 0;
+inline constexpr double kAbsentNumber = std::numeric_limits<double>::quiet_NaN();
 
 template <class T>
 T Blank() {
@@ -149,7 +150,16 @@ template <>
 inline Part Blank<Part>() {
   Part part;
   part.Amount = kAbsentAmount;
+  part.Width = part.Height = part.Radius = kAbsentNumber;
   return part;
+}
+// Until all is read, the placement of a circle has its centre and radius in Bounds and no Trans.
+template <>
+inline Placement Blank<Placement>() {
+  Placement place;
+  place.Trans.fill(kAbsentNumber);
+  place.Bounds.fill(kAbsentNumber);
+  return place;
 }
 
 template <class T>

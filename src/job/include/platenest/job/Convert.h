@@ -30,22 +30,25 @@ PLATENEST_API Job JobFromRectText(std::string_view Text, std::string_view FileNa
 // of CheckJob.
 PLATENEST_API Converted JobToRectText(const Job& AJob);
 
-// Tables with a header line, in any order of columns: id, width, height, amount, rotate, value, label for parts, and
-// id, width, height, count, cost, remnant for plates. Only the sizes are needed; an empty cell is an absent one, `null`
+// Tables with a header line, in any order of columns: id, width, height, amount, rotate, value, label for parts, id,
+// radius, amount, label for parts of kind Circles, and id, width, height, count, cost, remnant for plates. Only the
+// sizes are needed; an empty cell is an absent one, `null`
 // means without limit. The separator is a semicolon if the header holds one, else a comma; with semicolons a number may
 // have a decimal comma. Fields may be quoted. One apostrophe before =, +, - or @ (or before more apostrophes and one of
 // these) is taken off, as PartsToCsv puts it there. Kind decides what an absent amount means.
 PLATENEST_API std::vector<Part> PartsFromCsv(std::string_view Text, std::string_view FileName, JobKind Kind);
 PLATENEST_API std::vector<Plate> PlatesFromCsv(std::string_view Text, std::string_view FileName);
 
-// A job from a table of parts: of kind Job on several plate kinds, else Fill, or One for a single part.
+// A job from a table of parts: of kind Circles if it has a column radius and neither width nor height, else of kind Job
+// on several plate kinds, else Fill, or One for a single part.
 PLATENEST_API Job JobFromCsv(std::string_view Parts, std::string_view FileName, const std::vector<Plate>& Plates);
 
-// Comma separated, LF, decimal points. A text that a spreadsheet would take for a formula gets an apostrophe.
+// Comma separated, LF, decimal points. A text that a spreadsheet would take for a formula gets an apostrophe. Raises
+// InputError for a polygon, and for circles among others.
 PLATENEST_API std::string PartsToCsv(const std::vector<Part>& Parts);
 
 // One line for each placement, with columns layout (counted from 1), plate, copies, part, rotated, x, y (the
-// translation), left, bottom, right, top.
+// translation), left, bottom, right, top; in kind Circles layout, plate, copies, part, x, y (the centre), radius.
 PLATENEST_API std::string ResultToCsv(const Result& AResult);
 
 }  // namespace platenest

@@ -117,7 +117,7 @@ struct Job {
   std::optional<LabelSize> Label{};
   double Offset = 0;  // least margin all round the label
   // Kind Sucker only.
-  std::optional<double> Radius{};
+  std::optional<double> Radius{};  // of the gripper
 
   friend bool operator==(const Job&, const Job&) = default;
 };
@@ -130,7 +130,7 @@ inline constexpr int kNestingDepth = 32;
 inline constexpr int kPartKinds = 10000;
 inline constexpr Int64 kCopies = 1000000;  // demanded in total, and placed in one layout
 inline constexpr int kPlateKinds = 1000;
-inline constexpr double kSmallestSize = 1e-3;
+inline constexpr double kSmallestSize = 1e-3;  // of a circle it is the diameter that counts
 inline constexpr double kLargestSize = 1e6;
 inline constexpr double kSizeRatio = 1e6;  // between the largest and the smallest size of a job
 inline constexpr int kIdCharacters = 200;

@@ -30,6 +30,7 @@ struct Placement {
   friend bool operator==(const Placement&, const Placement&) = default;
 };
 
+// A circle, in the units of the job. Its part says the same radius.
 struct CirclePlacement {
   std::string Part;
   std::array<double, 2> Center{0, 0};
@@ -44,11 +45,11 @@ struct Layout {
   double Width = 0;
   double Height = 0;
   int Copies = 1;
-  double Usage = 0;  // part area over plate area
-  Box UsedBox{0, 0, 0, 0};
+  double Usage = 0;                    // part area over plate area
+  Box UsedBox{0, 0, 0, 0};             // around all parts
   std::optional<double> MinClearance;  // measured; nothing with fewer than two parts
   bool EdgeToEdge = false;             // straight cuts from edge to edge can part the layout
-  Box FreeBox{0, 0, 0, 0};             // the largest free rectangle, the offcut worth keeping
+  Box FreeBox{0, 0, 0, 0};             // the largest free rectangle, the offcut worth keeping; clear of circles' boxes
   std::vector<Placement> Placements;
   std::vector<CirclePlacement> Circles{};  // kind Circles, instead of the placements
 
@@ -57,10 +58,11 @@ struct Layout {
 
 // Holds without trust in a heuristic.
 struct Bound {
-  // "count", or "value" of all placed copies in kind Fill; in kind Job "plates" and "cost", which are no less in any
-  // answer that places all copies asked for by number of parts that fit a plate, and "area" of all placed copies.
+  // "count", or "value" of all placed copies in kind Fill; in kinds Job and Circles "plates" and "cost", which are no
+  // less in any answer that places all copies asked for by number of parts that fit a plate, and "area" of all placed
+  // copies.
   std::string What;
-  std::string Kind;  // "area", "barnes", "fekete", "plates", "stock", or "demand" where no more is asked for
+  std::string Kind;  // "area", "barnes", "fekete", "oler", "plates", "stock", or "demand" where no more is asked for
   double Value = 0;
 
   friend bool operator==(const Bound&, const Bound&) = default;
