@@ -65,6 +65,7 @@ class PLATENEST_API TMaxCirclePacking {
   void TryMethodNew();
   void TryDirectX();
   void TryDirectY();
+  void TryDirect(bool IsX);
   int CalcStandMode(double Length, bool IsX);
   static double CalcRef(double M, double F);
   void TriangleDivide();
