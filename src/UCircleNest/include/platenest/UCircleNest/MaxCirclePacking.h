@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "platenest/foundation/Export.h"
 #include "platenest/foundation/Polyline.h"
@@ -69,6 +70,7 @@ class PLATENEST_API TMaxCirclePacking {
   int CalcStandMode(double Length, bool IsX);
   static double CalcRef(double M, double F);
   void TriangleDivide();
+  void TryTriangleEnds(double Last);
 
   // Lays FPlaceInfo out, in plate coordinates; a pattern that does not stand gives way to the next best.
   void ShapeResultPt();
@@ -116,6 +118,23 @@ class PLATENEST_API TMaxCirclePacking {
   std::array<TRunnerUp, 2> FRunnersUp{};
   TVPoint2DList FResultPt;
   int FFallbackCount = 0;
+
+  // What lies between a corner block and the far edge of the box on one of its sides, and what a stretched strip takes
+  // there (see MaxCircleCorner.cpp). Depends on one size of the block only.
+  struct TCornerStrip {
+    double Width = 0;
+    int Lines = 0;       // lattice lines along the block
+    bool Loose = false;  // wide enough for lines that do not interlock with the block
+    double Gap = 0;      // from line to line of the stretched part
+    double Step = 0;     // from half row to half row of it
+    double Rise = 0;     // from the block's last row to the second half row of it
+  };
+  static TCornerStrip MeasureStrip(double Width);
+  void AddStretchedCorner();
+  std::vector<TCornerStrip> FStripsX;  // by columns of the block
+  std::vector<TCornerStrip> FStripsY;  // by rows of the block
+  int FHalvesX = 0;                    // half-pitch positions along the box
+  int FHalvesY = 0;
 };
 
 // FRAME
