@@ -24,9 +24,25 @@ namespace {
 constexpr double kWholeTol = 1e-9;
 constexpr double kSqrt3 = 1.732050807569;
 constexpr double kLine = 0.8660254037845;
+constexpr double kWallZone = 0.5;  // pitches from the edge that a wall column takes
 
-// How the last triangle and the seam behind it use the end of the box.
-enum TEndMode : std::uint8_t { emLattice = 1, emNextTriangle = 3 };
+// How the end of the box is used. A wall column takes away the last circle of each row that ends less than half a pitch
+// from the edge, and stacks circles on the edge instead, as low as the rows' new ends let them.
+//
+//     row ends, g from the edge   wall column     Every other row stops g + 1/2 short. A circle on the edge may come as
+//          o  o|                     o   o|       near to it as sqrt(1 - (g + 1/2)^2), where rows are h apart; together
+//        o  o  |                   o     |        with the rest this may be room for one more.
+//          o  o|                     o  o|
+//     ---------                   ------o-
+enum TEndMode : std::uint8_t { emLattice = 1, emLatticeAndWall = 2, emNextTriangle = 3, emNextAndWall = 4 };
+
+bool HasWallColumn(const TPlaceInfo& Info) {
+  return Info.AddMode == emLatticeAndWall || Info.AddMode == emNextAndWall;
+}
+
+bool HasNextTriangle(const TPlaceInfo& Info) {
+  return Info.AddMode == emNextTriangle || Info.AddMode == emNextAndWall;
+}
 
 // Centre of the last circle in the base of a triangle, counted from 1.
 double Reach(const TPlaceInfo& Info, int Triangle) {
@@ -43,18 +59,65 @@ int CountUpTo(double To, double From) {
 struct TRowPart {
   double First = 0;  // centre of its first circle
   int Count = 0;
+
+  double LastX() const { return First + (Count - 1); }
 };
 
-// The part of a row, counted from the base of the triangle, that belongs to it; Last is the rightmost centre.
-TRowPart PartOfRow(const TPlaceInfo& Info, int Triangle, int Row, double Last) {
-  const double end = Reach(Info, Triangle) - Row * 0.5;
-  TRowPart part{end - (Info.Columns - Row), Info.Columns + 1 - Row};
+double RowY(const TPlaceInfo& Info, int Triangle, int RowFromFloor) {
+  return 0.5 + RowFromFloor * kLine + (Triangle % 2 == 1 ? 0.0 : Info.RestWid);
+}
+
+// The part of a row, counted from the floor, that belongs to a triangle. Last is the rightmost centre in the box. The
+// triangle that the edge cuts goes on to the edge if none follows it.
+TRowPart PartOfRow(const TPlaceInfo& Info, int Triangle, int RowFromFloor, double Last) {
+  if (Triangle > Info.SquareNum && !HasNextTriangle(Info)) return {};
+  const int row = Triangle % 2 == 1 ? RowFromFloor : Info.Columns - RowFromFloor;
+  const double end = Reach(Info, Triangle) - row * 0.5;
+  TRowPart part{end - (Info.Columns - row), Info.Columns + 1 - row};
   if (Triangle == 1) {
     part.Count = CountUpTo(end, 0.5);
     part.First = end - (part.Count - 1);
   }
-  part.Count = std::min(part.Count, CountUpTo(Last, part.First));
+  const int upToEdge = CountUpTo(Last, part.First);
+  part.Count = Triangle == Info.SquareNum && !HasNextTriangle(Info) ? upToEdge : std::min(part.Count, upToEdge);
+  if (HasWallColumn(Info) && part.Count > 0 && Last - part.LastX() < kWallZone) --part.Count;
   return part;
+}
+
+// Lowest height from Y on at which a circle may stand on the edge, as far as the rows are concerned.
+double LiftOverRows(const TPlaceInfo& Info, double Last, double Y) {
+  for (double lifted = Y;; Y = lifted) {
+    const int low = std::max(Floor((Y - 1.5 - Info.RestWid) / kLine), 0);
+    const int high = std::min(Floor((Y + 0.5) / kLine) + 1, Info.Columns);
+    for (int row = low; row <= high; ++row)
+      for (int triangle = Info.SquareNum - 1; triangle <= Info.SquareNum + 1; ++triangle) {
+        const TRowPart part = PartOfRow(Info, triangle, row, Last);
+        const double away = Last - part.LastX();
+        if (part.Count == 0 || away >= 1) continue;
+        const double rowY = RowY(Info, triangle, row);
+        const double clear = std::sqrt(1 - away * away);
+        if (Y > rowY - clear + kWholeTol && Y < rowY + clear) lifted = std::max(lifted, rowY + clear);
+      }
+    if (lifted == Y) return Y;
+  }
+}
+
+// Calls Put with the height of each circle of the wall column, from below.
+template <class TPut>
+void ForWallColumn(const TPlaceInfo& Info, double Last, double Height, TPut Put) {
+  if (!HasWallColumn(Info)) return;
+  for (double y = LiftOverRows(Info, Last, 0.5); y <= Height - 0.5 + kWholeTol; y = LiftOverRows(Info, Last, y + 1))
+    Put(y);
+}
+
+// Circles of the triangle that the edge cuts, of its two neighbours, and on the edge.
+int CountEnd(const TPlaceInfo& Info, double Last, double Height) {
+  int count = 0;
+  for (int row = 0; row <= Info.Columns; ++row)
+    for (int triangle = Info.SquareNum - 1; triangle <= Info.SquareNum + 1; ++triangle)
+      count += PartOfRow(Info, triangle, row, Last).Count;
+  ForWallColumn(Info, Last, Height, [&count](double) { ++count; });
+  return count;
 }
 
 }  // namespace
@@ -79,37 +142,27 @@ void TMaxCirclePacking::TriangleDivide() {
 
 void TMaxCirclePacking::TryTriangleEnds(double Last) {
   TPlaceInfo& info = FTempInfo;
-  const int whole =
-      (info.SquareNum - 2) * (info.Columns + 2) * (info.Columns + 1) / 2 + (info.Rows + 1) * (info.Rows + 1);
-  const double start = Reach(info, info.SquareNum) - info.Columns;
-  info.SquareNum2 = CountUpTo(Last, start);
-  int lattice = 0;
-  int next = 0;
-  for (int row = 0; row <= info.Columns; ++row) {
-    lattice += CountUpTo(Last, start + row * 0.5);
-    next += PartOfRow(info, info.SquareNum, row, Last).Count;
-    next += PartOfRow(info, info.SquareNum + 1, info.Columns - row, Last).Count;
+  const int whole = (info.Columns + 2) * (info.Columns + 1) / 2;
+  const int first = (info.Rows + 1) * (info.Rows + 1);
+  const int before = info.SquareNum == 2 ? 0 : (info.SquareNum - 3) * whole + first;
+  info.SquareNum2 = CountUpTo(Last, Reach(info, info.SquareNum) - info.Columns);
+  for (const std::uint8_t mode : {emLattice, emNextTriangle, emLatticeAndWall, emNextAndWall}) {
+    info.AddMode = mode;
+    Offer(before + CountEnd(info, Last, FBound.Y));
   }
-  info.AddMode = emLattice;
-  Offer(whole + lattice);
-  info.AddMode = emNextTriangle;
-  Offer(whole + next);
 }
 
 void TMaxCirclePacking::Add5() {
   const TPlaceInfo& info = FPlaceInfo;
   const double last = (info.Direct ? FBound.X : FBound.Y) - 0.5;
+  const double height = info.Direct ? FBound.Y : FBound.X;
   const std::size_t begin = FResultPt.size();
-  const int triangles = info.AddMode == emNextTriangle ? info.SquareNum + 1 : info.SquareNum;
-  for (int triangle = 1; triangle <= triangles; ++triangle) {
-    const bool onFloor = triangle % 2 == 1;
+  for (int triangle = 1; triangle <= info.SquareNum + 1; ++triangle)
     for (int row = 0; row <= info.Columns; ++row) {
-      TRowPart part = PartOfRow(info, triangle, row, last);
-      if (triangle == triangles && info.AddMode == emLattice) part.Count = CountUpTo(last, part.First);
-      const double y = 0.5 + (onFloor ? row * kLine : (info.Columns - row) * kLine + info.RestWid);
-      for (int i = 0; i < part.Count; ++i) AddPoint(part.First + i, y);
+      const TRowPart part = PartOfRow(info, triangle, row, last);
+      for (int i = 0; i < part.Count; ++i) AddPoint(part.First + i, RowY(info, triangle, row));
     }
-  }
+  ForWallColumn(info, last, height, [&](double Y) { AddPoint(last, Y); });
   if (info.Direct) return;
   for (std::size_t i = begin; i < FResultPt.size(); ++i) FResultPt[i] = FResultPt[i].MirrorByX().RotateCcw90();
 }

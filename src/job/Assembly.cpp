@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdint>
 #include <limits>
+#include <numbers>
 #include <numeric>
 #include <optional>
 
@@ -215,6 +216,12 @@ void Account(const Job& AJob, std::span<const Layout> Layouts, Result& AResult) 
       position = ids.PositionOf(place.Part, position);
       placed.at(position) += layout.Copies;
       AResult.Total.PartArea += AJob.Parts[position].Width * AJob.Parts[position].Height * layout.Copies;
+    }
+    for (const CirclePlacement& circle : layout.Circles) {
+      position = ids.PositionOf(circle.Part, position);
+      placed.at(position) += layout.Copies;
+      AResult.Total.PartArea +=
+          std::numbers::pi * AJob.Parts[position].Radius * AJob.Parts[position].Radius * layout.Copies;
     }
   }
   for (int i = 0; i < Size(used); ++i) AResult.Plates[i].Used = ToCount(used[i]);

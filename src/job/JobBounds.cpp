@@ -95,19 +95,6 @@ class TAreaSums {
   TWide FStock = 0;
 };
 
-// The least sum of plate costs that is not below Cost, as far as their common divisor tells.
-long double NextSum(const TJobSizes& Sizes, long double Cost) {
-  std::vector<double> costs;
-  for (const TJobPlate& plate : Sizes.Plates) costs.push_back(plate.Cost);
-  const std::optional<int> decimals = CommonDecimals(costs);
-  const double scale = decimals ? std::pow(10.0, *decimals) : 0;
-  if (!decimals || std::ranges::max(costs) * scale >= 0x1p53) return Cost;
-  Int64 unit = 0;
-  for (const double cost : costs) unit = std::gcd(unit, Round(cost * scale));
-  const long double units = Cost * scale / static_cast<long double>(unit);
-  return std::ceil(units - kNoise * std::max(1.0L, units)) * static_cast<long double>(unit) / scale;
-}
-
 long double CostOfCheapest(const TJobSizes& Sizes, Int64 Plates) {
   long double cost = 0;
   for (const int i : AscendingBy(Size(Sizes.Plates), [&](int k) { return Sizes.Plates[k].Cost; })) {
@@ -124,7 +111,9 @@ void AddPlatesAndCost(const TJobSizes& Sizes, const TAreaSums& Sums, std::vector
   Bounds.push_back({"plates", "area", static_cast<double>(byArea)});
   if (plates > byArea) Bounds.push_back({"plates", "fekete", static_cast<double>(plates)});
   if (HasOneCost(Sizes)) return;
-  const long double cost = NextSum(Sizes, Sums.LeastCost());
+  std::vector<double> costs;
+  for (const TJobPlate& plate : Sizes.Plates) costs.push_back(plate.Cost);
+  const long double cost = NextSum(costs, Sums.LeastCost());
   const long double ofPlates = CostOfCheapest(Sizes, plates);
   Bounds.push_back({"cost", "area", RoundToTwelveDigits(static_cast<double>(cost))});
   if (ofPlates > cost * (1 + kNoise))
@@ -132,6 +121,16 @@ void AddPlatesAndCost(const TJobSizes& Sizes, const TAreaSums& Sums, std::vector
 }
 
 }  // namespace
+
+long double NextSum(std::span<const double> Costs, long double Cost) {
+  const std::optional<int> decimals = CommonDecimals(Costs);
+  const double scale = decimals ? std::pow(10.0, *decimals) : 0;
+  if (!decimals || std::ranges::max(Costs) * scale >= 0x1p53) return Cost;
+  Int64 unit = 0;
+  for (const double cost : Costs) unit = std::gcd(unit, Round(cost * scale));
+  const long double units = Cost * scale / static_cast<long double>(unit);
+  return std::ceil(units - kNoise * std::max(1.0L, units)) * static_cast<long double>(unit) / scale;
+}
 
 std::vector<Bound> BoundsOfSizes(const TJobSizes& Sizes) {
   if (Sizes.Parts.empty()) return {{"plates", "area", 0}};

@@ -29,6 +29,10 @@ std::vector<Bound> BoundsOfSizes(const TJobSizes& Sizes);
 // Whether these copies of each part leave nothing of the whole stock free, in exact numbers.
 bool FillsStock(const TJobSizes& Sizes, std::span<const Int64> Placed);
 
+// The least sum of these costs, each as often as one likes, that is not below Cost, as far as their common divisor
+// tells.
+long double NextSum(std::span<const double> Costs, long double Cost);
+
 // Whether all plates have one cost, so that fewest plates cost least.
 bool HasOneCost(const TJobSizes& Sizes);
 

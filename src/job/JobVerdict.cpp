@@ -70,14 +70,6 @@ bool HasRoom(const Job& AJob, const TJobSizes& Sizes, const TJobPart& APart, con
          std::ranges::any_of(AResult.Layouts, [&](const Layout& layout) { return FitsFreeBox(part, layout); });
 }
 
-std::string PlateFault(const Job& AJob, const Layout& ALayout) {
-  const auto plate = std::ranges::find(AJob.Plates, ALayout.Plate, &Plate::Id);
-  if (plate == AJob.Plates.end()) return "a layout is on no plate of the job";
-  if (ALayout.Width != plate->Width || ALayout.Height != plate->Height) return "a layout has not the size of its plate";
-  if (ALayout.Copies < 1 || ALayout.Placements.empty()) return "a layout is empty";
-  return "";
-}
-
 std::string LayoutFault(const Job& AJob, const TPartIds& Ids, const Layout& ALayout) {
   std::string fault = PlateFault(AJob, ALayout);
   if (fault.empty()) fault = CheckLayout(Ids, ALayout, AJob.Gap, AJob.Margin);
@@ -86,14 +78,6 @@ std::string LayoutFault(const Job& AJob, const TPartIds& Ids, const Layout& ALay
     return place.Rotated && AJob.Parts[Ids.PositionOf(place.Part)].Turn == Rotate::None;
   };
   return std::ranges::any_of(ALayout.Placements, isWrong) ? "a part is turned that may not be" : "";
-}
-
-std::string CountFault(const Result& AResult) {
-  for (const PartUse& part : AResult.Parts)
-    if (part.Amount && part.Placed > *part.Amount) return "there are more copies than asked for";
-  for (const PlateUse& plate : AResult.Plates)
-    if (plate.Count && plate.Used > *plate.Count) return "there are more plates than in stock";
-  return "";
 }
 
 }  // namespace
@@ -121,6 +105,22 @@ std::string JobFault(const Job& AJob, const std::vector<Layout>& Layouts, const 
   if (!fault.empty()) return fault;
   const Bound* const beaten = BeatenBound(AJob, sums, Bounds);
   return beaten == nullptr ? "" : "the answer is better than the bound " + beaten->What + ", " + beaten->Kind;
+}
+
+std::string PlateFault(const Job& AJob, const Layout& ALayout) {
+  const auto plate = std::ranges::find(AJob.Plates, ALayout.Plate, &Plate::Id);
+  if (plate == AJob.Plates.end()) return "a layout is on no plate of the job";
+  if (ALayout.Width != plate->Width || ALayout.Height != plate->Height) return "a layout has not the size of its plate";
+  if (ALayout.Copies < 1 || (ALayout.Placements.empty() && ALayout.Circles.empty())) return "a layout is empty";
+  return "";
+}
+
+std::string CountFault(const Result& AResult) {
+  for (const PartUse& part : AResult.Parts)
+    if (part.Amount && part.Placed > *part.Amount) return "there are more copies than asked for";
+  for (const PlateUse& plate : AResult.Plates)
+    if (plate.Count && plate.Used > *plate.Count) return "there are more plates than in stock";
+  return "";
 }
 
 void JudgeJob(const Job& AJob, Result& AResult) {

@@ -22,6 +22,10 @@ const Bound* BeatenBound(const Job& AJob, const Result& AResult, std::span<const
 // turning locks and beat no bound. Cost: linear in the placements, but for a logarithm.
 std::string JobFault(const Job& AJob, const std::vector<Layout>& Layouts, const std::vector<Bound>& Bounds);
 
+// What is wrong with the plate of a layout, and with counts of copies and plates; empty if nothing.
+std::string PlateFault(const Job& AJob, const Layout& ALayout);
+std::string CountFault(const Result& AResult);
+
 // Proved, status and reasons from bounds, layouts with their free boxes, and counts, for a search that ended by itself.
 //   Complete: all copies asked for by number are placed, and no copy of a part without limit fits a plate left in stock
 //   or the largest free rectangle of a layout.

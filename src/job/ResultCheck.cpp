@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Assembly.h"
+#include "CircleVerdict.h"
 #include "FillVerdict.h"
 #include "JobForm.h"
 #include "JobVerdict.h"
@@ -70,7 +71,10 @@ class TResultCheck {
 
   void CheckHead();
   void CheckOneLayout(int Index);
+  bool IsOfCircles() const { return FJob.Kind == JobKind::Circles; }
+  bool TakesManyPlates() const { return FJob.Kind == JobKind::Job || IsOfCircles(); }
   void CheckPlacements(const Layout& ALayout, const std::string& Place);
+  void CheckCircles(const Layout& ALayout, const std::string& Place);
   void CheckMeasures(const Layout& ALayout, const std::string& Place);
   void CheckFreeBox(const Layout& Stated, const Layout& Measured, const std::string& Place);
   void CheckCounts();
@@ -110,10 +114,15 @@ void TResultCheck::CheckOneLayout(int Index) {
   Require(layout.Width == plate->Width, place + "/width", "is not that of the plate, " + Number(plate->Width));
   Require(layout.Height == plate->Height, place + "/height", "is not that of the plate, " + Number(plate->Height));
   Require(layout.Copies >= 1, place + "/copies", "must be at least 1");
-  Require(!layout.Placements.empty(), place + "/placements", "is empty: an unused plate is no layout");
-  CheckPlacements(layout, place);
+  const bool isOfCircles = IsOfCircles();
+  Require(isOfCircles ? layout.Placements.empty() : layout.Circles.empty(), place + "/placements",
+          isOfCircles ? "holds rectangles" : "holds circles");
+  Require(isOfCircles ? !layout.Circles.empty() : !layout.Placements.empty(), place + "/placements",
+          "is empty: an unused plate is no layout");
+  isOfCircles ? CheckCircles(layout, place) : CheckPlacements(layout, place);
   if (FFaults.size() != before) return;
-  const std::string verdict = CheckLayout(FIds, layout, FResult.Gap, FResult.Margin);
+  const std::string verdict = isOfCircles ? CheckCircleLayout(FIds, layout, FResult.Gap, FResult.Margin)
+                                          : CheckLayout(FIds, layout, FResult.Gap, FResult.Margin);
   if (!verdict.empty()) return Add(place, verdict);
   CheckMeasures(layout, place);
 }
@@ -136,9 +145,25 @@ void TResultCheck::CheckPlacements(const Layout& ALayout, const std::string& Pla
   }
 }
 
+void TResultCheck::CheckCircles(const Layout& ALayout, const std::string& Place) {
+  int position = -1;
+  for (int i = 0; i < Size(ALayout.Circles) && Size(FFaults) < JobError::kMaxFaults; ++i) {
+    const CirclePlacement& stated = ALayout.Circles[i];
+    const std::string place = Place + "/placements/" + std::to_string(i);
+    position = FIds.PositionOf(stated.Part, position);
+    if (position < 0)
+      Add(place + "/part", "names no part of the job: " + stated.Part);
+    else if (stated.Radius != FJob.Parts[position].Radius)
+      Add(place + "/radius", "is not that of the part, " + Number(FJob.Parts[position].Radius));
+  }
+}
+
 void TResultCheck::CheckMeasures(const Layout& ALayout, const std::string& Place) {
   Layout measured = ALayout;
-  MeasureInto(measured, FResult.Gap, FResult.Margin);
+  if (IsOfCircles())
+    MeasureCirclesInto(measured, FResult.Gap, FResult.Margin);
+  else
+    MeasureInto(measured, FResult.Gap, FResult.Margin);
   FFreeBoxes.push_back(measured.FreeBox);
   RequireNumber(ALayout.Usage, measured.Usage, Place + "/usage");
   Require(AreClose(ALayout.UsedBox, measured.UsedBox), Place + "/used_box", "is not the box around the parts");
@@ -160,10 +185,11 @@ void TResultCheck::CheckFreeBox(const Layout& Stated, const Layout& Measured, co
   if (area != 0 && FirstOutside(std::span(&placed, 1), room)) return Add(Place + "/free_box", "is not on the plate");
   Require(placed.IsProper() && std::fabs(area - largest) <= kLengthTol * std::max(1.0, Stated.Width + Stated.Height),
           Place + "/free_box", "is not a largest free rectangle");
-  for (const Placement& part : Stated.Placements) {
-    const TPlacedBox other{part.Bounds[0], part.Bounds[1], part.Bounds[2], part.Bounds[3]};
+  std::vector<TPlacedBox> parts = CircleBoxesOf(Stated);
+  for (const Placement& part : Stated.Placements)
+    parts.push_back({part.Bounds[0], part.Bounds[1], part.Bounds[2], part.Bounds[3]});
+  for (const TPlacedBox& other : parts)
     if (area > 0 && Clearance(placed, other) < FResult.Gap - kLengthTol) return Add(Place + "/free_box", "is not free");
-  }
 }
 
 void TResultCheck::CheckCounts() {
@@ -194,7 +220,7 @@ void TResultCheck::CheckStock(const Result& True) {
     Require(!True.Plates[i].Count || True.Plates[i].Used <= *True.Plates[i].Count, place + "/used",
             "more plates than there are in stock");
   }
-  Require(FJob.Kind == JobKind::Job || True.Total.Plates <= 1, "/layouts", "uses more than one plate");
+  Require(TakesManyPlates() || True.Total.Plates <= 1, "/layouts", "uses more than one plate");
 }
 
 void TResultCheck::CheckDemand(const Result& True) {
@@ -243,6 +269,9 @@ Result TResultCheck::Judged(const Job& InForce) const {
   if (FJob.Kind == JobKind::Job) {
     truth.Bounds = JobBoundsOf(InForce);
     JudgeJob(InForce, truth);
+  } else if (IsOfCircles()) {
+    truth.Bounds = CircleBoundsOf(InForce);
+    JudgeCircles(InForce, truth);
   } else if (FJob.Kind == JobKind::Fill) {
     truth.Bounds = FillBoundsOf(InForce);
     JudgeFill(InForce, truth);
@@ -264,8 +293,9 @@ void TResultCheck::CheckBoundsAndStatus() {
 }
 
 void TResultCheck::CheckBeaten(const Job& InForce, const Result& True) {
-  if (FJob.Kind == JobKind::Job) {
-    const Bound* const beaten = BeatenBound(InForce, True, True.Bounds);
+  if (TakesManyPlates()) {
+    const Bound* const beaten =
+        IsOfCircles() ? BeatenCircleBound(InForce, True, True.Bounds) : BeatenBound(InForce, True, True.Bounds);
     return Require(beaten == nullptr, "/layouts",
                    beaten == nullptr ? "" : "are better than the bound " + beaten->What + ", " + beaten->Kind);
   }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "CircleSizes.h"
+#include "platenest/foundation/Types.h"
+
+// Circles of several sizes on one plate by corner placement with look-ahead.
+namespace platenest::detail {
+
+struct TPackEffort {
+  std::optional<double> Seconds;  // wall time; nothing where only steps and the run's stop end it
+  Int64 Steps = 0;                // tried positions of each worker; 0 for no limit
+  int Threads = 1;
+  bool ExchangesSides = false;  // builds up from the plate's bottom edge instead of its left one
+};
+
+// Fills a plate with copies of what is left: the nester's answer, topped up. Empty where the sizes do not make a start,
+// where one pass of the nester, which is not to be interrupted, would take too long, or where its answer does not pass
+// the layout check. So many sizes as the nester cannot hold are thinned out.
+TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort);
+
+// Circles that can stand on one plate in one row from edge to edge, all of them or nothing, the shortest that the strip
+// nester finds within the time.
+TCircleSpots PackStrip(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort);
+
+}  // namespace platenest::detail

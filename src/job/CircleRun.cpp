@@ -1,0 +1,213 @@
+#include "CircleRun.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "Assembly.h"
+#include "CircleFill.h"
+#include "CirclePack.h"
+#include "CirclePattern.h"
+#include "CirclePlates.h"
+#include "CircleSearch.h"
+#include "CircleVerdict.h"
+#include "platenest/foundation/Random.h"
+#include "platenest/foundation/StopToken.h"
+#include "platenest/job/JobErrors.h"
+
+namespace platenest::detail {
+
+namespace {
+
+constexpr char kPattern[] = "pattern";
+constexpr char kPack[] = "pack";
+
+// Up to so many copies times sizes the first answer takes a moment, and comes whatever the time limit is.
+constexpr double kQuickWork = 2e5;
+// Copies of a size on a plate, on average, from which blocks of patterns are tried.
+constexpr double kCopiesForBlocks = 12;
+// Where no clock ends the search: tried positions of a worker on each plate, four times as many in each round.
+constexpr Int64 kFirstSteps = 500'000;
+constexpr Int64 kStepsGrow = 4;
+constexpr int kCountedRounds = 4;
+constexpr double kStepsAMs = 2e3;
+// Shares of the time that is left when a variant begins, while others wait.
+constexpr double kFirstShare = 0.5;
+
+double WorkOf(const TCircleSizes& Sizes) {
+  double copies = 0;
+  for (const TCirclePart& part : Sizes.Parts) copies += part.Amount;
+  return copies * Size(Sizes.Parts);
+}
+
+void LayPatterns(TCircleSearch& Search) {
+  const TCircleSizes& sizes = Search.Sizes();
+  if (!sizes.HasOneSize()) return;
+  for (const std::vector<int>& order : PlateOrders(sizes)) {
+    if (Search.HasAnswer() && Search.IsOver()) return;
+    Search.Try([&] {
+      Search.Offer(kPattern, FillPlates(sizes, order, [&](int plate, std::span<const int> left) {
+        return NestPattern(sizes, plate, left);
+      }));
+    });
+  }
+}
+
+void FillQuickly(TCircleSearch& Search, TFillSide Side) {
+  const TCircleSizes& sizes = Search.Sizes();
+  for (const std::vector<int>& order : PlateOrders(sizes)) {
+    if (Search.HasAnswer() && Search.IsOver()) return;
+    Search.Try([&] {
+      Search.Offer(kPack, FillPlates(sizes, order, [&](int plate, std::span<const int> left) {
+        TCircleSpots spots;
+        FillPlate(sizes, plate, left, Side, spots);
+        return spots;
+      }));
+    });
+  }
+}
+
+void LayBlocks(TCircleSearch& Search) {
+  const TCircleSizes& sizes = Search.Sizes();
+  double least = 0;
+  for (const TCirclePart& part : sizes.Parts)
+    least += std::min<double>(part.Amount, MostOnPlate(sizes, sizes.Plates.front(), part.Radius));
+  if (least < kCopiesForBlocks * Size(sizes.Parts) || Search.IsOver()) return;
+  Search.Try([&] {
+    Search.Offer(kPack, FillPlates(sizes, PlateOrders(sizes).front(), [&](int plate, std::span<const int> left) {
+      TCircleSpots spots = NestBlocks(sizes, plate, left);
+      std::vector<int> rest(left.begin(), left.end());
+      for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
+      FillPlate(sizes, plate, rest, TFillSide::Left, spots);
+      return spots;
+    }));
+  });
+}
+
+// The first answers. A small job is answered whatever the time limit is.
+void AnswerQuickly(TCircleSearch& Search, const std::string& Method) {
+  const bool isSmall = WorkOf(Search.Sizes()) <= kQuickWork;
+  const TStopTokenScope scope(isSmall ? Search.Control().CallersToken() : CurrentStopToken());
+  if (Method != kPack) LayPatterns(Search);
+  if (Method == kPattern) return;
+  FillQuickly(Search, TFillSide::Left);
+  LayBlocks(Search);
+  FillQuickly(Search, TFillSide::Bottom);
+  Search.Control().Affords(1);
+}
+
+// One way to fill all plates with the nester.
+struct TVariant {
+  bool ExchangesSides = false;
+  bool SharesDemand = false;  // each plate is shown its share of what is left, and topped up with anything
+};
+
+class TPackRound {
+ public:
+  TPackRound(TCircleSearch& Search, const TVariant& Variant, std::optional<double> Seconds, Int64 Steps)
+      : FSearch(Search), FVariant(Variant), FSeconds(Seconds), FSteps(Steps) {
+    for (const TCircleLayout& layout : Search.Best())
+      FAreaLeft += Search.Sizes().Plates[layout.Plate].Area * layout.Copies;
+    FFillsLeft = std::max(1, Size(Search.Best()));
+    FStart = Search.Control().Seconds();
+  }
+
+  TCircleSpots operator()(int Plate, std::span<const int> Left) {
+    const TCircleSizes& sizes = FSearch.Sizes();
+    const TPackEffort effort = NextEffort();
+    if (!FSearch.Control().Affords(static_cast<double>(effort.Steps) / kStepsAMs)) return {};
+    const std::vector<int> shown = ShareOf(Plate, Left);
+    TCircleSpots spots = PackPlate(sizes, Plate, shown, effort);
+    std::vector<int> rest(Left.begin(), Left.end());
+    for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
+    FillPlate(sizes, Plate, rest, TFillSide::Left, spots);
+    FAreaLeft -= sizes.Plates[Plate].Area * TimesOf(spots, Left);
+    return spots;
+  }
+
+ private:
+  TPackEffort NextEffort() {
+    TPackEffort effort{.Steps = FSteps, .Threads = FSearch.Threads(), .ExchangesSides = FVariant.ExchangesSides};
+    if (FSeconds) effort.Seconds = std::max(0.0, (FStart + *FSeconds - FSearch.Control().Seconds()) / FFillsLeft);
+    FFillsLeft = std::max(1, FFillsLeft - 1);
+    return effort;
+  }
+
+  std::vector<int> ShareOf(int Plate, std::span<const int> Left) const {
+    std::vector<int> shown(Left.begin(), Left.end());
+    const double share = FSearch.Sizes().Plates[Plate].Area / FAreaLeft;
+    if (!FVariant.SharesDemand || !(share < 1 && share > 0)) return shown;
+    for (int& copies : shown) copies = static_cast<int>(std::ceil(copies * share));
+    return shown;
+  }
+
+  static int TimesOf(const TCircleSpots& Spots, std::span<const int> Left) {
+    std::vector<int> counts(Left.size());
+    for (const TCornerPlacement& spot : Spots) ++counts[spot.CircleIdx];
+    int times = 0;
+    for (int i = 0; i < Size(counts); ++i)
+      if (counts[i] > 0) times = times == 0 ? Left[i] / counts[i] : std::min(times, Left[i] / counts[i]);
+    return times;
+  }
+
+  TCircleSearch& FSearch;
+  TVariant FVariant;
+  std::optional<double> FSeconds;
+  Int64 FSteps;
+  double FAreaLeft = 0;
+  int FFillsLeft = 1;
+  double FStart = 0;
+};
+
+void Pack(TCircleSearch& Search, const std::vector<TVariant>& Variants, Int64 Steps) {
+  const TCircleSizes& sizes = Search.Sizes();
+  const std::vector<std::vector<int>> orders = PlateOrders(sizes);
+  const auto count = Variants.size() * orders.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    if (Search.IsOver()) return;
+    const TVariant& variant = Variants[i % Variants.size()];
+    std::optional<double> seconds = Search.SecondsLeft();
+    if (seconds && i + 1 < count) *seconds *= kFirstShare;
+    Search.Try([&] {
+      Search.Offer(kPack, FillPlates(sizes, orders[i / Variants.size()], TPackRound(Search, variant, seconds, Steps)));
+    });
+  }
+}
+
+void PackInRounds(TCircleSearch& Search) {
+  std::vector<TVariant> variants = {{false, false}, {true, false}};
+  if (Search.Merit().Plates > 1) variants = {{false, false}, {false, true}, {true, false}, {true, true}};
+  if (Search.IsTimed()) return Pack(Search, variants, 0);
+  Int64 steps = kFirstSteps;
+  for (int round = 0; round < kCountedRounds && !Search.IsOver(); ++round, steps *= kStepsGrow)
+    Pack(Search, variants, steps);
+}
+
+}  // namespace
+
+void AnswerCircles(const Job& AJob, TRunControl& Control, Result& AResult) {
+  AResult.Bounds = CircleBoundsOf(AJob);
+  const TRandomScope random(AJob.Run.Seed);
+  TCircleSearch search(AJob, Control, AResult.Bounds);
+  if (!search.Sizes().Parts.empty()) {
+    AnswerQuickly(search, AJob.Run.Method);
+    if (AJob.Run.Method != kPattern && !search.IsOver()) PackInRounds(search);
+  }
+  if (!search.HasAnswer()) {
+    search.RaiseTrouble();
+    if (Control.StoppedByCaller()) throw StoppedError({"stopped", "", "stopped before any result", ""});
+  } else {
+    AResult.Run.Method = search.Method();
+    AResult.Layouts = search.TakeLayouts();
+    for (Layout& layout : AResult.Layouts) MeasureCirclesInto(layout, AJob.Gap, AJob.Margin);
+  }
+  Account(AJob, AResult);
+  JudgeCircles(AJob, AResult);
+  if (!AResult.Proved) NoteInterruption(Control, AResult);
+}
+
+}  // namespace platenest::detail
