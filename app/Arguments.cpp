@@ -1,5 +1,6 @@
 #include "Arguments.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -140,6 +141,7 @@ constexpr OptionPlace kOptionPlaces[] = {
     {"/parts/0/width", "--part", "width ", [](const JobOverrides& o) { return o.PartSize.has_value(); }},
     {"/parts/0/height", "--part", "height ", [](const JobOverrides& o) { return o.PartSize.has_value(); }},
     {"/parts/0/amount", "--amount", "", [](const JobOverrides& o) { return o.Amount.has_value(); }},
+    {"/parts/0/radius", "--radius", "", [](const JobOverrides& o) { return o.Radius.has_value(); }},
     {"/gap", "--gap", "", [](const JobOverrides& o) { return o.Gap.has_value(); }},
     {"/margin", "--margin", "", [](const JobOverrides& o) { return o.Margin.has_value(); }},
     {"/fixed", "--fixed", "", [](const JobOverrides& o) { return o.Fixed.has_value(); }},
@@ -183,24 +185,37 @@ void Replace(T& Value, const std::optional<T>& Wish) {
   if (Wish) Value = *Wish;
 }
 
+// Whether a plate that is told by its size alone is one of as many as needed.
+bool TakesManyPlates(const Job& AJob) {
+  const bool isLimited = std::ranges::all_of(AJob.Parts, [](const Part& part) { return part.Amount.has_value(); });
+  return AJob.Kind == JobKind::Job || (AJob.Kind == JobKind::Circles && isLimited);
+}
+
 }  // namespace
 
 void JobOverrides::ApplyTo(platenest::Job& AJob) const {
-  if (PlateSize) {
-    const bool isNew = AJob.Plates.empty();
-    Plate& plate = OnlyItem(AJob.Plates, "plate-1", "--plate", "plates");
-    std::tie(plate.Width, plate.Height) = std::tie(PlateSize->Width, PlateSize->Height);
-    if (isNew && AJob.Kind == JobKind::Job) plate.Count = std::nullopt;
-  }
+  const bool isOfCircles = AJob.Kind == JobKind::Circles;
   if (PartSize) {
     const bool isNew = AJob.Parts.empty();
     Part& part = OnlyItem(AJob.Parts, "part-1", "--part", "parts");
     std::tie(part.Width, part.Height) = std::tie(PartSize->Width, PartSize->Height);
     if (isNew) part.Amount = std::nullopt;
   }
+  if (Radius && isOfCircles) {
+    const bool isNew = AJob.Parts.empty();
+    Part& part = OnlyItem(AJob.Parts, "part-1", "--radius", "parts");
+    part.Radius = *Radius;
+    if (isNew) part.Amount = std::nullopt;
+  }
   if (Amount) {
     if (AJob.Parts.empty()) throw OptionError(Fault{"option", "--amount", "needs a part", ""});
     OnlyItem(AJob.Parts, "", "--amount", "parts").Amount = Amount;
+  }
+  if (PlateSize) {
+    const bool isNew = AJob.Plates.empty();
+    Plate& plate = OnlyItem(AJob.Plates, "plate-1", "--plate", "plates");
+    std::tie(plate.Width, plate.Height) = std::tie(PlateSize->Width, PlateSize->Height);
+    if (isNew && TakesManyPlates(AJob)) plate.Count = std::nullopt;
   }
   Replace(AJob.Gap, Gap);
   Replace(AJob.Margin, Margin);
@@ -220,7 +235,7 @@ void JobOverrides::ApplyTo(platenest::Job& AJob) const {
   AJob.Separate |= Separate;
   if (LabelSides) AJob.Label = LabelSize{LabelSides->Width, LabelSides->Height};
   Replace(AJob.Offset, Offset);
-  if (Radius) AJob.Radius = Radius;
+  if (Radius && !isOfCircles) AJob.Radius = Radius;
 }
 
 Fault JobOverrides::AtOption(const Fault& AFault) const {

@@ -43,8 +43,8 @@ struct JobOverrides {
   bool AreTheJob = false;  // there is no job file: every place of the job is an option's
 
   // Sizes replace those of the only plate or part, which is added when there is none: a part as often as it fits, a
-  // plate of a whole job as many times as needed. Raises OptionError where one
-  // option would have to stand for several plates or parts.
+  // plate of a whole job as many times as needed, one of circles too where all parts have an amount. Raises OptionError
+  // where one option would have to stand for several plates or parts.
   void ApplyTo(Job& AJob) const;
 
   // A fault at a place of the job that came from an option names the option instead; others stay as they are.

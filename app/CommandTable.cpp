@@ -8,6 +8,7 @@ constexpr CommandRow kCommands[] = {
     {Command::One, "one", "[JOB]", 0, 1, "how many of one size on one plate"},
     {Command::Fill, "fill", "[JOB]", 0, 1, "best use of one plate, many sizes"},
     {Command::Job, "job", "[JOB]", 0, 1, "a whole demand over a stock of plates"},
+    {Command::Circles, "circles", "[JOB]", 0, 1, "circles of one or several sizes, one or many plates"},
     {Command::Nfp, "nfp", "JOB", 1, 1, "no-fit polygons, or the regions where parts fit inside others"},
     {Command::Array, "array", "JOB", 1, 1, "two vectors that repeat a part"},
     {Command::Label, "label", "JOB", 1, 1, "where a label fits in a part, with its margin"},
@@ -25,7 +26,8 @@ constexpr std::uint16_t kReaders = Bit(Command::Check) | Bit(Command::Convert);
 constexpr std::uint16_t kOfPart = Bit(Command::Array) | Bit(Command::Label) | Bit(Command::Sucker);
 constexpr std::uint16_t kFill = Bit(Command::Fill);
 constexpr std::uint16_t kJob = Bit(Command::Job);
-constexpr std::uint16_t kLayouts = kOne | kFill | kJob;
+constexpr std::uint16_t kCircles = Bit(Command::Circles);
+constexpr std::uint16_t kLayouts = kOne | kFill | kJob | kCircles;
 constexpr std::uint16_t kRuns = kLayouts | Bit(Command::Nfp) | kOfPart;
 constexpr std::uint16_t kOneSize = kOne | kReaders;
 constexpr std::uint16_t kRects = kLayouts | kReaders;
@@ -38,11 +40,11 @@ constexpr std::uint16_t kAll = kJobs | Bit(Command::Schema);
 using enum OptionGroup;
 constexpr OptionRow kOptions[] = {
     {"--plate", "WxH", Job, kRects, "size of the plate, for example 2440x1220"},
-    {"--plates", "FILE", Job, kJob | kReaders, "the plates as a CSV table, in place of those of the job"},
-    {"--parts", "FILE", Job, kFill | kJob | Bit(Command::Check),
+    {"--plates", "FILE", Job, kJob | kCircles | kReaders, "the plates as a CSV table, in place of those of the job"},
+    {"--parts", "FILE", Job, kFill | kJob | kCircles | Bit(Command::Check),
      "the parts as a CSV table, in place of those of the job"},
     {"--part", "WxH", Job, kOneSize, "size of the part, for example 300x200"},
-    {"--amount", "N", Job, kOneSize, "copies of the part; without it as many as fit"},
+    {"--amount", "N", Job, kOneSize | kCircles, "copies of the part; without it as many as fit"},
     {"--gap", "LENGTH", Job, kRects | kArrays, "least distance between two parts (default 0)"},
     {"--margin", "LENGTHS", Job, kRects, "kept free at the plate's edges: one number, or left,bottom,right,top"},
     {"--fixed", "ID", Job, kPairs, "the part that stands still; without it all, one after the other"},
@@ -54,10 +56,11 @@ constexpr OptionRow kOptions[] = {
     {"--separate", "", Job, kArrays, "copies along an axis do not reach into the part's hollows"},
     {"--label", "WxH", Job, kLabels, "size of the label"},
     {"--offset", "LENGTH", Job, kLabels, "least margin all round the label (default 0)"},
-    {"--radius", "LENGTH", Job, Bit(Command::Sucker) | kReaders, "radius of the gripper"},
+    {"--radius", "LENGTH", Job, kCircles | Bit(Command::Sucker) | kReaders, "radius of the circles, or of the gripper"},
     {"--units", "NAME", Job, kJobs, "mm, cm, m, in or none; a name only, nothing is converted (default mm)"},
     {"--method", "NAME", Run, kRects,
-     "auto (default); one: strip, fiveblock, trim; fill: smart, raster, rskf, bigfirst; job: repeat, svc, cg"},
+     "auto (default); one: strip, fiveblock, trim; fill: smart, raster, rskf, bigfirst; job: repeat, svc, cg; circles: "
+     "pattern, pack"},
     {"--time-limit", "SECONDS", Run, kJobs, "time for the search (default 60, 0 for none)"},
     {"--seed", "N", Run, kJobs, "start of the random numbers (default 1)"},
     {"--threads", "N", Run, kJobs, "threads that work (default: up to 4)"},

@@ -7,7 +7,7 @@
 // The commands and options, once: the reader of the command line and the help pages both go by these tables.
 namespace platenest {
 
-enum class Command : std::uint8_t { One, Fill, Job, Nfp, Array, Label, Sucker, Check, Convert, Schema };
+enum class Command : std::uint8_t { One, Fill, Job, Circles, Nfp, Array, Label, Sucker, Check, Convert, Schema };
 
 struct CommandRow {
   Command Id;

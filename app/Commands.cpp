@@ -39,14 +39,20 @@ Job ReadJob(const std::string& Path, Messages& Out) {
   return ParseJob(ReadSource(Path, limits::kJobBytes, Out));
 }
 
-// A job without a file: one plate or a table of plates, and one part as often as it fits or a table of parts.
+// A job without a file: one plate or a table of plates, and one part or a table of parts.
 Job JobOfOptions(const Arguments& Args, JobKind Kind) {
   const bool isOne = Kind == JobKind::One;
+  const bool isOfCircles = Kind == JobKind::Circles;
   const bool hasPlates = Args.Job.PlateSize || !Args.PlatesFile.empty();
-  if (!hasPlates || (isOne ? !Args.Job.PartSize : Args.PartsFile.empty())) {
+  const bool hasSize = (isOne && Args.Job.PartSize) || (isOfCircles && Args.Job.Radius);
+  if (!hasPlates || !(hasSize || !Args.PartsFile.empty())) {
     const std::string name(KindName(Kind));
-    throw WrongWord(name + " takes a JOB, or " + (Kind == JobKind::Job ? "--plates or --plate" : "--plate") + " and " +
-                    (isOne ? "--part" : "--parts") + "; see platenest " + name + " --help");
+    throw WrongWord(name + " takes a JOB, or " +
+                    (Kind == JobKind::Job || isOfCircles ? "--plates or --plate" : "--plate") + " and " +
+                    (isOne         ? "--part"
+                     : isOfCircles ? "--radius or --parts"
+                                   : "--parts") +
+                    "; see platenest " + name + " --help");
   }
   Job job;
   job.Kind = Kind;
@@ -288,6 +294,8 @@ int RunCommand(const Arguments& Args, Messages& Out, const Runner& Run) {
       return RunJob(Args, JobKind::Fill, Out, Run);
     case Command::Job:
       return RunJob(Args, JobKind::Job, Out, Run);
+    case Command::Circles:
+      return RunJob(Args, JobKind::Circles, Out, Run);
     case Command::Nfp:
       return RunJob(Args, JobKind::Nfp, Out, Run);
     case Command::Array:

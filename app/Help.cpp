@@ -28,6 +28,12 @@ Placement convention:
       lower left corner                 lower right corner
 )";
 
+constexpr std::string_view kCircleConvention = R"(
+Placements:
+  A circle is stored with its "center" = [x, y] and "radius", y up, from the lower
+  left corner of the whole plate.
+)";
+
 constexpr std::string_view kExitCodes = R"(
 Exit codes:
   0    a checked result was written, complete or not (see its status)
@@ -96,6 +102,27 @@ constexpr std::string_view kJobExamples = R"(
 Examples:
   platenest job order.json --time-limit 5 --svg out/
   platenest job --plates plates.csv --parts demand.csv --gap 4 -o plan.json
+)";
+
+constexpr std::string_view kCirclesPage = R"(
+Lays circles of one or several sizes on one plate or many, remnants first. JOB is a
+job file, - for standard input, or absent when --plate (or --plates) and --radius
+(or --parts, a table with a column radius) say it all. A --radius without --amount
+stands for as many circles as one plate takes; where all amounts are told, --plate is
+one of as many plates as needed. Options win over the job file, and the result
+repeats what was in force. Circles may touch the plate's edge, unless a --margin
+keeps it clear.
+
+pattern lays circles of one size in rows and blocks, by closed forms and without
+search; pack puts circles of any sizes one by one into the tightest corner; auto does
+both and keeps the best answer that passed the check. For circles of one size Oler's
+bound says how many no answer can exceed. Ctrl-C stops the search and writes the best
+answer so far; a second one leaves at once.
+)";
+constexpr std::string_view kCirclesExamples = R"(
+Examples:
+  platenest circles --plate 1000x600 --radius 40 --gap 3 --svg out/
+  platenest circles flanges.json --time-limit 2 -o plan.json
 )";
 
 constexpr std::string_view kNfpPage = R"(
@@ -171,7 +198,7 @@ constexpr std::string_view kConvertPage = R"(
 Reads INPUT and writes OUTPUT, in the forms that their endings name: .json for a
 job, .csv for a table of parts, .txt for the text rectangle file with two numbers
 on its first line. A list of one size becomes a job of kind one, of several sizes
-fill. Options go into the job that is written.
+fill, a table with a column radius one of kind circles. Options go into the job that is written.
 )";
 constexpr std::string_view kConvertExamples = R"(
 Examples:
@@ -201,6 +228,8 @@ Page PageOf(Command Id) {
       return {kFillPage, kFillExamples};
     case Command::Job:
       return {kJobPage, kJobExamples};
+    case Command::Circles:
+      return {kCirclesPage, kCirclesExamples};
     case Command::Nfp:
       return {kNfpPage, kNfpExamples};
     case Command::Array:
@@ -260,7 +289,7 @@ std::string CommandHelp(Command Id) {
   const Page page = PageOf(Id);
   std::string text = "Usage: platenest " + std::string(row.Name) + " " + std::string(row.Positionals) + " [options]\n";
   text.append(page.Text).append(OptionList(Id)).append(page.Examples);
-  return text.append(kPlacementConvention);
+  return text.append(Id == Command::Circles ? kCircleConvention : kPlacementConvention);
 }
 
 }  // namespace platenest

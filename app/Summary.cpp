@@ -24,6 +24,10 @@ Int64 PlacedCopies(const Result& AResult) {
   return count;
 }
 
+std::string NounOf(const Result& AResult) {
+  return AResult.Kind == JobKind::Circles ? "circle" : "part";
+}
+
 std::string BoundsText(const Result& AResult) {
   std::string text;
   for (const Bound& bound : AResult.Bounds) {
@@ -42,7 +46,7 @@ std::string UnplacedText(const Result& AResult) {
   std::string reasons;
   for (const auto& [reason, count] : counts)
     reasons += (reasons.empty() ? "" : ", ") + (counts.size() > 1 ? std::to_string(count) + " " : "") + reason;
-  return Counted(UnplacedCopies(AResult), "part") + (reasons.empty() ? "" : " (" + reasons + ")");
+  return Counted(UnplacedCopies(AResult), NounOf(AResult)) + (reasons.empty() ? "" : " (" + reasons + ")");
 }
 
 std::string EstimateText(const HeuristicBound& Estimate) {
@@ -82,16 +86,17 @@ std::string PairsText(const Result& AResult) {
 
 std::string LayoutsText(const Result& AResult) {
   const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
-  std::string text = Counted(PlacedCopies(AResult), "part") + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
-  const bool isJob = AResult.Kind == JobKind::Job;
+  std::string text =
+      Counted(PlacedCopies(AResult), NounOf(AResult)) + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
+  const bool tellsCost = AResult.Kind == JobKind::Job || AResult.Plates.size() > 1;
   text += Line("use", Fixed(AResult.Total.Usage * 100, 1) + " %" +
-                          (isJob ? ", plates cost " + Shortest(AResult.Total.Cost) : ""));
+                          (tellsCost ? ", plates cost " + Shortest(AResult.Total.Cost) : ""));
   if (AResult.Total.Value) text += Line("value", Shortest(*AResult.Total.Value));
   if (!AResult.Bounds.empty()) text += Line("bounds", BoundsText(AResult));
   if (AResult.Estimate) text += Line("estimate", EstimateText(*AResult.Estimate));
   if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
   if (const std::optional<double> clearance = LeastClearance(AResult)) {
-    text += Line("clearance", Fixed(*clearance, 3) + unit + " between the nearest two parts");
+    text += Line("clearance", Fixed(*clearance, 3) + unit + " between the nearest two " + NounOf(AResult) + "s");
   }
   if (AResult.Layouts.size() == 1) {
     const Box& free = AResult.Layouts.front().FreeBox;

@@ -27,9 +27,14 @@ std::string LayoutToSvg(const Result& AResult, int LayoutIndex) {
     const Box& box = place.Bounds;
     picture.Parts.push_back({{box[0], box[1], box[2], box[3]}, kindOf(place.Part), place.Rotated});
   }
+  for (const CirclePlacement& place : layout.Circles) {
+    const auto [x, y] = place.Center;
+    const double r = place.Radius;
+    picture.Parts.push_back({{x - r, y - r, x + r, y + r}, kindOf(place.Part), false});
+  }
   const Box& free = layout.FreeBox;
   if (free[2] > free[0] && free[3] > free[1]) picture.Free = TPlacedBox{free[0], free[1], free[2], free[3]};
-  return RectLayoutSvg(picture);
+  return AResult.Kind == JobKind::Circles ? CircleLayoutSvg(picture) : RectLayoutSvg(picture);
 }
 
 }  // namespace platenest

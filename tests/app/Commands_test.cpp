@@ -123,6 +123,48 @@ TEST(Job, TakesTablesOrAJobFileAndTheAnswerPassesTheCheck) {
   }
 }
 
+TEST(Circles, TakeARadiusATableOrAJobFileAndTheAnswerPassesTheCheck) {
+  const TempFolder folder;
+  CopyExamples(folder);
+  folder.Write("demand.csv", "id;radius;amount;label\nlid;60,5;4;\n</svg>;12;9;\nwide;300;;\n");
+  folder.Write("job.json",
+               R"({"schema": "platenest-job/1", "kind": "circles", "plates": [{"width": 500, "height": 300, "count": null}],
+                               "parts": [{"radius": 9}]})");
+  const Outcome one = folder.Run("circles --plate 1000x600 --radius 40 --gap 3 -o r.json --svg out/");
+  EXPECT_EQ(one.Exit, 0) << one.Err;
+  EXPECT_THAT(one.Err, HasSubstr(" circles on 1 plate\n  use        "));
+  EXPECT_THAT(one.Err, HasSubstr("\n  bounds     count at most 98 (oler)"));
+  EXPECT_THAT(one.Err, HasSubstr(" mm between the nearest two circles\n"));
+  EXPECT_THAT(folder.Read("out/layout-001-x1.svg"), HasSubstr("<circle data-part=\"part-1\""));
+  const Outcome some =
+      folder.Run("circles --plate 500x300 --parts demand.csv --time-limit 1 -o s.json --csv s.csv --svg out/");
+  EXPECT_EQ(some.Exit, 0) << some.Err;
+  EXPECT_THAT(some.Err, HasSubstr("unplaced   1 circle (too_large)\n"));
+  EXPECT_THAT(folder.Read("s.csv"), StartsWith("layout,plate,copies,part,x,y,radius\n1,plate-1,1,"));
+  EXPECT_THAT(folder.Read("out/layout-001-x1.svg"), HasSubstr("data-part=\"&lt;/svg&gt;\""));
+  const std::tuple<int, std::string, std::string> cases[] = {
+      {0, "circles --plate 100x100 --radius 40 --amount 3", "complete, 3 circles on 3 plates"},
+      {0, "check job.json s.json --parts demand.csv", "OK: s.json"},
+      {1, "check job.json s.json", "s.json: /"},
+      {1, "circles job.json --parts demand.csv --time-limit 1 --require-all", "unplaced   1 circle"},
+      {0, "convert demand.csv c.json --plate 500x300", ""},
+      {0, "circles c.json --method pack --time-limit 1", "13 circles on 1 plate"},
+      {2, "circles --plate 9x9", "circles takes a JOB, or --plates or --plate and --radius or --parts; see"},
+      {2, "circles --plate 9x9 --radius 0", "--radius: must be above 0, found 0"},
+      {2, "circles flanges.json --radius 9", "--radius: cannot stand for all of the job's 6 parts"},
+      {2, "circles flanges.json --method pattern", "--method: \"pattern\" lays circles of one size"},
+      {2, "circles flanges.json --method dominant", "\"dominant\" is not available in this version"},
+      {2, "circles flanges.json --part 3x3", "--part: has no meaning for circles"},
+      {3, "fill discs.json", "/kind: must be `fill`"},
+      {3, "fill --plate 500x300 --parts demand.csv", "demand.csv:1:width: is missing in the header"},
+  };
+  for (const auto& [exit, line, message] : cases) {
+    const Outcome outcome = folder.Run(line);
+    EXPECT_EQ(outcome.Exit, exit) << line << outcome.Err;
+    EXPECT_THAT(outcome.Err, HasSubstr(message)) << line;
+  }
+}
+
 constexpr const char* kShapes =
     R"({"schema": "platenest-job/1", "name": "../x", "kind": "nfp", "parts": [
         {"id": "plate", "outline": [[0, 0], [50, 0], [60, 20], [60, 40], [0, 40]], "holes": [[[20, 15], [25, 15], [25, 25]]]},
@@ -256,7 +298,7 @@ TEST(Help, PagesAreWholeAndTheirExamplesRunAsWritten) {
     }
     EXPECT_EQ(RunLines(folder, help.Out, "  platenest "), 2) << name;
   }
-  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 12);
+  EXPECT_EQ(RunLines(folder, TextOf(PLATENEST_README), "$ platenest "), 14);
   EXPECT_THAT(RunLine("--help").Out, HasSubstr("Exit codes:"));
   EXPECT_THAT(RunLine("--version").Out, testing::MatchesRegex("platenest [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
