@@ -32,9 +32,6 @@ class TRowKinds {
     std::vector<int> Counts;
   };
 
-  // A stack with the second kind, but none of the first, is Excess longer than its rows.
-  explicit TRowKinds(double Excess = 0) : FExcess(Excess) {}
-
   void Add(double Length, int Value) {
     FLengths.push_back(Length);
     FWeights.push_back(Ceil(Length * kPerPitch));
@@ -56,7 +53,7 @@ class TRowKinds {
 
  private:
   bool Fits(const std::vector<int>& Counts, double Length) const {
-    double height = Counts[0] == 0 && Counts[1] > 0 ? FExcess : 0;
+    double height = 0;
     for (int i = 0; i < Size(Counts); ++i) height += Counts[i] * FLengths[i];
     return height <= Length + kFitTol;
   }
@@ -86,7 +83,6 @@ class TRowKinds {
     return density * static_cast<double>(Room);
   }
 
-  double FExcess;
   std::vector<double> FLengths;
   std::vector<int> FWeights;
   std::vector<Int64> FValues;
@@ -111,7 +107,7 @@ void TakeCounts(TPlaceInfo& Info, const std::vector<int>& Counts) {
 Int64 TakeLooseStack(TPlaceInfo& Info, const TRowWidth& Width, double Length, double Quad) {
   Info.RestWid = Quad;
   Info.SPecAdj = 2 * std::sqrt(1 - Width.Rest * Width.Rest);
-  TRowKinds kinds(detail::LooseExcess(detail::LooseForm(Width.Rest, Quad), Info.AddMode == 2));
+  TRowKinds kinds;
   kinds.Add(kHexDouble, 2 * Width.Count - 1);
   kinds.Add(Info.RestWid, 4 * Width.Count - 1);
   kinds.Add(Info.SPecAdj, 2 * Width.Count);

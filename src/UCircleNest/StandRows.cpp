@@ -8,9 +8,6 @@ namespace platenest::detail {
 
 namespace {
 
-// Noise of sums over thousands of rows, far below any tolerance of a layout.
-constexpr double kZoneTol = 1e-10;
-
 double Leg(double OtherLeg) {
   return OtherLeg < 1 ? std::sqrt(1 - OtherLeg * OtherLeg) : 0;
 }
@@ -22,111 +19,46 @@ void AddRow(TVPoint2DList& Points, int Count, double X, double Y) {
 class TLooseWriter {
  public:
   TLooseWriter(const TPlaceInfo& Info, const TRowWidth& Width)
-      : FInfo(Info),
-        FCount(Width.Count),
-        FRest(Width.Rest),
-        FPairs(Info.ChooseTypeNum[0]),
-        FQuads(Info.ChooseTypeNum[1]),
-        FStaggers(Info.ChooseTypeNum[2]),
-        FForm(LooseForm(Width.Rest, Info.RestWid)) {}
+      : FInfo(Info), FCount(Width.Count), FWall(Width.Count - 1 + Width.Rest), FRest(Width.Rest) {}
 
   TVPoint2DList Run() {
-    if (FQuads == 0)
-      WritePlain();
-    else
-      WriteQuads();
-    if (FInfo.AddMode == 2) WriteHexTop();
-    if (FInfo.AddMode == 3) AddRow(FPoints, FCount, FQuads == 0 ? FRest : 0, FY + FForm.Stagger);
+    const auto& [pairs, quads, staggers, none] = FInfo.ChooseTypeNum;
+    AddRow(FPoints, FCount, 0, FY);
+    for (int i = 0; i < pairs; ++i) WritePair();
+    for (int i = 0; i < quads; ++i) WriteQuad();
+    for (int i = 0; i < staggers; ++i) WriteStagger();
+    if (FInfo.AddMode == 2) AddRow(FPoints, FCount - 1, 0.5, FY + kHexStep);
+    if (FInfo.AddMode == 3) AddRow(FPoints, FCount, FRest, FY + FInfo.SPecAdj / 2);
     return std::move(FPoints);
   }
 
  private:
-  struct TZone {  // of the wall, which a row's nearest circle keeps free
-    double Center = 0;
-    double Half = 0;
-  };
-
-  void WritePlain() {
-    AddRow(FPoints, FCount, 0, FY);
-    for (int i = 0; i < FPairs; ++i) {
-      AddRow(FPoints, FCount - 1, 0.5, FY + kHexStep);
-      AddRow(FPoints, FCount, 0, FY += kHexDouble);
-    }
-    for (int i = 0; i < FStaggers; ++i) {
-      AddRow(FPoints, FCount, FRest, FY + FForm.Stagger);
-      AddRow(FPoints, FCount, 0, FY += 2 * FForm.Stagger);
-    }
+  void WritePair() {
+    AddRow(FPoints, FCount - 1, 0.5, FY + kHexStep);
+    AddRow(FPoints, FCount, 0, FY += kHexDouble);
   }
 
-  void WriteQuads() {
-    for (int i = 0; i < FStaggers; ++i) {
-      AddRow(FPoints, FCount, FRest, FY);
-      AddRow(FPoints, FCount, 0, FY + FForm.Stagger);
-      FY += 2 * FForm.Stagger;
-    }
-    const double bottom = FY;
-    WriteOuterRow();
-    for (int i = 0; i < FQuads; ++i) WriteQuad(i == FQuads - 1);
-    WriteWallColumn(bottom + FForm.Lift);
+  void WriteStagger() {
+    AddRow(FPoints, FCount, FRest, FY + FInfo.SPecAdj / 2);
+    AddRow(FPoints, FCount, 0, FY += FInfo.SPecAdj);
   }
 
-  void WriteOuterRow() {
-    AddRow(FPoints, FCount - 1, FForm.Shift, FY);
-    FZones.push_back({FY, FForm.Lift});
-  }
-
-  void WriteInnerRow(double Y) {
-    AddRow(FPoints, FCount - 1, 0.5, Y);
-    FZones.push_back({Y, FForm.Reach});
-  }
-
-  void WriteQuad(bool IsLast) {
-    AddRow(FPoints, FCount - 1, 0, FY + FForm.Sink);
-    WriteInnerRow(FY + FForm.Quad / 2);
-    if (IsLast) WriteCore();
-    FY += FForm.Quad;
-    AddRow(FPoints, FCount - 1, 0, FY - FForm.Sink);
-    WriteOuterRow();
-  }
-
-  void WriteCore() {
-    for (int i = 0; i < FPairs; ++i) {
-      AddRow(FPoints, FCount - 1, 0, FY + FForm.Quad / 2 + kHexStep);
-      WriteInnerRow(FY + FForm.Quad / 2 + kHexDouble);
-      FY += kHexDouble;
-    }
-    if (FPairs == 0 && !TopMakesWay()) FY += LooseExcess(FForm, false);
-  }
-
-  // One circle for each row but the inner ones, from the bottom up, each as low as it can stand.
-  void WriteWallColumn(double Y) {
-    auto zone = FZones.begin();
-    for (int i = 0; i <= FPairs + 3 * FQuads; ++i) {
-      for (; zone != FZones.end() && zone->Center - zone->Half + kZoneTol < Y; ++zone)
-        Y = std::max(Y, zone->Center + zone->Half);
-      AddRow(FPoints, 1, FCount - 1 + FRest, Y);
-      Y += 1;
-    }
-  }
-
-  bool TopMakesWay() const { return FInfo.AddMode == 2 && FPairs == 0 && FQuads > 0 && TopRowMakesWay(FForm); }
-
-  void WriteHexTop() {
-    if (TopMakesWay())
-      AddRow(FPoints, FCount - 1, 0, FY + FForm.Sink);
-    else
-      AddRow(FPoints, FCount - 1, 0.5 + (FQuads == 0 ? 0 : FForm.Shift), FY + kHexStep);
+  void WriteQuad() {
+    const double sink = FInfo.RestWid / 2 - kHexStep;
+    const double shift = Leg(sink);
+    const double end = FY + sink + Leg(1 - shift + FRest);
+    AddRow(FPoints, FCount - 1, shift, FY + sink);
+    AddRow(FPoints, 1, FWall, end);
+    AddRow(FPoints, FCount - 1, 0, FY += 2 * sink);
+    AddRow(FPoints, 1, FWall, end + 1);
+    WritePair();
   }
 
   const TPlaceInfo& FInfo;
   int FCount;
+  double FWall;
   double FRest;
-  int FPairs;
-  int FQuads;
-  int FStaggers;
-  TLooseForm FForm;
-  double FY = 0;  // of the last row that closes a piece
-  std::vector<TZone> FZones;
+  double FY = 0;  // of the last row of n
   TVPoint2DList FPoints;
 };
 
@@ -194,26 +126,6 @@ class TTightWriter {
 };
 
 }  // namespace
-
-TLooseForm LooseForm(double Rest, double Quad) {
-  TLooseForm form;
-  form.Quad = Quad;
-  form.Stagger = Leg(Rest);
-  form.Sink = Quad / 2 - kHexStep;
-  form.Shift = Leg(form.Sink);
-  form.Lift = Leg(1 - form.Shift + Rest);
-  form.Reach = Leg(0.5 + Rest);
-  return form;
-}
-
-double LooseExcess(const TLooseForm& Form, bool TopRow) {
-  const double column = std::max(3 + 2 * Form.Lift - Form.Quad, 0.0);
-  return TopRow ? std::min(column, Form.Sink - kHexStep) : column;
-}
-
-bool TopRowMakesWay(const TLooseForm& Form) {
-  return LooseExcess(Form, true) < LooseExcess(Form, false);
-}
 
 TVPoint2DList LooseStack(const TPlaceInfo& Info, const TRowWidth& Width) {
   return TLooseWriter(Info, Width).Run();

@@ -3,29 +3,26 @@
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 
 // Where the circles of a stack of rows stand. Lengths in pitches; rows run along x and are stacked along y. A row of n
-// circles leaves the fraction f of a pitch free; the leftmost centre of a row may stand at 0, the rightmost at
-// n - 1 + f, which is called the wall here. Every step is exact: circles touch, none overlaps.
+// circles leaves the fraction f of a pitch free: its centres stand at 0 .. n - 1, and the last one could stand at
+// n - 1 + f, which is called the wall here. Every row kind starts on a row of n and ends with one, so that kinds follow
+// each other in any order, and a stack is as high as the sum of its kinds. Circles touch, none overlaps. r = sin 60.
 //
-// Loose rows, f < 0.5. Three kinds, named by what stands on a row of n that is there already:
+// Loose rows, f < 0.5:
 //
-//   pair, adds 2n - 1           stagger, adds 2n                quad, adds 4n - 1 (right end of its rows)
+//    pair, adds 2n - 1           stagger, adds 2n              quad, adds 4n - 1
 //
-//    O   O   O   |  2 r          O   O   O |  2 g               t   O   O     |    m          lowered by h: O
-//      O   O     |    r            O   O   O    g               s O   O     O | m - s         at most m - 1 - h
-//    O   O   O   |  0            O   O   O |  0                     O   O     | m / 2
-//                                                               s O   O     O |    s          1 + h
-//    r = sin 60                  g = sqrt(1 - f^2)              t   O   O     |    0          raised by h: O
+//    O   O   O   |  2 r          O   O   O   |  2 g            O   O   O   |  2 s + 2 r = m
+//      O   O     |    r            O   O   O |    g              O   O     |  2 s + r        n - 1, moved by 0.5
+//    O   O   O   |  0            O   O   O   |  0              O   O     O |  2 s            n - 1; end at s + h + 1
+//                                                                O   O   O |    s            n - 1, moved by t; end at
+//                                                                s + h
+//                                g = sqrt(1 - f^2)             O   O   O   |  0
 //
-// A quad is a hexagonal core of three rows, the inner one of n - 1 circles, between two rows that are moved by
-// t = sqrt(1 - s^2), s = m / 2 - r, so that they sink in deeper than a square row would. Moved by more than f, their
-// last circles do not fit any more: they are pushed along the wall, h = sqrt(1 - (1 - t + f)^2) into the quad. So each
-// quad has a column of four circles at the wall. Each keeps q = sqrt(1 - (0.5 + f)^2) off the inner row, which gives
-// m / 2 = 1 + h + q; m is the root of that. For f = 0 the quad is square, hex, hex, square of height 2 + sqrt 3.
-//
-// Quads stand on quads: the shared row's circle at the wall is only pushed up, and the wall column gains 2 h below.
-// Pairs go into the core of a quad, whose rows they continue; staggers go under the quads, because a row moved by t
-// stands on an unmoved row at the step g, too. Where q < 0.5, the two middle circles of a wall column are nearer than
-// 1 unless a pair lies between them or the column may lean over the top row; see LooseExcess.
+// The second row of a quad is moved by t = sqrt(1 - s^2) > f, so that it sinks in deeper than a staggered one. Its last
+// circle would pass the wall: it is pushed up along it, by h = sqrt(1 - (1 - t + f)^2), where it still touches its
+// neighbour. The end of the third row stands on it, and the row above keeps q = sqrt(1 - (0.5 + f)^2) off that end:
+// s + h + 1 + q = 2 s + r, so m / 2 = 1 + h + q, and m is the root of that. For f = 0 a quad is the stack square,
+// square, hex, hex of height 2 + sqrt 3.
 //
 // Tight rows, f > sin 60. With d = sqrt(1 - f^2), a row of n holds one circle more when that stands off the row by d,
 // at the wall: up or down, as is free.
@@ -51,25 +48,6 @@ struct TRowWidth {
   int Count = 0;
   double Rest = 0;
 };
-
-struct TLooseForm {
-  double Quad = 0;     // m
-  double Stagger = 0;  // g
-  double Sink = 0;     // s
-  double Shift = 0;    // t
-  double Lift = 0;     // h
-  double Reach = 0;    // q
-};
-
-// Rest in [0, 0.5); Quad at least 2 kHexDouble.
-TLooseForm LooseForm(double Rest, double Quad);
-
-// What a stack with quads, but no pair in them, needs beyond the sum of its rows. Under a hexagonal row on top
-// (TopRow) the wall column may lean over instead, and that row sinks in less.
-double LooseExcess(const TLooseForm& Form, bool TopRow);
-
-// Whether the hexagonal row on top of such a stack is the one that makes way.
-bool TopRowMakesWay(const TLooseForm& Form);
 
 // The centres of a stack as Info.ChooseTypeNum, AddMode and the fields of its rows tell; the lowest row starts at
 // (0, 0). Linear in the circles.
