@@ -41,9 +41,8 @@ TCircleGrid::TLevel& TCircleGrid::LevelFor(double Radius) {
 
 void TCircleGrid::Add(const TPoint2D& Center, double Radius) {
   TLevel& level = LevelFor(Radius);
-  const std::size_t cell =
-      static_cast<std::size_t>(CellOf(Center.Y, level.Cell, level.Rows)) * level.Columns +
-      CellOf(Center.X, level.Cell, level.Columns);
+  const std::size_t cell = static_cast<std::size_t>(CellOf(Center.Y, level.Cell, level.Rows)) * level.Columns +
+                           CellOf(Center.X, level.Cell, level.Columns);
   FNext.push_back(level.First[cell]);
   level.First[cell] = static_cast<int>(FDiscs.size());
   FDiscs.push_back({Center, Radius});

@@ -92,7 +92,8 @@ class TShortest {
     for (const bool isByX : {true, false}) {
       const auto key = [&](const TPoint2D& P) { return isByX ? std::pair(P.X, P.Y) : std::pair(P.Y, P.X); };
       SortBy(Points, [&](const TPoint2D& a, const TPoint2D& b) { return Sign(key(a), key(b)); });
-      TVPoint2DList some(Points.begin(), Points.begin() + FCount);
+      TVPoint2DList some = Points;
+      some.resize(FCount);
       const double free = FreeStrip(some, FBox, FRadius);
       if (free <= FFree) continue;
       FFree = free;
@@ -184,8 +185,7 @@ TCircleSpots NestPattern(const TCircleSizes& Sizes, int Plate, std::span<const i
   TVPoint2DList points = PointsOf(box, radius, Sizes.Gap);
   Int64 asked = 0;
   for (const int copies : Left) asked += copies;
-  if (asked < Size(points))
-    points = ShortPattern(box, radius, Sizes.Gap, std::move(points), static_cast<int>(asked));
+  if (asked < Size(points)) points = ShortPattern(box, radius, Sizes.Gap, std::move(points), static_cast<int>(asked));
   TCircleSpots spots;
   int part = 0;
   int used = 0;

@@ -51,8 +51,8 @@ void LayPatterns(TCircleSearch& Search) {
     if (Search.HasAnswer() && Search.IsOver()) return;
     Search.Try([&] {
       Search.Offer(kPattern, FillPlates(sizes, order, [&](int plate, std::span<const int> left) {
-        return NestPattern(sizes, plate, left);
-      }));
+                     return NestPattern(sizes, plate, left);
+                   }));
     });
   }
 }
@@ -63,10 +63,10 @@ void FillQuickly(TCircleSearch& Search, TFillSide Side) {
     if (Search.HasAnswer() && Search.IsOver()) return;
     Search.Try([&] {
       Search.Offer(kPack, FillPlates(sizes, order, [&](int plate, std::span<const int> left) {
-        TCircleSpots spots;
-        FillPlate(sizes, plate, left, Side, spots);
-        return spots;
-      }));
+                     TCircleSpots spots;
+                     FillPlate(sizes, plate, left, Side, spots);
+                     return spots;
+                   }));
     });
   }
 }
@@ -79,12 +79,12 @@ void LayBlocks(TCircleSearch& Search) {
   if (least < kCopiesForBlocks * Size(sizes.Parts) || Search.IsOver()) return;
   Search.Try([&] {
     Search.Offer(kPack, FillPlates(sizes, PlateOrders(sizes).front(), [&](int plate, std::span<const int> left) {
-      TCircleSpots spots = NestBlocks(sizes, plate, left);
-      std::vector<int> rest(left.begin(), left.end());
-      for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
-      FillPlate(sizes, plate, rest, TFillSide::Left, spots);
-      return spots;
-    }));
+                   TCircleSpots spots = NestBlocks(sizes, plate, left);
+                   std::vector<int> rest(left.begin(), left.end());
+                   for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
+                   FillPlate(sizes, plate, rest, TFillSide::Left, spots);
+                   return spots;
+                 }));
   });
 }
 
@@ -131,7 +131,7 @@ class TPackRound {
 
  private:
   TPackEffort NextEffort() {
-    TPackEffort effort{.Steps = FSteps, .Threads = FSearch.Threads(), .ExchangesSides = FVariant.ExchangesSides};
+    TPackEffort effort{std::nullopt, FSteps, FSearch.Threads(), FVariant.ExchangesSides};
     if (FSeconds) effort.Seconds = std::max(0.0, (FStart + *FSeconds - FSearch.Control().Seconds()) / FFillsLeft);
     FFillsLeft = std::max(1, FFillsLeft - 1);
     return effort;

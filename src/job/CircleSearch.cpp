@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <numeric>
 #include <thread>
 #include <utility>
 
+#include "CircleBounds.h"
 #include "CircleVerdict.h"
 #include "platenest/job/JobErrors.h"
 
@@ -50,17 +52,22 @@ bool TCircleSearch::IsOver() {
 
 bool TCircleSearch::IsMet(std::string_view What, double Reached) const {
   return std::ranges::any_of(FBounds, [&](const Bound& bound) {
-    return bound.What == What && Reached <= bound.Value + kBoundTol * std::fabs(bound.Value);
+    const double slack = kBoundTol * std::fabs(bound.Value);
+    return bound.What == What && (What == "count" ? Reached >= bound.Value - slack : Reached <= bound.Value + slack);
   });
 }
 
-// All is placed, on plates that are fewest and, where costs differ, cheapest.
+// What proves an answer, see JudgeCircles.
 bool TCircleSearch::IsBest() const {
-  if (std::ranges::any_of(FSizes.Parts, &TCirclePart::IsUnlimited) || FMerit.UnplacedArea > 0) return false;
-  const double cost = FSizes.Plates.front().Cost;
-  const bool isOneCost = std::ranges::all_of(FSizes.Plates, [&](const TCirclePlate& p) { return p.Cost == cost; });
-  const bool isFewest = FMerit.Plates <= 1 || IsMet("plates", static_cast<double>(FMerit.Plates));
-  return isFewest && (isOneCost || IsMet("cost", FMerit.Cost));
+  const bool isUnlimited = std::ranges::any_of(FSizes.Parts, &TCirclePart::IsUnlimited);
+  const bool placesAll = FMerit.UnplacedArea <= 0;
+  const bool isOneCost = HasOneCost(FSizes);
+  if (placesAll && !isUnlimited &&
+      IsMet(isOneCost ? "plates" : "cost", isOneCost ? static_cast<double>(FMerit.Plates) : FMerit.Cost))
+    return true;
+  const std::vector<Int64> placed = PlacedCopies(FSizes, FBest);
+  const auto count = static_cast<double>(std::accumulate(placed.begin(), placed.end(), Int64{0}));
+  return (placesAll || !isUnlimited) && IsMet("count", count);
 }
 
 bool TCircleSearch::Offer(std::string_view Method, TCircleLayouts Layouts) {

@@ -7,6 +7,7 @@
 
 #include "ArrayRun.h"
 #include "Assembly.h"
+#include "CircleRun.h"
 #include "FillMethods.h"
 #include "FillRun.h"
 #include "JobForm.h"
@@ -47,7 +48,7 @@ Result BeginResult(const Job& AJob) {
 
 // What the forms allow but no method of this kind keeps or answers.
 void RequireAnswerable(const Job& AJob) {
-  if (IsOfShapes(AJob.Kind)) return;
+  if (IsOfShapes(AJob.Kind) || AJob.Kind == JobKind::Circles) return;
   if (AJob.Kind == JobKind::Fill) return RequireFillMethod(AJob);
   if (AJob.Kind == JobKind::Job) return RequireJobMethod(AJob);
   if (AJob.Parts[0].Turn == Rotate::None)
@@ -120,6 +121,8 @@ void Answer(const Job& AJob, TRunControl& Control, Result& AResult) {
       return AnswerArray(AJob, Control, AResult);
     case JobKind::Label:
       return AnswerLabel(AJob, Control, AResult);
+    case JobKind::Circles:
+      return AnswerCircles(AJob, Control, AResult);
     case JobKind::Sucker:
       return AnswerSucker(AJob, Control, AResult);
     default:
