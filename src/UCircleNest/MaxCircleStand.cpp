@@ -23,8 +23,7 @@ constexpr double kSquareQuad = 3.732050807569;  // a quad from here on has squar
 constexpr double kPerPitch = 1000;              // lengths of rows become whole thousandths
 constexpr double kCapacityBonus = 0.4;          // thousandths
 
-// Row kinds, and the best stack of them by an unbounded knapsack. The first kind has the most circles for its length
-// but for the ends of rows, and stacks are filled up with it.
+// Row kinds, and the best stack of them by an unbounded knapsack. Any stack is filled up with the first kind.
 class TRowKinds {
  public:
   struct TStack {
@@ -42,13 +41,8 @@ class TRowKinds {
   // does not fit, the best of those that do takes its place.
   TStack Best(double Length) const {
     const Int64 capacity = Round(Length * kPerPitch + kCapacityBonus);
-    TStack best;
-    best.Value = TKnapsackSolver::SolveInfiniteKnapsack(FWeights, FValues, capacity, best.Counts);
-    if (Fits(best.Counts, Length)) return best;
-    TStack trial = {0, std::vector<int>(FWeights.size())};
-    best = trial;
-    Descend(Size(FWeights) - 1, capacity, Length, trial, best);
-    return best;
+    const TStack best = Solve(capacity);
+    return Fits(best.Counts, Length) ? best : BestThatFits(capacity, Length);
   }
 
  private:
@@ -58,29 +52,44 @@ class TRowKinds {
     return height <= Length + kFitTol;
   }
 
+  TStack Solve(Int64 Capacity) const {
+    TStack stack;
+    stack.Value = TKnapsackSolver::SolveInfiniteKnapsack(FWeights, FValues, Capacity, stack.Counts);
+    return stack;
+  }
+
+  // A stack that leaves a thousandth free fits, because its rows were rounded up. Only one that fills the capacity can
+  // be better.
+  TStack BestThatFits(Int64 Capacity, double Length) const {
+    TStack best = Solve(Capacity - 1);
+    TStack trial = {0, std::vector<int>(FWeights.size())};
+    Descend(Size(FWeights) - 1, Capacity, Length, trial, best);
+    return best;
+  }
+
   // All stacks by counts of the kinds from Kind down, without branches that cannot pass the best one.
   void Descend(int Kind, Int64 Room, double Length, TStack& Trial, TStack& Best) const {
-    if (static_cast<double>(Trial.Value) + Promise(Kind, Room) <= static_cast<double>(Best.Value)) return;
+    if (Kind < 0) {
+      if (Trial.Value > Best.Value && Fits(Trial.Counts, Length)) Best = Trial;
+      return;
+    }
     const Int64 before = Trial.Value;
     const Int64 most = Room / FWeights[Kind];
-    // Of the first kind one less than the room holds always fits.
-    const Int64 least = Kind == 0 ? std::max<Int64>(most - 1, 0) : 0;
-    for (Int64 count = most; count >= least; --count) {
+    for (Int64 count = most; count >= (Kind == 0 ? most : 0); --count) {
+      const Int64 room = Room - count * FWeights[Kind];
       Trial.Counts[Kind] = static_cast<int>(count);
       Trial.Value = before + count * FValues[Kind];
-      if (Kind > 0)
-        Descend(Kind - 1, Room - count * FWeights[Kind], Length, Trial, Best);
-      else if (Trial.Value > Best.Value && Fits(Trial.Counts, Length))
-        Best = Trial;
+      if (Trial.Value + Promise(Kind - 1, room) > Best.Value) Descend(Kind - 1, room, Length, Trial, Best);
     }
     Trial.Counts[Kind] = 0;
     Trial.Value = before;
   }
 
-  double Promise(int Kind, Int64 Room) const {
-    double density = 0;
-    for (int i = 0; i <= Kind; ++i) density = std::max(density, static_cast<double>(FValues[i]) / FWeights[i]);
-    return density * static_cast<double>(Room);
+  // No less than what the kinds up to Kind can add in Room.
+  Int64 Promise(int Kind, Int64 Room) const {
+    Int64 most = 0;
+    for (int i = 0; i <= Kind; ++i) most = std::max(most, Room * FValues[i] / FWeights[i]);
+    return most;
   }
 
   std::vector<double> FLengths;

@@ -1,8 +1,6 @@
 #include "StandRows.h"
 
-#include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace platenest::detail {
 
@@ -62,66 +60,62 @@ class TLooseWriter {
   TVPoint2DList FPoints;
 };
 
-enum class TTightPiece { Hex, Turned, Rest };
-
-// From the bottom up. Turned pieces of their own join a run that is there for its ends already.
-std::vector<TTightPiece> TightPieces(const TPlaceInfo& Info) {
-  const auto& [hex, turned, hexRest, hexTurned] = Info.ChooseTypeNum;
-  std::vector<TTightPiece> pieces;
-  if (Info.NewState) {
-    pieces.push_back(TTightPiece::Rest);
-    pieces.insert(pieces.end(), turned, TTightPiece::Turned);
-  }
-  pieces.insert(pieces.end(), hex, TTightPiece::Hex);
-  for (int i = 0; i < hexRest; ++i) pieces.insert(pieces.end(), {TTightPiece::Hex, TTightPiece::Rest});
-  for (int i = 0; i < hexTurned; ++i) pieces.insert(pieces.end(), {TTightPiece::Hex, TTightPiece::Turned});
-  if (!Info.NewState) pieces.insert(pieces.end(), turned, TTightPiece::Turned);
-  return pieces;
-}
-
 class TTightWriter {
  public:
   TTightWriter(const TPlaceInfo& Info, const TRowWidth& Width)
-      : FInfo(Info), FCount(Width.Count), FRest(Width.Rest), FPieces(TightPieces(Info)) {}
+      : FInfo(Info), FCount(Width.Count), FWall(Width.Count - 1 + Width.Rest), FRest(Width.Rest) {}
 
   TVPoint2DList Run() {
-    // A run of turned pieces alone has one end more than is counted.
-    const bool oneTooMany = !FInfo.NewState && FInfo.ChooseTypeNum[2] + FInfo.ChooseTypeNum[3] == 0;
-    for (int i = 0; i <= Size(FPieces); ++i) {
-      AddRow(FPoints, FCount, 0, FY);
-      if (!oneTooMany || i != FInfo.ChooseTypeNum[0]) WriteEnd(i);
-      if (i < Size(FPieces)) WritePiece(FPieces[i]);
+    const auto& [hexes, turned, hexAndRest, hexAndTurned] = FInfo.ChooseTypeNum;
+    AddRow(FPoints, FCount, 0, FY);
+    if (FInfo.NewState) WriteRest();
+    for (int i = 0; i < hexes; ++i) WriteHex();
+    for (int i = 0; i < turned; ++i) WriteTurned();
+    for (int i = 0; i < hexAndRest; ++i) {
+      WriteHex();
+      WriteRest();
+    }
+    for (int i = 0; i < hexAndTurned; ++i) {
+      WriteHex();
+      WriteLowerEnd();
+      WriteTurned();
     }
     if (FInfo.AddMode == 2) AddRow(FPoints, FCount, 0.5, FY + kHexStep);
     return std::move(FPoints);
   }
 
  private:
-  void WriteEnd(int Row) {
-    const bool isFreeAbove = Row < Size(FPieces) && FPieces[Row] != TTightPiece::Hex;
-    const bool isFreeBelow = Row > 0 && FPieces[Row - 1] != TTightPiece::Hex;
-    if (isFreeAbove || isFreeBelow)
-      AddRow(FPoints, 1, FCount - 1 + FRest, FY + (isFreeAbove ? FInfo.RestDel : -FInfo.RestDel));
+  void WriteLowerEnd() { AddRow(FPoints, 1, FWall, FY + FInfo.RestDel); }
+
+  // The row that closes a kind with an end.
+  void WriteTopRow() {
+    AddRow(FPoints, FCount, 0, FY);
+    AddRow(FPoints, 1, FWall, FY - FInfo.RestDel);
   }
 
-  void WritePiece(TTightPiece Piece) {
-    if (Piece == TTightPiece::Hex) {
-      AddRow(FPoints, FCount, 0.5, FY + kHexStep);
-      FY += kHexDouble;
-    } else if (Piece == TTightPiece::Turned) {
-      AddRow(FPoints, FCount, 0.5 * FRest - kHexStep * FInfo.RestDel, FY + FInfo.SPecAdj / 2);
-      FY += FInfo.SPecAdj;
-    } else {
-      AddRow(FPoints, FCount - 1, 0.5, FY + FInfo.RestWid / 2);
-      FY += FInfo.RestWid;
-    }
+  void WriteHex() {
+    AddRow(FPoints, FCount, 0.5, FY + kHexStep);
+    AddRow(FPoints, FCount, 0, FY += kHexDouble);
+  }
+
+  void WriteTurned() {
+    AddRow(FPoints, FCount, 0.5 * FRest - kHexStep * FInfo.RestDel, FY + FInfo.SPecAdj / 2);
+    FY += FInfo.SPecAdj;
+    WriteTopRow();
+  }
+
+  void WriteRest() {
+    WriteLowerEnd();
+    AddRow(FPoints, FCount - 1, 0.5, FY + FInfo.RestWid / 2);
+    FY += FInfo.RestWid;
+    WriteTopRow();
   }
 
   const TPlaceInfo& FInfo;
   int FCount;
+  double FWall;
   double FRest;
-  std::vector<TTightPiece> FPieces;
-  double FY = 0;
+  double FY = 0;  // of the last row of n
   TVPoint2DList FPoints;
 };
 

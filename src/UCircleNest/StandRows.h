@@ -11,33 +11,36 @@
 //
 //    pair, adds 2n - 1           stagger, adds 2n              quad, adds 4n - 1
 //
-//    O   O   O   |  2 r          O   O   O   |  2 g            O   O   O   |  2 s + 2 r = m
-//      O   O     |    r            O   O   O |    g              O   O     |  2 s + r        n - 1, moved by 0.5
-//    O   O   O   |  0            O   O   O   |  0              O   O     O |  2 s            n - 1; end at s + h + 1
-//                                                                O   O   O |    s            n - 1, moved by t; end at
-//                                                                s + h
-//                                g = sqrt(1 - f^2)             O   O   O   |  0
+//                                                              O   O   O   |  2 s + 2 r = m
+//                                                                O   O     |  2 s + r
+//    O   O   O   |  2 r          O   O   O   |  2 g            O   O     E |  2 s        E at s + h + 1
+//      O   O     |    r            O   O   O |    g              O   O   E |    s        E at s + h
+//    O   O   O   |  0            O   O   O   |  0              O   O   O   |  0
+//
+//                                g = sqrt(1 - f^2)
 //
 // The second row of a quad is moved by t = sqrt(1 - s^2) > f, so that it sinks in deeper than a staggered one. Its last
-// circle would pass the wall: it is pushed up along it, by h = sqrt(1 - (1 - t + f)^2), where it still touches its
+// circle E would pass the wall: it is pushed up along it, by h = sqrt(1 - (1 - t + f)^2), where it still touches its
 // neighbour. The end of the third row stands on it, and the row above keeps q = sqrt(1 - (0.5 + f)^2) off that end:
 // s + h + 1 + q = 2 s + r, so m / 2 = 1 + h + q, and m is the root of that. For f = 0 a quad is the stack square,
 // square, hex, hex of height 2 + sqrt 3.
 //
-// Tight rows, f > sin 60. With d = sqrt(1 - f^2), a row of n holds one circle more when that stands off the row by d,
-// at the wall: up or down, as is free.
+// Tight rows, f > sin 60. A row of n holds one circle more, its end, where that stands at the wall and
+// d = sqrt(1 - f^2) off the row. The end of a closing row stands below it; only a row that no end stands below, that is
+// the lowest one or the closing row of a hex, may have an end above it.
 //
-//   hex, adds 2n                turned, 2 sin(60 + a) high           rest, max(2 r, 2 d + 1) high
+//    hex, adds 2n               turned, adds 2n + 1            rest, adds 2n + 1
 //
-//    O   O   O   |  2 r          O   O   O     a = arccos f           O   O   O      n at 0
-//      O   O   O |    r                     O |  end d lower                      O |  end d lower
-//    O   O   O   |  0             O   O   O   |  n, moved by cos(60 + a)  O   O     |  n - 1, moved by 0.5
-//                                           O |  end d higher                     O |  end d higher
-//                                O   O   O                            O   O   O      n at 0
+//    O   O   O   |  2 r          O   O   O    |  c             O   O   O   |  e = max(2 r, 2 d + 1)
+//                                           E |  c - d                   E |  e - d
+//      O   O   O |    r            O   O   O  |  c / 2           O   O     |  e / 2
+//                                          (E)|  d                       E |  d
+//    O   O   O   |  0            O   O   O    |  0             O   O   O   |  0
 //
-// In a turned piece the last circles of a row, its end and the row between are a lattice that is turned by a. A run of
-// k pieces that are not hex has k + 1 ends, so a turned one or a rest adds 2n + 1, and one more where hex pieces part
-// it from other runs: hex and rest add 4n + 1, hex and turned 4n + 2.
+// In a turned piece the last circle of a row, its end and the last one of the row between touch each other: that
+// triangle is turned by arccos f, so c = 2 r f + d, and the row between is moved by f / 2 - r d. A hex below lets it
+// have the end in brackets, too, and both together add 4n + 2. A rest has room for two ends and always has both; it
+// opens a stack, or with a hex below adds 4n + 1.
 namespace platenest::detail {
 
 inline constexpr double kHexStep = 0.8660254037845;
