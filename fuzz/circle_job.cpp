@@ -16,6 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int high = bytes.Next();
     return (Count > 256 ? high << 8 | bytes.Next() : high) % Count;
   });
+  test::AskForCircles(made, method);
   Job& job = made.AJob;
   constexpr int mostCopies = 25;
   for (Part& part : job.Parts)
@@ -23,7 +24,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       part.Amount = mostCopies;
       made.Sample.reset();
     }
-  job.Run.Method = method;
   job.Run.TimeLimit = 0.02;
   job.Run.Deterministic = true;
   const Result result = run(job);

@@ -31,18 +31,19 @@ double MsSince(TSteady::time_point Start) {
 struct TCampaignRules {
   std::vector<std::string> Methods;  // the first one is the quick one, which auto may not be worse than
   test::TJobCase (*Make)(unsigned Seed);
-  void (*Ask)(Job& AJob, const std::string& Method);
+  void (*Ask)(test::TJobCase& Case, const std::string& Method);
   std::string (*Fault)(const test::TJobCase& Case, const Result& AResult);
   bool UsesThreads;  // then the number of threads changes from job to job, and must not change deterministic answers
 };
 
 const TCampaignRules kRectRules = {
-    {"repeat", "svc", "cg", "auto"}, test::MakeJobCase, test::AskFor, test::JobFault, false};
-const TCampaignRules kCircleRules = {{"pattern", "pack", "auto"},
-                                     test::MakeCircleCase,
-                                     [](Job& AJob, const std::string& Method) { AJob.Run.Method = Method; },
-                                     test::CircleFault,
-                                     true};
+    {"repeat", "svc", "cg", "auto"},
+    test::MakeJobCase,
+    [](test::TJobCase& Case, const std::string& Method) { test::AskFor(Case.AJob, Method); },
+    test::JobFault,
+    false};
+const TCampaignRules kCircleRules = {
+    {"pattern", "pack", "auto"}, test::MakeCircleCase, test::AskForCircles, test::CircleFault, true};
 
 struct TJobAnswer {
   std::optional<Result> AResult;
@@ -157,14 +158,19 @@ class TCampaign {
   void RunSeed(unsigned Seed) {
     std::mt19937 engine(Seed);
     std::optional<test::TJobWorth> quick;
+    std::vector<Part> quickParts;
     for (const std::string& method : FMethods) {
       const double limitMs = FArguments.Seconds * 1000;
       const double stopMs = FArguments.Stops ? 0.1 + limitMs * static_cast<double>(engine() % 1000) / 1000 : 0;
       const TJobAnswer answer = RunMethod(Seed, method, stopMs);
       if (!answer.AResult || FArguments.Stops) continue;
-      const test::TJobWorth worth = test::JobWorthOf(FRules.Make(Seed).AJob, *answer.AResult);
-      if (method == FRules.Methods.front()) quick = worth;
-      if (method != "auto" || !quick || !test::IsWorse(worth, *quick)) continue;
+      const test::TJobCase made = CaseOf(Seed, method);
+      const test::TJobWorth worth = test::JobWorthOf(made.AJob, *answer.AResult);
+      if (method == FRules.Methods.front()) {
+        quick = worth;
+        quickParts = made.AJob.Parts;
+      }
+      if (method != "auto" || quickParts != made.AJob.Parts || !test::IsWorse(worth, *quick)) continue;
       ++FWorse;
       std::printf("seed %u: auto is worse than %s alone: unplaced %g, %g, cost %g, %g, plates %d, %d, last %g, %g\n",
                   Seed, FRules.Methods.front().c_str(), worth.UnplacedArea, quick->UnplacedArea, worth.Cost,
@@ -172,13 +178,18 @@ class TCampaign {
     }
   }
 
-  TJobAnswer RunMethod(unsigned Seed, const std::string& Method, double StopMs) {
+  test::TJobCase CaseOf(unsigned Seed, const std::string& Method) const {
     test::TJobCase made = FRules.Make(Seed);
-    FRules.Ask(made.AJob, Method);
+    FRules.Ask(made, Method);
     if (FRules.UsesThreads) made.AJob.Run.Threads = FArguments.Deterministic || Seed % 2 == 0 ? 4 : 1;
     made.AJob.Run.TimeLimit = FArguments.Seconds;
     made.AJob.Run.Seed = Seed;
     made.AJob.Run.Deterministic = FArguments.Deterministic;
+    return made;
+  }
+
+  TJobAnswer RunMethod(unsigned Seed, const std::string& Method, double StopMs) {
+    const test::TJobCase made = CaseOf(Seed, Method);
     FFolder.Note("running-" + Method, made.AJob);
     TJobAnswer answer = AnswerOf(FRules, made, StopMs);
     FFolder.Forget("running-" + Method);

@@ -20,7 +20,7 @@ constexpr unsigned kSeeds = 30;
 // Each seed has its method; a round of the seeds has all.
 TJobCase CaseOf(unsigned Seed, double Seconds, bool Deterministic = false) {
   TJobCase made = MakeCircleCase(Seed);
-  made.AJob.Run.Method = kMethods[Seed % kMethods.size()];
+  AskForCircles(made, kMethods[Seed % kMethods.size()]);
   made.AJob.Run.TimeLimit = Seconds;
   made.AJob.Run.Seed = Seed;
   made.AJob.Run.Deterministic = Deterministic;
@@ -62,7 +62,7 @@ TEST(Circles, StoppingAtAnyMomentGivesAValidAnswerOrNone) {
 TEST(Circles, MoreTimeIsNeverWorseAndEqualJobsGiveEqualBytes) {
   ForEachSeed(kSeeds / 5, [](unsigned seed) {
     TJobCase made = CaseOf(seed, 0.01, true);
-    made.AJob.Run.Method = "auto";
+    AskForCircles(made, "auto");
     made.AJob.Run.Threads = 4;
     const Result less = run(made.AJob);
     made.AJob.Run.Threads = 1;

@@ -200,9 +200,14 @@ TJobCase MakeCircleCase(unsigned Seed) {
   return MakeCircleCase([&engine](int Count) { return static_cast<int>(engine() % static_cast<unsigned>(Count)); });
 }
 
-bool HasManySizes(const Job& AJob) {
-  const auto differs = [&AJob](const Part& part) { return part.Radius != AJob.Parts[0].Radius; };
-  return std::ranges::any_of(AJob.Parts, differs);
+void AskForCircles(TJobCase& Case, const std::string& Method) {
+  Job& job = Case.AJob;
+  job.Run.Method = Method;
+  const double first = job.Parts[0].Radius;
+  const auto differs = [first](const Part& part) { return part.Radius != first; };
+  if (Method != "pattern" || std::ranges::none_of(job.Parts, differs)) return;
+  for (Part& part : job.Parts) part.Radius = first;
+  Case.Sample.reset();
 }
 
 }  // namespace platenest::test

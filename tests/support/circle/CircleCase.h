@@ -16,7 +16,7 @@ namespace platenest::test {
 TJobCase MakeCircleCase(const std::function<int(int)>& Pick);
 TJobCase MakeCircleCase(unsigned Seed);
 
-// Whether the job is of more than one size.
-bool HasManySizes(const Job& AJob);
+// Asks for a method. Patterns are of one size, so that all circles take the size of the first and no sample is left.
+void AskForCircles(TJobCase& Case, const std::string& Method);
 
 }  // namespace platenest::test
