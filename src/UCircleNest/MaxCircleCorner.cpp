@@ -121,9 +121,6 @@ TMaxCirclePacking::TCornerStrip TMaxCirclePacking::MeasureStrip(double Width) {
 }
 
 void TMaxCirclePacking::TryCornerBlocks() {
-  FTempInfo.ShapeMethod5 = false;
-  FTempInfo.NewState = false;
-  FTempInfo.SquareMode = 2;
   FHalvesX = Trunc<int>(2 * FBound.X + kWholeTol) - 1;
   FHalvesY = Trunc<int>(2 * FBound.Y + kWholeTol) - 1;
   FStripsX.clear();
@@ -131,10 +128,7 @@ void TMaxCirclePacking::TryCornerBlocks() {
   for (int i = 0; i <= FIntX; ++i) FStripsX.push_back(MeasureStrip(std::max(FBound.X - i, 0.0)));
   for (int j = 0; j <= FIntY; ++j) FStripsY.push_back(MeasureStrip(std::max(FBound.Y - j, 0.0)));
   for (int i = 2; i <= FIntX; ++i)
-    for (int j = 2; j <= FIntY; ++j) {
-      FAdded = i * j;
-      TryMethod2(i, j);
-    }
+    for (int j = 2; j <= FIntY; ++j) TryMethod2(i, j);
 }
 
 void TMaxCirclePacking::TryMethod2(int I, int J) {
@@ -142,6 +136,7 @@ void TMaxCirclePacking::TryMethod2(int I, int J) {
   FResNumY = FStripsY[J].Lines;
   const auto [least, most] = std::minmax({FResNumX, FResNumY});
   if (least == 0) return;
+  FAdded = I * J;
   FTempInfo.Spec = false;
   if (most > kMostHandLines && least > 1) {
     FResult2 = ProcessRest(I, J, FTempInfo.AddMode) + FAdded;
@@ -153,6 +148,9 @@ void TMaxCirclePacking::TryMethod2(int I, int J) {
     return;
   }
   if (FResult2 <= FRunnersUp.back().Count) return;
+  FTempInfo.ShapeMethod5 = false;
+  FTempInfo.NewState = false;
+  FTempInfo.SquareMode = 2;
   FTempInfo.SquareNum = I;
   FTempInfo.SquareNum2 = J;
   FTempInfo.Rows = FResNumX;

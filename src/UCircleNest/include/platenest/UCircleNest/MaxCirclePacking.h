@@ -54,12 +54,12 @@ class PLATENEST_API TMaxCirclePacking {
   bool TryAddOne();
   void TrySquareBlocks();
   void TryPlace(bool Flag);
-  int CalNum1();
-  int CalNum2();
-  void TryIncXAndDecY1();
-  void TryIncYAndDecX1();
-  void TryIncXAndDecY2();
-  void TryIncYAndDecX2();
+  int CalNum1() { return CalNum(true); }
+  int CalNum2() { return CalNum(false); }
+  void TryIncXAndDecY1() { TryLongerRows(true); }
+  void TryIncYAndDecX1() { TryMoreRows(true); }
+  void TryIncXAndDecY2() { TryMoreRows(false); }
+  void TryIncYAndDecX2() { TryLongerRows(false); }
   void TryCornerBlocks();
   void TryMethod2(int I, int J);
   int ProcessRest(int I, int J, std::uint8_t& AddMode);
@@ -93,6 +93,26 @@ class PLATENEST_API TMaxCirclePacking {
     int Count = 0;
     TPlaceInfo Info;
   };
+
+  void TryBothDirections(bool AlongX, bool MaySpec);
+  // The steps of TryPlace for rows along X or along Y; "along" and "across" are meant towards the rows.
+  int CalNum(bool AlongX);
+  void TryLongerRows(bool AlongX);
+  void TryMoreRows(bool AlongX);
+  void SpreadSlack(bool AlongX);
+  void TryRestStrip(bool AlongX);
+  void TryTwoRowsPlusOne(bool AlongX);
+  // The writers of Add1 and Add2.
+  void AddShearedGrid();
+  void AddFifteenDegrees();
+  void AddSpecBlock();
+  void AddLattice();
+  void AddTwoRowsPlusOne();
+  void AddAlong(double AlongRows, double AcrossRows);
+  double RowStep() const;
+  // Count circles, all in the box, all pairs at distance 1 at least.
+  bool Stands(int Count) const;
+  void WritePattern();
 
   int FResult = 0;
   int FResult2 = 0;
