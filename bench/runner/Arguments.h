@@ -12,11 +12,14 @@ struct TArguments {
   std::string Suite;
   std::vector<std::string> Files;
   std::string Json;
+  std::string Data;  // folder of the instances of circles
+  int Every = 1;     // of the instances of circles, each that many-th
+  int Threads = 1;   // of packings of circles
   int Repeat = 1;
   int Rows = 0;
   std::string Method;  // of the suite; empty for the first one that it knows, in job-random for all
   double Seconds = 5;  // for each job
-  std::string Id;      // regular expression for the jobs to run; empty for all
+  std::string Id;      // regular expression for the jobs to run, in circles the group of times; empty for all
   std::string Only;    // pattern with * and ? for the whole jobs to run; empty for the core ones, where some are marked
   bool All = false;    // not the core ones alone
   bool Turn = true;    // parts of whole jobs may turn

@@ -12,6 +12,8 @@
 #include <string>
 #include <thread>
 
+#include "CircleCase.h"
+#include "CircleJudge.h"
 #include "JobJudge.h"
 #include "platenest/job/Run.h"
 
@@ -25,6 +27,24 @@ double MsSince(TSteady::time_point Start) {
   return std::chrono::duration<double, std::milli>(TSteady::now() - Start).count();
 }
 
+// What is random, asked and judged.
+struct TCampaignRules {
+  std::vector<std::string> Methods;  // the first one is the quick one, which auto may not be worse than
+  test::TJobCase (*Make)(unsigned Seed);
+  void (*Ask)(test::TJobCase& Case, const std::string& Method);
+  std::string (*Fault)(const test::TJobCase& Case, const Result& AResult);
+  bool UsesThreads;  // then the number of threads changes from job to job, and must not change deterministic answers
+};
+
+const TCampaignRules kRectRules = {
+    {"repeat", "svc", "cg", "auto"},
+    test::MakeJobCase,
+    [](test::TJobCase& Case, const std::string& Method) { test::AskFor(Case.AJob, Method); },
+    test::JobFault,
+    false};
+const TCampaignRules kCircleRules = {
+    {"pattern", "pack", "auto"}, test::MakeCircleCase, test::AskForCircles, test::CircleFault, true};
+
 struct TJobAnswer {
   std::optional<Result> AResult;
   std::string Fault;
@@ -32,8 +52,15 @@ struct TJobAnswer {
   double LateMs = 0;  // behind the time limit or the request to stop
 };
 
+// What differs on one thread.
+std::string ThreadFault(const Job& AJob, const Result& AResult) {
+  Job alone = AJob;
+  alone.Run.Threads = 1;
+  return ResultToJson(run(alone)) == ResultToJson(AResult) ? "" : "another answer on one thread";
+}
+
 // Stopped from another thread after that time; 0 for never.
-TJobAnswer AnswerOf(const test::TJobCase& Case, double StopMs) {
+TJobAnswer AnswerOf(const TCampaignRules& Rules, const test::TJobCase& Case, double StopMs) {
   TJobAnswer answer;
   StopToken stop;
   const TSteady::time_point start = TSteady::now();
@@ -52,7 +79,9 @@ TJobAnswer AnswerOf(const test::TJobCase& Case, double StopMs) {
   const double limit = Case.AJob.Run.Deterministic ? 1e9 : Case.AJob.Run.TimeLimit * 1000;
   answer.LateMs = std::max(0.0, answer.Ms - (StopMs > 0 ? std::min(limit, StopMs) : limit));
   if (!answer.AResult || !answer.Fault.empty()) return answer;
-  answer.Fault = test::JobFault(Case, *answer.AResult);
+  answer.Fault = Rules.Fault(Case, *answer.AResult);
+  if (Rules.UsesThreads && Case.AJob.Run.Deterministic && StopMs <= 0 && answer.Fault.empty())
+    answer.Fault = ThreadFault(Case.AJob, *answer.AResult);
   if (const std::vector<Fault> faults = CheckResult(Case.AJob, *answer.AResult); !faults.empty())
     answer.Fault += (answer.Fault.empty() ? "" : "; ") + faults[0].Place + ": " + faults[0].Text;
   return answer;
@@ -76,10 +105,10 @@ class TFaultFolder {
 };
 
 // The sample of a job that was made smaller is no longer one.
-Job Smallest(const Job& AJob) {
+Job Smallest(const TCampaignRules& Rules, const Job& AJob) {
   const TSteady::time_point start = TSteady::now();
-  return test::Shrunk(AJob, [start](const Job& less) {
-    return MsSince(start) < 30000 && !AnswerOf({less, {}}, 0).Fault.empty();
+  return test::Shrunk(AJob, [&Rules, start](const Job& less) {
+    return MsSince(start) < 30000 && !AnswerOf(Rules, {less, {}}, 0).Fault.empty();
   });
 }
 
@@ -102,7 +131,7 @@ struct TTally {
   }
   void Print(const std::string& Method) const {
     std::printf(
-        "%-6s %5d answers, %d complete, %d without result, %d faults, usage %.4f, ms median %.1f worst %.1f (%s), late "
+        "%-7s %5d answers, %d complete, %d without result, %d faults, usage %.4f, ms median %.1f worst %.1f (%s), late "
         "ms "
         "median %.1f p99 %.1f worst %.1f, %d later than promised\n",
         Method.c_str(), Answers, Complete, Stopped, Faults, UsageSum / std::max(1, Answers - Stopped),
@@ -113,48 +142,56 @@ struct TTally {
 
 class TCampaign {
  public:
-  explicit TCampaign(const TArguments& Arguments) : FArguments(Arguments), FFolder(Arguments.Faults) {
-    if (Arguments.Method.empty())
-      FMethods = {"repeat", "svc", "cg", "auto"};
-    else
-      FMethods = {Arguments.Method};
+  TCampaign(const TArguments& Arguments, const TCampaignRules& Rules)
+      : FArguments(Arguments), FRules(Rules), FFolder(Arguments.Faults) {
+    FMethods = Arguments.Method.empty() ? Rules.Methods : std::vector{Arguments.Method};
   }
 
   std::vector<TRow> Run() {
     for (int i = 0; i < FArguments.Pairs; ++i) RunSeed(static_cast<unsigned>(FArguments.Seed + i));
     for (const auto& [method, tally] : FTallies) tally.Print(method);
-    std::printf("auto worse than repeat alone: %d\n", FWorse);
+    std::printf("auto worse than %s alone: %d\n", FRules.Methods.front().c_str(), FWorse);
     return std::move(FRows);
   }
 
  private:
   void RunSeed(unsigned Seed) {
     std::mt19937 engine(Seed);
-    std::optional<test::TJobWorth> repeated;
+    std::optional<test::TJobWorth> quick;
+    std::vector<Part> quickParts;
     for (const std::string& method : FMethods) {
       const double limitMs = FArguments.Seconds * 1000;
       const double stopMs = FArguments.Stops ? 0.1 + limitMs * static_cast<double>(engine() % 1000) / 1000 : 0;
       const TJobAnswer answer = RunMethod(Seed, method, stopMs);
       if (!answer.AResult || FArguments.Stops) continue;
-      const test::TJobWorth worth = test::JobWorthOf(test::MakeJobCase(Seed).AJob, *answer.AResult);
-      if (method == "repeat") repeated = worth;
-      if (method != "auto" || !repeated || !test::IsWorse(worth, *repeated)) continue;
+      const test::TJobCase made = CaseOf(Seed, method);
+      const test::TJobWorth worth = test::JobWorthOf(made.AJob, *answer.AResult);
+      if (method == FRules.Methods.front()) {
+        quick = worth;
+        quickParts = made.AJob.Parts;
+      }
+      if (method != "auto" || quickParts != made.AJob.Parts || !test::IsWorse(worth, *quick)) continue;
       ++FWorse;
-      std::printf(
-          "seed %u: auto is worse than repeat alone: unplaced %g, %g, cost %g, %g, plates %d, %d, last %g, %g\n", Seed,
-          worth.UnplacedArea, repeated->UnplacedArea, worth.Cost, repeated->Cost, worth.Plates, repeated->Plates,
-          worth.LastUsage, repeated->LastUsage);
+      std::printf("seed %u: auto is worse than %s alone: unplaced %g, %g, cost %g, %g, plates %d, %d, last %g, %g\n",
+                  Seed, FRules.Methods.front().c_str(), worth.UnplacedArea, quick->UnplacedArea, worth.Cost,
+                  quick->Cost, worth.Plates, quick->Plates, worth.LastUsage, quick->LastUsage);
     }
   }
 
-  TJobAnswer RunMethod(unsigned Seed, const std::string& Method, double StopMs) {
-    test::TJobCase made = test::MakeJobCase(Seed);
-    test::AskFor(made.AJob, Method);
+  test::TJobCase CaseOf(unsigned Seed, const std::string& Method) const {
+    test::TJobCase made = FRules.Make(Seed);
+    FRules.Ask(made, Method);
+    if (FRules.UsesThreads) made.AJob.Run.Threads = FArguments.Deterministic || Seed % 2 == 0 ? 4 : 1;
     made.AJob.Run.TimeLimit = FArguments.Seconds;
     made.AJob.Run.Seed = Seed;
     made.AJob.Run.Deterministic = FArguments.Deterministic;
+    return made;
+  }
+
+  TJobAnswer RunMethod(unsigned Seed, const std::string& Method, double StopMs) {
+    const test::TJobCase made = CaseOf(Seed, Method);
     FFolder.Note("running-" + Method, made.AJob);
-    TJobAnswer answer = AnswerOf(made, StopMs);
+    TJobAnswer answer = AnswerOf(FRules, made, StopMs);
     FFolder.Forget("running-" + Method);
     const double promise = StopMs > 0 ? 150 : std::max(150.0, 30 * FArguments.Seconds);
     const std::string name = Numbered("seed-", Seed) + "-" + Method;
@@ -163,7 +200,7 @@ class TCampaign {
     if (!answer.Fault.empty()) {
       std::printf("%s: %s\n", name.c_str(), answer.Fault.c_str());
       FFolder.Note(name, made.AJob);
-      if (!FArguments.Faults.empty()) FFolder.Note(name + "-small", Smallest(made.AJob));
+      if (!FArguments.Faults.empty()) FFolder.Note(name + "-small", Smallest(FRules, made.AJob));
     }
     std::fflush(stdout);
     FRows.push_back(RowOf(name, made, answer));
@@ -182,6 +219,7 @@ class TCampaign {
   }
 
   const TArguments& FArguments;
+  const TCampaignRules& FRules;
   const TFaultFolder FFolder;
   std::vector<std::string> FMethods;
   std::map<std::string, TTally> FTallies;
@@ -192,7 +230,7 @@ class TCampaign {
 }  // namespace
 
 std::vector<TRow> RunJobCampaign(const TArguments& Arguments) {
-  return TCampaign(Arguments).Run();
+  return TCampaign(Arguments, Arguments.Suite == "circles-random" ? kCircleRules : kRectRules).Run();
 }
 
 }  // namespace platenest::bench

@@ -5,6 +5,8 @@
 
 #include "Arguments.h"
 #include "ArraySuite.h"
+#include "CircleCampaign.h"
+#include "CircleSuite.h"
 #include "FillCorpus.h"
 #include "FillSuite.h"
 #include "JobCampaign.h"
@@ -54,7 +56,9 @@ std::vector<TRow> Run(const TArguments& Arguments) {
   if (Arguments.Suite == "fill") return RunFillSuite(Arguments);
   if (Arguments.Suite == "fill-exact") return RunFillCorpus(Arguments);
   if (Arguments.Suite == "job") return RunJobSuite(Arguments);
-  if (Arguments.Suite == "job-random") return RunJobCampaign(Arguments);
+  if (Arguments.Suite == "circles") return RunCircleSuite(Arguments);
+  if (Arguments.Suite == "circles-core") return RunCircleCampaign(Arguments);
+  if (Arguments.Suite == "job-random" || Arguments.Suite == "circles-random") return RunJobCampaign(Arguments);
   if (Arguments.Suite == "nfp") return RunNfpSuite(Arguments);
   if (Arguments.Suite == "array") return RunArraySuite(Arguments);
   if (Arguments.Suite == "label") return RunLabelSuite(Arguments);
@@ -64,7 +68,7 @@ std::vector<TRow> Run(const TArguments& Arguments) {
 
 // Plates and cost are to be few.
 bool LessIsBetter(std::string_view Suite) {
-  return Suite == "job" || Suite == "job-random";
+  return Suite == "job" || Suite == "job-random" || Suite == "circles-random";
 }
 
 }  // namespace
