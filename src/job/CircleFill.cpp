@@ -13,7 +13,7 @@ namespace platenest::detail {
 namespace {
 
 // In the nesters' units; circles that come nearer by less touch.
-constexpr double kTouch = 1e-7;
+constexpr double kTouch = 1e-6;
 constexpr int kLooksBetweenPolls = 64;
 
 // The gap is kept by circles that are half of it larger on a plate that is half of it larger all round.

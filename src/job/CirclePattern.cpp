@@ -16,8 +16,8 @@ namespace platenest::detail {
 namespace {
 
 // In the nesters' units: what rounding may take off a length before a circle less fits.
-constexpr double kNoise = 1e-9;
-constexpr double kClearanceTol = 1e-6;
+constexpr double kNoise = 1e-6;
+constexpr double kClearanceTol = 2e-6;
 // Halvings of the range in which a shorter extent is looked for, and the circles up to which it is.
 constexpr int kHalvings = 24;
 constexpr double kMostHalved = 20000;
@@ -39,7 +39,7 @@ TVPoint2DList Zigzag(const TBox& Box, double Radius, double Gap) {
   const double high = std::max(0.0, std::min(Box.Height - 2 * Radius, pitch * std::sqrt(0.75)));
   if (Box.Height - 2 * Radius < -kNoise || Box.Width - 2 * Radius < -kNoise) return points;
   const double step = std::sqrt(pitch * pitch - high * high);
-  const int count = Floor<int>(std::max(0.0, Box.Width - 2 * Radius) / step + kNoise) + 1;
+  const int count = Floor<int>((Box.Width - 2 * Radius + kNoise) / step) + 1;
   for (int i = 0; i < count; ++i) points.push_back({Radius + i * step, Radius + (i % 2 == 0 ? 0 : high)});
   return points;
 }
@@ -156,7 +156,7 @@ TVPoint2DList BlockOf(double Room, double Height, double Radius, double Gap, int
   TVPoint2DList best = PointsOf({Room, Height}, Radius, Gap);
   if (Size(best) < Count) return best;
   double low = 0;
-  for (int i = 0; i < kHalvings && Extent - low > kNoise * Room && !RunStopRequested(); ++i) {
+  for (int i = 0; i < kHalvings && Extent - low > kNoise && !RunStopRequested(); ++i) {
     const double middle = (low + Extent) / 2;
     TVPoint2DList points = PointsOf({middle, Height}, Radius, Gap);
     if (Size(points) < Count) {
