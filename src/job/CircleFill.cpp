@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <queue>
-#include <tuple>
+#include <utility>
 
 #include "CircleGrid.h"
 #include "platenest/foundation/StopToken.h"
@@ -15,6 +16,9 @@ namespace {
 // In the nesters' units; circles that come nearer by less touch.
 constexpr double kTouch = 1e-6;
 constexpr int kLooksBetweenPolls = 64;
+// So much smaller a size looks again at all circles that stand; before that only at those that had room left.
+constexpr double kLooksAgain = 0.95;
+constexpr int kFewSizes = 40;
 
 // The gap is kept by circles that are half of it larger on a plate that is half of it larger all round.
 class TPlateFill {
@@ -30,16 +34,12 @@ class TPlateFill {
     FGrid.Add({Center.X + FHalfGap, Center.Y + FHalfGap}, Radius + FHalfGap);
   }
 
-  // Adds up to Amount circles of one size; their places go to Place(center).
+  // Adds up to Amount circles of one size, none larger than those before; their places go to Place(center). With
+  // Everywhere all circles that stand are looked at, in any case where the size has shrunk much.
   template <class Placer>
-  void Fill(double Radius, int Amount, Placer Place) {
+  void Fill(double Radius, int Amount, bool Everywhere, Placer Place) {
     FRadius = Radius + FHalfGap;
-    FQueue = {};
-    TryCorners();
-    for (int i = 0; i < static_cast<int>(FGrid.Discs().size()); ++i) {
-      if (i % kLooksBetweenPolls == 0 && RunStopRequested()) return;
-      TryAround(i, /*OnlyOlder=*/true);
-    }
+    if (!LookAround(Everywhere)) return;
     for (int placed = 0; placed < Amount && !FQueue.empty();) {
       const TPoint2D center = FQueue.top().Center;
       FQueue.pop();
@@ -48,13 +48,14 @@ class TPlateFill {
       Place(TPoint2D{center.X - FHalfGap, center.Y - FHalfGap});
       ++placed;
       if (placed % kLooksBetweenPolls == 0 && RunStopRequested()) return;
-      TryAround(static_cast<int>(FGrid.Discs().size()) - 1, /*OnlyOlder=*/false);
+      TryAround(Size(FGrid.Discs()) - 1, /*OnlyOlder=*/false);
     }
   }
 
  private:
   struct TCandidate {
     TPoint2D Center;
+    int Disc;  // it touches this circle, -1 for a corner of the plate
     bool IsLeft;
     // The queue's top is the largest.
     friend bool operator<(const TCandidate& A, const TCandidate& B) {
@@ -65,13 +66,38 @@ class TPlateFill {
     }
   };
 
+  // Candidates for a size; false once stopped.
+  bool LookAround(bool Everywhere) {
+    const int count = Size(FGrid.Discs());
+    if (Everywhere || FRadius < kLooksAgain * FLookedRadius) {
+      FLookedRadius = FRadius;
+      FQueue = {};
+      TryCorners();
+      for (int i = 0; i < count; ++i) {
+        if (i % kLooksBetweenPolls == 0 && RunStopRequested()) return false;
+        TryAround(i, /*OnlyOlder=*/true);
+      }
+      return true;
+    }
+    std::vector<int> open;
+    for (; !FQueue.empty(); FQueue.pop()) open.push_back(FQueue.top().Disc);
+    std::ranges::sort(open);
+    const auto repeated = std::ranges::unique(open);
+    open.erase(repeated.begin(), repeated.end());
+    TryCorners();
+    for (const int disc : open)
+      if (disc >= 0) TryAround(disc, /*OnlyOlder=*/false);
+    return !RunStopRequested();
+  }
+
   void Try(double X, double Y) {
     const double r = FRadius - kTouch;
     if (!(X >= r && Y >= r && X <= FWidth - r && Y <= FHeight - r)) return;
-    if (FGrid.IsFree({X, Y}, FRadius, kTouch)) FQueue.push({{X, Y}, FIsLeft});
+    if (FGrid.IsFree({X, Y}, FRadius, kTouch)) FQueue.push({{X, Y}, FTouched, FIsLeft});
   }
 
   void TryCorners() {
+    FTouched = -1;
     for (const double x : {FRadius, FWidth - FRadius})
       for (const double y : {FRadius, FHeight - FRadius}) Try(x, y);
   }
@@ -79,6 +105,7 @@ class TPlateFill {
   // Places that touch this circle and an edge, or another circle; only earlier ones where all will have their turn.
   void TryAround(int Index, bool OnlyOlder) {
     const TCircleGrid::TDisc disc = FGrid.Discs()[Index];
+    FTouched = Index;
     const double reach = disc.Radius + FRadius;
     for (const double x : {FRadius, FWidth - FRadius}) {
       const double high2 = reach * reach - (x - disc.Center.X) * (x - disc.Center.X);
@@ -120,6 +147,8 @@ class TPlateFill {
   double FHeight;
   TCircleGrid FGrid;
   double FRadius = 0;
+  double FLookedRadius = std::numeric_limits<double>::infinity();
+  int FTouched = -1;
   std::priority_queue<TCandidate> FQueue;
   std::vector<int> FNear;
 };
@@ -132,9 +161,11 @@ void FillPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, 
     expected += std::min<double>(Left[i], MostOnPlate(Sizes, Sizes.Plates[Plate], Sizes.Parts[i].Radius));
   TPlateFill fill(Sizes, Plate, expected, Side);
   for (const TCornerPlacement& spot : Spots) fill.Stand(spot.Center, Sizes.Parts[spot.CircleIdx].Radius);
+  const bool everywhere = Size(Sizes.Parts) <= kFewSizes;
   for (int i = 0; i < Size(Sizes.Parts) && !RunStopRequested(); ++i) {
     if (Left[i] <= 0 || !Holds(Sizes.Plates[Plate], Sizes.Parts[i])) continue;
-    fill.Fill(Sizes.Parts[i].Radius, Left[i], [&](const TPoint2D& center) { Spots.emplace_back(i, center); });
+    fill.Fill(Sizes.Parts[i].Radius, Left[i], everywhere,
+              [&](const TPoint2D& center) { Spots.emplace_back(i, center); });
   }
 }
 

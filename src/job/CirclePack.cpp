@@ -24,6 +24,9 @@ constexpr double kTol = 2e-6;
 // Of one greedy pass over a plate, for each size and pair of circles. Look-ahead does not interrupt a pass.
 constexpr double kSecondsAPair = 4e-9;
 constexpr double kLongestPass = 0.12;
+// Without look-ahead: each step can be stopped, but the positions that are kept ready take memory.
+constexpr double kLongestGreedy = 15;
+constexpr double kMostPositions = 2e5;
 // Of a plate's area that circles may cover, for estimates.
 constexpr double kDense = 0.85;
 constexpr double kStripPlates = 2;
@@ -89,10 +92,15 @@ TCircleSpots SpotsOf(const TCircleNestRst& Result, const TCircleSizes& Sizes, co
   return spots;
 }
 
-// Whether one greedy pass over such a plate is short.
-bool IsQuick(const TShown& AShown, double Area, double Gap) {
+enum class TPassCost : std::uint8_t { Quick, Long, TooLong };
+
+// What one greedy pass over such a plate takes.
+TPassCost PassCostOf(const TShown& AShown, double Area, double Gap) {
   const double standing = MostStanding(AShown, Area, Gap);
-  return kSecondsAPair * Size(AShown.Parts) * standing * standing <= kLongestPass;
+  const double positions = standing * Size(AShown.Parts);
+  const double seconds = kSecondsAPair * positions * standing;
+  if (seconds <= kLongestPass) return TPassCost::Quick;
+  return seconds <= kLongestGreedy && positions <= kMostPositions ? TPassCost::Long : TPassCost::TooLong;
 }
 
 // The nester with a way to leave the look-ahead out.
@@ -116,7 +124,8 @@ class TPlatePacking : public TCirclePacking {
 TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort) {
   const TCirclePlate& plate = Sizes.Plates[Plate];
   const TShown shown = Shown(Sizes, Plate, Left);
-  if (shown.Parts.empty()) return {};
+  const TPassCost cost = PassCostOf(shown, (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap), Sizes.Gap);
+  if (shown.Parts.empty() || cost == TPassCost::TooLong) return {};
   const TVRect2D rect = Effort.ExchangesSides ? TVRect2D::FromSize(plate.Height, plate.Width)
                                               : TVRect2D::FromSize(plate.Width, plate.Height);
   TPlatePacking packing(rect, Sizes.Gap, shown.Radii, shown.Copies);
@@ -124,7 +133,7 @@ TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int
   packing.SetStepLimit(Effort.Steps);
   {
     const TTimeShare share(Effort.Seconds);
-    if (IsQuick(shown, (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap), Sizes.Gap))
+    if (cost == TPassCost::Quick)
       packing.Packing(0, kNoLimitMs);
     else
       packing.PackWithoutLookAhead();
@@ -141,7 +150,8 @@ TCircleSpots PackStrip(const TCircleSizes& Sizes, int Plate, std::span<const int
   const TCirclePlate& plate = Sizes.Plates[Plate];
   const TShown shown = Shown(Sizes, Plate, Left);
   const double area = (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap);
-  if (shown.Parts.empty() || AreaOf(shown, Sizes.Gap) > area || !IsQuick(shown, area, Sizes.Gap)) return {};
+  if (shown.Parts.empty() || AreaOf(shown, Sizes.Gap) > area || PassCostOf(shown, area, Sizes.Gap) != TPassCost::Quick)
+    return {};
   const double along = Effort.ExchangesSides ? plate.Height : plate.Width;
   const double across = Effort.ExchangesSides ? plate.Width : plate.Height;
   TCirclePacking packing(TVRect2D::FromSize(kStripPlates * along, across), Sizes.Gap, shown.Radii, shown.Copies);

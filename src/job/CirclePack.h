@@ -16,9 +16,9 @@ struct TPackEffort {
   bool ExchangesSides = false;  // builds up from the plate's bottom edge instead of its left one
 };
 
-// Fills a plate with copies of what is left: the nester's answer, topped up. Empty where the sizes do not make a start
-// or the answer does not pass the layout check. Where one greedy pass takes long, which look-ahead does not interrupt,
-// there is none. More sizes than the nester can hold are thinned out.
+// Fills a plate with copies of what is left: the nester's answer, topped up. Where one greedy pass takes long, which
+// look-ahead does not interrupt, there is no look-ahead. Empty where even that would take too long, where the sizes do
+// not make a start or the answer does not pass the layout check. More sizes than the nester can hold are thinned out.
 TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort);
 
 // Circles that can stand on one plate in one row from edge to edge, all of them or nothing, the shortest that the strip
