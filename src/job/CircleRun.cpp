@@ -10,6 +10,7 @@
 
 #include "Assembly.h"
 #include "CircleFill.h"
+#include "CircleImprove.h"
 #include "CirclePack.h"
 #include "CirclePattern.h"
 #include "CirclePlates.h"
@@ -35,8 +36,12 @@ constexpr Int64 kFirstSteps = 500'000;
 constexpr Int64 kStepsGrow = 4;
 constexpr int kCountedRounds = 4;
 constexpr double kStepsAMs = 2e3;
-// Shares of the time that is left when a variant begins, while others wait.
-constexpr double kFirstShare = 0.5;
+// Of the time that is left when a variant begins; the local search has the last of it.
+constexpr double kVariantShare = 0.4;
+constexpr int kFirstTurns = 2000;
+constexpr double kTurnsAMs = 8;
+constexpr Int64 kTurnsACircle = 2000;
+constexpr Int64 kTurnCirclesMore = 20;
 
 double WorkOf(const TCircleSizes& Sizes) {
   double copies = 0;
@@ -171,20 +176,34 @@ void Pack(TCircleSearch& Search, const std::vector<TVariant>& Variants, Int64 St
     if (Search.IsOver()) return;
     const TVariant& variant = Variants[i % Variants.size()];
     std::optional<double> seconds = Search.SecondsLeft();
-    if (seconds && i + 1 < count) *seconds *= kFirstShare;
+    if (seconds) *seconds *= kVariantShare;
     Search.Try([&] {
       Search.Offer(kPack, FillPlates(sizes, orders[i / Variants.size()], TPackRound(Search, variant, seconds, Steps)));
     });
   }
 }
 
+// After so many turns without a better answer a timed search ends by itself.
+int TurnsFor(const TCircleSearch& Search) {
+  Int64 circles = 0;
+  for (const TCircleLayout& layout : Search.Best()) circles += std::ssize(layout.Spots) * layout.Copies;
+  return static_cast<int>(kTurnsACircle * (circles + kTurnCirclesMore));
+}
+
 void PackInRounds(TCircleSearch& Search) {
   std::vector<TVariant> variants = {{false, false}, {true, false}};
   if (Search.Merit().Plates > 1) variants = {{false, false}, {false, true}, {true, false}, {true, true}};
-  if (Search.IsTimed()) return Pack(Search, variants, 0);
+  if (Search.IsTimed()) {
+    Pack(Search, variants, 0);
+    while (!Search.IsOver() && ImproveCircles(Search, TurnsFor(Search))) continue;
+    return;
+  }
   Int64 steps = kFirstSteps;
-  for (int round = 0; round < kCountedRounds && !Search.IsOver(); ++round, steps *= kStepsGrow)
+  int turns = kFirstTurns;
+  for (int round = 0; round < kCountedRounds && !Search.IsOver(); ++round, steps *= kStepsGrow, turns *= 2) {
     Pack(Search, variants, steps);
+    if (!Search.IsOver() && Search.Control().Affords(turns / kTurnsAMs)) ImproveCircles(Search, turns);
+  }
 }
 
 }  // namespace
