@@ -44,14 +44,19 @@ std::optional<double> ParseNumber(std::string_view Text) {
 
 std::string Shortest(double Value) {
   char buffer[32];
-  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, Value);
+  const bool isPlain = std::fabs(Value) < 1e15 && (Value == 0 || std::fabs(Value) >= 1e-6);
+  const auto [end, error] = isPlain ? std::to_chars(buffer, buffer + sizeof buffer, Value, std::chars_format::fixed)
+                                    : std::to_chars(buffer, buffer + sizeof buffer, Value);
   return error == std::errc{} ? std::string(buffer, end) : std::string("?");
 }
 
 std::string Fixed(double Value, int Decimals) {
   char buffer[400];
   const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, Value, std::chars_format::fixed, Decimals);
-  return error == std::errc{} ? std::string(buffer, end) : std::string("?");
+  if (error != std::errc{}) return "?";
+  const std::string text(buffer, end);
+  const bool isZero = text.find_first_not_of("-0.") == text.npos;  // what is a hair below 0 has no sign either
+  return isZero && text.front() == '-' ? text.substr(1) : text;
 }
 
 std::string Printable(std::string_view Text) {

@@ -11,7 +11,7 @@ namespace platenest {
 // The whole text as a finite number with a point; nothing otherwise.
 std::optional<double> ParseNumber(std::string_view Text);
 
-std::string Shortest(double Value);  // the shortest form that reads back the same
+std::string Shortest(double Value);  // in the fewest digits that read back the same, plain from 1e-6 to 1e15
 std::string Fixed(double Value, int Decimals);
 
 // One line that is safe on a terminal: control characters become \xHH.

@@ -127,8 +127,9 @@ TEST(Circles, TakeARadiusATableOrAJobFileAndTheAnswerPassesTheCheck) {
   const TempFolder folder;
   CopyExamples(folder);
   folder.Write("demand.csv", "id;radius;amount;label\nlid;60,5;4;\n</svg>;12;9;\nwide;300;;\n");
-  folder.Write("job.json",
-               R"({"schema": "platenest-job/1", "kind": "circles", "plates": [{"width": 500, "height": 300, "count": null}],
+  folder.Write(
+      "job.json",
+      R"({"schema": "platenest-job/1", "kind": "circles", "plates": [{"width": 500, "height": 300, "count": null}],
                                "parts": [{"radius": 9}]})");
   const Outcome one = folder.Run("circles --plate 1000x600 --radius 40 --gap 3 -o r.json --svg out/");
   EXPECT_EQ(one.Exit, 0) << one.Err;
@@ -144,6 +145,8 @@ TEST(Circles, TakeARadiusATableOrAJobFileAndTheAnswerPassesTheCheck) {
   EXPECT_THAT(folder.Read("out/layout-001-x1.svg"), HasSubstr("data-part=\"&lt;/svg&gt;\""));
   const std::tuple<int, std::string, std::string> cases[] = {
       {0, "circles --plate 100x100 --radius 40 --amount 3", "complete, 3 circles on 3 plates"},
+      {0, "circles --plate 600x800 --radius 10 --amount 100000 --time-limit 1", "count at most 100000 (demand)"},
+      {0, "circles --plate 0.7x0.7 --radius 0.05", "clearance  0.000 mm"},
       {0, "check job.json s.json --parts demand.csv", "OK: s.json"},
       {1, "check job.json s.json", "s.json: /"},
       {1, "circles job.json --parts demand.csv --time-limit 1 --require-all", "unplaced   1 circle"},

@@ -15,9 +15,9 @@ namespace platenest {
 using StopToken = TStopToken;
 
 // In a run of kind Fill, whose phase is the method that the answer is from, BoundValue limits the worth of the placed
-// copies. In a run of kind Job it is the least number of plates that all copies asked for can need. Kinds Array, Label
-// and Sucker report nothing. In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs that are done
-// and Unplaced the others.
+// copies. In runs of kinds Job and Circles it is the least number of plates that all copies asked for can need. Kinds
+// Array, Label and Sucker report nothing. In a run of kind Nfp, whose phase is "nfp", Usage is the share of the pairs
+// that are done and Unplaced the others.
 struct Progress {
   double Seconds = 0;
   std::string Phase;  // the method at work
@@ -37,7 +37,7 @@ struct RunHooks {
 
 // Answers a job. Every answer has passed the independent checker. Raises JobError kinds only. Runs on the caller's
 // thread plus one watchdog thread; several runs may go on in parallel threads. Process-wide state is left as it was.
-// Stop and time limit end the methods of a rectangle job in their midst; the best checked answer so far is returned.
+// Stop and time limit end the methods of a job with plates in their midst; the best checked answer so far is returned.
 // They cut a run of kind Nfp between two pairs, one of kind Array, Label or Sucker between two searches.
 PLATENEST_API Result run(const Job& AJob, const RunHooks& Hooks = {});
 
