@@ -18,8 +18,8 @@ constexpr double kLeastShearedSide = 3.0;
 constexpr double kLeastStandSide = 3.0;
 constexpr double kLeastTriangleLong = 4.47;
 constexpr double kLeastTriangleShort = 2.8;
-// Counts stay far from the end of 32 bits, and the centres below 4 GiB.
-constexpr double kMostPitches = 1e8;
+// Square pitches of the box. Counts stay far from the end of 32 bits, and the memory in use below 1 GiB.
+constexpr double kMostPitches = 1e7;
 
 constexpr double kCos15 = 0.965925826289;
 constexpr double kSin15 = 0.2588190451025;
@@ -79,8 +79,8 @@ TMaxCirclePacking::TMaxCirclePacking(const TVRect2D& ARect, double ARadius, doub
       FTrans{PlateGap - CirGap * 0.5, PlateGap - CirGap * 0.5} {}
 
 int TMaxCirclePacking::TryMaxFill() {
-  BeginTrials();
   if (std::max(FBound.X, FBound.Y) < kLeastLongSide || std::min(FBound.X, FBound.Y) < kLeastShortSide) return 0;
+  BeginTrials();
   TryGrid();
   TrySquareBlocks();
   TryCornerBlocks();
@@ -145,7 +145,6 @@ bool TMaxCirclePacking::TryAddOne() {
 }
 
 void TMaxCirclePacking::ShapeResultPt() {
-  FMayAddOne = false;
   WritePattern();
   for (const TRunnerUp& runnerUp : FRunnersUp) {
     if (Stands(FResult)) break;
