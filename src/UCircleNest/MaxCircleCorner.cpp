@@ -7,30 +7,46 @@
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 
-// A square block of i columns and j rows in the lower left corner, hexagonal strips on its two free sides. Strip lines
-// run along the block; the first one interlocks with it. Local coordinates have their origin in the block's upper right
-// circle O; the strip to the right is told, the one above is its mirror image at the diagonal.
+// A square block of i columns and j rows in the lower left corner, hexagonal strips on its two free sides. The lines of
+// a strip run along the block. Local coordinates have their origin in the block's upper right circle O. The strip to
+// the right is told; the one above is its mirror image at the diagonal. h = sqrt(3)/2 is the step of hexagonal lines.
 //
-//   plain               y                          line 1  at x = h, circles at y = -1/2, -3/2, ...: j - 1 of them
-//      (2)  o   o   D  .  .  .  .  .               line 2  at x = 2h, circles at y = 0, -1, ...: j of them; and so on.
-//      (1)    o   C  .  .  .  .  .                 Both strips leave the corner beyond O empty: C, D and A, B are their
-//      o   o   o   O . . . . . B . x               ends next to it.
-//      o   o   o   o    A   o                      h = sqrt(3)/2, the step from line to line of the hexagonal lattice.
-//      o   o   o   o    o   o
+// Plain: line 1, at x = h, interlocks with the block and has j - 1 circles, at y = -1/2, -3/2, ...; line 2, at x = 2h,
+// has j circles, at y = 0, -1, ...; and so on. C, D and A, B are the ends next to the corner beyond O, which stays
+// empty.
 //
-//   loose               The strip is 1 - h wider than its lines need. Line 1 stands a whole pitch off O, touches
-//   nothing
-//      o   o  | o   o   of the block or of the other strip (which ends at x = 0), and all lines run over the full
-//      height. o   O  |   o     The first line holds the larger share of the half-pitch positions.
+//     o     o     o     D
+//        o     o     C
+//     o     o     o     O          B
+//                             A
+//     o     o     o     o          o
+//                             o
+//     o     o     o     o          o
 //
-//   stretched           Lines are spread evenly over the width below, x = v k with v = width / lines, and stand at
-//      x   x            x = 1 + g (k - 1) above, where they are free of the other strip; g < h, so the half rows above
-//        x     above    are sqrt(1 - g^2) > 1/2 apart. Even lines, in line with the block's rows, end at y = 0 below,
-//      x   x            odd ones at w = sqrt(1 - v^2). The part above begins with the even lines, a half row under the
-//     ..........        odd ones at w + s. With s >= 1 + step - w that half row is a whole pitch over the even lines
-//      o   o    below   below; with s^2 + (3v - 1)^2 >= 4 the odd circles diagonally across it are two pitches apart,
-//      so
-//    o   o              that a circle which touches one of them keeps clear of the other.
+// Loose: a strip that is 1 - h wider than its lines need. Line 1 stands a whole pitch off O and touches neither the
+// block nor the other strip, which ends at x = 0. So all lines run over the full height; line 1 has the larger share of
+// its half-pitch positions.
+//
+//     o     o     o     D     o
+//        o     o     C             o
+//     o     o     o     O     o
+//                                  o
+//     o     o     o     o     o
+//
+// Stretched: lines stand at x = v k, v = width / lines, beside the block, and at x = 1 + g (k - 1), g < h, above it,
+// where they keep clear of the other strip. Half rows of the part above are step = sqrt(1 - g^2) > 1/2 apart.
+//
+//                                  o         y = w + s + step, and so on
+//                             o        o     y = w + s, odd lines
+//                                  o         y = w + s - step, even lines: the first half row of the part above
+//                            o         o     y = w = sqrt(1 - v^2), odd lines: the last half row of the part below
+//     o     o     o     O         o          y = 0, even lines, in line with the rows of the block
+//                            o         o
+//     o     o     o     o         o
+//
+// s >= 1 + step - w puts the even lines above a whole pitch over those below. s^2 + (3v - 1)^2 >= 4 keeps the odd
+// circle at x = 1, y = w + s two pitches from the one at x = 3v, y = w (and all other such pairs, which are further
+// apart): what touches the one does not overlap the other.
 namespace platenest {
 
 namespace {
@@ -51,8 +67,8 @@ enum TCornerMode : std::uint8_t {
   cmStretchedY = 40
 };
 
-// Circles of the corner beyond O in local coordinates, for strips with no more lines at the right than above, so that
-// as far as the lines above the block run over it by half a pitch: line 1 and 3 of them end at x = 1/2, line 2 at D.
+// Circles of the corner beyond O in local coordinates, for strips with no more lines at the right than above. There the
+// odd lines above hold one circle more than plain ones: they end at x = 1/2, the even ones at D.
 //
 // Two lines on both sides: both lines above go on by one circle. The lower one would stand at (1.5, h), 0.1 too near to
 // B, and gives way.

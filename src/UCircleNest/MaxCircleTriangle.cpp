@@ -10,11 +10,10 @@
 // the row. The more such seams the better: triangles of c + 1 rows, on their base and on their tip, with c + 1 circles
 // in the base.
 //
-//     ceiling   . b b b b b b c . d d         a, c: on the floor, base below      rest: one row of a lies
-//               a . b b b b c c c . d         b, d: under the ceiling, base above  lower than the same row of b
-//               a a . b b c c c c c .         '.' is a seam, d < 1 wide
-//               a a a . c c c c c c c         the first triangle is cut through its tip by the left edge:
-//     floor    -----------------------        (c / 2 + 1)^2 circles, base from 1/2 to c / 2 + 1/2
+//        b   b   b   b  c  d   d   d   d     a, c: on the floor, base below
+//       a  b   b   b  c   c  d   d   d       b, d: under the ceiling, base above
+//         a  b   b  c   c   c  d   d         The left edge cuts the first triangle, of (c / 2 + 1)^2 circles;
+//       a   a  b  c   c   c   c  d           its base runs from 1/2 to c / 2 + 1/2.
 //
 // A seam shifts by half a pitch from row to row. Two triangles take c + 2 d of the length.
 namespace platenest {
@@ -29,11 +28,11 @@ constexpr double kWallZone = 0.5;  // pitches from the edge that a wall column t
 // How the end of the box is used. A wall column takes away the last circle of each row that ends less than half a pitch
 // from the edge, and stacks circles on the edge instead, as low as the rows' new ends let them.
 //
-//     row ends, g from the edge   wall column     Every other row stops g + 1/2 short. A circle on the edge may come as
-//          o  o|                     o   o|       near to it as sqrt(1 - (g + 1/2)^2), where rows are h apart; together
-//        o  o  |                   o     |        with the rest this may be room for one more.
-//          o  o|                     o  o|
-//     ---------                   ------o-
+//     o   o   o  |     o   o    o|     Rows end g and g + 1/2 from the edge in turns. On the edge a circle may come
+//       o   o    |       o   o   |     as near as sqrt(1 - (g + 1/2)^2) to the height of the shorter rows, where rows
+//     o   o   o  |     o   o    o|     are h apart. That and the rest may be room for one more, and with g near 1/2
+//                |              o|     for a column of pitch 1.
+//     -----------      ----------
 enum TEndMode : std::uint8_t { emLattice = 1, emLatticeAndWall = 2, emNextTriangle = 3, emNextAndWall = 4 };
 
 bool HasWallColumn(const TPlaceInfo& Info) {
