@@ -10,6 +10,7 @@ namespace platenest {
 namespace {
 
 constexpr double kSameColumn = 1e-6;      // drawing units
+constexpr double kSameDensity = 1e-12;    // share of the density
 constexpr double kLeastShareOfPlate = 3;  // a third: what lies there always stays
 
 int CompareXY(const TPoint2D& A, const TPoint2D& B) {
@@ -21,6 +22,11 @@ TVPoint2DList Pack(double ExtentX, double ExtentY, double Radius, double Gap) {
   TMaxCirclePacking packing(TVRect2D::FromSize(ExtentX, ExtentY), Radius, 0, Gap);
   packing.TryMaxFill();
   return packing.TakeResultPt();
+}
+
+// Equal but for rounding is not denser, so that a longer use of the plate stays.
+bool Denser(double Trial, double Best) {
+  return Trial > Best * (1 + kSameDensity);
 }
 
 double LargestX(const TVPoint2DList& Points) {
@@ -42,13 +48,13 @@ double DynamicSinglCircleNest(double Radius, double ExtentY, double ExtentX, dou
   for (int left = kept - 1; left > 0 && ExtentX < kLeastShareOfPlate * columns[left].X; --left) {
     const double x = columns[left - 1].X;
     if (columns[left].X - x <= kSameColumn) continue;
-    if (const double trial = density(left, x + Radius); trial > best) {
+    if (const double trial = density(left, x + Radius); Denser(trial, best)) {
       best = trial;
       kept = left;
       shorter.clear();
     }
     TVPoint2DList repacked = Pack((x + columns[left].X) / 2, ExtentY, Radius, Gap);
-    if (const double trial = density(Size(repacked), LargestX(repacked) + Radius); trial > best) {
+    if (const double trial = density(Size(repacked), LargestX(repacked) + Radius); Denser(trial, best)) {
       best = trial;
       shorter = std::move(repacked);
     }

@@ -4,6 +4,7 @@
 #include <limits>
 #include <span>
 
+#include "MaxCircleUnits.h"
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 
@@ -49,11 +50,12 @@
 // apart): what touches the one does not overlap the other.
 namespace platenest {
 
+using detail::kHexStep;
+using detail::kSqrt3;
+using detail::kWholeTol;
+
 namespace {
 
-constexpr double kWholeTol = 1e-9;
-constexpr double kSqrt3 = 1.732050807569;
-constexpr double kLine = 0.8660254037845;
 // Width, in line steps, that a strip must have beyond its lines to be loose: (1 - h) / h.
 constexpr double kLooseShare = 0.15470053837916972;
 // Up to so many lines on both sides the corner beyond the block is packed by hand.
@@ -74,12 +76,12 @@ enum TCornerMode : std::uint8_t {
 // B, and gives way.
 constexpr TPoint2D kCorner22[] = {{kSqrt3, 1.0}, {1.0508, kSqrt3}};
 // Two lines at the right, three above: the same once more.
-constexpr TPoint2D kCorner23[] = {{kSqrt3, 1.0}, {1.0, kSqrt3}, {1.5, 3 * kLine}};
+constexpr TPoint2D kCorner23[] = {{kSqrt3, 1.0}, {1.0, kSqrt3}, {1.5, 3 * kHexStep}};
 // Three lines on both sides: each line above goes on by two circles. The first of the lowest line gives way to B
 // upwards, the second one goes down beside it to the edge, and the second one of the middle line stands at the edge
 // between that and the end of the upper line. All keep 0.0001 or more to spare.
-constexpr TPoint2D kCorner33[] = {{1.68, 0.9987},      {3 * kLine, 0.6022}, {1.0, kSqrt3},
-                                  {3 * kLine, 1.6025}, {1.5, 3 * kLine},    {2.5, 3 * kLine}};
+constexpr TPoint2D kCorner33[] = {{1.68, 0.9987},         {3 * kHexStep, 0.6022}, {1.0, kSqrt3},
+                                  {3 * kHexStep, 1.6025}, {1.5, 3 * kHexStep},    {2.5, 3 * kHexStep}};
 
 // Writes in the local coordinates of a block's upper right circle, of the strip at the right or of its mirror image.
 struct TCornerPen {
@@ -98,7 +100,7 @@ struct TCornerPen {
 void AddPlainStrip(const TCornerPen& Pen, int Lines, int Length, bool Over) {
   for (int line = 1; line <= Lines; ++line) {
     const bool odd = line % 2 == 1;
-    Pen.AddLine(kLine * line, odd ? (Over ? 0.5 : -0.5) : 0.0, odd && !Over ? Length - 1 : Length);
+    Pen.AddLine(kHexStep * line, odd ? (Over ? 0.5 : -0.5) : 0.0, odd && !Over ? Length - 1 : Length);
   }
 }
 
@@ -107,7 +109,7 @@ void AddLooseStrip(const TCornerPen& Pen, int Lines, int Length, int Halves) {
   for (int line = 1; line <= Lines; ++line) {
     const int count = line % 2 == 1 ? (Halves + 1) / 2 : Halves / 2;
     const double lowest = line % 2 == 1 ? 1.0 - Length : 1.5 - Length;
-    Pen.AddLine(1 + kLine * (line - 1), lowest + count - 1, count);
+    Pen.AddLine(1 + kHexStep * (line - 1), lowest + count - 1, count);
   }
 }
 
@@ -173,8 +175,8 @@ void TMaxCirclePacking::TryMethod2(int I, int J) {
   FTempInfo.Columns = FResNumY;
   const bool mirror = FTempInfo.AddMode == cmStretchedY;
   const TCornerStrip& strip = mirror ? FStripsY[J] : FStripsX[I];
-  FTempInfo.GapX = FTempInfo.Spec ? (mirror ? strip.Step : strip.Gap) : kLine;
-  FTempInfo.GapY = FTempInfo.Spec ? (mirror ? strip.Gap : strip.Step) : kLine;
+  FTempInfo.GapX = FTempInfo.Spec ? (mirror ? strip.Step : strip.Gap) : kHexStep;
+  FTempInfo.GapY = FTempInfo.Spec ? (mirror ? strip.Gap : strip.Step) : kHexStep;
   Offer(FResult2);
 }
 

@@ -111,8 +111,7 @@ void TMaxCirclePacking::Offer(int Count) {
   TRunnerUp trial{Count, FTempInfo};
   if (Count > FResult) {
     trial = {FResult, FPlaceInfo};
-    FResult = Count;
-    FPlaceInfo = FTempInfo;
+    TakePattern({Count, FTempInfo});
   }
   for (TRunnerUp& runnerUp : FRunnersUp)
     if (trial.Count > runnerUp.Count) std::swap(trial, runnerUp);
@@ -146,26 +145,25 @@ bool TMaxCirclePacking::TryAddOne() {
 
 void TMaxCirclePacking::ShapeResultPt() {
   WritePattern();
-  for (const TRunnerUp& runnerUp : FRunnersUp) {
-    if (Stands(FResult)) break;
+  for (std::size_t next = 0; !Stands(FResult); ++next) {
     PLATENEST_DCHECK(!"a pattern must lay out what it counts");
     ++FFallbackCount;
-    FResult = runnerUp.Count;
-    FPlaceInfo = runnerUp.Info;
+    TakePattern(next < FRunnersUp.size() ? FRunnersUp[next] : TRunnerUp{FIntX * FIntY, {}});
     WritePattern();
-  }
-  if (!Stands(FResult)) {
-    ++FFallbackCount;
-    FResult = FIntX * FIntY;
-    FPlaceInfo = {};
-    WritePattern();
+    if (next == FRunnersUp.size()) break;
   }
   for (TPoint2D& point : FResultPt) point = point * FRatio + FTrans;
+}
+
+void TMaxCirclePacking::TakePattern(const TRunnerUp& Pattern) {
+  FResult = Pattern.Count;
+  FPlaceInfo = Pattern.Info;
 }
 
 void TMaxCirclePacking::WritePattern() {
   FResultPt.clear();
   FResultPt.reserve(FResult);
+  if (FResult == 0) return;
   switch (FPlaceInfo.SquareMode) {
     case 1:
       return Add2();

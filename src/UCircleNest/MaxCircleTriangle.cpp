@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "MaxCircleUnits.h"
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 
@@ -18,11 +19,12 @@
 // A seam shifts by half a pitch from row to row. Two triangles take c + 2 d of the length.
 namespace platenest {
 
+using detail::kHexStep;
+using detail::kSqrt3;
+using detail::kWholeTol;
+
 namespace {
 
-constexpr double kWholeTol = 1e-9;
-constexpr double kSqrt3 = 1.732050807569;
-constexpr double kLine = 0.8660254037845;
 constexpr double kWallZone = 0.5;  // pitches from the edge that a wall column takes
 
 // How the end of the box is used. A wall column takes away the last circle of each row that ends less than half a pitch
@@ -63,7 +65,7 @@ struct TRowPart {
 };
 
 double RowY(const TPlaceInfo& Info, int Triangle, int RowFromFloor) {
-  return 0.5 + RowFromFloor * kLine + (Triangle % 2 == 1 ? 0.0 : Info.RestWid);
+  return 0.5 + RowFromFloor * kHexStep + (Triangle % 2 == 1 ? 0.0 : Info.RestWid);
 }
 
 // The part of a row, counted from the floor, that belongs to a triangle. Last is the rightmost centre in the box. The
@@ -86,8 +88,8 @@ TRowPart PartOfRow(const TPlaceInfo& Info, int Triangle, int RowFromFloor, doubl
 // Lowest height from Y on at which a circle may stand on the edge, as far as the rows are concerned.
 double LiftOverRows(const TPlaceInfo& Info, double Last, double Y) {
   for (double lifted = Y;; Y = lifted) {
-    const int low = std::max(Floor((Y - 1.5 - Info.RestWid) / kLine), 0);
-    const int high = std::min(Floor((Y + 0.5) / kLine) + 1, Info.Columns);
+    const int low = std::max(Floor((Y - 1.5 - Info.RestWid) / kHexStep), 0);
+    const int high = std::min(Floor((Y + 0.5) / kHexStep) + 1, Info.Columns);
     for (int row = low; row <= high; ++row)
       for (int triangle = Info.SquareNum - 1; triangle <= Info.SquareNum + 1; ++triangle) {
         const TRowPart part = PartOfRow(Info, triangle, row, Last);
@@ -131,7 +133,7 @@ void TMaxCirclePacking::TriangleDivide() {
   FTempInfo.RestDel = std::sqrt(1 - FTempInfo.RestWid * FTempInfo.RestWid);
   FTempInfo.Rows = FTempInfo.Columns / 2;
   FTempInfo.GapX = 0.5;
-  FTempInfo.GapY = kLine;
+  FTempInfo.GapY = kHexStep;
   FTempInfo.SquareNum = 1;
   const double last = FBound.X - 0.5;
   while (Reach(FTempInfo, FTempInfo.SquareNum) <= last + kWholeTol) ++FTempInfo.SquareNum;

@@ -129,7 +129,7 @@ TEST(DynamicSinglCircleNest, ReturnsTheDensityOfWhatItLaysOut) {
     const double pitch = 2 * radius + gap;
     const double x = RandomExtent(3, 12);
     const double y = RandomExtent(2, 8);
-    TVPoint2DList points(3);
+    TVPoint2DList points{TPoint2D{-1, -1}};
     const double density = DynamicSinglCircleNest(radius, y * pitch - gap, x * pitch - gap, gap, points);
     double end = 0;
     for (TPoint2D& point : points) {
@@ -148,12 +148,11 @@ TEST(DynamicSinglCircleNest, ReturnsTheDensityOfWhatItLaysOut) {
   EXPECT_GT(shorter, 20);
 }
 
-// Five by two circles, and 0.9 of a pitch to spare: the whole plate is less dense than its first five pitches.
-TEST(DynamicSinglCircleNest, TakesExtentYFirstAndLeavesAnEmptyStripUnused) {
+// Ten circles in the first five pitches would be as dense, but all circles together count for the whole length.
+TEST(DynamicSinglCircleNest, TakesExtentYFirstAndLeavesTheStripBeyondTheColumnsUnused) {
   TVPoint2DList points;
   EXPECT_NEAR(DynamicSinglCircleNest(0.5, 2, 5.3, 0, points), std::numbers::pi / 4, 1e-9);
-  ASSERT_THAT(points, testing::SizeIs(10));
-  for (const TPoint2D& point : points) EXPECT_LE(point.Y, 1.5 + 1e-9);
+  EXPECT_EQ(PatternFault(points, 8, 4, 2), "");
   EXPECT_EQ(DynamicSinglCircleNest(0.5, 1, 20, 0, points), 0);
   EXPECT_THAT(points, testing::IsEmpty());
 }

@@ -157,6 +157,7 @@ class PLATENEST_API TMaxCirclePacking {
   double RowStep() const;
   // Count circles, all in the box, all pairs at distance 1 at least.
   bool Stands(int Count) const;
+  void TakePattern(const TRunnerUp& Pattern);
   void WritePattern();
 
   int FResult = 0;
@@ -206,8 +207,9 @@ class PLATENEST_API TMaxCirclePacking {
 // columns. What lies in the first third of the plate always stays. Points become the centres; Gap is kept between
 // circles, not to the edges.
 //
-// Returns the density, circles grown by Gap / 2 against the used part of the plate grown by Gap in both extents; the
-// first of equal densities stays. Note that ExtentY comes before ExtentX.
+// Returns the density, circles grown by Gap / 2 against the used part of the plate grown by Gap in both extents. Of
+// densities that are equal but for rounding the first stays: the longest use of the plate. Note that ExtentY comes
+// before ExtentX.
 //
 // Where no pattern fits (see TMaxCirclePacking, also for errors) it returns 0 and no points; Points are unchanged when
 // it throws. Cost: one run of TMaxCirclePacking for each column that is dropped; 300 by 300 pitches take 0.7 s.
