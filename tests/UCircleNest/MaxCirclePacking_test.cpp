@@ -25,8 +25,21 @@ struct TProbe : TMaxCirclePacking {
     TrySquareBlocks();
     ShapeResultPt();
   }
+  // All blocks, and the last of them once more with two circles that it does not have.
+  void TryBlocksWithFalseClaims() {
+    BeginTrials();
+    TrySquareBlocks();
+    FHonest = Result();
+    Offer(FHonest + 1);
+    Offer(FHonest + 2);
+    ShapeResultPt();
+  }
+  int Honest() const { return FHonest; }
   // Family and variant of the answer.
   int Family() const { return 10 * PlaceInfo().SquareMode + PlaceInfo().AddMode; }
+
+ private:
+  int FHonest = 0;
 };
 
 int CountOn(double W, double H) {
@@ -84,6 +97,18 @@ TEST(MaxCirclePacking, EveryKindOfLatticeBesideABlockIsLaidOut) {
   });
   EXPECT_THAT(kinds, testing::IsSupersetOf(
                          {"x", "y", "x+", "y+", "x-", "y-", "xrest", "yrest", "xfive", "yfive", "xspec3+", "yspec3-"}));
+}
+
+TEST(MaxCirclePacking, APatternThatDoesNotStandGivesWayToTheNextBest) {
+  TProbe packing(TVRect2D::FromSize(9.3, 6.1), 0.5);
+#ifdef NDEBUG
+  packing.TryBlocksWithFalseClaims();
+  EXPECT_EQ(packing.FallbackCount(), 2);
+  EXPECT_EQ(packing.Result(), packing.Honest());
+  EXPECT_EQ(PatternFault(packing.ResultPt(), packing.Honest(), 9.3, 6.1), "");
+#else
+  EXPECT_THROW(packing.TryBlocksWithFalseClaims(), TAssertionError);
+#endif
 }
 
 TEST(MaxCirclePacking, FillsKnownPlates) {
