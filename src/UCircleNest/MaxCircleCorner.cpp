@@ -4,40 +4,58 @@
 #include <limits>
 #include <span>
 
+#include "MaxCircleUnits.h"
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 
-// A square block of i columns and j rows in the lower left corner, hexagonal strips on its two free sides. Strip lines
-// run along the block; the first one interlocks with it. Local coordinates have their origin in the block's upper right
-// circle O; the strip to the right is told, the one above is its mirror image at the diagonal.
+// A square block of i columns and j rows in the lower left corner, hexagonal strips on its two free sides. The lines of
+// a strip run along the block. Local coordinates have their origin in the block's upper right circle O. The strip to
+// the right is told; the one above is its mirror image at the diagonal. h = sqrt(3)/2 is the step of hexagonal lines.
 //
-//   plain               y                          line 1  at x = h, circles at y = -1/2, -3/2, ...: j - 1 of them
-//      (2)  o   o   D  .  .  .  .  .               line 2  at x = 2h, circles at y = 0, -1, ...: j of them; and so on.
-//      (1)    o   C  .  .  .  .  .                 Both strips leave the corner beyond O empty: C, D and A, B are their
-//      o   o   o   O . . . . . B . x               ends next to it.
-//      o   o   o   o    A   o                      h = sqrt(3)/2, the step from line to line of the hexagonal lattice.
-//      o   o   o   o    o   o
+// Plain: line 1, at x = h, interlocks with the block and has j - 1 circles, at y = -1/2, -3/2, ...; line 2, at x = 2h,
+// has j circles, at y = 0, -1, ...; and so on. C, D and A, B are the ends next to the corner beyond O, which stays
+// empty.
 //
-//   loose               The strip is 1 - h wider than its lines need. Line 1 stands a whole pitch off O, touches
-//   nothing
-//      o   o  | o   o   of the block or of the other strip (which ends at x = 0), and all lines run over the full
-//      height. o   O  |   o     The first line holds the larger share of the half-pitch positions.
+//     o     o     o     D
+//        o     o     C
+//     o     o     o     O          B
+//                             A
+//     o     o     o     o          o
+//                             o
+//     o     o     o     o          o
 //
-//   stretched           Lines are spread evenly over the width below, x = v k with v = width / lines, and stand at
-//      x   x            x = 1 + g (k - 1) above, where they are free of the other strip; g < h, so the half rows above
-//        x     above    are sqrt(1 - g^2) > 1/2 apart. Even lines, in line with the block's rows, end at y = 0 below,
-//      x   x            odd ones at w = sqrt(1 - v^2). The part above begins with the even lines, a half row under the
-//     ..........        odd ones at w + s. With s >= 1 + step - w that half row is a whole pitch over the even lines
-//      o   o    below   below; with s^2 + (3v - 1)^2 >= 4 the odd circles diagonally across it are two pitches apart,
-//      so
-//    o   o              that a circle which touches one of them keeps clear of the other.
+// Loose: a strip that is 1 - h wider than its lines need. Line 1 stands a whole pitch off O and touches neither the
+// block nor the other strip, which ends at x = 0. So all lines run over the full height; line 1 has the larger share of
+// its half-pitch positions.
+//
+//     o     o     o     D     o
+//        o     o     C             o
+//     o     o     o     O     o
+//                                  o
+//     o     o     o     o     o
+//
+// Stretched: lines stand at x = v k, v = width / lines, beside the block, and at x = 1 + g (k - 1), g < h, above it,
+// where they keep clear of the other strip. Half rows of the part above are step = sqrt(1 - g^2) > 1/2 apart.
+//
+//                                  o         y = w + s + step, and so on
+//                             o        o     y = w + s, odd lines
+//                                  o         y = w + s - step, even lines: the first half row of the part above
+//                            o         o     y = w = sqrt(1 - v^2), odd lines: the last half row of the part below
+//     o     o     o     O         o          y = 0, even lines, in line with the rows of the block
+//                            o         o
+//     o     o     o     o         o
+//
+// s >= 1 + step - w puts the even lines above a whole pitch over those below. s^2 + (3v - 1)^2 >= 4 keeps the odd
+// circle at x = 1, y = w + s two pitches from the one at x = 3v, y = w (and all other such pairs, which are further
+// apart): what touches the one does not overlap the other.
 namespace platenest {
+
+using detail::kHexStep;
+using detail::kSqrt3;
+using detail::kWholeTol;
 
 namespace {
 
-constexpr double kWholeTol = 1e-9;
-constexpr double kSqrt3 = 1.732050807569;
-constexpr double kLine = 0.8660254037845;
 // Width, in line steps, that a strip must have beyond its lines to be loose: (1 - h) / h.
 constexpr double kLooseShare = 0.15470053837916972;
 // Up to so many lines on both sides the corner beyond the block is packed by hand.
@@ -51,19 +69,19 @@ enum TCornerMode : std::uint8_t {
   cmStretchedY = 40
 };
 
-// Circles of the corner beyond O in local coordinates, for strips with no more lines at the right than above, so that
-// as far as the lines above the block run over it by half a pitch: line 1 and 3 of them end at x = 1/2, line 2 at D.
+// Circles of the corner beyond O in local coordinates, for strips with no more lines at the right than above. There the
+// odd lines above hold one circle more than plain ones: they end at x = 1/2, the even ones at D.
 //
 // Two lines on both sides: both lines above go on by one circle. The lower one would stand at (1.5, h), 0.1 too near to
 // B, and gives way.
 constexpr TPoint2D kCorner22[] = {{kSqrt3, 1.0}, {1.0508, kSqrt3}};
 // Two lines at the right, three above: the same once more.
-constexpr TPoint2D kCorner23[] = {{kSqrt3, 1.0}, {1.0, kSqrt3}, {1.5, 3 * kLine}};
+constexpr TPoint2D kCorner23[] = {{kSqrt3, 1.0}, {1.0, kSqrt3}, {1.5, 3 * kHexStep}};
 // Three lines on both sides: each line above goes on by two circles. The first of the lowest line gives way to B
 // upwards, the second one goes down beside it to the edge, and the second one of the middle line stands at the edge
 // between that and the end of the upper line. All keep 0.0001 or more to spare.
-constexpr TPoint2D kCorner33[] = {{1.68, 0.9987},      {3 * kLine, 0.6022}, {1.0, kSqrt3},
-                                  {3 * kLine, 1.6025}, {1.5, 3 * kLine},    {2.5, 3 * kLine}};
+constexpr TPoint2D kCorner33[] = {{1.68, 0.9987},         {3 * kHexStep, 0.6022}, {1.0, kSqrt3},
+                                  {3 * kHexStep, 1.6025}, {1.5, 3 * kHexStep},    {2.5, 3 * kHexStep}};
 
 // Writes in the local coordinates of a block's upper right circle, of the strip at the right or of its mirror image.
 struct TCornerPen {
@@ -82,7 +100,7 @@ struct TCornerPen {
 void AddPlainStrip(const TCornerPen& Pen, int Lines, int Length, bool Over) {
   for (int line = 1; line <= Lines; ++line) {
     const bool odd = line % 2 == 1;
-    Pen.AddLine(kLine * line, odd ? (Over ? 0.5 : -0.5) : 0.0, odd && !Over ? Length - 1 : Length);
+    Pen.AddLine(kHexStep * line, odd ? (Over ? 0.5 : -0.5) : 0.0, odd && !Over ? Length - 1 : Length);
   }
 }
 
@@ -91,7 +109,7 @@ void AddLooseStrip(const TCornerPen& Pen, int Lines, int Length, int Halves) {
   for (int line = 1; line <= Lines; ++line) {
     const int count = line % 2 == 1 ? (Halves + 1) / 2 : Halves / 2;
     const double lowest = line % 2 == 1 ? 1.0 - Length : 1.5 - Length;
-    Pen.AddLine(1 + kLine * (line - 1), lowest + count - 1, count);
+    Pen.AddLine(1 + kHexStep * (line - 1), lowest + count - 1, count);
   }
 }
 
@@ -157,8 +175,8 @@ void TMaxCirclePacking::TryMethod2(int I, int J) {
   FTempInfo.Columns = FResNumY;
   const bool mirror = FTempInfo.AddMode == cmStretchedY;
   const TCornerStrip& strip = mirror ? FStripsY[J] : FStripsX[I];
-  FTempInfo.GapX = FTempInfo.Spec ? (mirror ? strip.Step : strip.Gap) : kLine;
-  FTempInfo.GapY = FTempInfo.Spec ? (mirror ? strip.Gap : strip.Step) : kLine;
+  FTempInfo.GapX = FTempInfo.Spec ? (mirror ? strip.Step : strip.Gap) : kHexStep;
+  FTempInfo.GapY = FTempInfo.Spec ? (mirror ? strip.Gap : strip.Step) : kHexStep;
   Offer(FResult2);
 }
 

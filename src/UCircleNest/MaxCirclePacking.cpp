@@ -18,8 +18,8 @@ constexpr double kLeastShearedSide = 3.0;
 constexpr double kLeastStandSide = 3.0;
 constexpr double kLeastTriangleLong = 4.47;
 constexpr double kLeastTriangleShort = 2.8;
-// Counts stay far from the end of 32 bits, and the centres below 4 GiB.
-constexpr double kMostPitches = 1e8;
+// Square pitches of the box. Counts stay far from the end of 32 bits, and the memory in use below 1 GiB.
+constexpr double kMostPitches = 1e7;
 
 constexpr double kCos15 = 0.965925826289;
 constexpr double kSin15 = 0.2588190451025;
@@ -79,8 +79,8 @@ TMaxCirclePacking::TMaxCirclePacking(const TVRect2D& ARect, double ARadius, doub
       FTrans{PlateGap - CirGap * 0.5, PlateGap - CirGap * 0.5} {}
 
 int TMaxCirclePacking::TryMaxFill() {
-  BeginTrials();
   if (std::max(FBound.X, FBound.Y) < kLeastLongSide || std::min(FBound.X, FBound.Y) < kLeastShortSide) return 0;
+  BeginTrials();
   TryGrid();
   TrySquareBlocks();
   TryCornerBlocks();
@@ -111,8 +111,7 @@ void TMaxCirclePacking::Offer(int Count) {
   TRunnerUp trial{Count, FTempInfo};
   if (Count > FResult) {
     trial = {FResult, FPlaceInfo};
-    FResult = Count;
-    FPlaceInfo = FTempInfo;
+    TakePattern({Count, FTempInfo});
   }
   for (TRunnerUp& runnerUp : FRunnersUp)
     if (trial.Count > runnerUp.Count) std::swap(trial, runnerUp);
@@ -145,28 +144,26 @@ bool TMaxCirclePacking::TryAddOne() {
 }
 
 void TMaxCirclePacking::ShapeResultPt() {
-  FMayAddOne = false;
   WritePattern();
-  for (const TRunnerUp& runnerUp : FRunnersUp) {
-    if (Stands(FResult)) break;
+  for (std::size_t next = 0; !Stands(FResult); ++next) {
     PLATENEST_DCHECK(!"a pattern must lay out what it counts");
     ++FFallbackCount;
-    FResult = runnerUp.Count;
-    FPlaceInfo = runnerUp.Info;
+    TakePattern(next < FRunnersUp.size() ? FRunnersUp[next] : TRunnerUp{FIntX * FIntY, {}});
     WritePattern();
-  }
-  if (!Stands(FResult)) {
-    ++FFallbackCount;
-    FResult = FIntX * FIntY;
-    FPlaceInfo = {};
-    WritePattern();
+    if (next == FRunnersUp.size()) break;
   }
   for (TPoint2D& point : FResultPt) point = point * FRatio + FTrans;
+}
+
+void TMaxCirclePacking::TakePattern(const TRunnerUp& Pattern) {
+  FResult = Pattern.Count;
+  FPlaceInfo = Pattern.Info;
 }
 
 void TMaxCirclePacking::WritePattern() {
   FResultPt.clear();
   FResultPt.reserve(FResult);
+  if (FResult == 0) return;
   switch (FPlaceInfo.SquareMode) {
     case 1:
       return Add2();

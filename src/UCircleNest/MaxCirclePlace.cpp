@@ -170,8 +170,8 @@ void TMaxCirclePacking::SpreadSlack(bool AlongX) {
 }
 
 // In the strip that is left beyond the ends of the rows, the end of every fourth row gives way to two circles at the
-// wall. Rows along Y subtract the step along X from the strip's width too; this rejects strips that rows along X take,
-// so a plate and the same plate turned may differ by these circles.
+// wall. Rows along Y subtract the step along X from the strip's width too, not their own step: they reject some strips
+// that rows along X take, so a plate and the same plate turned may get different patterns.
 void TMaxCirclePacking::TryRestStrip(bool AlongX) {
   const double along = StepAlong(FTempInfo, AlongX);
   const double across = StepAcross(FTempInfo, AlongX);
@@ -265,8 +265,8 @@ void TMaxCirclePacking::AddLattice() {
   if (FPlaceInfo.ShapeMethod5) AddTwoRowsPlusOne();
 }
 
-// Rows of two: the last two of them become two, one and two. Never beside a rest strip: where that would be wide enough,
-// the height over the last row already lets the lattice take one row more.
+// Rows of two: the last two of them become two, one and two. Never beside a rest strip: where that would be wide
+// enough, the height over the last row already lets the lattice take one row more.
 //
 //     o   o          o    o
 //       o   o          o

@@ -12,8 +12,8 @@ namespace platenest {
 
 namespace {
 
-using detail::kHexDouble;
 using detail::kHexStep;
+using detail::kSqrt3;
 using detail::TRowWidth;
 
 constexpr double kFitTol = 1e-9;  // pitches that a stack may pass its length by
@@ -117,7 +117,7 @@ Int64 TakeLooseStack(TPlaceInfo& Info, const TRowWidth& Width, double Length, do
   Info.RestWid = Quad;
   Info.SPecAdj = 2 * std::sqrt(1 - Width.Rest * Width.Rest);
   TRowKinds kinds;
-  kinds.Add(kHexDouble, 2 * Width.Count - 1);
+  kinds.Add(kSqrt3, 2 * Width.Count - 1);
   kinds.Add(Info.RestWid, 4 * Width.Count - 1);
   kinds.Add(Info.SPecAdj, 2 * Width.Count);
   const TRowKinds::TStack stack = kinds.Best(Length);
@@ -128,13 +128,13 @@ Int64 TakeLooseStack(TPlaceInfo& Info, const TRowWidth& Width, double Length, do
 // Also tries a stack that starts with the rest row.
 Int64 TakeTightStack(TPlaceInfo& Info, const TRowWidth& Width, double Length) {
   Info.RestDel = std::sqrt(1 - Width.Rest * Width.Rest);
-  Info.RestWid = std::max(2 * Info.RestDel + 1, kHexDouble);
-  Info.SPecAdj = kHexDouble * Width.Rest + Info.RestDel;
+  Info.RestWid = std::max(2 * Info.RestDel + 1, kSqrt3);
+  Info.SPecAdj = kSqrt3 * Width.Rest + Info.RestDel;
   TRowKinds kinds;
-  kinds.Add(kHexDouble, 2 * Width.Count);
+  kinds.Add(kSqrt3, 2 * Width.Count);
   kinds.Add(Info.SPecAdj, 2 * Width.Count + 1);
-  kinds.Add(kHexDouble + Info.RestWid, 4 * Width.Count + 1);
-  kinds.Add(kHexDouble + Info.SPecAdj, 4 * Width.Count + 2);
+  kinds.Add(kSqrt3 + Info.RestWid, 4 * Width.Count + 1);
+  kinds.Add(kSqrt3 + Info.SPecAdj, 4 * Width.Count + 2);
   TRowKinds::TStack stack = kinds.Best(Length);
   if (Info.RestWid < Length) {
     TRowKinds::TStack trial = kinds.Best(Length - Info.RestWid);

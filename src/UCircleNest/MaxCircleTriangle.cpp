@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "MaxCircleUnits.h"
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 
@@ -10,30 +11,30 @@
 // the row. The more such seams the better: triangles of c + 1 rows, on their base and on their tip, with c + 1 circles
 // in the base.
 //
-//     ceiling   . b b b b b b c . d d         a, c: on the floor, base below      rest: one row of a lies
-//               a . b b b b c c c . d         b, d: under the ceiling, base above  lower than the same row of b
-//               a a . b b c c c c c .         '.' is a seam, d < 1 wide
-//               a a a . c c c c c c c         the first triangle is cut through its tip by the left edge:
-//     floor    -----------------------        (c / 2 + 1)^2 circles, base from 1/2 to c / 2 + 1/2
+//        b   b   b   b  c  d   d   d   d     a, c: on the floor, base below
+//       a  b   b   b  c   c  d   d   d       b, d: under the ceiling, base above
+//         a  b   b  c   c   c  d   d         The left edge cuts the first triangle, of (c / 2 + 1)^2 circles;
+//       a   a  b  c   c   c   c  d           its base runs from 1/2 to c / 2 + 1/2.
 //
 // A seam shifts by half a pitch from row to row. Two triangles take c + 2 d of the length.
 namespace platenest {
 
+using detail::kHexStep;
+using detail::kSqrt3;
+using detail::kWholeTol;
+
 namespace {
 
-constexpr double kWholeTol = 1e-9;
-constexpr double kSqrt3 = 1.732050807569;
-constexpr double kLine = 0.8660254037845;
 constexpr double kWallZone = 0.5;  // pitches from the edge that a wall column takes
 
 // How the end of the box is used. A wall column takes away the last circle of each row that ends less than half a pitch
 // from the edge, and stacks circles on the edge instead, as low as the rows' new ends let them.
 //
-//     row ends, g from the edge   wall column     Every other row stops g + 1/2 short. A circle on the edge may come as
-//          o  o|                     o   o|       near to it as sqrt(1 - (g + 1/2)^2), where rows are h apart; together
-//        o  o  |                   o     |        with the rest this may be room for one more.
-//          o  o|                     o  o|
-//     ---------                   ------o-
+//     o   o   o  |     o   o    o|     Rows end g and g + 1/2 from the edge in turns. On the edge a circle may come
+//       o   o    |       o   o   |     as near as sqrt(1 - (g + 1/2)^2) to the height of the shorter rows, where rows
+//     o   o   o  |     o   o    o|     are h apart. That and the rest may be room for one more, and with g near 1/2
+//                |              o|     for a column of pitch 1.
+//     -----------      ----------
 enum TEndMode : std::uint8_t { emLattice = 1, emLatticeAndWall = 2, emNextTriangle = 3, emNextAndWall = 4 };
 
 bool HasWallColumn(const TPlaceInfo& Info) {
@@ -64,7 +65,7 @@ struct TRowPart {
 };
 
 double RowY(const TPlaceInfo& Info, int Triangle, int RowFromFloor) {
-  return 0.5 + RowFromFloor * kLine + (Triangle % 2 == 1 ? 0.0 : Info.RestWid);
+  return 0.5 + RowFromFloor * kHexStep + (Triangle % 2 == 1 ? 0.0 : Info.RestWid);
 }
 
 // The part of a row, counted from the floor, that belongs to a triangle. Last is the rightmost centre in the box. The
@@ -87,8 +88,8 @@ TRowPart PartOfRow(const TPlaceInfo& Info, int Triangle, int RowFromFloor, doubl
 // Lowest height from Y on at which a circle may stand on the edge, as far as the rows are concerned.
 double LiftOverRows(const TPlaceInfo& Info, double Last, double Y) {
   for (double lifted = Y;; Y = lifted) {
-    const int low = std::max(Floor((Y - 1.5 - Info.RestWid) / kLine), 0);
-    const int high = std::min(Floor((Y + 0.5) / kLine) + 1, Info.Columns);
+    const int low = std::max(Floor((Y - 1.5 - Info.RestWid) / kHexStep), 0);
+    const int high = std::min(Floor((Y + 0.5) / kHexStep) + 1, Info.Columns);
     for (int row = low; row <= high; ++row)
       for (int triangle = Info.SquareNum - 1; triangle <= Info.SquareNum + 1; ++triangle) {
         const TRowPart part = PartOfRow(Info, triangle, row, Last);
@@ -132,7 +133,7 @@ void TMaxCirclePacking::TriangleDivide() {
   FTempInfo.RestDel = std::sqrt(1 - FTempInfo.RestWid * FTempInfo.RestWid);
   FTempInfo.Rows = FTempInfo.Columns / 2;
   FTempInfo.GapX = 0.5;
-  FTempInfo.GapY = kLine;
+  FTempInfo.GapY = kHexStep;
   FTempInfo.SquareNum = 1;
   const double last = FBound.X - 0.5;
   while (Reach(FTempInfo, FTempInfo.SquareNum) <= last + kWholeTol) ++FTempInfo.SquareNum;

@@ -6,10 +6,6 @@ namespace platenest::detail {
 
 namespace {
 
-double Leg(double OtherLeg) {
-  return OtherLeg < 1 ? std::sqrt(1 - OtherLeg * OtherLeg) : 0;
-}
-
 void AddRow(TVPoint2DList& Points, int Count, double X, double Y) {
   for (int i = 0; i < Count; ++i) Points.push_back({X + i, Y});
 }
@@ -33,7 +29,7 @@ class TLooseWriter {
  private:
   void WritePair() {
     AddRow(FPoints, FCount - 1, 0.5, FY + kHexStep);
-    AddRow(FPoints, FCount, 0, FY += kHexDouble);
+    AddRow(FPoints, FCount, 0, FY += kSqrt3);
   }
 
   void WriteStagger() {
@@ -95,7 +91,7 @@ class TTightWriter {
 
   void WriteHex() {
     AddRow(FPoints, FCount, 0.5, FY + kHexStep);
-    AddRow(FPoints, FCount, 0, FY += kHexDouble);
+    AddRow(FPoints, FCount, 0, FY += kSqrt3);
   }
 
   void WriteTurned() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MaxCircleUnits.h"
 #include "platenest/UCircleNest/MaxCirclePacking.h"
 
 // Where the circles of a stack of rows stand. Lengths in pitches; rows run along x and are stacked along y. A row of n
@@ -42,9 +43,6 @@
 // have the end in brackets, too, and both together add 4n + 2. A rest has room for two ends and always has both; it
 // opens a stack, or with a hex below adds 4n + 1.
 namespace platenest::detail {
-
-inline constexpr double kHexStep = 0.8660254037845;
-inline constexpr double kHexDouble = 1.732050807569;
 
 // Rows of Count circles that leave Rest of a pitch free.
 struct TRowWidth {

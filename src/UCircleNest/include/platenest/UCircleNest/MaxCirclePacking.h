@@ -32,16 +32,61 @@ struct TPlaceInfo {
   std::array<int, 4> ChooseTypeNum{};  // pieces of each row kind of a stack
 };
 
-// FRAME: header comment by the owner.
+// How many circles of one size a plate takes by regular patterns, and where: no search, the counts are closed forms.
+// First the best count over all patterns is found, then its circles are laid out, once.
+//
+// The patterns live in a box whose unit is one pitch, 2 * ARadius + CirGap: circles have diameter 1 there and touch at
+// distance 1. Neighbours keep CirGap; the edge of the plate keeps PlateGap, so that with PlateGap 0 circles touch it.
+//
+//   0  square grid, also        1  square block and          2  square block in a      3  rows of two or three
+//      sheared for one circle      hexagonal lattice, its       corner, strips on         kinds in a stack, chosen
+//      more, or with its far       steps stretched to           its two free sides        by a knapsack; circles at
+//      corner turned by 15         fill the box                                           the wall push rows apart
+//      degrees
+//      o  o  o  o                  o o  o   o   o               o o o o o o o             o   o   o   o
+//      o  o  o  o                  o o    o   o   o              o o o o o o                o   o   o   e
+//      o  o  o  o                  o o  o   o   o               o o o  o   o              o   o   o   o
+//      o  o  o  o                  o o    o   o   o             o o o    o   o            o   o   o     e
+//                                  o o  o   o   o               o o o  o   o                o   o   o
+//
+//   4  triangles of a hexagonal lattice, in turns on the floor and under the ceiling of the box:
+//                  b b b b b b c  d d
+//                  a  b b b b c c c  d
+//                  a a  b b c c c c c
+//                  a a a  c c c c c c c
+//
+// Family 1 tries every width of the block on the left and, as rows, at the bottom, with lattice rows along X and along
+// Y: with the steps of the hexagonal lattice; with one position more in every row, which moves the rows apart; with one
+// row more, which spreads the circles of a row; in the strip beyond the rows of a plain lattice, with two circles for
+// every fourth row's last one. A block of two rows may stand half way between the outer rows of its lattice, which so
+// comes nearer. The first of equal counts stays.
+//
+// Turning the plate may change the count: the sheared grid has different limits along X and Y, as has the strip beyond
+// the rows. On 3.39677 by 3.35558 pitches there are ten circles, but nine on 3.35558 by 3.39677. No such plate is known
+// where the strip makes the difference.
+//
+// Never more circles than Groemer and Oler allow in a box of W by H pitches, 2 / sqrt(3) (W - 1) (H - 1) + W + H - 1
+// (Oler, An inequality in the geometry of numbers, Acta Mathematica 105, 1961). The counts of quotients that are whole
+// up to 1e-9 round up, so neighbours may be nearer by a few 1e-9 pitches.
+//
+// Degenerate input: a box whose longer side is below 2 pitches or whose shorter one is below 1.5 holds nothing, even
+// where a row of circles would fit. A radius or pitch that is not positive, and a plate or gap that is not finite, hold
+// nothing. Negative gaps are passed through. Errors: TRangeError by TryMaxFill if the box is larger than 1e7 square
+// pitches; the object stays as it was. Cost: one step for each size of a corner block, width times height of the box,
+// and then linear in the circles: 1000 by 1000 pitches take some 10 ms to count and 30 to lay out and verify. No shared
+// state; one object per thread.
 class PLATENEST_API TMaxCirclePacking {
  public:
+  // All lengths in drawing units. Only the size of ARect matters.
   TMaxCirclePacking(const TVRect2D& ARect, double ARadius, double PlateGap, double CirGap);
   TMaxCirclePacking(const TVRect2D& ARect, double ARadius) : TMaxCirclePacking(ARect, ARadius, 0, 0) {}
 
+  // The count; the centres are then in ResultPt, relative to the lower left corner of the plate. May be called again.
   int TryMaxFill();
   const TVPoint2DList& ResultPt() const { return FResultPt; }
   TVPoint2DList TakeResultPt() { return std::move(FResultPt); }
-  // Patterns whose layout did not stand, so that the next best took their place.
+  // Patterns of the last run whose layout did not hold what they count, so that the next best took their place. Always
+  // 0 unless the library is at fault; a debug build raises TAssertionError instead.
   int FallbackCount() const { return FFallbackCount; }
 
  protected:
@@ -74,7 +119,7 @@ class PLATENEST_API TMaxCirclePacking {
 
   // Lays FPlaceInfo out, in plate coordinates; a pattern that does not stand gives way to the next best.
   void ShapeResultPt();
-  // The layout of FPlaceInfo in the unit box, appended to FResultPt.
+  // The layout of FPlaceInfo in the unit box, appended to FResultPt: families 0 to 4.
   void Add1();
   void Add2();
   void Add3();
@@ -112,6 +157,7 @@ class PLATENEST_API TMaxCirclePacking {
   double RowStep() const;
   // Count circles, all in the box, all pairs at distance 1 at least.
   bool Stands(int Count) const;
+  void TakePattern(const TRunnerUp& Pattern);
   void WritePattern();
 
   int FResult = 0;
@@ -130,7 +176,6 @@ class PLATENEST_API TMaxCirclePacking {
   std::array<double, 2> FResY{};
   std::array<int, 2> FRows{};
   std::array<int, 2> FCols{};
-  bool FMayAddOne = false;
   double FRatio = 0;
   TPoint2D FTrans;
   TPlaceInfo FTempInfo;
@@ -157,7 +202,17 @@ class PLATENEST_API TMaxCirclePacking {
   int FHalvesY = 0;
 };
 
-// FRAME
+// Circles of one size on the plate from (0, 0) to (ExtentX, ExtentY), on as much of its X extent as is densest: the
+// whole plate, the plate without its last columns of circles, or a shorter plate packed anew between the ends of two
+// columns. What lies in the first third of the plate always stays. Points become the centres; Gap is kept between
+// circles, not to the edges.
+//
+// Returns the density, circles grown by Gap / 2 against the used part of the plate grown by Gap in both extents. Of
+// densities that are equal but for rounding the first stays: the longest use of the plate. Note that ExtentY comes
+// before ExtentX.
+//
+// Where no pattern fits (see TMaxCirclePacking, also for errors) it returns 0 and no points; Points are unchanged when
+// it throws. Cost: one run of TMaxCirclePacking for each column that is dropped; 300 by 300 pitches take 0.7 s.
 PLATENEST_API double DynamicSinglCircleNest(double Radius, double ExtentY, double ExtentX, double Gap,
                                             TVPoint2DList& Points);
 
