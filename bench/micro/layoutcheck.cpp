@@ -1,8 +1,11 @@
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cmath>
 #include <random>
 #include <vector>
 
+#include "platenest/layoutcheck/CircleCheck.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 #include "platenest/layoutcheck/Measures.h"
 #include "platenest/layoutcheck/Svg.h"
@@ -119,6 +122,55 @@ void Svg(benchmark::State& State) {
   State.counters["bytes_per_part"] = static_cast<double>(bytes) / static_cast<double>(picture.Parts.size());
 }
 
+// Rows of touching circles, each row set into the hollows of the one below.
+std::vector<TPlacedCircle> HexagonalCircles() {
+  std::vector<TPlacedCircle> circles;
+  for (int i = 0; i < kSide * kSide; ++i) {
+    const int row = i / kSide;
+    circles.push_back({{2 * (i % kSide) + 1.0 + row % 2, 1 + row * std::sqrt(3.0)}, 1, 0});
+  }
+  return circles;
+}
+
+// Each ring of seven circles is half as large as the one around it, nine of them as deep as a size ratio of 500.
+std::vector<TPlacedCircle> NestedCircles() {
+  std::vector<TPlacedCircle> circles;
+  int idx = 0;
+  for (int cell = 0; Size(circles) < kSide * kSide; ++cell) {
+    const TPoint2D corner{cell % 64 * 1024.0, cell / 64 * 1024.0};
+    for (double side = 512, at = 0; side >= 1; at += side, side /= 2) {
+      const double r = side / 2;
+      circles.push_back({{corner.X + at + r, corner.Y + at + r}, r, idx++});
+      for (double along = at + side; along + side <= 1024; along += side) {
+        circles.push_back({{corner.X + along + r, corner.Y + at + r}, r, idx++});
+        circles.push_back({{corner.X + at + r, corner.Y + along + r}, r, idx++});
+      }
+    }
+  }
+  return circles;
+}
+
+using TMakeCircles = std::vector<TPlacedCircle> (*)();
+
+void CheckCircleLayout(benchmark::State& State, TMakeCircles Make) {
+  const std::vector<TPlacedCircle> circles = Make();
+  TPlacedBox plate{0, 0, 0, 0};
+  std::vector<TCircleDemand> demand;
+  for (const TPlacedCircle& circle : circles) {
+    plate.Right = std::max(plate.Right, circle.Center.X + circle.Radius);
+    plate.Top = std::max(plate.Top, circle.Center.Y + circle.Radius);
+    if (circle.Idx == Size(demand)) demand.push_back({circle.Radius, Size(circles)});
+  }
+  for (auto _ : State)
+    if (!CheckCircles(circles, plate, 0, demand).empty()) State.SkipWithError("the layout is valid");
+  State.counters["circles"] = static_cast<double>(circles.size());
+}
+
+void CircleClearance(benchmark::State& State, TMakeCircles Make) {
+  const std::vector<TPlacedCircle> circles = Make();
+  for (auto _ : State) benchmark::DoNotOptimize(LeastClearance(circles));
+}
+
 BENCHMARK(CheckLayout)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(CheckGap, lattice, Lattice)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(CheckGap, scattered, Scattered)->Unit(benchmark::kMillisecond);
@@ -133,6 +185,10 @@ BENCHMARK_CAPTURE(FreeBox, lattice_without_gap, Lattice, 0.0)->Unit(benchmark::k
 BENCHMARK_CAPTURE(FreeBox, scattered, Scattered, kGap)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FreeBox, stairs, Stairs, 0.0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(FreeBox, grating, Grating, 0.0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckCircleLayout, hexagonal, HexagonalCircles)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CheckCircleLayout, nested, NestedCircles)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CircleClearance, hexagonal, HexagonalCircles)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(CircleClearance, nested, NestedCircles)->Unit(benchmark::kMillisecond);
 BENCHMARK(Svg)->Unit(benchmark::kMillisecond);
 
 }  // namespace

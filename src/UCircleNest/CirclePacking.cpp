@@ -15,11 +15,10 @@ namespace platenest {
 
 namespace {
 
-constexpr double kFillEstimate = 0.8;  // of the plate's area, for the estimate of what one plate takes
-constexpr double kWidestPair = 0.65;   // of the plate's width: two radii of a start pair
-constexpr double kKeptHeight = 0.7;    // of the plate's height: what the second run over the top leaves alone
-constexpr int kLargePlateCount = 200;  // circles on one plate from which blocks are tried first
-constexpr int kMostWorkers = 4;
+constexpr double kFillEstimate = 0.8;     // of the plate's area, for the estimate of what one plate takes
+constexpr double kWidestPair = 0.65;      // of the plate's width: two radii of a start pair
+constexpr double kKeptHeight = 0.7;       // of the plate's height: what the second run over the top leaves alone
+constexpr int kLargePlateCount = 200;     // circles on one plate from which blocks are tried first
 constexpr double kLookAheadAlways = 1.0;  // threshold on the hole degree, which never exceeds 1
 constexpr int kMsPerSecond = 1000;
 
@@ -183,6 +182,7 @@ bool TCirclePacking::Stopped() const noexcept {
 void TCirclePacking::StartTimer(int Milliseconds) {
   FTimerThread.reset();
   FStopFlag.store(false, std::memory_order_relaxed);
+  if (FStepLimit > 0) return;
   FTimerThread = std::make_unique<TEventTimer>(Milliseconds / kMsPerSecond, [this] { StopPacking(); });
 }
 
@@ -197,7 +197,7 @@ void TCirclePacking::Packing([[maybe_unused]] int PackingLevel, int TimePerPlate
   GenerateInitConfig();
   if (FInitConfigList.empty()) return;
   StartTimer(FTimeLimit);
-  PackingMultiThread(kLookAheadAlways, std::min(Size(FInitConfigList), kMostWorkers), 1);
+  PackingMultiThread(kLookAheadAlways, WorkerCount(), 1);
   const detail::TStepScope steps(FStepLimit);
   TailRePack();
   CheckLastPlate();

@@ -1,7 +1,128 @@
+// The strip form: all circles are to stand, on as little of the plate's height as can be. Heights are those of the
+// working frame, which runs along the width of the caller's plate.
+
+#include <algorithm>
+#include <limits>
+#include <numbers>
+
 #include "PackingThread.h"
+#include "platenest/foundation/StopToken.h"
 
 namespace platenest {
 
-// FRAME
+namespace {
+
+constexpr double kClosestHeights = 1.0;         // drawing units: bisection goes no closer
+constexpr double kEmptyHeight = -4294967295.0;  // BinaryPacking's answer without circles
+
+// The top edge of a plate, back in place on every way out.
+class TTopGuard {
+ public:
+  explicit TTopGuard(TVRect2D& Rect) : FRect(Rect), FTop(Rect.Top) {}
+  ~TTopGuard() { FRect.Top = FTop; }
+  TTopGuard(const TTopGuard&) = delete;
+  TTopGuard& operator=(const TTopGuard&) = delete;
+
+ private:
+  TVRect2D& FRect;
+  double FTop;
+};
+
+// The index of the candidate that lies lowest, then leftmost, the first of equals; -1 for no candidates.
+int Lowest(const TPosibleCPList& CPs) {
+  int best = -1;
+  double bestX = std::numeric_limits<double>::infinity();
+  double bestY = bestX;
+  for (int i = 0; i < Size(CPs); ++i) {
+    const TPoint2D& center = CPs[i].CP.Center;
+    if (!(center.Y < bestY || (center.Y == bestY && center.X < bestX))) continue;
+    best = i;
+    bestX = center.X;
+    bestY = center.Y;
+  }
+  return best;
+}
+
+}  // namespace
+
+double TCirclePacking::UsedHeight(const TCircleNestRst& Rst) const {
+  double height = 0;
+  for (const TCornerPlacement& circle : Rst)
+    height = std::max(height, circle.Center.Y + FCircleRadiusList[circle.CircleIdx]);
+  return height;
+}
+
+double TCirclePacking::HeightByArea() const {
+  double area = 0;
+  for (const int t : FCircleIdxList)
+    area += std::numbers::pi * FCircleRadiusList[t] * FCircleRadiusList[t] * FCircleNumList[t];
+  return area / FRect.Width();
+}
+
+double TCirclePacking::PackingWithY(const std::vector<int>& Idx, const std::vector<int>& Remaining,
+                                    TCircleNestRst& Rst) const {
+  std::vector<int> counts(Remaining.size(), 0);
+  for (const int t : Idx) {
+    const std::vector<int> alone{t};
+    counts[t] = Remaining[t];
+    TPosibleCPList candidates = GeneratePosibleCP(alone, counts, Rst, false);
+    for (int left = Remaining[t]; left > 0; --left) {
+      const int choice = Lowest(candidates);
+      if (choice >= 0) Rst.push_back(candidates[choice].CP);
+      if (left > 1) UpdatePosibleCP(alone, counts, Rst, candidates);
+      if (choice < 0 && candidates.empty()) break;
+    }
+    counts[t] = 0;
+  }
+  return UsedHeight(Rst);
+}
+
+double TCirclePacking::BinaryPacking(const std::vector<int>& Idx, const std::vector<int>& Remaining,
+                                     TCircleNestRst& Rst, const TPosibleCPList& CPs, double Occu, double High,
+                                     double Low) {
+  const TTopGuard guard(FRect);
+  TCircleNestRst best;
+  TCircleNestRst trial;
+  std::vector<int> remaining;
+  TPosibleCPList candidates;
+  while (High - Low > std::max((High - Low) / 100, kClosestHeights) && !Stopped()) {
+    const double mid = (Low + High) / 2;
+    FRect.Top = mid;
+    trial = Rst;
+    remaining = Remaining;
+    candidates = CPs;
+    GreedyPacking(Idx, remaining, trial, Occu, candidates);
+    const bool complete = Size(trial) == FCircleAmount;
+    if (complete) best.swap(trial);
+    (complete ? High : Low) = mid;
+  }
+  if (!best.empty()) Rst = std::move(best);
+  return Rst.empty() ? kEmptyHeight : UsedHeight(Rst);
+}
+
+double TCirclePacking::TakeShortest(int ThreadNum, int MainStrategy, double Best) {
+  const TWorkers workers = RunWorkers(kNoLookAhead, ThreadNum, TMainStrategy{MainStrategy});
+  for (const auto& worker : workers) {
+    if (!(worker->LenSPP() < Best)) continue;
+    Best = worker->LenSPP();
+    FPackingResult = worker->PackingResult();
+  }
+  return Best;
+}
+
+std::optional<double> TCirclePacking::StripPacking(int TimePerPlate, TStripMethod Method) {
+  if (FCircleIdxList.empty()) return std::nullopt;
+  GenerateInitConfig();
+  const int workers = WorkerCount();
+  TStopToken budget(CurrentStopToken());
+  const TStopTokenScope scope(&budget);
+  std::optional<TEventTimer> timer;
+  if (FStepLimit == 0) timer.emplace(TimePerPlate / 1000.0, [&budget] { budget.RequestStop(); });
+  double length = kNoLength;
+  if (Method != TStripMethod::Bisection) length = TakeShortest(workers, 2, length);
+  if (Method != TStripMethod::BottomLeft) length = TakeShortest(workers, 4, length);
+  if (length == kNoLength) return std::nullopt;
+  return length - FGap;
+}
 
 }  // namespace platenest

@@ -18,6 +18,7 @@ namespace platenest {
 namespace {
 
 using detail::PowerOfTen;
+using detail::TextOf;
 using detail::TWriter;
 using detail::XmlText;
 
@@ -74,23 +75,24 @@ bool IsDark(const TColour& C) {
   return 0.2126 * linear(C.Red) + 0.7152 * linear(C.Green) + 0.0722 * linear(C.Blue) < 0.2;
 }
 
-void CheckPicture(const TLayoutPicture& Picture) {
-  constexpr std::string_view kWho = "RectLayoutSvg";
+void CheckPicture(const TLayoutPicture& Picture, std::string_view Function) {
   for (const double side : {Picture.Width, Picture.Height})
     if (!(side >= kLeastSide && side <= kLargestSide))
-      throw TArgumentError("[Error] LayoutCheck.RectLayoutSvg: the plate's size cannot be drawn");
+      throw TArgumentError(TextOf("[Error] LayoutCheck.", Function, ": the plate's size cannot be drawn"));
   for (const double margin : Picture.Margin)
     if (!(margin >= 0 && std::isfinite(margin)))
-      throw TArgumentError("[Error] LayoutCheck.RectLayoutSvg: a margin is not finite or below 0");
-  if (Picture.Free) detail::RequireProper(*Picture.Free, kWho, "the free box");
+      throw TArgumentError(TextOf("[Error] LayoutCheck.", Function, ": a margin is not finite or below 0"));
+  if (Picture.Free) detail::RequireProper(*Picture.Free, Function, "the free box");
   for (const TPicturePart& part : Picture.Parts) {
-    detail::RequireProper(part.Box, kWho, "the box of a part");
+    detail::RequireProper(part.Box, Function, "the box of a part");
     if (part.Kind < 0 || part.Kind >= Size(Picture.Kinds))
-      throw TRangeError(detail::TextOf("[Error] LayoutCheck.RectLayoutSvg: kind ", part.Kind, " is not in the list"));
+      throw TRangeError(TextOf("[Error] LayoutCheck.", Function, ": kind ", part.Kind, " is not in the list"));
   }
 }
 
-// A line or two of text and how they stand in a box.
+enum class TDrawnAs : std::uint8_t { Boxes, Circles };
+
+// A line or two of text and how they stand in a part.
 struct TFit {
   double FontSize = 0;  // 0: no room
   bool Upright = false;
@@ -106,10 +108,18 @@ TFit FitText(const TPlacedBox& Box, double Widest, int Lines, double Largest) {
   return upright > kUprightGain * level ? TFit{upright, true} : TFit{level, false};
 }
 
+// The same in a circle: the corners of the text stay within it.
+TFit FitTextInCircle(double Diameter, double Widest, int Lines, double Largest) {
+  return {std::min(Largest, kTextRoom * Diameter / std::hypot(Widest, kLineHeight * Lines)), false};
+}
+
 class TPainter {
  public:
-  explicit TPainter(const TLayoutPicture& Picture)
-      : FPicture(Picture), FLong(std::max(Picture.Width, Picture.Height)), FOut(FLong, kDrawnDigits) {
+  TPainter(const TLayoutPicture& Picture, TDrawnAs DrawnAs)
+      : FPicture(Picture),
+        FDrawnAs(DrawnAs),
+        FLong(std::max(Picture.Width, Picture.Height)),
+        FOut(FLong, kDrawnDigits) {
     if (Picture.Free) FFree = OnPlate(*Picture.Free);
     for (const TPictureKind& kind : Picture.Kinds) {
       const std::string& label = kind.Label.empty() ? kind.Id : kind.Label;
@@ -189,6 +199,14 @@ class TPainter {
          << Box.Height() << "\"";
   }
 
+  bool IsRound() const { return FDrawnAs == TDrawnAs::Circles; }
+
+  void PartAttributes(const TPlacedBox& Box) {
+    if (!IsRound()) return BoxAttributes(Box);
+    FOut << " cx=\"" << (Box.Left + Box.Right) / 2 << "\" cy=\"" << (Box.Bottom + Box.Top) / 2 << "\" r=\""
+         << Box.Width() / 2 << "\"";
+  }
+
   // Half of the plate's outline falls outside the picture.
   void Plate() {
     FOut << "<rect";
@@ -236,8 +254,8 @@ class TPainter {
     FOut << "<g stroke=\"" << kDark << "\" stroke-width=\"" << OutlineWidth() << "\">\n";
     for (const TPicturePart& part : FPicture.Parts) {
       const TKindStyle& style = FKinds[part.Kind];
-      FOut << "<rect data-part=\"" << style.Id << "\"";
-      BoxAttributes(part.Box);
+      FOut << (IsRound() ? "<circle" : "<rect") << " data-part=\"" << style.Id << "\"";
+      PartAttributes(part.Box);
       FOut << " fill=\"" << style.Fill << "\"/>\n";
     }
     FOut << "</g>\n";
@@ -272,16 +290,21 @@ class TPainter {
 
   void PartText(const TPicturePart& Part) {
     const TKindStyle& style = FKinds[Part.Kind];
-    const std::string size = SizeText(Part.Box);
+    const std::string size = IsRound() ? RadiusText(Part.Box) : SizeText(Part.Box);
     const double widest = std::max(style.LabelWidth, detail::TextWidth(size));
-    const TFit both = FitText(Part.Box, widest, 2, kLargestText * FLong);
+    const TFit both = FitPart(Part.Box, widest, 2);
     if (both.FontSize >= kComfort * kLeastText * FLong) return Text(Part.Box, both, style.Label, size, style.IsDark);
-    const TFit single = FitText(Part.Box, style.LabelWidth, 1, kLargestText * FLong);
+    const TFit single = FitPart(Part.Box, style.LabelWidth, 1);
     if (single.FontSize >= kLeastText * FLong) Text(Part.Box, single, style.Label, {}, style.IsDark);
   }
 
+  TFit FitPart(const TPlacedBox& Box, double Widest, int Lines) const {
+    const double largest = kLargestText * FLong;
+    return IsRound() ? FitTextInCircle(Box.Width(), Widest, Lines, largest) : FitText(Box, Widest, Lines, largest);
+  }
+
   void FreeText(const TPlacedBox& Box) {
-    const std::string text = detail::TextOf("free ", SizeText(Box));
+    const std::string text = TextOf("free ", SizeText(Box));
     const TFit fit = FitText(Box, detail::TextWidth(text), 1, kLargestText * FLong);
     if (fit.FontSize >= kLeastText * FLong) Text(Box, fit, text, {}, false);
   }
@@ -289,6 +312,12 @@ class TPainter {
   std::string SizeText(const TPlacedBox& Box) const {
     TWriter text(FLong, kWrittenDigits);
     text << Box.Width() << " \xC3\x97 " << Box.Height();
+    return text.Take();
+  }
+
+  std::string RadiusText(const TPlacedBox& Box) const {
+    TWriter text(FLong, kWrittenDigits);
+    text << "r " << Box.Width() / 2;
     return text.Take();
   }
 
@@ -312,6 +341,7 @@ class TPainter {
   static double Coarse(double V) { return RoundHalfEven(V * 100) / 100; }
 
   const TLayoutPicture& FPicture;
+  TDrawnAs FDrawnAs;
   double FLong;  // the plate's longer side
   TWriter FOut;
   std::optional<TPlacedBox> FFree;
@@ -334,8 +364,13 @@ std::string KindColour(int Kind) {
 }
 
 std::string RectLayoutSvg(const TLayoutPicture& Picture) {
-  CheckPicture(Picture);
-  return TPainter(Picture).Paint();
+  CheckPicture(Picture, "RectLayoutSvg");
+  return TPainter(Picture, TDrawnAs::Boxes).Paint();
+}
+
+std::string CircleLayoutSvg(const TLayoutPicture& Picture) {
+  CheckPicture(Picture, "CircleLayoutSvg");
+  return TPainter(Picture, TDrawnAs::Circles).Paint();
 }
 
 }  // namespace platenest

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <future>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -75,6 +76,52 @@ TEST(EventTimer, DestroyedByItsOwnEventItLetsTheEventFinish) {
   });
   created.set_value();
   EXPECT_EQ(finished.get_future().get(), text) << "what the event holds outlives the timer";
+}
+
+TEST(TimerBoard, FiresWhatIsDueInOrderAndNothingAfterItsTimerOrScope) {
+  TTimerBoard board;
+  std::string fired;
+  std::optional<TTimerScope> scope(&board);
+  const TEventTimer late(5, [&] { fired += 'l'; });
+  const TEventTimer early(2, [&] { fired += 'e'; });
+  auto cancelled = std::make_unique<TEventTimer>(3, [&] { fired += 'c'; });
+  const TEventTimer twin(2, [&] {
+    fired += 't';
+    cancelled.reset();
+  });
+  std::unique_ptr<TEventTimer> self;
+  self = std::make_unique<TEventTimer>(4, [&, text = std::string(100, 's')] {
+    self.reset();
+    fired += text[0];
+  });
+  const TEventTimer atOnce(0, [&] { fired += '0'; });
+  board.AdvanceSeconds(1.5);
+  EXPECT_EQ(fired, "0");
+  EXPECT_EQ(board.Running(), 5);
+  std::thread([&] { board.AdvanceSeconds(10); }).join();
+  EXPECT_EQ(fired, "0etsl") << "at equal times the older one first";
+  EXPECT_EQ(board.Running(), 0);
+  scope.reset();
+  std::promise<void> real;
+  const TEventTimer timer(0, [&] { real.set_value(); });
+  real.get_future().get();
+}
+
+// Here too the thread sanitizer watches the plain counter.
+TEST(TimerBoard, NoEventRunsAfterTheDestructor) {
+  TTimerBoard board;
+  const TTimerScope scope(&board);
+  int fired = 0;
+  for (int i = 0; i < 200; ++i) {
+    std::jthread mover;
+    {
+      const TEventTimer timer(1, [&] { ++fired; });
+      mover = std::jthread([&] { board.AdvanceSeconds(1); });
+      if (i % 2 == 0) mover.join();
+    }
+    EXPECT_LE(fired, i + 1);
+  }
+  EXPECT_GE(fired, 100);
 }
 
 TEST(Threads, EachHasARandomSequenceOfItsOwn) {

@@ -92,5 +92,20 @@ TEST(RectLayoutSvg, MarksTurnedPartsMarginAndOffcut) {
   EXPECT_THAT(svg, Not(HasSubstr("quarter turn")));
 }
 
+TEST(CircleLayoutSvg, DrawsCirclesWithTextsThatStayInside) {
+  TLayoutPicture picture = OnePart("disc");
+  picture.Parts = {{{100, 200, 500, 600}, 0}, {{1000.1, 0, 1060.1, 60}, 0}, {{2000, 0, 2020, 20}, 0}};
+  const std::string svg = CircleLayoutSvg(picture);
+  EXPECT_THAT(svg, HasSubstr("<circle data-part=\"disc\" cx=\"300\" cy=\"400\" r=\"200\""));
+  EXPECT_THAT(svg, HasSubstr("<circle data-part=\"disc\" cx=\"1030.1\" cy=\"30\" r=\"30\""));
+  EXPECT_THAT(svg, AllOf(HasSubstr("disc: 3."), Not(HasSubstr("turned")), Not(HasSubstr("<rect data-part"))));
+  EXPECT_THAT(svg, AllOf(HasSubstr(">disc<tspan"), HasSubstr(">r 200</tspan>"), HasSubstr(">disc</text>")));
+  std::size_t texts = 0;
+  for (std::size_t at = svg.find("<text"); at != std::string::npos; at = svg.find("<text", at + 1)) ++texts;
+  EXPECT_EQ(texts, 2U);  // none in the smallest circle
+  picture.Parts[0].Kind = 1;
+  EXPECT_THROW(CircleLayoutSvg(picture), TRangeError);
+}
+
 }  // namespace
 }  // namespace platenest

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platenest/foundation/EventTimer.h"
@@ -49,8 +50,17 @@ struct TCircleConnectedInfo {
   TCircleConnectedInfo(int A, int B) : First(A), Second(B) {}
 };
 
+enum class TMainStrategy : int;  // defined in PackingThread.h of this folder
+
 // Ends all packings of the process; belongs to the host.
 inline std::atomic<bool> FClassStop{false};
+
+// How StripPacking looks for the shortest packing.
+enum class TStripMethod : int {
+  BottomLeft,  // bottom-left fill from every start pair
+  Bisection,   // corner greedy under bisection of the length, from every start pair
+  Best,        // both, the shorter one
+};
 
 // Packs circles of several sizes, each with a demanded count, on one rectangular plate: as many and as dense as the
 // time allows. A circle only ever stands at a corner position, where it touches two of the plate's edges and the
@@ -95,6 +105,16 @@ class PLATENEST_API TCirclePacking {
   // The result in the caller's frame; PackingResult() holds it from then on. A second call changes nothing.
   const TCircleNestRst& ResultTranslation();
   void StopPacking() noexcept { FStopFlag.store(true, std::memory_order_relaxed); }
+
+  // Places all circles on the shortest piece of the plate's width, as on a strip of the plate's height, and returns the
+  // length used, from the plate's edge to the far side of the last circle; nothing if no method places them all, or if
+  // no size or no start pair is in play.
+  // - Choose the plate wide: bisection ends at once where the bottom-left fill of the first start pair does not stay
+  //   within it, and a width of twice the expected length costs nothing.
+  // - TimePerPlate in milliseconds, exact; the bisection of one worker ends after ten seconds even so. StopPacking does
+  //   not reach a bisection, a run token and FClassStop do.
+  // - Lengths are found to one drawing unit by bisection: scale small plates up.
+  std::optional<double> StripPacking(int TimePerPlate, TStripMethod Method);
 
   // Sum of the true areas of the result over the area of the working plate.
   double OccuRate() const { return FOccuRate; }
@@ -146,16 +166,39 @@ class PLATENEST_API TCirclePacking {
   static void SortByY(TCircleNestRst& Rst);
   void LargePlateNest();
   void CheckLastPlate();
+  // Two stages of ThreadNum workers with the strategy of this number, the first without look-ahead, the second with the
+  // threshold Param; the densest packing of all becomes the result if it is denser. Strip workers report a length and
+  // no occupancy: they leave the result alone here, see TakeShortest. Raises what a worker raised, once all have ended;
+  // the result is then unchanged.
   void PackingMultiThread(double Param, int ThreadNum, int MainStrategy);
-  double PackingWithY(const std::vector<int>& Idx, std::vector<int>& Remaining, TCircleNestRst& Rst) const;
+  // One stage of strip workers without look-ahead. The shortest packing with all circles becomes the result, whatever
+  // its occupancy, if it is shorter than Best; returns its used height, else Best.
+  double TakeShortest(int ThreadNum, int MainStrategy, double Best);
+  // The workers that a run starts: one for each start pair, four at most, fewer under a thread limit.
+  int WorkerCount() const;
+  // The greatest centre Y plus working radius; 0 for no circle.
+  double UsedHeight(const TCircleNestRst& Rst) const;
+  // The height that the circles in play would fill without loss.
+  double HeightByArea() const;
+  // Bottom-left fill, size by size in the order of Idx: each circle goes to the candidate with the least Y, then the
+  // least X; what finds no candidate is left out. Appends to Rst and returns the used height. Ends by itself only; a
+  // stop flag keeps candidates from it, so that a stopped fill is short.
+  double PackingWithY(const std::vector<int>& Idx, const std::vector<int>& Remaining, TCircleNestRst& Rst) const;
+  // Bisects the height of the plate between Low and High down to one drawing unit: greedy runs from Rst and its
+  // candidates CPs; Rst becomes the last one that placed all circles and else stays. Returns the used height of Rst,
+  // -4294967295.0 if it is empty. The candidates are those of the full height, so that a circle may stand above the
+  // height tried: what counts is the height returned. The plate's height is restored on every way out; nothing else may
+  // use this object meanwhile.
   double BinaryPacking(const std::vector<int>& Idx, const std::vector<int>& Remaining, TCircleNestRst& Rst,
                        const TPosibleCPList& CPs, double Occu, double High, double Low);
   // Time, the object's flag, the process-wide flag or the token of the run on this thread.
   bool Stopped() const noexcept;
-  // Clears the flag; StopPacking() comes after the whole seconds.
+  // Clears the flag; StopPacking() comes after the whole seconds, and never under a step limit.
   void StartTimer(int Milliseconds);
 
  private:
+  using TWorkers = std::vector<std::unique_ptr<TMyPackingThread>>;
+  TWorkers RunWorkers(double Param, int ThreadNum, TMainStrategy MainStrategy);
   int EstimateCount() const;
   void ExtendAndOffer(TCircleNestRst& Rst, bool WithCorners);
   double WidestOf(const std::vector<int>& Idx) const;

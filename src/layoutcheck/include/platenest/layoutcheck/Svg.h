@@ -47,6 +47,10 @@ struct TLayoutPicture {
 // id where no text fits.
 PLATENEST_API std::string RectLayoutSvg(const TLayoutPicture& Picture);
 
+// The same of a layout of circles: each part is the circle in its box, as wide as the box, <circle data-part="id">.
+// Texts shrink to stay within the circle with all their corners. Nothing is drawn as turned.
+PLATENEST_API std::string CircleLayoutSvg(const TLayoutPicture& Picture);
+
 // The fill of a kind as "#rrggbb": seven hues that colour-blind readers tell apart (Okabe, Ito 2008) in six shades;
 // kinds from 42 on repeat them.
 PLATENEST_API std::string KindColour(int Kind);
