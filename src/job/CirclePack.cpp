@@ -29,7 +29,6 @@ constexpr double kLongestGreedy = 15;
 constexpr double kMostPositions = 2e5;
 // Of a plate's area that circles may cover, for estimates.
 constexpr double kDense = 0.85;
-constexpr double kStripPlates = 2;
 
 // What the nester is shown: positions in TCircleSizes::Parts with radii and copies.
 struct TShown {
@@ -52,13 +51,6 @@ TShown Shown(const TCircleSizes& Sizes, int Plate, std::span<const int> Left) {
     shown.Copies.push_back(Trunc<int>(std::min<double>(Left[part], MostOnPlate(Sizes, Sizes.Plates[Plate], radius))));
   }
   return shown;
-}
-
-double AreaOf(const TShown& AShown, double Gap) {
-  double area = 0;
-  for (int i = 0; i < Size(AShown.Radii); ++i)
-    area += std::numbers::pi * (AShown.Radii[i] + Gap / 2) * (AShown.Radii[i] + Gap / 2) * AShown.Copies[i];
-  return area;
 }
 
 // The most circles that one plate may take: the smallest first.
@@ -144,23 +136,6 @@ TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int
   for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
   FillPlate(Sizes, Plate, rest, TFillSide::Left, spots);
   return spots;
-}
-
-TCircleSpots PackStrip(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort) {
-  const TCirclePlate& plate = Sizes.Plates[Plate];
-  const TShown shown = Shown(Sizes, Plate, Left);
-  const double area = (plate.Width + Sizes.Gap) * (plate.Height + Sizes.Gap);
-  if (shown.Parts.empty() || AreaOf(shown, Sizes.Gap) > area || PassCostOf(shown, area, Sizes.Gap) != TPassCost::Quick)
-    return {};
-  const double along = Effort.ExchangesSides ? plate.Height : plate.Width;
-  const double across = Effort.ExchangesSides ? plate.Width : plate.Height;
-  TCirclePacking packing(TVRect2D::FromSize(kStripPlates * along, across), Sizes.Gap, shown.Radii, shown.Copies);
-  packing.SetThreadLimit(Effort.Threads);
-  packing.SetStepLimit(Effort.Steps);
-  const TTimeShare share(Effort.Seconds);
-  const std::optional<double> length = packing.StripPacking(kNoLimitMs, TStripMethod::Best);
-  if (!length || *length > along) return {};
-  return SpotsOf(packing.ResultTranslation(), Sizes, plate, shown, Effort.ExchangesSides);
 }
 
 }  // namespace platenest::detail

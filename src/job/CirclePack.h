@@ -21,8 +21,4 @@ struct TPackEffort {
 // not make a start or the answer does not pass the layout check. More sizes than the nester can hold are thinned out.
 TCircleSpots PackPlate(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort);
 
-// Circles that can stand on one plate in one row from edge to edge, all of them or nothing, the shortest that the strip
-// nester finds within the time.
-TCircleSpots PackStrip(const TCircleSizes& Sizes, int Plate, std::span<const int> Left, const TPackEffort& Effort);
-
 }  // namespace platenest::detail

@@ -1,0 +1,143 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <numeric>
+#include <random>
+
+#include "CircleFill.h"
+#include "CirclePack.h"
+#include "CirclePattern.h"
+#include "CirclePlates.h"
+#include "ForEachSeed.h"
+#include "platenest/foundation/StopToken.h"
+#include "platenest/layoutcheck/CircleCheck.h"
+
+namespace platenest::detail {
+namespace {
+
+// Sizes in the nesters' units, largest first, on one plate.
+TCircleSizes SizesOf(double Width, double Height, double Gap, std::vector<std::pair<double, int>> Parts) {
+  TCircleSizes sizes;
+  sizes.Gap = Gap;
+  sizes.Plates = {{.Width = Width, .Height = Height, .Count = 1000, .Cost = 1, .Area = Width * Height}};
+  for (const auto& [radius, amount] : Parts)
+    sizes.Parts.push_back({.Radius = radius, .Amount = amount, .Area = std::numbers::pi * radius * radius});
+  return sizes;
+}
+
+TCircleSizes RandomSizes(unsigned Seed, int MostSizes) {
+  std::mt19937_64 random(Seed);
+  std::vector<std::pair<double, int>> parts;
+  const int count = 1 + static_cast<int>(random() % MostSizes);
+  for (int i = 0; i < count; ++i)
+    parts.emplace_back(500 * std::pow(40, static_cast<double>(random() % 1000) / 1000), 1 + random() % 12);
+  std::ranges::sort(parts, std::greater<>());
+  return SizesOf(40'000 + static_cast<double>(random() % 60'000), 30'000 + static_cast<double>(random() % 30'000),
+                 static_cast<double>(random() % 3) * 100, parts);
+}
+
+std::vector<int> AmountsOf(const TCircleSizes& Sizes) {
+  std::vector<int> amounts;
+  for (const TCirclePart& part : Sizes.Parts) amounts.push_back(part.Amount);
+  return amounts;
+}
+
+std::string FaultOf(const TCircleSizes& Sizes, int Plate, const TCircleSpots& Spots, std::span<const int> Left) {
+  std::vector<TPlacedCircle> circles;
+  std::vector<TCircleDemand> demand;
+  for (const TCornerPlacement& spot : Spots)
+    circles.push_back({spot.Center, Sizes.Parts[spot.CircleIdx].Radius, spot.CircleIdx});
+  for (int i = 0; i < Size(Sizes.Parts); ++i) demand.push_back({Sizes.Parts[i].Radius, Left[i]});
+  const TCirclePlate& plate = Sizes.Plates[Plate];
+  return CheckCircles(circles, {0, 0, plate.Width, plate.Height}, Sizes.Gap, demand, {.Tol = 3e-6});
+}
+
+TEST(FillPlate, LeavesNoRoomAtACornerPosition) {
+  ForEachSeed(40, [](unsigned Seed) {
+    const TCircleSizes sizes = RandomSizes(Seed, Seed % 2 == 0 ? 8 : 60);  // beyond forty sizes it looks less often
+    const std::vector<int> left = AmountsOf(sizes);
+    const TFillSide side = Seed % 3 == 0 ? TFillSide::Bottom : TFillSide::Left;
+    TCircleSpots spots;
+    FillPlate(sizes, 0, left, side, spots);
+    EXPECT_EQ(FaultOf(sizes, 0, spots, left), "");
+    std::vector<int> rest = left;
+    for (const TCornerPlacement& spot : spots) --rest[spot.CircleIdx];
+    const std::size_t placed = spots.size();
+    FillPlate(sizes, 0, rest, side, spots);
+    EXPECT_EQ(FaultOf(sizes, 0, spots, left), "");
+    if (Size(sizes.Parts) <= 40) {
+      EXPECT_EQ(spots.size(), placed);
+    }
+    TCircleSpots none;
+    TStopToken stopped;
+    stopped.RequestStop();
+    const TStopTokenScope scope(&stopped);
+    FillPlate(sizes, 0, left, side, none);
+    EXPECT_TRUE(none.empty());
+  });
+}
+
+// In holes of three touching circles, of which each lattice triangle has one.
+TEST(FillPlate, FindsHolesBetweenCirclesThatStand) {
+  const TCircleSizes sizes = SizesOf(4000, 2000 + 2000 * std::sqrt(0.75), 0, {{1000, 4}, {154, 99}});
+  TCircleSpots spots;
+  spots.emplace_back(0, 1000, 1000);
+  spots.emplace_back(0, 3000, 1000);
+  spots.emplace_back(0, 2000, 1000 + 2000 * std::sqrt(0.75));
+  FillPlate(sizes, 0, std::vector<int>{0, 99}, TFillSide::Left, spots);
+  EXPECT_TRUE(std::ranges::any_of(spots, [](const TCornerPlacement& spot) {
+    return std::fabs(spot.Center.X - 2000) < 10 && std::fabs(spot.Center.Y - 1000 - 1000 / std::sqrt(3)) < 10;
+  }));
+  EXPECT_EQ(FaultOf(sizes, 0, spots, std::vector<int>{3, 99}), "");
+}
+
+TEST(NestBlocks, KeepsTheGapBetweenBlocks) {
+  ForEachSeed(20, [](unsigned Seed) {
+    TCircleSizes sizes = RandomSizes(Seed, 4);
+    for (TCirclePart& part : sizes.Parts) part.Amount *= 5;
+    if (Seed % 2 == 0) std::swap(sizes.Plates[0].Width, sizes.Plates[0].Height);
+    const std::vector<int> left = AmountsOf(sizes);
+    EXPECT_EQ(FaultOf(sizes, 0, NestBlocks(sizes, 0, left), left), "");
+  });
+}
+
+TEST(NestPattern, TakesAllThatAreLeftOnAShorterPiece) {
+  const TCircleSizes sizes = SizesOf(100'000, 60'000, 300, {{4000, 50}, {4000, 50}});
+  const std::vector<int> left = {7, 13};
+  const TCircleSpots spots = NestPattern(sizes, 0, left);
+  EXPECT_EQ(spots.size(), 20U);
+  EXPECT_EQ(FaultOf(sizes, 0, spots, left), "");
+  double right = 0;
+  for (const TCornerPlacement& spot : spots) right = std::max(right, spot.Center.X + 4000);
+  EXPECT_LE(right, 3 * 8300);  // three columns of seven
+}
+
+TEST(PackPlate, StandsEitherWay) {
+  ForEachSeed(12, [](unsigned Seed) {
+    const TCircleSizes sizes = RandomSizes(Seed, 6);
+    const std::vector<int> left = AmountsOf(sizes);
+    for (const bool exchanges : {false, true}) {
+      const TPackEffort effort{0.05, 0, 2, exchanges};
+      EXPECT_EQ(FaultOf(sizes, 0, PackPlate(sizes, 0, left, effort), left), "");
+    }
+  });
+}
+
+// Nine of ten lie on three plates alike, the last one on a cheaper plate that takes it.
+TEST(FillPlates, RepeatsALayoutAndEndsOnTheCheapestPlate) {
+  TCircleSizes sizes = SizesOf(6000, 2000, 0, {{1000, 10}});
+  sizes.Plates.push_back({.Width = 2000, .Height = 2000, .Count = 1, .Cost = 0.5, .Area = 4e6});
+  const TCircleNest nest = [&](int plate, std::span<const int> left) { return NestPattern(sizes, plate, left); };
+  const TCircleLayouts layouts = FillPlates(sizes, std::vector<int>{0, 1}, nest);
+  ASSERT_EQ(layouts.size(), 2U);
+  EXPECT_EQ(layouts[0].Copies, 3);
+  EXPECT_EQ(layouts[1].Plate, 1);
+  sizes.Plates[0].Count = 2;
+  sizes.Plates[1].Count = 2;
+  EXPECT_EQ(PlacedCopies(sizes, FillPlates(sizes, std::vector<int>{0, 1}, nest)), std::vector<Int64>{8});
+}
+
+}  // namespace
+}  // namespace platenest::detail
