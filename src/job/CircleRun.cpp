@@ -29,6 +29,9 @@ constexpr char kPack[] = "pack";
 
 // Up to so many copies times sizes the first answer takes a moment, and comes whatever the time limit is.
 constexpr double kQuickWork = 2e5;
+// What checking, measuring and writing down a great answer takes for each copy, and the most of the limit kept for it.
+constexpr double kWritingSeconds = 1.2e-6;
+constexpr double kMostWriting = 0.6;
 // Copies of a size on a plate, on average, from which blocks of patterns are tried.
 constexpr double kCopiesForBlocks = 12;
 // Where no clock ends the search: tried positions of a worker on each plate, four times as many in each round.
@@ -43,10 +46,17 @@ constexpr double kTurnsAMs = 8;
 constexpr Int64 kTurnsACircle = 2000;
 constexpr Int64 kTurnCirclesMore = 20;
 
-double WorkOf(const TCircleSizes& Sizes) {
+double CopiesOf(const TCircleSizes& Sizes) {
   double copies = 0;
   for (const TCirclePart& part : Sizes.Parts) copies += part.Amount;
-  return copies * Size(Sizes.Parts);
+  return copies;
+}
+
+// For the first answers; a great one leaves time to be written down.
+std::optional<double> QuickSeconds(const TCircleSearch& Search) {
+  std::optional<double> seconds = Search.SecondsLeft();
+  if (seconds) *seconds -= std::min(kMostWriting * *seconds, kWritingSeconds * CopiesOf(Search.Sizes()));
+  return seconds;
 }
 
 void LayPatterns(TCircleSearch& Search) {
@@ -95,7 +105,8 @@ void LayBlocks(TCircleSearch& Search) {
 
 // The first answers. A small job is answered whatever the time limit is.
 void AnswerQuickly(TCircleSearch& Search, const std::string& Method) {
-  const bool isSmall = WorkOf(Search.Sizes()) <= kQuickWork;
+  const bool isSmall = CopiesOf(Search.Sizes()) * Size(Search.Sizes().Parts) <= kQuickWork;
+  const TTimeShare share(QuickSeconds(Search));
   const TStopTokenScope scope(isSmall ? Search.Control().CallersToken() : CurrentStopToken());
   if (Method != kPack) LayPatterns(Search);
   if (Method == kPattern) return;
