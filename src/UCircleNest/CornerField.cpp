@@ -16,7 +16,7 @@ constexpr double kSquaresTellUpTo = 1e8;
 constexpr double kTouchBySquares = kDefaultTol;
 constexpr double kOverlapBySquares = 4 * kDefaultTol;
 // Of the widest radius: how far the list of near circles reaches beyond what can be touched.
-constexpr double kNearReserve = 1.0;
+constexpr double kNearReserve = 2.0;
 // Distances that lie in a chain of steps of the tolerance may displace each other; one more than the items is enough.
 constexpr double kChainStep = 1.01 * kDefaultTol;
 constexpr int kChainReserve = 8;
