@@ -86,6 +86,12 @@ std::vector<int> TCirclePacking::SortCircles(const std::vector<double>& Radii) {
   return order;
 }
 
+double TCirclePacking::WidestOf(const std::vector<int>& Idx) const {
+  double widest = 0;
+  for (const int idx : Idx) widest = std::max(widest, FCircleRadiusList[idx]);
+  return widest;
+}
+
 int TCirclePacking::EstimateCount() const {
   const auto walk = [this](auto First, auto Last) {
     const double room = kFillEstimate * FRect.Area();

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <span>
-#include <vector>
+#include <algorithm>
+#include <cmath>
 
 #include "platenest/UCircleNest/CirclePacking.h"
 
@@ -30,6 +30,39 @@ struct TOffsetLines {
 
 // Centres on Line at distance Reach from Center, in the direction of the line; one where the line touches within 1e-6.
 TCenters CentersOnLine(const TOffsetLine& Line, const TPoint2D& Center, double Reach);
+
+// Two placed circles, and the centres of circles that touch both.
+struct TCirclePair {
+  TPoint2D P1;
+  TPoint2D Between;  // from the first centre to the second
+  double R1 = 0;
+  double R2 = 0;
+  double Distance = 0;
+  double Inverse = 0;
+  double Slope = 0;
+
+  TCirclePair() = default;
+  TCirclePair(double AR1, double AR2, const TPoint2D& AP1, const TPoint2D& AP2)
+      : P1(AP1), Between(AP2 - AP1), R1(AR1), R2(AR2), Distance(Between.Mag()) {
+    Inverse = 1 / Distance;
+    Slope = (R1 - R2) * 0.5 * Inverse * Inverse;
+  }
+
+  // Centres of circles of radius R: none where the two are too far apart or in one place, one where they are a diameter
+  // apart within 1e-6, else two, the first left of the way from the first circle to the second.
+  TCenters Centers(double R) const {
+    const double span = 2 * R + R1 + R2;
+    if (fGreat(Distance, span) || !(Distance > 0)) return {};
+    const double reach = (R + R1) * Inverse;
+    if (fEqual(Distance, span)) return {1, {P1 + Between * reach, {}}};
+    // Foot of both centres on the line of the circles, and the half chord, in units of the distance.
+    const double foot = 0.5 + Slope * span;
+    const double half = std::sqrt(std::max(0.0, (reach - foot) * (reach + foot)));
+    const TPoint2D middle = P1 + Between * foot;
+    const TPoint2D left = Between.RotateCcw90() * half;
+    return {2, {middle + left, middle - left}};
+  }
+};
 
 // Tried positions of the run on this thread, against a limit; see TStepScope.
 class TStepCount {

@@ -203,8 +203,7 @@ class PLATENEST_API TCirclePacking {
   TWorkers RunWorkers(double Param, int ThreadNum, TMainStrategy MainStrategy);
   int EstimateCount() const;
   void ExtendAndOffer(TCircleNestRst& Rst, bool WithCorners);
-  void TryBetween(int Idx, const TCornerPlacement& C, const TCornerPlacement& E, const TCircleNestRst& Rst,
-                  TPosibleCPList& Found) const;
+  double WidestOf(const std::vector<int>& Idx) const;
 
   TVRect2D FRect;
   double FGap = 0;
