@@ -66,12 +66,8 @@ void TCirclePacking::TMyPackingThread::Execute() {
 
 TCirclePacking::TMyPackingThread::TStart TCirclePacking::TMyPackingThread::StartFrom(TCircleNestRst Rst) const {
   TStart start{std::move(Rst), FPacking.FCircleNumList, 0};
-  double area = 0;
-  for (const TCornerPlacement& circle : start.Rst) {
-    --start.Remaining[circle.CircleIdx];
-    area += FPacking.FCircleAreaList[circle.CircleIdx];
-  }
-  start.Occu = area / FPacking.FRect.Area();
+  for (const TCornerPlacement& circle : start.Rst) --start.Remaining[circle.CircleIdx];
+  start.Occu = FPacking.Occupancy(start.Rst);
   return start;
 }
 

@@ -52,6 +52,12 @@ double TCirclePacking::UsedHeight(const TCircleNestRst& Rst) const {
   return height;
 }
 
+double TCirclePacking::Occupancy(const TCircleNestRst& Rst) const {
+  double area = 0;
+  for (const TCornerPlacement& circle : Rst) area += FCircleAreaList[circle.CircleIdx];
+  return area / FRect.Area();
+}
+
 double TCirclePacking::HeightByArea() const {
   double area = 0;
   for (const int t : FCircleIdxList)
@@ -106,6 +112,7 @@ double TCirclePacking::TakeShortest(int ThreadNum, int MainStrategy, double Best
     if (!(worker->LenSPP() < Best)) continue;
     Best = worker->LenSPP();
     FPackingResult = worker->PackingResult();
+    FOccuRate = Occupancy(FPackingResult);
   }
   return Best;
 }

@@ -1,5 +1,6 @@
 #include "AllocationCounter.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -7,9 +8,12 @@
 namespace {
 
 thread_local platenest::Int64 allocationCount = 0;
+thread_local bool memoryIsHere = false;
+std::atomic<bool> memoryFailsElsewhere{false};
 
 void* Allocate(std::size_t Bytes, std::size_t Alignment) noexcept {
   ++allocationCount;
+  if (memoryFailsElsewhere && !memoryIsHere) return nullptr;
   if (Alignment <= alignof(std::max_align_t)) return std::malloc(Bytes > 0 ? Bytes : 1);
   return std::aligned_alloc(Alignment, (Bytes + Alignment - 1) / Alignment * Alignment);
 }
@@ -78,6 +82,15 @@ TAllocationCounter::TAllocationCounter() : FBefore(allocationCount) {}
 
 Int64 TAllocationCounter::Count() const {
   return allocationCount - FBefore;
+}
+
+TAllocationsFailElsewhere::TAllocationsFailElsewhere() {
+  memoryIsHere = true;
+  memoryFailsElsewhere = true;
+}
+
+TAllocationsFailElsewhere::~TAllocationsFailElsewhere() {
+  memoryFailsElsewhere = false;
 }
 
 }  // namespace platenest

@@ -15,4 +15,13 @@ class TAllocationCounter {
   Int64 FBefore;
 };
 
+// While it lives, operator new fails on every thread but this one.
+class TAllocationsFailElsewhere {
+ public:
+  TAllocationsFailElsewhere();
+  ~TAllocationsFailElsewhere();
+  TAllocationsFailElsewhere(const TAllocationsFailElsewhere&) = delete;
+  TAllocationsFailElsewhere& operator=(const TAllocationsFailElsewhere&) = delete;
+};
+
 }  // namespace platenest

@@ -178,6 +178,8 @@ class PLATENEST_API TCirclePacking {
   int WorkerCount() const;
   // The greatest centre Y plus working radius; 0 for no circle.
   double UsedHeight(const TCircleNestRst& Rst) const;
+  // The true areas of the circles over the area of the working plate.
+  double Occupancy(const TCircleNestRst& Rst) const;
   // The height that the circles in play would fill without loss.
   double HeightByArea() const;
   // Bottom-left fill, size by size in the order of Idx: each circle goes to the candidate with the least Y, then the
