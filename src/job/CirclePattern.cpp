@@ -37,7 +37,7 @@ TVPoint2DList Zigzag(const TBox& Box, double Radius, double Gap) {
   TVPoint2DList points;
   const double pitch = 2 * Radius + Gap;
   const double high = std::max(0.0, std::min(Box.Height - 2 * Radius, pitch * std::sqrt(0.75)));
-  if (Box.Height - 2 * Radius < -kNoise || Box.Width - 2 * Radius < -kNoise) return points;
+  if (std::min(Box.Height, Box.Width) - 2 * Radius < -kClearanceTol) return points;
   const double step = std::sqrt(pitch * pitch - high * high);
   const int count = Floor<int>((Box.Width - 2 * Radius + kNoise) / step) + 1;
   for (int i = 0; i < count; ++i) points.push_back({Radius + i * step, Radius + (i % 2 == 0 ? 0 : high)});
