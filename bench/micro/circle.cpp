@@ -35,7 +35,7 @@ TPass PassOf(int Count, int Sizes, double Spread) {
   std::vector<int> counts(Sizes, Count / Sizes);
   double area = 0;
   for (int i = 0; i < Sizes; ++i) {
-    radii.push_back(1 + (Spread - 1) * (random() % 1'000'000) * 1e-6);
+    radii.push_back(1 + (Spread - 1) * static_cast<double>(random() % 1'000'000) * 1e-6);
     area += 3.14159 * radii.back() * radii.back() * counts[i];
   }
   return TPass(std::sqrt(area / 0.85), radii, counts);
