@@ -52,8 +52,9 @@ struct TCircleConnectedInfo {
 
 enum class TMainStrategy : int;  // defined in PackingThread.h of this folder
 
-// Ends all packings of the process; belongs to the host.
-inline std::atomic<bool> FClassStop{false};
+// Ends all packings of the process; belongs to the host. Exported, so that a shared build and its host have the same
+// one.
+PLATENEST_API inline std::atomic<bool> FClassStop{false};
 
 // How StripPacking looks for the shortest packing.
 enum class TStripMethod : int {
