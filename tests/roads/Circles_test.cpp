@@ -140,6 +140,17 @@ TEST(Circles, LastPlateKeepsAnOffcut) {
   EXPECT_EQ(PlacedIn(result), 100);
 }
 
+TEST(Circles, LastPlateOfSeveralSizesKeepsAnOffcut) {
+  Job job = JobOf(1980, 980, std::nullopt, {{222.5, 6}, {170, 10}, {142.5, 16}, {110, 24}, {82.5, 50}}, 4);
+  job.Run.Deterministic = true;
+  const Result result = run(job);
+  EXPECT_TRUE(CheckResult(job, result).empty());
+  const Layout& last = result.Layouts.back();
+  ASSERT_LT(last.Usage, 0.5);
+  const auto [left, bottom, right, top] = last.FreeBox;
+  EXPECT_GE((right - left) * (top - bottom), 0.7 * (1 - last.Usage) * last.Width * last.Height);
+}
+
 // Great jobs end in time, with what was done until then.
 TEST(Circles, TimeLimitHoldsForGreatJobs) {
   Job sizes = JobOf(3000, 1500, std::nullopt, {}, 1);
