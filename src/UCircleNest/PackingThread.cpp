@@ -64,18 +64,6 @@ void TCirclePacking::TMyPackingThread::Execute() {
   }
 }
 
-TCirclePacking::TMyPackingThread::TStart TCirclePacking::TMyPackingThread::StartFrom(TCircleNestRst Rst) const {
-  TStart start{std::move(Rst), FPacking.FCircleNumList, 0};
-  for (const TCornerPlacement& circle : start.Rst) --start.Remaining[circle.CircleIdx];
-  start.Occu = FPacking.Occupancy(start.Rst);
-  return start;
-}
-
-TCirclePacking::TMyPackingThread::TStart TCirclePacking::TMyPackingThread::StartAt(int Config) const {
-  const TInitConfig& pair = FPacking.FInitConfigList[Config];
-  return StartFrom({pair.CP1, pair.CP2});
-}
-
 double TCirclePacking::TMyPackingThread::PackingWithPreResult(std::vector<int>& Remaining, TCircleNestRst& Rst,
                                                               double Occu) const {
   TPosibleCPList candidates = FPacking.GeneratePosibleCP(FPacking.FCircleIdxList, Remaining, Rst, false);
@@ -101,7 +89,7 @@ void TCirclePacking::TMyPackingThread::KeepShorter(double Length, const TCircleN
 
 void TCirclePacking::TMyPackingThread::PackingWithInitConfig() {
   for (int i = FStartIdx; i < Size(FPacking.FInitConfigList); i += FThreadNum) {
-    TStart start = StartAt(i);
+    TStart start = FPacking.StartAt(i);
     const double occu = PackingWithPreResult(start.Remaining, start.Rst, start.Occu);
     KeepDenser(occu, start.Rst);
     if (Size(start.Rst) == FPacking.FCircleAmount || FPacking.Stopped()) return;
@@ -109,7 +97,7 @@ void TCirclePacking::TMyPackingThread::PackingWithInitConfig() {
 }
 
 void TCirclePacking::TMyPackingThread::PackingWithSingleCircleResult() {
-  TStart start = StartFrom(FPacking.FPackingResult);
+  TStart start = FPacking.StartFrom(FPacking.FPackingResult);
   const double occu = PackingWithPreResult(start.Remaining, start.Rst, FPacking.FOccuRate);
   KeepDenser(occu, start.Rst);
 }
@@ -117,7 +105,7 @@ void TCirclePacking::TMyPackingThread::PackingWithSingleCircleResult() {
 // A packing with all circles may still be longer than that of the next pair, so nothing but a stop ends the walk.
 void TCirclePacking::TMyPackingThread::PackingWithInitConfigSPP() {
   for (int i = FStartIdx; i < Size(FPacking.FInitConfigList); i += FThreadNum) {
-    TStart start = StartAt(i);
+    TStart start = FPacking.StartAt(i);
     const double length = PackingWithPreResultSPP(start.Remaining, start.Rst);
     KeepShorter(length, start.Rst);
     if (FPacking.Stopped()) return;
@@ -125,7 +113,7 @@ void TCirclePacking::TMyPackingThread::PackingWithInitConfigSPP() {
 }
 
 void TCirclePacking::TMyPackingThread::PackingWithSingleResultSPP() {
-  TStart start = StartFrom(FPacking.FPackingResult);
+  TStart start = FPacking.StartFrom(FPacking.FPackingResult);
   const double length = PackingWithPreResultSPP(start.Remaining, start.Rst);
   KeepShorter(length, start.Rst);
 }
@@ -137,18 +125,30 @@ void TCirclePacking::TMyPackingThread::BinarySearchPackingSPP() {
   own.FTimeLimit = kBisectionMilliseconds;
   own.StartTimer(own.FTimeLimit);
   const std::vector<int>& idx = own.FCircleIdxList;
-  TStart first = StartAt(0);
+  TStart first = FPacking.StartAt(0);
   // A fill never leaves the plate, but leaves out what finds no place: then it may end below any height that holds all.
   const double high = own.PackingWithY(idx, first.Remaining, first.Rst);
   if (own.FRect.Height() < high) return;
   const double low = own.HeightByArea();
   for (int i = FStartIdx; i < Size(own.FInitConfigList); i += FThreadNum) {
-    TStart start = StartAt(i);
+    TStart start = FPacking.StartAt(i);
     const TPosibleCPList candidates = own.GeneratePosibleCP(idx, start.Remaining, start.Rst, false);
     const double length = own.BinaryPacking(idx, start.Remaining, start.Rst, candidates, start.Occu, high, low);
     KeepShorter(length, start.Rst);
     if (own.Stopped()) return;
   }
+}
+
+TCirclePacking::TStart TCirclePacking::StartFrom(TCircleNestRst Rst) const {
+  TStart start{std::move(Rst), FCircleNumList, 0};
+  for (const TCornerPlacement& circle : start.Rst) --start.Remaining[circle.CircleIdx];
+  start.Occu = Occupancy(start.Rst);
+  return start;
+}
+
+TCirclePacking::TStart TCirclePacking::StartAt(int Config) const {
+  const TInitConfig& pair = FInitConfigList[Config];
+  return StartFrom({pair.CP1, pair.CP2});
 }
 
 int TCirclePacking::WorkerCount() const {

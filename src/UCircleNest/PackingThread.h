@@ -51,15 +51,6 @@ class TCirclePacking::TMyPackingThread final {
   double OccuRate() const { return FOccuRate; }
 
  private:
-  // A packing under construction.
-  struct TStart {
-    TCircleNestRst Rst;
-    std::vector<int> Remaining;
-    double Occu = 0;
-  };
-
-  TStart StartFrom(TCircleNestRst Rst) const;
-  TStart StartAt(int Config) const;
   void Carry() noexcept;
   void Execute();
   void PackingWithSingleCircleResult();

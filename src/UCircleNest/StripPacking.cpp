@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <limits>
 #include <numbers>
+#include <optional>
 
+#include "CornerPlacement.h"
 #include "PackingThread.h"
 #include "platenest/foundation/StopToken.h"
 
@@ -13,6 +15,10 @@ namespace platenest {
 namespace {
 
 constexpr double kClosestHeights = 1.0;         // drawing units: bisection goes no closer
+constexpr double kShorterBy = 0.001;            // of the best height: the least gain that Shorten looks for
+constexpr double kLookAheadAlways = 1.0;        // threshold on the hole degree, which stays below 1
+constexpr double kBottomLeftShare = 0.1;        // of the time, where other ways follow
+constexpr double kBisectionShare = 0.2;         // of the time; the rest is for the look-ahead
 constexpr double kEmptyHeight = -4294967295.0;  // BinaryPacking's answer without circles
 
 // The top edge of a plate, back in place on every way out.
@@ -26,6 +32,19 @@ class TTopGuard {
  private:
   TVRect2D& FRect;
   double FTop;
+};
+
+// A stop token of this thread that is set when a part of the time is over; without limit it never is by itself.
+class TShareOfTime {
+ public:
+  TShareOfTime(double Milliseconds, bool Unlimited) : FToken(CurrentStopToken()), FScope(&FToken) {
+    if (!Unlimited) FTimer.emplace(Milliseconds / 1000, [this] { FToken.RequestStop(); });
+  }
+
+ private:
+  TStopToken FToken;
+  TStopTokenScope FScope;
+  std::optional<TEventTimer> FTimer;
 };
 
 // The index of the candidate that lies lowest, then leftmost, the first of equals; -1 for no candidates.
@@ -118,19 +137,50 @@ double TCirclePacking::TakeShortest(int ThreadNum, int MainStrategy, double Best
   return Best;
 }
 
+// Spends what is left of the time: start pair after start pair, the greedy with look-ahead on a plate that is shorter
+// than the best packing. A look-ahead that places all circles ends the trial at once, so that most of it is many greedy
+// passes with a third circle of their own. Returns the shorter height, at last Best.
+double TCirclePacking::Shorten(double Best) {
+  const TTopGuard guard(FRect);
+  const detail::TStepScope steps(FStepLimit);
+  const double least = HeightByArea();
+  const int configs = Size(FInitConfigList);
+  int failed = 0;
+  for (int i = 0; failed < configs && !Stopped(); i = (i + 1) % configs) {
+    for (bool shorter = true; shorter && !Stopped();) {
+      FRect.Top = Best - std::max(kClosestHeights, Best * kShorterBy);
+      if (FRect.Top < least) return Best;
+      TStart trial = StartAt(i);
+      TPosibleCPList candidates = GeneratePosibleCP(FCircleIdxList, trial.Remaining, trial.Rst, false);
+      GreedyPackingEx(FCircleIdxList, trial.Remaining, trial.Rst, trial.Occu, kLookAheadAlways, candidates);
+      const double height = UsedHeight(trial.Rst);
+      shorter = Size(trial.Rst) == FCircleAmount && height < Best;
+      failed = shorter ? 0 : failed + 1;
+      if (!shorter) continue;
+      Best = height;
+      FPackingResult = std::move(trial.Rst);
+    }
+  }
+  return Best;
+}
+
 std::optional<double> TCirclePacking::StripPacking(int TimePerPlate, TStripMethod Method) {
   if (FCircleIdxList.empty()) return std::nullopt;
   GenerateInitConfig();
   if (FInitConfigList.empty()) return std::nullopt;
-  const int workers = WorkerCount();
-  TStopToken budget(CurrentStopToken());
-  const TStopTokenScope scope(&budget);
-  std::optional<TEventTimer> timer;
-  if (FStepLimit == 0) timer.emplace(TimePerPlate / 1000.0, [&budget] { budget.RequestStop(); });
+  const TShareOfTime whole(TimePerPlate, FStepLimit > 0);
   double length = kNoLength;
-  if (Method != TStripMethod::Bisection) length = TakeShortest(workers, 2, length);
-  if (Method != TStripMethod::BottomLeft) length = TakeShortest(workers, 4, length);
+  if (Method != TStripMethod::Bisection) {
+    const bool alone = Method == TStripMethod::BottomLeft;
+    const TShareOfTime share(alone ? TimePerPlate : TimePerPlate * kBottomLeftShare, FStepLimit > 0);
+    length = TakeShortest(WorkerCount(), static_cast<int>(TMainStrategy::InitConfigStrip), length);
+  }
+  if (Method != TStripMethod::BottomLeft) {
+    const TShareOfTime share(TimePerPlate * kBisectionShare, FStepLimit > 0);
+    length = TakeShortest(WorkerCount(), static_cast<int>(TMainStrategy::BinarySearchStrip), length);
+  }
   if (length == kNoLength) return std::nullopt;
+  if (Method != TStripMethod::BottomLeft) length = Shorten(length);
   return length - FGap;
 }
 

@@ -11,6 +11,7 @@
 #include "Assembly.h"
 #include "CircleFill.h"
 #include "CircleImprove.h"
+#include "CircleOffcut.h"
 #include "CirclePack.h"
 #include "CirclePattern.h"
 #include "CirclePlates.h"
@@ -234,6 +235,8 @@ void AnswerCircles(const Job& AJob, TRunControl& Control, Result& AResult) {
     AResult.Run.Method = search.Method();
     AResult.Layouts = search.TakeLayouts();
     for (Layout& layout : AResult.Layouts) MeasureCirclesInto(layout, AJob.Gap, AJob.Margin);
+    const TStopTokenScope scope(Control.CallersToken());  // the time may be over, the caller's stop goes on
+    WidenCircleOffcuts(AJob, search.Sizes(), search.Best(), AResult.Layouts);
   }
   Account(AJob, AResult);
   JudgeCircles(AJob, AResult);

@@ -9,7 +9,7 @@
 
 #include "CircleBounds.h"
 #include "CircleVerdict.h"
-#include "platenest/job/JobErrors.h"
+#include "Judgement.h"
 
 namespace platenest::detail {
 
@@ -86,7 +86,7 @@ bool TCircleSearch::Offer(std::string_view Method, TCircleLayouts Layouts) {
   FWritingSeconds = FControl.Seconds() - start;
   FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
   if (!fault.empty()) {
-    FTrouble = std::move(fault);
+    FTrouble.Note(std::move(fault));
     return false;
   }
   FBest = std::move(Layouts);
@@ -98,40 +98,10 @@ bool TCircleSearch::Offer(std::string_view Method, TCircleLayouts Layouts) {
   return true;
 }
 
-void TCircleSearch::Try(const std::function<void()>& Step) {
-  try {
-    Step();
-  } catch (const JobError&) {
-    throw;
-  } catch (const TNestError& error) {
-    FTrouble = error.Text();
-  } catch (const std::bad_alloc&) {
-    FLacksMemory = true;
-  }
-}
-
 void TCircleSearch::Report() {
-  Progress now;
+  Progress now = ProgressOf(FJob, FSizes, FBest, FMerit, FBounds);
   now.Phase = FMethod;
-  now.Plates = static_cast<int>(FMerit.Plates);
-  double parts = 0;
-  double plates = 0;
-  const std::vector<Int64> placed = PlacedCopies(FSizes, FBest);
-  for (const TCircleLayout& layout : FBest) plates += FSizes.Plates[layout.Plate].Area * layout.Copies;
-  for (const Part& part : FJob.Parts) now.Unplaced += part.Amount.value_or(0);
-  for (int i = 0; i < Size(placed); ++i) {
-    parts += FSizes.Parts[i].Area * static_cast<double>(placed[i]);
-    if (!FSizes.Parts[i].IsUnlimited) now.Unplaced -= placed[i];
-  }
-  if (plates > 0) now.Usage = parts / plates;
-  for (const Bound& bound : FBounds)
-    if (bound.What == "plates") now.BoundValue = std::max(now.BoundValue.value_or(0), bound.Value);
   FControl.Report(now);
-}
-
-void TCircleSearch::RaiseTrouble() const {
-  if (FLacksMemory) throw std::bad_alloc();
-  if (!FTrouble.empty()) throw CheckError({"check", "", "no answer passed the layout check", FTrouble});
 }
 
 }  // namespace platenest::detail

@@ -10,6 +10,7 @@
 #include "CircleSizes.h"
 #include "JobSearch.h"
 #include "RunControl.h"
+#include "Trouble.h"
 #include "platenest/job/Job.h"
 #include "platenest/job/Result.h"
 
@@ -35,7 +36,7 @@ class TCircleSearch {
   // its time is out, since with more time the search would have come to something else.
   bool Offer(std::string_view Method, TCircleLayouts Layouts);
   // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
-  void Try(const std::function<void()>& Step);
+  void Try(const std::function<void()>& Step) { FTrouble.Try(Step); }
 
   bool HasAnswer() const { return !FBest.empty(); }
   bool PlacesAll() const { return HasAnswer() && FMerit.UnplacedArea <= 0; }
@@ -43,7 +44,7 @@ class TCircleSearch {
   const TJobMerit& Merit() const { return FMerit; }
   const std::string& Method() const { return FMethod; }
   std::vector<Layout> TakeLayouts() { return std::move(FLayouts); }
-  void RaiseTrouble() const;
+  void RaiseTrouble() const { FTrouble.Raise(); }
 
  private:
   bool IsBest() const;
@@ -60,8 +61,7 @@ class TCircleSearch {
   std::string FMethod;
   bool FIsBest = false;
   double FWritingSeconds = 0;
-  std::string FTrouble;
-  bool FLacksMemory = false;
+  TTrouble FTrouble;
 };
 
 }  // namespace platenest::detail

@@ -7,6 +7,7 @@
 #include "CircleBounds.h"
 #include "CircleSizes.h"
 #include "JobVerdict.h"
+#include "Judgement.h"
 #include "platenest/layoutcheck/CircleCheck.h"
 #include "platenest/layoutcheck/Measures.h"
 
@@ -40,11 +41,6 @@ int Against(const Bound& ABound, const Result& AResult) {
   return (more > 0) != IsLeast(ABound) ? 1 : -1;
 }
 
-bool PlacesAll(const TCircleSizes& Sizes, const Result& AResult) {
-  return std::ranges::all_of(Sizes.Parts,
-                             [&](const TCirclePart& part) { return AResult.Parts.at(part.Position).Unplaced == 0; });
-}
-
 bool MeetsBound(const Result& AResult, std::string_view What, std::string_view Kind = {}) {
   return std::ranges::any_of(AResult.Bounds, [&](const Bound& bound) {
     return bound.What == What && (Kind.empty() || bound.Kind == Kind) && Against(bound, AResult) >= 0;
@@ -59,20 +55,8 @@ bool IsProved(const TCircleSizes& Sizes, const Result& AResult) {
   return (placesAll || !isUnlimited) && MeetsBound(AResult, "count", "oler");
 }
 
-bool IsInStock(const TCircleSizes& Sizes, const TCirclePart& APart, const Result& AResult) {
-  return std::ranges::any_of(Sizes.Plates, [&](const TCirclePlate& plate) {
-    const PlateUse& use = AResult.Plates.at(plate.Position);
-    return (!use.Count || use.Used < *use.Count) && Holds(plate, APart);
-  });
-}
-
-// Of a part without limit.
-bool HasRoom(const Job& AJob, const TCircleSizes& Sizes, const TCirclePart& APart, const Result& AResult) {
-  const double diameter = 2 * AJob.Parts[APart.Position].Radius;
-  const auto isLarger = [&](const Layout& layout) {
-    return std::min(layout.FreeBox[2] - layout.FreeBox[0], layout.FreeBox[3] - layout.FreeBox[1]) >= diameter;
-  };
-  return IsInStock(Sizes, APart, AResult) || std::ranges::any_of(AResult.Layouts, isLarger);
+bool FitsFreeBox(const Part& APart, const Layout& ALayout) {
+  return std::min(ALayout.FreeBox[2] - ALayout.FreeBox[0], ALayout.FreeBox[3] - ALayout.FreeBox[1]) >= 2 * APart.Radius;
 }
 
 std::vector<TPlacedCircle> CirclesOf(const Layout& ALayout) {
@@ -131,12 +115,7 @@ std::string CircleFault(const Job& AJob, const std::vector<Layout>& Layouts, con
     if (fault.empty()) fault = CheckCircleLayout(ids, layout, AJob.Gap, AJob.Margin);
     if (!fault.empty()) return fault;
   }
-  Result sums;
-  Account(AJob, Layouts, sums);
-  std::string fault = CountFault(sums);
-  if (!fault.empty()) return fault;
-  const Bound* const beaten = BeatenCircleBound(AJob, sums, Bounds);
-  return beaten == nullptr ? "" : "the answer is better than the bound " + beaten->What + ", " + beaten->Kind;
+  return SumFault(AJob, Layouts, [&](const Result& sums) { return BeatenCircleBound(AJob, sums, Bounds); });
 }
 
 std::vector<TPlacedBox> CircleBoxesOf(const Layout& ALayout) {
@@ -160,20 +139,10 @@ void MeasureCirclesInto(Layout& ALayout, double Gap, const std::array<double, 4>
 void JudgeCircles(const Job& AJob, Result& AResult) {
   const TCircleSizes sizes = CircleSizesOf(AJob);
   AResult.Proved = IsProved(sizes, AResult);
-  std::vector<const TCirclePart*> fitting(AJob.Parts.size());
-  for (const TCirclePart& part : sizes.Parts) fitting[part.Position] = &part;
-  bool isComplete = true;
-  for (int i = 0; i < Size(AJob.Parts); ++i) {
-    PartUse& use = AResult.Parts.at(i);
-    use.Reason.clear();
-    if (!use.Amount) isComplete &= fitting[i] == nullptr || !HasRoom(AJob, sizes, *fitting[i], AResult);
-    if (use.Unplaced == 0) continue;
-    isComplete = false;
-    use.Reason = fitting[i] == nullptr                    ? "too_large"
-                 : IsInStock(sizes, *fitting[i], AResult) ? "left_by_method"
-                                                          : "no_stock";
-  }
-  AResult.Status = isComplete ? ResultStatus::Complete : ResultStatus::Partial;
+  JudgeParts(sizes, AResult, [&](const TCirclePart& part) {
+    return std::ranges::any_of(AResult.Layouts,
+                               [&](const Layout& layout) { return FitsFreeBox(AJob.Parts[part.Position], layout); });
+  });
 }
 
 }  // namespace platenest::detail

@@ -1,7 +1,6 @@
 #include "FillRun.h"
 
 #include <algorithm>
-#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "FillFinish.h"
 #include "FillMethods.h"
 #include "FillVerdict.h"
+#include "Trouble.h"
 #include "platenest/job/JobErrors.h"
 
 namespace platenest::detail {
@@ -42,10 +42,7 @@ class TFillSearch {
   const std::string& Method() const { return FMethod; }
   Layout TakeBest() { return std::move(FBest); }
   // Where nothing was found: whatever kept an answer from standing.
-  void RaiseTrouble() const {
-    if (FLacksMemory) throw std::bad_alloc();
-    if (!FTrouble.empty()) throw CheckError({"check", "", "no answer passed the layout check", FTrouble});
-  }
+  void RaiseTrouble() const { FTrouble.Raise(); }
 
  private:
   bool IsProved() const {
@@ -53,7 +50,7 @@ class TFillSearch {
   }
 
   void Try(const TFillMethod& Method) {
-    try {
+    FTrouble.Try([&] {
       TNestedRects nested = Method.Nest();
       // What follows would be the work of the free-rectangle nest alone.
       if (nested.empty() && Method.Name != "smart") return;
@@ -61,13 +58,7 @@ class TFillSearch {
       if (Method.FillsFreeBoxes) FillFreeBoxes(*Method.Sizes, nested);
       for (TNestedRect& placed : nested) placed.Part.Idx = Method.Sizes->Parts[placed.Part.Idx].Position;
       Offer(Method.Name, nested);
-    } catch (const JobError&) {
-      throw;
-    } catch (const TNestError& error) {
-      FTrouble = error.Text();
-    } catch (const std::bad_alloc&) {
-      FLacksMemory = true;
-    }
+    });
   }
 
   void Offer(const std::string& Method, const TNestedRects& Nested) {
@@ -83,7 +74,7 @@ class TFillSearch {
     Layout layout = AssembleLayout(FJob, FJob.Plates[0], FScaled, Nested);
     std::string fault = FillFault(FJob, layout, FBounds);
     if (!fault.empty()) {
-      FTrouble = std::move(fault);
+      FTrouble.Note(std::move(fault));
       return;
     }
     FBest = std::move(layout);
@@ -111,8 +102,7 @@ class TFillSearch {
   Layout FBest;
   double FWorth = 0;
   std::string FMethod;
-  std::string FTrouble;
-  bool FLacksMemory = false;
+  TTrouble FTrouble;
 };
 
 // The quick answer that stands where a named method finds none, be it for lack of time.

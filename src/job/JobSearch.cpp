@@ -8,7 +8,7 @@
 #include "JobBounds.h"
 #include "JobFill.h"
 #include "JobVerdict.h"
-#include "platenest/job/JobErrors.h"
+#include "Judgement.h"
 
 namespace platenest::detail {
 
@@ -106,7 +106,7 @@ bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   FWritingSeconds = FWrittenAt - start;
   FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
   if (!fault.empty()) {
-    FTrouble = std::move(fault);
+    FTrouble.Note(std::move(fault));
     return false;
   }
   FBest = std::move(Layouts);
@@ -118,47 +118,18 @@ bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
   return true;
 }
 
-void TJobSearch::Try(const std::function<void()>& Step) {
-  try {
-    Step();
-  } catch (const JobError&) {
-    throw;
-  } catch (const TNestError& error) {
-    FTrouble = error.Text();
-  } catch (const std::bad_alloc&) {
-    FLacksMemory = true;
-  }
-}
-
 void TJobSearch::Tell(std::string_view Phase, std::optional<double> LpValue) {
   if (!HasAnswer() || FControl.Seconds() < FToldAt + kSecondsBetweenReports) return;
   Report(Phase, LpValue);
 }
 
 void TJobSearch::Report(std::string_view Phase, std::optional<double> LpValue) {
-  Progress now;
+  Progress now = ProgressOf(FJob, FSizes, FBest, FMerit, FBounds);
   now.Phase = Phase;
   now.LpValue = LpValue;
   now.Estimate = FEstimate;
-  now.Plates = static_cast<int>(FMerit.Plates);
-  double parts = 0;
-  double plates = 0;
-  const std::vector<Int64> placed = PlacedCopies(FSizes, FBest);
-  for (const TJobLayout& layout : FBest) plates += FSizes.Plates[layout.Plate].Area * layout.Copies;
-  for (int i = 0; i < Size(placed); ++i) parts += FSizes.Parts[i].Area * static_cast<double>(placed[i]);
-  for (const Part& part : FJob.Parts) now.Unplaced += part.Amount.value_or(0);
-  for (int i = 0; i < Size(placed); ++i)
-    if (!FSizes.Parts[i].IsUnlimited) now.Unplaced -= placed[i];
-  if (plates > 0) now.Usage = parts / plates;
-  for (const Bound& bound : FBounds)
-    if (bound.What == "plates") now.BoundValue = std::max(now.BoundValue.value_or(0), bound.Value);
   FToldAt = FControl.Seconds();
   FControl.Report(now);
-}
-
-void TJobSearch::RaiseTrouble() const {
-  if (FLacksMemory) throw std::bad_alloc();
-  if (!FTrouble.empty()) throw CheckError({"check", "", "no answer passed the layout check", FTrouble});
 }
 
 }  // namespace platenest::detail

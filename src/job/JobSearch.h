@@ -9,6 +9,7 @@
 #include "JobAnswer.h"
 #include "JobSizes.h"
 #include "RunControl.h"
+#include "Trouble.h"
 #include "platenest/foundation/EventTimer.h"
 #include "platenest/foundation/StopToken.h"
 #include "platenest/job/Job.h"
@@ -55,7 +56,7 @@ class TJobSearch {
   // Whether layouts of this merit would become the answer.
   bool WouldStand(const TJobMerit& Merit) const { return !HasAnswer() || IsBetter(Merit, FMerit); }
   // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
-  void Try(const std::function<void()>& Step);
+  void Try(const std::function<void()>& Step) { FTrouble.Try(Step); }
   // Tells the caller that a phase goes on, at most five times a second.
   void Tell(std::string_view Phase, std::optional<double> LpValue);
 
@@ -70,7 +71,7 @@ class TJobSearch {
   const TJobMerit& Merit() const { return FMerit; }
   const std::string& Method() const { return FMethod; }
   std::vector<Layout> TakeLayouts() { return std::move(FLayouts); }
-  void RaiseTrouble() const;
+  void RaiseTrouble() const { FTrouble.Raise(); }
 
  private:
   bool IsTooLateToWrite() const;
@@ -93,8 +94,7 @@ class TJobSearch {
   double FWritingSeconds = 0;
   double FWrittenAt = 0;
   double FToldAt = -1;
-  std::string FTrouble;
-  bool FLacksMemory = false;
+  TTrouble FTrouble;
 };
 
 }  // namespace platenest::detail

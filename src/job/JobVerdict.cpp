@@ -6,6 +6,7 @@
 #include "Assembly.h"
 #include "JobBounds.h"
 #include "JobSizes.h"
+#include "Judgement.h"
 
 namespace platenest::detail {
 
@@ -21,11 +22,6 @@ int Against(const Bound& ABound, const Summary& Total) {
   const double better = isLeast ? ABound.Value - value : value - ABound.Value;
   if (std::fabs(better) <= kSumTol * std::fabs(ABound.Value)) return 0;
   return better > 0 ? 1 : -1;
-}
-
-bool PlacesAll(const TJobSizes& Sizes, const Result& AResult) {
-  return std::ranges::all_of(Sizes.Parts,
-                             [&](const TJobPart& part) { return AResult.Parts.at(part.Position).Unplaced == 0; });
 }
 
 bool MeetsBound(const Result& AResult, std::string_view What) {
@@ -46,28 +42,11 @@ bool IsProved(const TJobSizes& Sizes, const Result& AResult) {
   return FillsStock(Sizes, placed);
 }
 
-bool IsUsedUp(const PlateUse& Use) {
-  return Use.Count && Use.Used >= *Use.Count;
-}
-
-bool IsInStock(const TJobSizes& Sizes, const TJobPart& APart, const Result& AResult) {
-  return std::ranges::any_of(Sizes.Plates, [&](const TJobPlate& plate) {
-    return !IsUsedUp(AResult.Plates.at(plate.Position)) && Holds(plate, APart);
-  });
-}
-
 bool FitsFreeBox(const Part& APart, const Layout& ALayout) {
   const double width = ALayout.FreeBox[2] - ALayout.FreeBox[0];
   const double height = ALayout.FreeBox[3] - ALayout.FreeBox[1];
   const bool fitsTurned = APart.Turn == Rotate::Any && APart.Height <= width && APart.Width <= height;
   return fitsTurned || (APart.Width <= width && APart.Height <= height);
-}
-
-// Of a part without limit.
-bool HasRoom(const Job& AJob, const TJobSizes& Sizes, const TJobPart& APart, const Result& AResult) {
-  const Part& part = AJob.Parts[APart.Position];
-  return IsInStock(Sizes, APart, AResult) ||
-         std::ranges::any_of(AResult.Layouts, [&](const Layout& layout) { return FitsFreeBox(part, layout); });
 }
 
 std::string LayoutFault(const Job& AJob, const TPartIds& Ids, const Layout& ALayout) {
@@ -99,11 +78,16 @@ std::string JobFault(const Job& AJob, const std::vector<Layout>& Layouts, const 
     std::string fault = LayoutFault(AJob, ids, layout);
     if (!fault.empty()) return fault;
   }
+  return SumFault(AJob, Layouts, [&](const Result& sums) { return BeatenBound(AJob, sums, Bounds); });
+}
+
+std::string SumFault(const Job& AJob, const std::vector<Layout>& Layouts,
+                     const std::function<const Bound*(const Result&)>& Beaten) {
   Result sums;
   Account(AJob, Layouts, sums);
   std::string fault = CountFault(sums);
   if (!fault.empty()) return fault;
-  const Bound* const beaten = BeatenBound(AJob, sums, Bounds);
+  const Bound* const beaten = Beaten(sums);
   return beaten == nullptr ? "" : "the answer is better than the bound " + beaten->What + ", " + beaten->Kind;
 }
 
@@ -126,20 +110,10 @@ std::string CountFault(const Result& AResult) {
 void JudgeJob(const Job& AJob, Result& AResult) {
   const TJobSizes sizes = JobSizesOf(AJob);
   AResult.Proved = IsProved(sizes, AResult);
-  std::vector<const TJobPart*> fitting(AJob.Parts.size());
-  for (const TJobPart& part : sizes.Parts) fitting[part.Position] = &part;
-  bool isComplete = true;
-  for (int i = 0; i < Size(AJob.Parts); ++i) {
-    PartUse& use = AResult.Parts.at(i);
-    use.Reason.clear();
-    if (!use.Amount) isComplete &= fitting[i] == nullptr || !HasRoom(AJob, sizes, *fitting[i], AResult);
-    if (use.Unplaced == 0) continue;
-    isComplete = false;
-    use.Reason = fitting[i] == nullptr                    ? "too_large"
-                 : IsInStock(sizes, *fitting[i], AResult) ? "left_by_method"
-                                                          : "no_stock";
-  }
-  AResult.Status = isComplete ? ResultStatus::Complete : ResultStatus::Partial;
+  JudgeParts(sizes, AResult, [&](const TJobPart& part) {
+    return std::ranges::any_of(AResult.Layouts,
+                               [&](const Layout& layout) { return FitsFreeBox(AJob.Parts[part.Position], layout); });
+  });
 }
 
 }  // namespace platenest::detail

@@ -109,15 +109,16 @@ TEST(Workers, FourFindWhatOneFindsAndAnyCountIsValid) {
 }
 
 TEST(Workers, MergeBothStagesAndRaiseNothingBelowTheResult) {
-  // One start pair: the first stage runs without look-ahead, the second with it, and fills the plate better.
-  const TJob job{TVRect2D::FromSize(100, 100), 0, {26, 9}, {2, 30}};
+  // One start pair, which both stages run: three circles without look-ahead, four with it.
+  const TJob job{TVRect2D::FromSize(4, 4), 0, {1}, {9}};
   TProbe plain = job.Make();
   plain.GenerateInitConfig();
   plain.PackingMultiThread(kNoLookAhead, 1, 1);
+  EXPECT_THAT(plain.PackingResult(), SizeIs(3));
   TProbe both = job.Make();
   both.GenerateInitConfig();
   both.PackingMultiThread(1.0, 1, 1);
-  EXPECT_GT(both.OccuRate(), plain.OccuRate());
+  EXPECT_THAT(both.PackingResult(), SizeIs(4));
   const TCircleNestRst best = both.PackingResult();
   both.PackingMultiThread(kNoLookAhead, 3, 1);
   EXPECT_TRUE(SameLayout(both.PackingResult(), best)) << "only what is denser replaces the result";
@@ -265,6 +266,38 @@ TEST(Bisection, PutsThePlateBackAndKeepsThePairWhereNoHeightHoldsAll) {
   auto copy = candidates;
   packing.GreedyPacking({0}, remaining, result, 0, copy);
   EXPECT_THAT(result, SizeIs(40)) << "the plate has its height again";
+}
+
+TEST(Strip, HoldsAllCirclesOnALengthNoShorterThanTheirArea) {
+  TTimerBoard noTime;
+  const TTimerScope scope(&noTime);
+  ForEachSeed(15, [](unsigned Seed) {
+    TJob job = RandomJob(Seed, 5, 3);
+    job.Plate = TVRect2D::FromSize(3 * job.Plate.Width(), job.Plate.Height());
+    double shortest = HUGE_VAL;
+    for (const auto method : {TStripMethod::BottomLeft, TStripMethod::Bisection, TStripMethod::Best}) {
+      TProbe packing = job.Make();
+      const auto length = packing.StripPacking(60000, method);
+      ASSERT_TRUE(length || method == TStripMethod::Bisection);
+      if (!length) continue;  // no height below that of the bottom-left fill would do
+      const TCircleNestRst& result = packing.ResultTranslation();
+      EXPECT_EQ(Fault(job, result), "");
+      EXPECT_EQ(Size(result), job.Amount());
+      double used = 0;
+      double area = 0;
+      for (const TCornerPlacement& circle : result) {
+        const double r = job.Radii[circle.CircleIdx];
+        used = std::max(used, circle.Center.X + r);
+        area += std::numbers::pi * r * r;
+      }
+      EXPECT_NEAR(used, *length, 1e-9);
+      EXPECT_GT(*length, area / job.Plate.Height());
+      if (method == TStripMethod::Best)
+        EXPECT_LE(*length, shortest);
+      else
+        shortest = std::min(shortest, *length);
+    }
+  });
 }
 
 TEST(Strip, IsNothingWithoutRoomTimeOrStartPair) {

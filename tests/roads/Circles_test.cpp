@@ -140,6 +140,17 @@ TEST(Circles, LastPlateKeepsAnOffcut) {
   EXPECT_EQ(PlacedIn(result), 100);
 }
 
+TEST(Circles, LastPlateOfSeveralSizesIsFilledFromOneSide) {
+  Job job = JobOf(2000, 1000, std::nullopt, {{222.5, 21}, {170, 5}, {142.5, 18}, {110, 11}, {82.5, 4}, {60, 3}}, 4);
+  job.Run.TimeLimit = 2;
+  job.Run.Deterministic = true;
+  const Result result = run(job);
+  EXPECT_TRUE(CheckResult(job, result).empty());
+  const Layout& last = result.Layouts.back();
+  const auto [left, bottom, right, top] = last.FreeBox;
+  EXPECT_GE((right - left) * (top - bottom), 0.58 * (1 - last.Usage) * last.Width * last.Height);
+}
+
 // Great jobs end in time, with what was done until then.
 TEST(Circles, TimeLimitHoldsForGreatJobs) {
   Job sizes = JobOf(3000, 1500, std::nullopt, {}, 1);

@@ -2,31 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <map>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
+#include "JobFrame.h"
 #include "platenest/foundation/Rounding.h"
 
 namespace platenest::test {
 
 namespace {
-
-using TPick = std::function<int(int)>;
-
-struct TScale {
-  double PerUnit;  // whole numbers behind one unit of length
-  const char* Units;
-};
-constexpr std::array kScales = {TScale{1, "mm"}, TScale{10, "mm"}, TScale{1000, "m"}, TScale{25.4, "in"}};
-
-struct TSheet {
-  int W = 0, H = 0;
-  std::optional<int> Count;
-};
 
 struct TDisc {
   int Diameter = 0;
@@ -34,12 +20,11 @@ struct TDisc {
 };
 
 enum class TSizes { One, Few, Many, Near, Large };
-enum class TStock { Unlimited, Ample, Scarce, Mixed };
 
 // One job in whole numbers.
-class TMaker {
+class TMaker : TJobFrame {
  public:
-  explicit TMaker(const TPick& Pick) : FPick(Pick), FScale(kScales[static_cast<std::size_t>(Pick(kScales.size()))]) {}
+  explicit TMaker(const TPick& Pick) : TJobFrame(Pick) {}
 
   TJobCase Make() {
     PickFrame();
@@ -51,30 +36,16 @@ class TMaker {
       PickStock();
     }
     TJobCase made{JobOf(), {}};
-    // Sums of rounded inches are not the rounded sums.
-    if (!isLaid || FScale.PerUnit != std::floor(FScale.PerUnit)) return made;
-    made.Sample = TJobSample{};
-    for (std::size_t i = 0; i < FLaid.size(); ++i) {
-      const Plate& plate = made.AJob.Plates[i];
-      made.Sample->Plates += FLaid[i];
-      made.Sample->Cost += FLaid[i] * plate.Cost.value_or(plate.Width * plate.Height);
-    }
+    if (isLaid && IsScaleExact()) made.Sample = SampleOf(made.AJob, FLaid);
     return made;
   }
 
  private:
-  int Between(int Low, int High) { return Low + (High > Low ? FPick(High - Low + 1) : 0); }
-  bool OneIn(int Count) { return FPick(Count) == 0; }
-  int RoomW(const TSheet& Sheet) const { return Sheet.W - FMargin[0] - FMargin[2]; }
-  int RoomH(const TSheet& Sheet) const { return Sheet.H - FMargin[1] - FMargin[3]; }
   int Shorter(const TSheet& Sheet) const { return std::min(RoomW(Sheet), RoomH(Sheet)); }
   double AreaOf(const TDisc& Disc) const { return (1.0 * Disc.Diameter + FGap) * (Disc.Diameter + FGap); }
 
   void PickFrame() {
-    if (OneIn(2)) FGap = FPick(12);
-    if (OneIn(3)) FMargin.fill(FPick(12));
-    if (OneIn(4))
-      for (int& side : FMargin) side = FPick(15);
+    PickSpace();
     const int count = OneIn(2) ? 1 : Between(1, 3);
     for (int i = 0; i < count; ++i) {
       TSheet sheet{Between(100, 1600), 0, {}};
@@ -121,12 +92,7 @@ class TMaker {
   }
 
   void PickStock() {
-    const auto mode = static_cast<TStock>(FPick(4));
-    for (TSheet& sheet : FSheets) {
-      if (mode == TStock::Ample) sheet.Count = 3 * FPlatesWanted + FPick(5);
-      if (mode == TStock::Scarce) sheet.Count = Between(1, std::max(1, FPlatesWanted / Size(FSheets)));
-      if (mode == TStock::Mixed && OneIn(2)) sheet.Count = Between(1, 3);
-    }
+    const TStock mode = PickCounts(FPlatesWanted);
     // A size without limit fills whatever there is.
     if (mode != TStock::Scarce || OneIn(2)) return;
     for (TSheet& sheet : FSheets) sheet.Count = std::min(*sheet.Count, 4);
@@ -148,42 +114,20 @@ class TMaker {
       FLaid.push_back(plates);
     }
     for (const auto& [diameter, amount] : discs) FDiscs.push_back({diameter, amount});
-    const bool isTight = OneIn(2);
-    for (std::size_t i = 0; i < FSheets.size(); ++i)
-      if (isTight) FSheets[i].Count = FLaid[i];
+    PickTightness(FLaid);
   }
 
   Job JobOf() {
-    const auto length = [this](int whole) { return whole / FScale.PerUnit; };
-    Job made;
-    made.Kind = JobKind::Circles;
-    made.Units = FScale.Units;
-    made.Gap = length(FGap);
-    for (std::size_t i = 0; i < 4; ++i) made.Margin[i] = length(FMargin[i]);
-    const int costs = FPick(5);
-    for (const TSheet& sheet : FSheets) {
-      Plate plate{
-          .Id = "plate " + std::to_string(made.Plates.size()), .Width = length(sheet.W), .Height = length(sheet.H)};
-      plate.Count = sheet.Count;
-      plate.Remnant = Size(FSheets) > 1 && OneIn(4);
-      if (costs == 0) plate.Cost = FPick(4);
-      if (plate.Remnant && OneIn(2)) plate.Cost = 0;
-      made.Plates.push_back(plate);
-    }
+    Job made = FrameOf(JobKind::Circles, /*KnowsRates=*/false);
     for (const TDisc& disc : FDiscs) {
       Part part{.Id = "part " + std::to_string(made.Parts.size())};
-      part.Radius = length(disc.Diameter) / 2;
+      part.Radius = LengthOf(disc.Diameter) / 2;
       part.Amount = disc.Amount;
       made.Parts.push_back(part);
     }
     return made;
   }
 
-  const TPick& FPick;
-  const TScale FScale;
-  int FGap = 0;
-  std::array<int, 4> FMargin{};
-  std::vector<TSheet> FSheets;
   std::vector<TDisc> FDiscs;
   int FPlatesWanted = 1;
   std::vector<int> FLaid;  // plates of each kind that shelves were laid on
@@ -191,13 +135,12 @@ class TMaker {
 
 }  // namespace
 
-TJobCase MakeCircleCase(const TPick& Pick) {
+TJobCase MakeCircleCase(const TJobFrame::TPick& Pick) {
   return TMaker(Pick).Make();
 }
 
 TJobCase MakeCircleCase(unsigned Seed) {
-  std::mt19937 engine(Seed);
-  return MakeCircleCase([&engine](int Count) { return static_cast<int>(engine() % static_cast<unsigned>(Count)); });
+  return MakeCircleCase(PicksOf(Seed));
 }
 
 void AskForCircles(TJobCase& Case, const std::string& Method) {

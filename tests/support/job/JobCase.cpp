@@ -1,79 +1,47 @@
 #include "JobCase.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <map>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "JobFrame.h"
 #include "platenest/foundation/Rounding.h"
 
 namespace platenest::test {
 
 namespace {
 
-using TPick = std::function<int(int)>;
-
-struct TScale {
-  double PerUnit;  // whole numbers behind one unit of length
-  const char* Units;
-};
-constexpr std::array kScales = {TScale{1, "mm"}, TScale{10, "mm"}, TScale{1000, "m"}, TScale{25.4, "in"}};
-
-struct TSheet {
-  int W = 0, H = 0;
-  std::optional<int> Count;
-};
-
 struct TPiece {
   int W = 0, H = 0;
   std::optional<int> Amount;
 };
 
-enum class TStock { Unlimited, Ample, Scarce, Mixed };
-
 // One job in whole numbers.
-class TMaker {
+class TMaker : TJobFrame {
  public:
-  explicit TMaker(const TPick& Pick) : FPick(Pick), FScale(kScales[static_cast<std::size_t>(Pick(kScales.size()))]) {}
+  explicit TMaker(const TPick& Pick) : TJobFrame(Pick) {}
 
   TJobCase Make() {
     PickFrame();
-    TJobCase made;
-    if (FPick(4) == 0) {
-      // Sums of rounded inches are not the rounded sums.
-      if (FScale.PerUnit == std::floor(FScale.PerUnit)) made.Sample = TJobSample{};
+    const bool isCut = FPick(4) == 0;
+    if (isCut) {
       CutPlatesUp();
     } else {
       PickParts();
       PickStock();
     }
-    made.AJob = JobOf();
-    if (made.Sample) {
-      for (std::size_t i = 0; i < FCut.size(); ++i) {
-        const Plate& plate = made.AJob.Plates[i];
-        made.Sample->Plates += FCut[i];
-        made.Sample->Cost += FCut[i] * plate.Cost.value_or(plate.Width * plate.Height);
-      }
-    }
+    TJobCase made{JobOf(), {}};
+    if (isCut && IsScaleExact()) made.Sample = SampleOf(made.AJob, FCut);
     return made;
   }
 
  private:
-  int Between(int Low, int High) { return Low + (High > Low ? FPick(High - Low + 1) : 0); }
-  bool OneIn(int Count) { return FPick(Count) == 0; }
-  int RoomW(const TSheet& Sheet) const { return Sheet.W - FMargin[0] - FMargin[2]; }
-  int RoomH(const TSheet& Sheet) const { return Sheet.H - FMargin[1] - FMargin[3]; }
   const TSheet& AnySheet() { return FSheets[static_cast<std::size_t>(FPick(Size(FSheets)))]; }
 
   void PickFrame() {
-    if (OneIn(2)) FGap = FPick(12);
-    if (OneIn(3)) FMargin.fill(FPick(12));
-    if (OneIn(4))
-      for (int& side : FMargin) side = FPick(15);
+    PickSpace();
     const int count = OneIn(3) ? 1 : Between(1, 4);
     for (int i = 0; i < count; ++i) {
       TSheet sheet{Between(100, 1600), 0, {}};
@@ -158,13 +126,7 @@ class TMaker {
   }
 
   void PickStock() {
-    const auto mode = static_cast<TStock>(FPick(4));
-    const int needed = Ceil(std::min(1e4, Demanded() / LargestRoom())) + 1;
-    for (TSheet& sheet : FSheets) {
-      if (mode == TStock::Ample) sheet.Count = 3 * needed + FPick(5);
-      if (mode == TStock::Scarce) sheet.Count = Between(1, std::max(1, needed / Size(FSheets)));
-      if (mode == TStock::Mixed && OneIn(2)) sheet.Count = Between(1, 3);
-    }
+    const TStock mode = PickCounts(Ceil(std::min(1e4, Demanded() / LargestRoom())) + 1);
     // A part without limit fills whatever there is.
     TPiece& endless = FPieces[static_cast<std::size_t>(FPick(Size(FPieces)))];
     if (mode != TStock::Scarce || OneIn(2) || AreaOf(endless) * 1000 < LargestRoom()) return;
@@ -199,9 +161,7 @@ class TMaker {
       FCut.push_back(used);
     }
     for (const auto& [size, amount] : pieces) FPieces.push_back({size.first, size.second, amount});
-    const bool isTight = OneIn(2);
-    for (std::size_t i = 0; i < FSheets.size(); ++i)
-      if (isTight) FSheets[i].Count = FCut[i];
+    PickTightness(FCut);
   }
 
   // A sample turns some of its pieces, and so must the answer be free to.
@@ -212,25 +172,10 @@ class TMaker {
   }
 
   Job JobOf() {
-    const auto length = [this](int whole) { return whole / FScale.PerUnit; };
-    Job made;
-    made.Kind = JobKind::Job;
-    made.Units = FScale.Units;
-    made.Gap = length(FGap);
-    for (std::size_t i = 0; i < 4; ++i) made.Margin[i] = length(FMargin[i]);
-    const int costs = FPick(5);
-    for (const TSheet& sheet : FSheets) {
-      Plate plate{
-          .Id = "plate " + std::to_string(made.Plates.size()), .Width = length(sheet.W), .Height = length(sheet.H)};
-      plate.Count = sheet.Count;
-      plate.Remnant = Size(FSheets) > 1 && OneIn(4);
-      if (costs == 0) plate.Cost = FPick(4);
-      if (costs == 1) plate.Cost = plate.Width * plate.Height * (50 + FPick(100)) / 100;
-      if (plate.Remnant && OneIn(2)) plate.Cost = 0;
-      made.Plates.push_back(plate);
-    }
+    Job made = FrameOf(JobKind::Job, /*KnowsRates=*/true);
     for (const TPiece& piece : FPieces) {
-      Part part{.Id = "part " + std::to_string(made.Parts.size()), .Width = length(piece.W), .Height = length(piece.H)};
+      Part part{
+          .Id = "part " + std::to_string(made.Parts.size()), .Width = LengthOf(piece.W), .Height = LengthOf(piece.H)};
       part.Amount = piece.Amount;
       if (OneIn(12)) part.Value = 1 + FPick(50);
       made.Parts.push_back(part);
@@ -240,11 +185,6 @@ class TMaker {
     return made;
   }
 
-  const TPick& FPick;
-  const TScale FScale;
-  int FGap = 0;
-  std::array<int, 4> FMargin{};
-  std::vector<TSheet> FSheets;
   std::vector<TPiece> FPieces;
   std::vector<int> FCut;  // plates of each kind that were cut up
 };
@@ -282,13 +222,12 @@ bool LessenAmounts(Job& AJob, const std::function<bool(const Job&)>& Fails) {
 
 }  // namespace
 
-TJobCase MakeJobCase(const TPick& Pick) {
+TJobCase MakeJobCase(const TJobFrame::TPick& Pick) {
   return TMaker(Pick).Make();
 }
 
 TJobCase MakeJobCase(unsigned Seed) {
-  std::mt19937 engine(Seed);
-  return MakeJobCase([&engine](int Count) { return static_cast<int>(engine() % static_cast<unsigned>(Count)); });
+  return MakeJobCase(PicksOf(Seed));
 }
 
 void AskFor(Job& AJob, const std::string& Method) {

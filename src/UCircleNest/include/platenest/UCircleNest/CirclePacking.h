@@ -59,7 +59,7 @@ PLATENEST_API inline std::atomic<bool> FClassStop{false};
 // How StripPacking looks for the shortest packing.
 enum class TStripMethod : int {
   BottomLeft,  // bottom-left fill from every start pair
-  Bisection,   // corner greedy under bisection of the length, from every start pair
+  Bisection,   // corner greedy under bisection of the length, from every start pair, then with look-ahead below it
   Best,        // both, the shorter one
 };
 
@@ -112,8 +112,9 @@ class PLATENEST_API TCirclePacking {
   // no size or no start pair is in play.
   // - Choose the plate wide: bisection looks below the length of the bottom-left fill from the first start pair, which
   //   is too short where that fill leaves circles out, and a width of twice the expected length costs nothing.
-  // - TimePerPlate in milliseconds, exact; the bisection of one worker ends after ten seconds even so. StopPacking does
-  //   not reach a bisection, a run token and FClassStop do.
+  // - TimePerPlate in milliseconds, not cut to whole seconds. Part of it is for the workers of each method; what is
+  //   left goes into the look-ahead, on this thread, which ends by itself once no start pair gives a packing shorter by
+  //   a thousandth. StopPacking does not reach the bisection, a run token and FClassStop do.
   // - Lengths are found to one drawing unit by bisection: scale small plates up.
   std::optional<double> StripPacking(int TimePerPlate, TStripMethod Method);
 
@@ -205,7 +206,17 @@ class PLATENEST_API TCirclePacking {
 
  private:
   using TWorkers = std::vector<std::unique_ptr<TMyPackingThread>>;
+  // A packing under construction: its circles, the counts left, its occupancy.
+  struct TStart {
+    TCircleNestRst Rst;
+    std::vector<int> Remaining;
+    double Occu = 0;
+  };
+
   TWorkers RunWorkers(double Param, int ThreadNum, TMainStrategy MainStrategy);
+  TStart StartFrom(TCircleNestRst Rst) const;
+  TStart StartAt(int Config) const;
+  double Shorten(double Best);  // from the result of height Best to a shorter one, until nothing gets shorter
   void ExtendAndOffer(TCircleNestRst& Rst, bool WithCorners);
   double WidestOf(const std::vector<int>& Idx) const;
 
