@@ -19,7 +19,7 @@ constexpr double kFillEstimate = 0.8;     // of the plate's area, for the estima
 constexpr double kWidestPair = 0.65;      // of the plate's width: two radii of a start pair
 constexpr double kKeptHeight = 0.7;       // of the plate's height: what the second run over the top leaves alone
 constexpr int kLargePlateCount = 200;     // circles on one plate from which blocks are tried first
-constexpr double kLookAheadAlways = 1.0;  // threshold on the hole degree, which never exceeds 1
+constexpr double kLookAheadAlways = 1.0;  // threshold on the hole degree, which stays below 1
 constexpr int kMsPerSecond = 1000;
 
 int ClampToInt(Int64 V) {
@@ -183,7 +183,9 @@ void TCirclePacking::StartTimer(int Milliseconds) {
   FTimerThread.reset();
   FStopFlag.store(false, std::memory_order_relaxed);
   if (FStepLimit > 0) return;
-  FTimerThread = std::make_unique<TEventTimer>(Milliseconds / kMsPerSecond, [this] { StopPacking(); });
+  const int seconds = Milliseconds / kMsPerSecond;
+  if (seconds <= 0) return StopPacking();  // the thread of a timer would let the run begin
+  FTimerThread = std::make_unique<TEventTimer>(seconds, [this] { StopPacking(); });
 }
 
 void TCirclePacking::Packing([[maybe_unused]] int PackingLevel, int TimePerPlate) {

@@ -126,6 +126,7 @@ void TCirclePacking::TMyPackingThread::BinarySearchPackingSPP() {
   own.StartTimer(own.FTimeLimit);
   const std::vector<int>& idx = own.FCircleIdxList;
   TStart first = FPacking.StartAt(0);
+  // A fill never leaves the plate, but leaves out what finds no place: then it may end below any height that holds all.
   const double high = own.PackingWithY(idx, first.Remaining, first.Rst);
   if (own.FRect.Height() < high) return;
   const double low = own.HeightByArea();

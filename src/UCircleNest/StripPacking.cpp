@@ -110,6 +110,7 @@ double TCirclePacking::BinaryPacking(const std::vector<int>& Idx, const std::vec
   TCircleNestRst trial;
   std::vector<int> remaining;
   TPosibleCPList candidates;
+  // A hundredth of the difference is never above the difference: only the absolute bound ends the search.
   while (High - Low > std::max((High - Low) / 100, kClosestHeights) && !Stopped()) {
     const double mid = (Low + High) / 2;
     FRect.Top = mid;
@@ -166,6 +167,7 @@ double TCirclePacking::Shorten(double Best) {
 std::optional<double> TCirclePacking::StripPacking(int TimePerPlate, TStripMethod Method) {
   if (FCircleIdxList.empty()) return std::nullopt;
   GenerateInitConfig();
+  if (FInitConfigList.empty()) return std::nullopt;
   const TShareOfTime whole(TimePerPlate, FStepLimit > 0);
   double length = kNoLength;
   if (Method != TStripMethod::Bisection) {

@@ -28,7 +28,7 @@ struct TProbe : TCirclePacking {
   using TCirclePacking::TCirclePacking, TCirclePacking::BinaryPacking, TCirclePacking::GenerateInitConfig,
       TCirclePacking::GeneratePosibleCP, TCirclePacking::GreedyPacking, TCirclePacking::PackingMultiThread,
       TCirclePacking::PackingWithY, TCirclePacking::TakeShortest, TCirclePacking::TMyPackingThread,
-      TCirclePacking::UpdateResult, TCirclePacking::UsedHeight;
+      TCirclePacking::UpdateResult;
 };
 
 using TWorker = TProbe::TMyPackingThread;
@@ -198,8 +198,6 @@ TEST(Budget, EndsTheRunWhenItsWholeSecondsAreOver) {
 }
 
 TEST(Budget, BelowOneSecondIsOverAtOnce) {
-  TTimerBoard time;
-  const TTimerScope scope(&time);
   TProbe packing = kEndless.Make();
   packing.Packing(0, 999);
   EXPECT_THAT(packing.PackingResult(), SizeIs(2));
@@ -252,71 +250,22 @@ TEST(BottomLeft, LeavesOutWhatFindsNoPlace) {
   EXPECT_EQ(packing.PackingWithY({0}, {30}, nothing), 0) << "without circles there is no corner";
 }
 
-TEST(BottomLeft, TheNextSizeGoesOnWhereOneFindsNoPlace) {
-  TProbe packing(TVRect2D::FromSize(10, 10), 0, {4, 0.5}, {3, 2});
-  TCircleNestRst result{{0, 4, 4}};
-  packing.PackingWithY({0, 1}, {2, 2}, result);
-  ASSERT_THAT(result, SizeIs(3));
-  EXPECT_EQ(result[1].CircleIdx, 1);
-  EXPECT_EQ(result[1].Center.Y, 0.5);
-}
-
-TEST(Bisection, KeepsTheLastCompletePackingAndPutsThePlateBack) {
+TEST(Bisection, PutsThePlateBackAndKeepsThePairWhereNoHeightHoldsAll) {
   const TJob job{TVRect2D::FromSize(200, 50), 0, {5}, {40}};
   TProbe packing = job.Make();
   const TCircleNestRst pair{{0, 5, 5}, {0, 45, 5}};
   const auto candidates = packing.GeneratePosibleCP({0}, {38}, pair, false);
   TCircleNestRst result = pair;
-  const double height = packing.BinaryPacking({0}, {38}, result, candidates, 0, 200, 63);
-  EXPECT_THAT(result, SizeIs(40));
-  EXPECT_EQ(height, packing.UsedHeight(result));
-  EXPECT_LT(height, 90);
-  EXPECT_EQ(Fault({TVRect2D::FromSize(50, 200), 0, job.Radii, job.Counts}, result), "");
-
-  std::vector<int> remaining{38};
-  TCircleNestRst whole = pair;
-  auto copy = candidates;
-  packing.GreedyPacking({0}, remaining, whole, 0, copy);
-  EXPECT_THAT(whole, SizeIs(40)) << "the plate has its height again";
-
-  result = pair;
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, result, candidates, 0, 64, 63), 10) << "no round at a width of 1";
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, result, candidates, 0, 30, 20), 10) << "no height holds them all";
   EXPECT_THAT(result, SizeIs(2));
   TCircleNestRst nothing;
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, nothing, {}, 0, 64, 63), -4294967295.0);
-}
 
-TEST(Strip, HoldsAllCirclesOnALengthNoShorterThanTheirArea) {
-  TTimerBoard noTime;
-  const TTimerScope scope(&noTime);
-  ForEachSeed(15, [](unsigned Seed) {
-    TJob job = RandomJob(Seed, 5, 3);
-    job.Plate = TVRect2D::FromSize(3 * job.Plate.Width(), job.Plate.Height());
-    double shortest = HUGE_VAL;
-    for (const auto method : {TStripMethod::BottomLeft, TStripMethod::Bisection, TStripMethod::Best}) {
-      TProbe packing = job.Make();
-      const auto length = packing.StripPacking(60000, method);
-      ASSERT_TRUE(length || method == TStripMethod::Bisection);
-      if (!length) continue;  // no height below that of the bottom-left fill would do
-      const TCircleNestRst& result = packing.ResultTranslation();
-      EXPECT_EQ(Fault(job, result), "");
-      EXPECT_EQ(Size(result), job.Amount());
-      double used = 0;
-      double area = 0;
-      for (const TCornerPlacement& circle : result) {
-        const double r = job.Radii[circle.CircleIdx];
-        used = std::max(used, circle.Center.X + r);
-        area += std::numbers::pi * r * r;
-      }
-      EXPECT_NEAR(used, *length, 1e-9);
-      EXPECT_GT(*length, area / job.Plate.Height());
-      if (method == TStripMethod::Best)
-        EXPECT_LE(*length, shortest);
-      else
-        shortest = std::min(shortest, *length);
-    }
-  });
+  std::vector<int> remaining{38};
+  auto copy = candidates;
+  packing.GreedyPacking({0}, remaining, result, 0, copy);
+  EXPECT_THAT(result, SizeIs(40)) << "the plate has its height again";
 }
 
 TEST(Strip, IsNothingWithoutRoomTimeOrStartPair) {

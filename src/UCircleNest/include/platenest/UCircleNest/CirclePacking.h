@@ -52,8 +52,9 @@ struct TCircleConnectedInfo {
 
 enum class TMainStrategy : int;  // defined in PackingThread.h of this folder
 
-// Ends all packings of the process; belongs to the host.
-inline std::atomic<bool> FClassStop{false};
+// Ends all packings of the process; belongs to the host. Exported, so that a shared build and its host have the same
+// one.
+PLATENEST_API inline std::atomic<bool> FClassStop{false};
 
 // How StripPacking looks for the shortest packing.
 enum class TStripMethod : int {
@@ -109,11 +110,12 @@ class PLATENEST_API TCirclePacking {
   // Places all circles on the shortest piece of the plate's width, as on a strip of the plate's height, and returns the
   // length used, from the plate's edge to the far side of the last circle; nothing if no method places them all, or if
   // no size or no start pair is in play.
-  // - Choose the plate wide: bisection ends at once where the bottom-left fill of the first start pair does not stay
-  //   within it, and a width of twice the expected length costs nothing.
+  // - Choose the plate wide: bisection looks below the length of the bottom-left fill from the first start pair, which
+  //   is too short where that fill leaves circles out, and a width of twice the expected length costs nothing.
   // - TimePerPlate in milliseconds, not cut to whole seconds. Part of it is for the workers of each method; what is
   //   left goes into the look-ahead, on this thread, which ends by itself once no start pair gives a packing shorter by
-  //   a thousandth. StopPacking does not reach the bisection, a run token and FClassStop do.
+  //   a thousandth. The bisection of one worker ends after ten seconds even so. StopPacking does not reach it, a run
+  //   token and FClassStop do.
   // - Lengths are found to one drawing unit by bisection: scale small plates up.
   std::optional<double> StripPacking(int TimePerPlate, TStripMethod Method);
 
@@ -134,6 +136,9 @@ class PLATENEST_API TCirclePacking {
 
   // Positions of the sizes by radius, largest first, equal ones in the caller's order.
   static std::vector<int> SortCircles(const std::vector<double>& Radii);
+  // The circles that one plate takes: the mean of those that fill 0.8 of its area if the largest come first and if the
+  // smallest do.
+  int EstimateCount() const;
   // Appends the pairs of sizes that can stand in the bottom corners; a second call appends them again.
   void GenerateInitConfig();
   // The centres at distance R + R1 from P1 and R + R2 from P2: none, one where the two are a diameter apart within
@@ -141,7 +146,8 @@ class PLATENEST_API TCirclePacking {
   static int GetCircleCenter(double R, double R1, double R2, const TPoint2D& P1, const TPoint2D& P2, TPoint2D& I1,
                              TPoint2D& I2);
   // All corner positions of the sizes in Idx with circles left, in the order of Idx; none once stopped. Bottom corners
-  // are never tried, top corners only WithCorners: an empty packing has no position without.
+  // are never tried, top corners only WithCorners: an empty packing has no position without. A position that touches
+  // all there is has the hole degree minus infinity and is placed if no other is left.
   TPosibleCPList GeneratePosibleCP(const std::vector<int>& Idx, const std::vector<int>& Remaining,
                                    const TCircleNestRst& Rst, bool WithCorners) const;
   // What the last circle of Rst changes: candidates in its way and of used up sizes go, values rise, positions next to
@@ -190,8 +196,8 @@ class PLATENEST_API TCirclePacking {
   // Bisects the height of the plate between Low and High down to one drawing unit: greedy runs from Rst and its
   // candidates CPs; Rst becomes the last one that placed all circles and else stays. Returns the used height of Rst,
   // -4294967295.0 if it is empty. The candidates are those of the full height, so that a circle may stand above the
-  // height tried: what counts is the height returned. The plate's height is restored on every way out; nothing else may
-  // use this object meanwhile.
+  // height tried: what counts is the height returned. Between two heights a stop ends the search. The plate's height is
+  // restored on every way out; nothing else may use this object meanwhile.
   double BinaryPacking(const std::vector<int>& Idx, const std::vector<int>& Remaining, TCircleNestRst& Rst,
                        const TPosibleCPList& CPs, double Occu, double High, double Low);
   // Time, the object's flag, the process-wide flag or the token of the run on this thread.
@@ -212,7 +218,6 @@ class PLATENEST_API TCirclePacking {
   TStart StartFrom(TCircleNestRst Rst) const;
   TStart StartAt(int Config) const;
   double Shorten(double Best);  // from the result of height Best to a shorter one, until nothing gets shorter
-  int EstimateCount() const;
   void ExtendAndOffer(TCircleNestRst& Rst, bool WithCorners);
   double WidestOf(const std::vector<int>& Idx) const;
 
