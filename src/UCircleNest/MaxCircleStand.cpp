@@ -130,6 +130,7 @@ Int64 TakeTightStack(TPlaceInfo& Info, const TRowWidth& Width, double Length) {
   Info.RestDel = std::sqrt(1 - Width.Rest * Width.Rest);
   Info.RestWid = std::max(2 * Info.RestDel + 1, kSqrt3);
   Info.SPecAdj = kSqrt3 * Width.Rest + Info.RestDel;
+  Info.SPecAdj2 = 0.5 * Width.Rest - kHexStep * Info.RestDel;
   TRowKinds kinds;
   kinds.Add(kSqrt3, 2 * Width.Count);
   kinds.Add(Info.SPecAdj, 2 * Width.Count + 1);

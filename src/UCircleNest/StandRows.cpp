@@ -59,7 +59,7 @@ class TLooseWriter {
 class TTightWriter {
  public:
   TTightWriter(const TPlaceInfo& Info, const TRowWidth& Width)
-      : FInfo(Info), FCount(Width.Count), FWall(Width.Count - 1 + Width.Rest), FRest(Width.Rest) {}
+      : FInfo(Info), FCount(Width.Count), FWall(Width.Count - 1 + Width.Rest) {}
 
   TVPoint2DList Run() {
     const auto& [hexes, turned, hexAndRest, hexAndTurned] = FInfo.ChooseTypeNum;
@@ -95,7 +95,7 @@ class TTightWriter {
   }
 
   void WriteTurned() {
-    AddRow(FPoints, FCount, 0.5 * FRest - kHexStep * FInfo.RestDel, FY + FInfo.SPecAdj / 2);
+    AddRow(FPoints, FCount, FInfo.SPecAdj2, FY + FInfo.SPecAdj / 2);
     FY += FInfo.SPecAdj;
     WriteTopRow();
   }
@@ -110,7 +110,6 @@ class TTightWriter {
   const TPlaceInfo& FInfo;
   int FCount;
   double FWall;
-  double FRest;
   double FY = 0;  // of the last row of n
   TVPoint2DList FPoints;
 };

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <limits>
+#include <numbers>
 #include <set>
 
 #include "ForEachSeed.h"
@@ -111,27 +113,52 @@ TEST(MaxCirclePacking, APatternThatDoesNotStandGivesWayToTheNextBest) {
 #endif
 }
 
+// The last ones stand or fall with one rule each.
 TEST(MaxCirclePacking, FillsKnownPlates) {
   struct TCase {
     double W, H;
-    int Least, Most;
+    int Count;
   };
   const TCase cases[] = {
-      {1.9, 5, 9, 9},        // two staggered columns
-      {2, 1.5, 2, 2},        // exactly at both limits
-      {1.999, 1.999, 0, 0},  // the longer side below its limit
-      {2, 1.4999, 0, 0},     // the shorter one
-      {5, 5, 25, 25},        // equal counts: the grid comes first
-      {7, 7, 49, 49},           {8, 8, 68, 69},     {9, 9, 86, 87},     {10, 10, 106, 106},   {2.8660, 2.8660, 6, 6},
-      {2.86603, 2.86603, 7, 7}, {3.4, 3.4, 10, 10}, {4.3, 4.3, 17, 17}, {3.95, 3.95, 15, 15}, {2.45, 7.99, 17, 17},
+      {1.9, 5, 9},        // two staggered columns
+      {2, 1.5, 2},        // exactly at both limits
+      {1.999, 1.999, 0},  // the longer side below its limit
+      {2, 1.4999, 0},     // the shorter one
+      {5, 5, 25},         // equal counts: the grid comes first
+      {7, 7, 49},
+      {8, 8, 68},
+      {9, 9, 86},
+      {10, 10, 106},
+      {2.8660, 2.8660, 6},
+      {2.86603, 2.86603, 7},
+      {3.4, 3.4, 10},
+      {4.3, 4.3, 17},
+      {3.95, 3.95, 15},
+      {3.931851652578, 3.931851652578, 15},  // just room for the turned corner
+      {2.45, 7.99, 17},
+      {2.3763, 10.0191, 21},  // a block between the outer rows, little slack
+      {10.0679, 2.3659, 21},
+      {2.51, 4.18, 9},  // two rows plus one: rows not spread,
+      {4.19, 2.51, 9},
+      {2.4518, 4.2678, 9},   // just enough height,
+      {4.4171, 2.36, 9},     // and just enough of both
+      {8.4269, 7.0921, 62},  // a rest strip beyond spread rows,
+      {7.1162, 8.4222, 62},
+      {3.4388, 4.4626, 14},        // of five rows
+      {3.5621, 3.4966, 10},        // and never of four
+      {4.8660254037845, 5.5, 26},  // corner strips of two and four lines
+      {6.5491, 6.5888, 43},        // a stretched strip above
+      {3.3083, 4.6218, 14},        // a stack of loose rows
+      {4.7269, 3.8998, 17},        // one that fills its length to the last thousandth
+      {2.8135, 4.9127, 13},        // triangles on a small plate
   };
-  for (const TCase& c : cases)
-    EXPECT_THAT(CountOn(c.W, c.H), testing::AllOf(testing::Ge(c.Least), testing::Le(c.Most))) << c.W << " x " << c.H;
+  for (const TCase& c : cases) EXPECT_EQ(CountOn(c.W, c.H), c.Count) << c.W << " x " << c.H;
   TProbe grid(TVRect2D::FromSize(5, 5), 0.5);
   grid.TryMaxFill();
   EXPECT_EQ(grid.Family(), 0);
   // 0.7 / 0.1 lies below 7 in doubles.
   EXPECT_EQ(TMaxCirclePacking(TVRect2D::FromSize(0.7, 0.7), 0.05).TryMaxFill(), 49);
+  EXPECT_EQ(TMaxCirclePacking(TVRect2D::FromSize(0.7, 0.1 + 0.4 * std::numbers::sqrt3), 0.05).TryMaxFill(), 59);
 }
 
 TEST(MaxCirclePacking, HoldsNothingWithoutAUsableSizeAndRefusesHugePlates) {
@@ -171,6 +198,27 @@ TEST(DynamicSinglCircleNest, ReturnsTheDensityOfWhatItLaysOut) {
     if (!whole) ++shorter;
   });
   EXPECT_GT(shorter, 20);
+}
+
+TEST(DynamicSinglCircleNest, UsesTheDensestLength) {
+  struct TCase {
+    double Y, X, Gap;
+    int Count;
+    double LargestX, Density;
+  };
+  constexpr TCase cases[] = {
+      {3.36, 3.85, 0.1, 3, 0.5, 0.749079173183},   // one column, denser than a plate packed anew before it
+      {4.24, 4.87, 0.0, 12, 2.5, 0.740941663582},  // packed anew
+      {2.32, 4.98, 0.1, 6, 2.7, 0.713998330361},   // two columns would be as dense
+      {3.24, 4.44, 0.0, 8, 2.22, 0.712961295749},  // less than a third would be denser
+  };
+  for (const TCase& c : cases) {
+    TVPoint2DList points;
+    EXPECT_NEAR(DynamicSinglCircleNest(0.5, c.Y, c.X, c.Gap, points), c.Density, 1e-9) << c.Y << " x " << c.X;
+    EXPECT_EQ(points.size(), static_cast<std::size_t>(c.Count)) << c.Y << " x " << c.X;
+    const auto byX = [](const TPoint2D& A, const TPoint2D& B) { return A.X < B.X; };
+    EXPECT_NEAR(std::ranges::max_element(points, byX)->X, c.LargestX, 1e-9) << c.Y << " x " << c.X;
+  }
 }
 
 // Ten circles in the first five pitches would be as dense, but all circles together count for the whole length.

@@ -114,7 +114,8 @@ class PLATENEST_API TCirclePacking {
   //   is too short where that fill leaves circles out, and a width of twice the expected length costs nothing.
   // - TimePerPlate in milliseconds, not cut to whole seconds. Part of it is for the workers of each method; what is
   //   left goes into the look-ahead, on this thread, which ends by itself once no start pair gives a packing shorter by
-  //   a thousandth. StopPacking does not reach the bisection, a run token and FClassStop do.
+  //   a thousandth. The bisection of one worker ends after ten seconds even so. StopPacking does not reach it, a run
+  //   token and FClassStop do.
   // - Lengths are found to one drawing unit by bisection: scale small plates up.
   std::optional<double> StripPacking(int TimePerPlate, TStripMethod Method);
 

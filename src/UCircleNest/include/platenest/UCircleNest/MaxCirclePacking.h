@@ -23,9 +23,9 @@ struct TPlaceInfo {
   bool NewState = false;      // extra circles in the rest strip
   bool ShapeMethod5 = false;  // two rows plus one
   bool MayTryShape5 = false;
-  double SPecAdj = 0;
-  double SPecAdj2 = 0;
-  double RestWid = 0;  // rest strip
+  double SPecAdj = 0;   // beside a block how far it moves in; in a stack the height of a row kind
+  double SPecAdj2 = 0;  // in a stack how far the row between is moved
+  double RestWid = 0;   // rest strip
   double RestDel = 0;
   int Rows = 0;  // of the lattice
   int Columns = 0;
