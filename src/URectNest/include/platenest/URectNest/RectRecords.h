@@ -137,9 +137,10 @@ struct TIntBox {
 using TIntBoxList = std::vector<TIntBox>;
 
 // Stop flags of the process, written by the host from any thread and only read here. The first stops every rectangle
-// nester at its next check, which returns what it has; the second stops column generation only.
-inline std::atomic<bool> RectNestTerminated{false};
-inline std::atomic<bool> ColumnGenerationTerminated{false};
+// nester at its next check, which returns what it has; the second stops column generation only. Exported,
+// so that a shared build and its host have the same ones.
+PLATENEST_API inline std::atomic<bool> RectNestTerminated{false};
+PLATENEST_API inline std::atomic<bool> ColumnGenerationTerminated{false};
 
 // What a rectangle nester polls: the process flag and the token of the run on this thread.
 inline bool RectNestStopped() noexcept {
