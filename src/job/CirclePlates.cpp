@@ -39,6 +39,8 @@ class TWalk {
 
   void UseUp(int Kind) {
     while (FStock[Kind] > 0 && !IsAllPlaced(FLeft)) {
+      // The first plate is nested in any case, so that there is an answer.
+      if (!FLayouts.empty() && RunStopRequested()) return;
       TCircleSpots spots = FNest(Kind, FLeft);
       const std::vector<int> counts = CountsIn(spots, FLeft.size());
       if (spots.empty()) return;

@@ -17,7 +17,8 @@ using TCircleNest = std::function<TCircleSpots(int Plate, std::span<const int> L
 std::vector<std::vector<int>> PlateOrders(const TCircleSizes& Sizes);
 
 // Fills a plate, repeats the layout as often as demand and stock allow, and so on, until all is placed, stock ends or
-// nothing more is placed. What ends up on a last plate goes onto a cheaper one that takes all of it.
+// nothing more is placed. What ends up on a last plate goes onto a cheaper one that takes all of it. Once stopped it
+// keeps the layouts that it has, at least one.
 TCircleLayouts FillPlates(const TCircleSizes& Sizes, std::span<const int> Order, const TCircleNest& Nest);
 
 }  // namespace platenest::detail

@@ -134,6 +134,8 @@ class TPackRound {
   }
 
   TCircleSpots operator()(int Plate, std::span<const int> Left) {
+    // Preparing a plate takes time even where the nester is stopped at once.
+    if (FSearch.IsOver()) return {};
     const TCircleSizes& sizes = FSearch.Sizes();
     const TPackEffort effort = NextEffort();
     if (!FSearch.Control().Affords(static_cast<double>(effort.Steps) / kStepsAMs)) return {};

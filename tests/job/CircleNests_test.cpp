@@ -139,5 +139,23 @@ TEST(FillPlates, RepeatsALayoutAndEndsOnTheCheapestPlate) {
   EXPECT_EQ(PlacedCopies(sizes, FillPlates(sizes, std::vector<int>{0, 1}, nest)), std::vector<Int64>{8});
 }
 
+// Plates after the first one are not even begun, since preparing them would take its time.
+TEST(FillPlates, KeepsWhatStandsOnceStopped) {
+  TCircleSizes sizes = SizesOf(2000, 2000, 0, {{1000, 10}});
+  sizes.Plates.front().Count = 1;
+  sizes.Plates.resize(10, sizes.Plates.front());
+  std::vector<int> order(sizes.Plates.size());
+  std::iota(order.begin(), order.end(), 0);
+  TStopToken token;
+  const TStopTokenScope scope(&token);
+  int nested = 0;
+  const TCircleNest nest = [&](int plate, std::span<const int> left) {
+    if (++nested == 3) token.RequestStop();
+    return NestPattern(sizes, plate, left);
+  };
+  EXPECT_EQ(FillPlates(sizes, order, nest).size(), 3U);
+  EXPECT_EQ(nested, 3);
+}
+
 }  // namespace
 }  // namespace platenest::detail
