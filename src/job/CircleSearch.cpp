@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "Assembly.h"
 #include "CircleBounds.h"
 #include "CircleVerdict.h"
 #include "Judgement.h"
@@ -59,6 +60,12 @@ bool TCircleSearch::IsMet(std::string_view What, double Reached) const {
   });
 }
 
+void TCircleSearch::RequireFewCopies(const TCircleLayouts& Layouts) const {
+  const std::vector<Int64> placed = PlacedCopies(FSizes, Layouts);
+  for (int i = 0; i < Size(placed); ++i)
+    if (placed[i] > limits::kCopies) RaiseTooManyCopies(FSizes.Parts[i].Position);
+}
+
 // What proves an answer, see JudgeCircles.
 bool TCircleSearch::IsBest() const {
   const bool isUnlimited = std::ranges::any_of(FSizes.Parts, &TCirclePart::IsUnlimited);
@@ -80,6 +87,7 @@ bool TCircleSearch::Offer(std::string_view Method, TCircleLayouts Layouts) {
   SortLayouts(FSizes, Layouts);
   const TJobMerit merit = MeritOf(FSizes, Layouts);
   if (HasAnswer() && !IsBetter(merit, FMerit)) return false;
+  RequireFewCopies(Layouts);
   const double start = FControl.Seconds();
   std::vector<Layout> assembled = AssembleCircles(FJob, FSizes, Layouts);
   std::string fault = CircleFault(FJob, assembled, FBounds);

@@ -33,7 +33,8 @@ class TCircleSearch {
 
   // Takes layouts within stock and demand: checked they become the answer if they are better than it. Where writing
   // another one down would pass the limit, nothing is taken any more; nor does a deterministic run take anything once
-  // its time is out, since with more time the search would have come to something else.
+  // its time is out, since with more time the search would have come to something else. Raises LimitError for more
+  // copies of a part than are allowed.
   bool Offer(std::string_view Method, TCircleLayouts Layouts);
   // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
   void Try(const std::function<void()>& Step) { FTrouble.Try(Step); }
@@ -47,6 +48,7 @@ class TCircleSearch {
   void RaiseTrouble() const { FTrouble.Raise(); }
 
  private:
+  void RequireFewCopies(const TCircleLayouts& Layouts) const;
   bool IsBest() const;
   bool IsMet(std::string_view What, double Reached) const;
   void Report();

@@ -52,7 +52,8 @@ std::vector<TCirclePart> PartsOf(const Job& AJob, const TScale& Scale, const std
   return parts;
 }
 
-// The most copies of a part without limit that the stock can hold. Raises LimitError where square grids hold too many.
+// The most copies of a part without limit that the stock can hold, or one more than are allowed. Raises LimitError
+// where square grids hold too many.
 int MostCopies(const TCircleSizes& Sizes, const TCirclePart& APart) {
   const double pitch = 2 * APart.Radius + Sizes.Gap;
   double most = 0;
@@ -64,7 +65,7 @@ int MostCopies(const TCircleSizes& Sizes, const TCirclePart& APart) {
   }
   const double limit = static_cast<double>(limits::kCopies);
   if (inGrids > limit) RaiseTooManyCopies(APart.Position);
-  return Trunc<int>(std::min(most, limit));
+  return Trunc<int>(std::min(most, limit + 1));
 }
 
 // No plate is used without a copy on it.

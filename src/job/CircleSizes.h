@@ -40,7 +40,8 @@ struct TCircleSizes {
 TScale CircleScaleOf(const Job& AJob);
 
 // Both lists are empty where no part fits. Raises InputError where the margin leaves nothing of any plate, LimitError
-// where a part without limit would be placed too often. Cost: part kinds times plate kinds.
+// where square grids of a part without limit hold too many copies; where only denser layouts do, its Amount is one
+// more than are allowed. Cost: part kinds times plate kinds.
 TCircleSizes CircleSizesOf(const Job& AJob);
 
 bool Holds(const TCirclePlate& APlate, const TCirclePart& APart);

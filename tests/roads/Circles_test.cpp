@@ -117,6 +117,11 @@ TEST(Circles, FewCirclesAndThinPlatesAreLaidToo) {
 }
 
 // The pattern is the first answer of each method but pack, and a search beside it loses nothing.
+// A million in a square grid, 1154000 in a lattice: no answer that is cut to the limit in silence.
+TEST(Circles, MoreCopiesThanAllowedAreRefused) {
+  EXPECT_THROW(run(JobOf(1000, 1000, 1, {{0.5, std::nullopt}})), LimitError);
+}
+
 TEST(Circles, EqualCirclesAreNeverFewerThanInAPattern) {
   std::mt19937_64 random(1);
   for (int i = 0; i < 12; ++i) {
