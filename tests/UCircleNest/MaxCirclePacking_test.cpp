@@ -150,6 +150,10 @@ TEST(MaxCirclePacking, FillsKnownPlates) {
       {6.5491, 6.5888, 43},        // a stretched strip above
       {3.3083, 4.6218, 14},        // a stack of loose rows
       {4.7269, 3.8998, 17},        // one that fills its length to the last thousandth
+      {5.3594, 5.451, 29},         // loose rows that leave too much for a change of sign
+      {5.3187, 3.6807, 19},        // a staggered row on top
+      {2.7934, 6.9325, 19},        // a block half way between the outer rows
+      {3.4962, 5.8025, 19},        // triangles and a wall column
       {2.8135, 4.9127, 13},        // triangles on a small plate
   };
   for (const TCase& c : cases) EXPECT_EQ(CountOn(c.W, c.H), c.Count) << c.W << " x " << c.H;
