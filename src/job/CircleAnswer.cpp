@@ -86,6 +86,12 @@ std::vector<Int64> PlacedCopies(const TCircleSizes& Sizes, const TCircleLayouts&
   return placed;
 }
 
+Int64 CopiesIn(const TCircleLayouts& Layouts) {
+  Int64 copies = 0;
+  for (const TCircleLayout& layout : Layouts) copies += std::ssize(layout.Spots);
+  return copies;
+}
+
 void SortLayouts(const TCircleSizes& Sizes, TCircleLayouts& Layouts) {
   std::vector<std::pair<double, int>> order;
   for (int i = 0; i < Size(Layouts); ++i) order.emplace_back(UsageOf(Sizes, Layouts[i]), i);

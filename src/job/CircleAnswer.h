@@ -23,6 +23,8 @@ TJobMerit MeritOf(const TCircleSizes& Sizes, const TCircleLayouts& Layouts);
 
 // Copies of each part over all plates.
 std::vector<Int64> PlacedCopies(const TCircleSizes& Sizes, const TCircleLayouts& Layouts);
+// Placements in all layouts, each counted once.
+Int64 CopiesIn(const TCircleLayouts& Layouts);
 
 // Ordered by plate kind as in Sizes, fullest first.
 void SortLayouts(const TCircleSizes& Sizes, TCircleLayouts& Layouts);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "CircleFill.h"
-#include "JobSearch.h"
+#include "StockSearch.h"
 #include "platenest/UCircleNest/CirclePacking.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/layoutcheck/CircleCheck.h"

@@ -18,23 +18,12 @@ namespace {
 
 // Bounds are stated to twelve digits.
 constexpr double kBoundTol = 1e-11;
-// How far beyond the limit writing an answer may reach.
-constexpr double kLateSeconds = 0.05;
-// How much longer measuring an answer takes than checking it.
-constexpr double kWritingRate = 2;
-constexpr double kMsACopy = 1e-3;
 constexpr int kMostThreads = 4;
-
-Int64 CopiesIn(const TCircleLayouts& Layouts) {
-  Int64 copies = 0;
-  for (const TCircleLayout& layout : Layouts) copies += std::ssize(layout.Spots);
-  return copies;
-}
 
 }  // namespace
 
 TCircleSearch::TCircleSearch(const Job& AJob, TRunControl& Control, const std::vector<Bound>& Bounds)
-    : FJob(AJob), FControl(Control), FBounds(Bounds), FSizes(CircleSizesOf(AJob)) {}
+    : TStockSearch(AJob, Control, Bounds, CircleSizesOf(AJob)) {}
 
 int TCircleSearch::Threads() const {
   const int asked = FJob.Run.Threads > 0 ? FJob.Run.Threads : static_cast<int>(std::thread::hardware_concurrency());
@@ -43,7 +32,7 @@ int TCircleSearch::Threads() const {
 
 std::optional<double> TCircleSearch::SecondsLeft() const {
   if (!IsTimed()) return std::nullopt;
-  return std::max(0.0, FJob.Run.TimeLimit - FControl.Seconds() - (1 + kWritingRate) * FWritingSeconds);
+  return std::max(0.0, TStockSearch::SecondsLeft());
 }
 
 bool TCircleSearch::IsOver() {
@@ -80,36 +69,16 @@ bool TCircleSearch::IsBest() const {
 }
 
 bool TCircleSearch::Offer(std::string_view Method, TCircleLayouts Layouts) {
-  if (HasAnswer() && FJob.Run.Deterministic && FControl.OutOfTime()) return false;
-  const double pause = (1 + kWritingRate) * FWritingSeconds;
-  if (HasAnswer() && IsTimed() && pause > kLateSeconds && SecondsLeft() <= 0.0) return false;
+  if (IsTooLate(0)) return false;
   if (Layouts.empty()) return false;
   SortLayouts(FSizes, Layouts);
   const TJobMerit merit = MeritOf(FSizes, Layouts);
   if (HasAnswer() && !IsBetter(merit, FMerit)) return false;
   RequireFewCopies(Layouts);
-  const double start = FControl.Seconds();
-  std::vector<Layout> assembled = AssembleCircles(FJob, FSizes, Layouts);
-  std::string fault = CircleFault(FJob, assembled, FBounds);
-  FWritingSeconds = FControl.Seconds() - start;
-  FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
-  if (!fault.empty()) {
-    FTrouble.Note(std::move(fault));
-    return false;
-  }
-  FBest = std::move(Layouts);
-  FLayouts = std::move(assembled);
-  FMerit = merit;
-  FMethod = Method;
+  if (!Take(Method, std::move(Layouts), merit, AssembleCircles, CircleFault)) return false;
   FIsBest = IsBest();
-  Report();
+  FControl.Report(ProgressIn(Method));
   return true;
-}
-
-void TCircleSearch::Report() {
-  Progress now = ProgressOf(FJob, FSizes, FBest, FMerit, FBounds);
-  now.Phase = FMethod;
-  FControl.Report(now);
 }
 
 }  // namespace platenest::detail

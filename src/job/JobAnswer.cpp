@@ -184,6 +184,12 @@ std::vector<int> LeftOver(const TJobSizes& Sizes, const TJobLayouts& Layouts) {
   return left;
 }
 
+Int64 CopiesIn(const TJobLayouts& Layouts) {
+  Int64 copies = 0;
+  for (const TJobLayout& layout : Layouts) copies += layout.Nested.Count();
+  return copies;
+}
+
 void TidyAnswer(const TJobSizes& Sizes, TJobLayouts& Layouts) {
   for (TJobLayout& layout : Layouts) KeepLocks(Sizes, layout.Nested);
   SortByUsage(Sizes, Layouts);

@@ -37,6 +37,8 @@ bool IsBetter(const TJobMerit& A, const TJobMerit& B);
 // Copies of each part over all plates, and what is left of the demand, 0 where it is exceeded.
 std::vector<Int64> PlacedCopies(const TJobSizes& Sizes, const TJobLayouts& Layouts);
 std::vector<int> LeftOver(const TJobSizes& Sizes, const TJobLayouts& Layouts);
+// Placements in all layouts, each counted once.
+Int64 CopiesIn(const TJobLayouts& Layouts);
 
 // Makes layouts an answer that may stand. Stock and demand go to the fullest plates first, so that the emptiest lose
 // copies beyond the demand and plates beyond the stock, and nothing is lost that stock and demand allow on the plates

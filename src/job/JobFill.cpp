@@ -152,12 +152,6 @@ std::vector<int> AskedCopies(const TJobSizes& Sizes) {
   return copies;
 }
 
-Int64 CopiesIn(const TJobLayouts& Layouts) {
-  Int64 copies = 0;
-  for (const TJobLayout& layout : Layouts) copies += layout.Nested.Count();
-  return copies;
-}
-
 bool IsAllPlaced(std::span<const int> Left) {
   return std::ranges::none_of(Left, [](int left) { return left > 0; });
 }

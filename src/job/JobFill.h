@@ -20,8 +20,6 @@ TFillSizes FillSizesOf(const TJobSizes& Sizes, int Plate, std::span<const int> P
 TNestedRects FromFill(const TJobSizes& Sizes, const TFillSizes& Fill, const TNestedRects& Nested);
 
 double AreaOf(const TJobSizes& Sizes, const TNestedRects& Nested);
-// Placements in all layouts, each counted once.
-Int64 CopiesIn(const TJobLayouts& Layouts);
 
 // The demand as it stands, copies without limit left out or alone.
 std::vector<int> AskedCopies(const TJobSizes& Sizes);

@@ -7,19 +7,16 @@
 
 #include "Assembly.h"
 #include "JobTrials.h"
-#include "platenest/foundation/Compare.h"
+#include "Offcut.h"
 #include "platenest/foundation/Rounding.h"
-#include "platenest/foundation/Sort.h"
 
 namespace platenest::detail {
 
 namespace {
 
-constexpr int kMostLayouts = 3;
 constexpr int kTrials = 12;
 constexpr int kHalvings = 8;
 constexpr int kMostWork = 20000;  // sizes times copies
-constexpr double kTol = 1e-9;
 
 // The layout as a demand of its own, on one plate.
 struct TOneLayout {
@@ -75,10 +72,6 @@ std::optional<TNestedRects> Shrunk(const TOneLayout& One, bool IsUpright) {
   return best;
 }
 
-double FreeArea(const Layout& ALayout) {
-  return (ALayout.FreeBox[2] - ALayout.FreeBox[0]) * (ALayout.FreeBox[3] - ALayout.FreeBox[1]);
-}
-
 void Widen(const Job& AJob, const TJobSizes& Sizes, const TJobLayout& Found, Layout& ALayout) {
   const TOneLayout one(Sizes, Found);
   if (one.Demand.Parts.size() * Found.Nested.size() > kMostWork) return;
@@ -88,7 +81,7 @@ void Widen(const Job& AJob, const TJobSizes& Sizes, const TJobLayout& Found, Lay
     Layout widened = AssembleLayouts(AJob, Sizes, {{Found.Plate, Found.Copies, std::move(*nested)}}).at(0);
     if (!CheckLayout(TPartIds(AJob), widened, AJob.Gap, AJob.Margin).empty()) continue;
     MeasureInto(widened, AJob.Gap, AJob.Margin);
-    if (FreeArea(widened) > FreeArea(ALayout) * (1 + kTol)) ALayout = std::move(widened);
+    TakeWider(std::move(widened), ALayout);
   }
 }
 
@@ -96,12 +89,7 @@ void Widen(const Job& AJob, const TJobSizes& Sizes, const TJobLayout& Found, Lay
 
 void WidenOffcuts(const Job& AJob, const TJobSizes& Sizes, const TJobLayouts& Found, std::vector<Layout>& Layouts) {
   if (std::ranges::any_of(Sizes.Parts, &TJobPart::IsUnlimited)) return;
-  std::vector<int> order;
-  for (int i = 0; i < Size(Layouts); ++i) order.push_back(i);
-  const auto unused = [&](int i) { return (1 - Layouts[i].Usage) * Layouts[i].Width * Layouts[i].Height; };
-  SortBy(order, [&](int a, int b) { return Sign(unused(b), unused(a)); });
-  for (int i = 0; i < std::min(kMostLayouts, Size(order)); ++i)
-    Widen(AJob, Sizes, Found.at(order[i]), Layouts[order[i]]);
+  for (const int i : EmptiestLayouts(Layouts)) Widen(AJob, Sizes, Found.at(i), Layouts[i]);
 }
 
 }  // namespace platenest::detail

@@ -17,26 +17,17 @@ namespace {
 // Bounds are stated to twelve digits.
 constexpr double kBoundTol = 1e-11;
 constexpr double kSecondsBetweenReports = 0.2;
-// How much longer measuring an answer takes than checking it.
-constexpr double kWritingRate = 2;
-// How far beyond the limit that may reach.
-constexpr double kLateSeconds = 0.05;
 // Between two answers of a search that goes on, in units of what writing one takes.
 constexpr double kLeastPause = 4;
-constexpr double kMsACopy = 1e-3;
 
 }  // namespace
 
-TTimeShare::TTimeShare(std::optional<double> Seconds) : FToken(CurrentStopToken()), FScope(&FToken) {
-  if (Seconds) FTimer.emplace(*Seconds, [this] { FToken.RequestStop(); });
-}
-
 TJobSearch::TJobSearch(const Job& AJob, TRunControl& Control, const std::vector<Bound>& Bounds)
-    : FJob(AJob), FControl(Control), FBounds(Bounds), FSizes(JobSizesOf(AJob)) {}
+    : TStockSearch(AJob, Control, Bounds, JobSizesOf(AJob)) {}
 
 std::optional<double> TJobSearch::SecondsOf(double Share) const {
   if (!IsTimed()) return std::nullopt;
-  return std::max(0.0, Share * (FJob.Run.TimeLimit - FControl.Seconds() - (1 + kWritingRate) * FWritingSeconds));
+  return std::max(0.0, Share * SecondsLeft());
 }
 
 bool TJobSearch::IsOver() {
@@ -81,38 +72,21 @@ void RequireFewCopies(const TJobLayouts& Layouts) {
 }  // namespace
 
 bool TJobSearch::IsDue() const {
-  return !IsTimed() || FControl.Seconds() >= FWrittenAt + kLeastPause * FWritingSeconds;
-}
-
-// What takes no time to write down may come a little late: nesters that were stopped at the limit hand over what they
-// have.
-bool TJobSearch::IsTooLateToWrite() const {
-  const double seconds = (1 + kWritingRate) * FWritingSeconds;
-  return seconds > kLateSeconds && FControl.Seconds() + seconds > FJob.Run.TimeLimit + kLateSeconds;
+  return !IsTimed() || FControl.Seconds() >= FWrittenAt + kLeastPause * FCheckSeconds;
 }
 
 bool TJobSearch::Offer(std::string_view Method, TJobLayouts Layouts) {
-  if (HasAnswer() && FJob.Run.Deterministic && FControl.OutOfTime()) return false;
-  if (HasAnswer() && IsTimed() && IsTooLateToWrite()) return false;
+  // What takes no time to write down may come a little late: nesters that were stopped at the limit hand over what they
+  // have.
+  if (IsTooLate(kLateSeconds)) return false;
   TidyAnswer(FSizes, Layouts);
   if (Layouts.empty()) return false;
   const TJobMerit merit = MeritOf(FSizes, Layouts);
   if (!WouldStand(merit)) return false;
-  const double start = FControl.Seconds();
   RequireFewCopies(Layouts);
-  std::vector<Layout> assembled = AssembleLayouts(FJob, FSizes, Layouts);
-  std::string fault = JobFault(FJob, assembled, FBounds);
+  const bool isTaken = Take(Method, std::move(Layouts), merit, AssembleLayouts, JobFault);
   FWrittenAt = FControl.Seconds();
-  FWritingSeconds = FWrittenAt - start;
-  FControl.Affords(kMsACopy * static_cast<double>(CopiesIn(Layouts)));
-  if (!fault.empty()) {
-    FTrouble.Note(std::move(fault));
-    return false;
-  }
-  FBest = std::move(Layouts);
-  FLayouts = std::move(assembled);
-  FMerit = merit;
-  FMethod = Method;
+  if (!isTaken) return false;
   FIsBest = IsBest(merit);
   Report(Method, std::nullopt);
   return true;
@@ -124,8 +98,7 @@ void TJobSearch::Tell(std::string_view Phase, std::optional<double> LpValue) {
 }
 
 void TJobSearch::Report(std::string_view Phase, std::optional<double> LpValue) {
-  Progress now = ProgressOf(FJob, FSizes, FBest, FMerit, FBounds);
-  now.Phase = Phase;
+  Progress now = ProgressIn(Phase);
   now.LpValue = LpValue;
   now.Estimate = FEstimate;
   FToldAt = FControl.Seconds();
