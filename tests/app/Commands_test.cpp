@@ -154,6 +154,7 @@ TEST(Circles, TakeARadiusATableOrAJobFileAndTheAnswerPassesTheCheck) {
       {0, "circles c.json --method pack --time-limit 1", "13 circles on 1 plate"},
       {2, "circles --plate 9x9", "circles takes a JOB, or --plates or --plate and --radius or --parts; see"},
       {2, "circles --plate 9x9 --radius 0", "--radius: must be above 0, found 0"},
+      {2, "circles --plate 9x9 --radius 1 --csv -", "--csv: cannot share standard output with the result"},
       {2, "circles flanges.json --radius 9", "--radius: cannot stand for all of the job's 6 parts"},
       {2, "circles flanges.json --method pattern", "--method: \"pattern\" lays circles of one size"},
       {2, "circles flanges.json --method dominant", "\"dominant\" is not available in this version"},
