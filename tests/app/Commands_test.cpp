@@ -147,7 +147,8 @@ TEST(Circles, TakeARadiusATableOrAJobFileAndTheAnswerPassesTheCheck) {
   const std::tuple<int, std::string, std::string> cases[] = {
       {0, "circles --plate 100x100 --radius 40 --amount 3", "complete, 3 circles on 3 plates"},
       {0, "circles --plate 600x800 --radius 10 --amount 100000 --time-limit 1", "count at most 100000 (demand)"},
-      {0, "circles --plate 0.7x0.7 --radius 0.05", "clearance  0.000 mm"},
+      {0, "circles --plate 0.7x0.7 --radius 0.05", "clearance  0.000000 mm"},
+      {0, "circles --plate 2x1 --radius 0.15 --gap 0.004 --units m", "offcut     0.426 x 0.088 m\n"},
       {0, "check job.json s.json --parts demand.csv", "OK: s.json"},
       {1, "check job.json s.json", "s.json: /"},
       {1, "circles job.json --parts demand.csv --time-limit 1 --require-all", "unplaced   1 circle"},
