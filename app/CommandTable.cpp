@@ -38,6 +38,7 @@ constexpr std::uint16_t kJobs = kRuns | kReaders;
 constexpr std::uint16_t kAll = kJobs | Bit(Command::Schema);
 
 using enum OptionGroup;
+// Where an option has several rows each command takes one of them.
 constexpr OptionRow kOptions[] = {
     {"--plate", "WxH", Job, kRects, "size of the plate, for example 2440x1220"},
     {"--plates", "FILE", Job, kJob | kCircles | kReaders, "the plates as a CSV table, in place of those of the job"},
@@ -56,11 +57,15 @@ constexpr OptionRow kOptions[] = {
     {"--separate", "", Job, kArrays, "copies along an axis do not reach into the part's hollows"},
     {"--label", "WxH", Job, kLabels, "size of the label"},
     {"--offset", "LENGTH", Job, kLabels, "least margin all round the label (default 0)"},
-    {"--radius", "LENGTH", Job, kCircles | Bit(Command::Sucker) | kReaders, "radius of the circles, or of the gripper"},
+    {"--radius", "LENGTH", Job, kCircles, "radius of the circles"},
+    {"--radius", "LENGTH", Job, Bit(Command::Sucker), "radius of the gripper"},
+    {"--radius", "LENGTH", Job, kReaders, "radius of the circles, or of the gripper"},
     {"--units", "NAME", Job, kJobs, "mm, cm, m, in or none; a name only, nothing is converted (default mm)"},
-    {"--method", "NAME", Run, kRects,
-     "auto (default); one: strip, fiveblock, trim; fill: smart, raster, rskf, bigfirst; job: repeat, svc, cg; circles: "
-     "pattern, pack"},
+    {"--method", "NAME", Run, kOne, "auto (default), strip, fiveblock or trim"},
+    {"--method", "NAME", Run, kFill, "auto (default), smart, raster, rskf or bigfirst"},
+    {"--method", "NAME", Run, kJob, "auto (default), repeat, svc or cg"},
+    {"--method", "NAME", Run, kCircles, "auto (default), pattern or pack"},
+    {"--method", "NAME", Run, kReaders, "one of the methods of the job's kind"},
     {"--time-limit", "SECONDS", Run, kJobs, "time for the search (default 60, 0 for none)"},
     {"--seed", "N", Run, kJobs, "start of the random numbers (default 1)"},
     {"--threads", "N", Run, kJobs, "threads that work (default: up to 4)"},

@@ -86,6 +86,8 @@ void RequireKind(const Job& AJob, JobKind Kind) {
 }
 
 void PrepareOutputs(const Arguments& Args) {
+  if (Args.CsvFile == "-" && Args.Output == "-")
+    throw OptionError(Fault{"option", "--csv", "cannot share standard output with the result: give -o FILE too", ""});
   if (!Args.SvgFolder.empty()) RequireFolder(Args.SvgFolder);  // first: the files may be meant to lie in it
   RequireWritable(Args.Output);
   if (!Args.CsvFile.empty()) RequireWritable(Args.CsvFile);

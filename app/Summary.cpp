@@ -84,8 +84,19 @@ std::string PairsText(const Result& AResult) {
   return text;
 }
 
+// Decimals beyond those for plates of hundreds of units: metres need more than millimetres.
+int MoreDecimals(const Result& AResult) {
+  constexpr int kMost = 5;
+  double longest = 0;
+  for (const Layout& layout : AResult.Layouts) longest = std::max({longest, layout.Width, layout.Height});
+  int more = 0;
+  for (; more < kMost && longest > 0 && longest < 100; ++more) longest *= 10;
+  return more;
+}
+
 std::string LayoutsText(const Result& AResult) {
   const std::string unit = AResult.Units == "none" ? "" : " " + AResult.Units;
+  const int more = MoreDecimals(AResult);
   std::string text =
       Counted(PlacedCopies(AResult), NounOf(AResult)) + " on " + Counted(AResult.Total.Plates, "plate") + "\n";
   const bool tellsCost = AResult.Kind == JobKind::Job || AResult.Plates.size() > 1;
@@ -96,11 +107,11 @@ std::string LayoutsText(const Result& AResult) {
   if (AResult.Estimate) text += Line("estimate", EstimateText(*AResult.Estimate));
   if (UnplacedCopies(AResult) > 0) text += Line("unplaced", UnplacedText(AResult));
   if (const std::optional<double> clearance = LeastClearance(AResult)) {
-    text += Line("clearance", Fixed(*clearance, 3) + unit + " between the nearest two " + NounOf(AResult) + "s");
+    text += Line("clearance", Fixed(*clearance, 3 + more) + unit + " between the nearest two " + NounOf(AResult) + "s");
   }
   if (AResult.Layouts.size() == 1) {
     const Box& free = AResult.Layouts.front().FreeBox;
-    text += Line("offcut", Fixed(free[2] - free[0], 1) + " x " + Fixed(free[3] - free[1], 1) + unit);
+    text += Line("offcut", Fixed(free[2] - free[0], 1 + more) + " x " + Fixed(free[3] - free[1], 1 + more) + unit);
   }
   return text;
 }

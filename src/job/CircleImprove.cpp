@@ -10,6 +10,7 @@
 #include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/Sort.h"
+#include "platenest/foundation/StopToken.h"
 
 namespace platenest::detail {
 
@@ -128,17 +129,19 @@ class THollow {
   std::optional<TPoint2D> FBest;
 };
 
+// What is to be placed: copies that Start leaves, and those on its emptiest plate.
+enum class TPooled : std::uint8_t { WhatIsLeft, EmptiestPlate };
+
 class TImprovement {
  public:
-  explicit TImprovement(TCircleSearch& Search) : FSearch(Search), FSizes(Search.Sizes()) {
+  TImprovement(TCircleSearch& Search, const TCircleLayouts& Start, TPooled Pooled)
+      : FSearch(Search), FSizes(Search.Sizes()) {
     for (const TCirclePart& part : FSizes.Parts) FPool.push_back(part.Amount);
-    const bool drops = Search.PlacesAll() && !HasUnlimited();
-    const TCircleLayouts& best = Search.Best();
-    const int dropped = drops ? EmptiestOf(best) : -1;
-    if (dropped >= 0) FDropped = best[dropped].Plate;
-    for (int i = 0; i < Size(best); ++i)
-      for (int copy = i == dropped ? 1 : 0; copy < best[i].Copies; ++copy)
-        FStands.push_back({best[i].Plate, best[i].Spots});
+    const int dropped = Pooled == TPooled::EmptiestPlate ? EmptiestOf(Start) : -1;
+    if (dropped >= 0) FDropped = Start[dropped].Plate;
+    for (int i = 0; i < Size(Start); ++i)
+      for (int copy = i == dropped ? 1 : 0; copy < Start[i].Copies; ++copy)
+        FStands.push_back({Start[i].Plate, Start[i].Spots});
     for (const TStand& stand : FStands)
       for (const TCornerPlacement& spot : stand.Spots) --FPool[spot.CircleIdx];
     FArea = FBestArea = 0;
@@ -187,8 +190,6 @@ class TImprovement {
   }
 
  private:
-  bool HasUnlimited() const { return std::ranges::any_of(FSizes.Parts, &TCirclePart::IsUnlimited); }
-
   double AreaOf(const TCircleSpots& Spots) const {
     double area = 0;
     for (const TCornerPlacement& spot : Spots) area += FSizes.Parts[spot.CircleIdx].Area;
@@ -281,10 +282,10 @@ class TImprovement {
   double FBestArea = 0;
 };
 
-bool IsSmall(const TCircleSearch& Search) {
+bool IsSmall(const TCircleLayouts& Layouts) {
   Int64 plates = 0;
   Int64 spots = 0;
-  for (const TCircleLayout& layout : Search.Best()) {
+  for (const TCircleLayout& layout : Layouts) {
     plates += layout.Copies;
     spots += std::ssize(layout.Spots) * layout.Copies;
   }
@@ -294,8 +295,10 @@ bool IsSmall(const TCircleSearch& Search) {
 }  // namespace
 
 bool ImproveCircles(TCircleSearch& Search, int Turns) {
-  if (!Search.HasAnswer() || Search.Sizes().HasOneSize() || !IsSmall(Search)) return false;
-  TImprovement improvement(Search);
+  if (!Search.HasAnswer() || Search.Sizes().HasOneSize() || !IsSmall(Search.Best())) return false;
+  const bool isUnlimited = std::ranges::any_of(Search.Sizes().Parts, &TCirclePart::IsUnlimited);
+  const bool drops = Search.PlacesAll() && !isUnlimited;
+  TImprovement improvement(Search, Search.Best(), drops ? TPooled::EmptiestPlate : TPooled::WhatIsLeft);
   if (!improvement.IsWorthwhile()) return false;
   bool hasWon = false;
   for (int turn = 1; turn <= Turns && !Search.IsOver(); ++turn) {
@@ -304,6 +307,15 @@ bool ImproveCircles(TCircleSearch& Search, int Turns) {
     if (!isLeft) return hasWon;
   }
   return (improvement.HasGained() && improvement.Offer()) || hasWon;
+}
+
+bool CompleteCircles(TCircleSearch& Search, const TCircleLayouts& Start, int Turns) {
+  if (!IsSmall(Start)) return false;
+  TImprovement improvement(Search, Start, TPooled::WhatIsLeft);
+  if (!improvement.IsWorthwhile()) return false;
+  for (int turn = 1; turn <= Turns && !Search.IsOver() && !RunStopRequested(); ++turn)
+    if (!improvement.Turn()) return improvement.Offer();
+  return false;
 }
 
 }  // namespace platenest::detail

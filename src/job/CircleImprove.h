@@ -12,4 +12,8 @@ namespace platenest::detail {
 // whether the answer has become better.
 bool ImproveCircles(TCircleSearch& Search, int Turns);
 
+// The same from layouts that leave some circles, until all are placed on their plates, which makes them an answer.
+// Whether it comes to that before this thread's stop token says so.
+bool CompleteCircles(TCircleSearch& Search, const TCircleLayouts& Start, int Turns);
+
 }  // namespace platenest::detail

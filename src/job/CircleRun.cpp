@@ -11,12 +11,14 @@
 #include "Assembly.h"
 #include "CircleFill.h"
 #include "CircleImprove.h"
+#include "CircleMix.h"
 #include "CircleOffcut.h"
 #include "CirclePack.h"
 #include "CirclePattern.h"
 #include "CirclePlates.h"
 #include "CircleSearch.h"
 #include "CircleVerdict.h"
+#include "Texts.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/StopToken.h"
 #include "platenest/job/JobErrors.h"
@@ -42,6 +44,8 @@ constexpr int kCountedRounds = 4;
 constexpr double kStepsAMs = 2e3;
 // Of the time that is left when a variant begins; the local search has the last of it.
 constexpr double kVariantShare = 0.4;
+constexpr double kMixShare = 0.3;
+constexpr int kMixesTried = 8;
 constexpr int kFirstTurns = 2000;
 constexpr double kTurnsAMs = 8;
 constexpr Int64 kTurnsACircle = 2000;
@@ -110,6 +114,7 @@ void AnswerQuickly(TCircleSearch& Search, const std::string& Method) {
   const TTimeShare share(QuickSeconds(Search));
   const TStopTokenScope scope(isSmall ? Search.Control().CallersToken() : CurrentStopToken());
   if (Method != kPack) LayPatterns(Search);
+  if (Method != kPack && Search.Sizes().HasOneSize()) MixPatterns(Search);
   if (Method == kPattern) return;
   FillQuickly(Search, TFillSide::Left);
   LayBlocks(Search);
@@ -204,10 +209,33 @@ int TurnsFor(const TCircleSearch& Search) {
   return static_cast<int>(kTurnsACircle * (circles + kTurnCirclesMore));
 }
 
+// Whether the circles of one of these mixes of plates find place: those that come nearest to it, the nearest of them
+// with more effort.
+bool CompleteOne(TCircleSearch& Search, const std::vector<TCircleLayouts>& Mixes, int Turns) {
+  const auto complete = [&](int count, int turns) {
+    return std::any_of(Mixes.begin(), Mixes.begin() + std::min(count, Size(Mixes)), [&](const TCircleLayouts& mix) {
+      return Search.Control().Affords(turns / kTurnsAMs) && CompleteCircles(Search, mix, turns);
+    });
+  };
+  return complete(kMixesTried, Turns / kMixesTried) || complete(1, Turns);
+}
+
+// Mixes of plates that cost less than the answer, as long as one takes all circles. Search adds little to circles of
+// one size.
+void ImproveMixes(TCircleSearch& Search, std::optional<double> Seconds, int Turns) {
+  const TTimeShare share(Seconds);
+  if (Search.Sizes().HasOneSize()) {
+    MixFills(Search);
+    return;
+  }
+  while (!Search.IsOver() && !share.IsOver() && CompleteOne(Search, MixFills(Search), Turns)) continue;
+}
+
 void PackInRounds(TCircleSearch& Search) {
   std::vector<TVariant> variants = {{false, false}, {true, false}};
   if (Search.Merit().Plates > 1) variants = {{false, false}, {false, true}, {true, false}, {true, true}};
   if (Search.IsTimed()) {
+    ImproveMixes(Search, kMixShare * *Search.SecondsLeft(), TurnsFor(Search));
     Pack(Search, variants, 0);
     while (!Search.IsOver() && ImproveCircles(Search, TurnsFor(Search))) continue;
     return;
@@ -215,9 +243,17 @@ void PackInRounds(TCircleSearch& Search) {
   Int64 steps = kFirstSteps;
   int turns = kFirstTurns;
   for (int round = 0; round < kCountedRounds && !Search.IsOver(); ++round, steps *= kStepsGrow, turns *= 2) {
+    ImproveMixes(Search, std::nullopt, turns);
     Pack(Search, variants, steps);
     if (!Search.IsOver() && Search.Control().Affords(turns / kTurnsAMs)) ImproveCircles(Search, turns);
   }
+}
+
+// Copies without limit are no demand, so that only words tell why there are none.
+void WarnOfTooLarge(const Job& AJob, const TCircleSizes& Sizes, Result& AResult) {
+  for (int i = 0; i < Size(AJob.Parts); ++i)
+    if (!AJob.Parts[i].Amount && std::ranges::find(Sizes.Parts, i, &TCirclePart::Position) == Sizes.Parts.end())
+      AResult.Warnings.push_back(Quoted(AJob.Parts[i].Id) + " fits no plate");
 }
 
 }  // namespace
@@ -226,6 +262,7 @@ void AnswerCircles(const Job& AJob, TRunControl& Control, Result& AResult) {
   AResult.Bounds = CircleBoundsOf(AJob);
   const TRandomScope random(AJob.Run.Seed);
   TCircleSearch search(AJob, Control, AResult.Bounds);
+  WarnOfTooLarge(AJob, search.Sizes(), AResult);
   if (!search.Sizes().Parts.empty()) {
     AnswerQuickly(search, AJob.Run.Method);
     if (AJob.Run.Method != kPattern && !search.IsOver()) PackInRounds(search);

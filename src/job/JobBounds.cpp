@@ -129,7 +129,8 @@ long double NextSum(std::span<const double> Costs, long double Cost) {
   Int64 unit = 0;
   for (const double cost : Costs) unit = std::gcd(unit, Round(cost * scale));
   const long double units = Cost * scale / static_cast<long double>(unit);
-  return std::ceil(units - kNoise * std::max(1.0L, units)) * static_cast<long double>(unit) / scale;
+  const long double least = std::max(0.0L, std::ceil(units - kNoise * std::max(1.0L, units)));  // no -0
+  return least * static_cast<long double>(unit) / scale;
 }
 
 std::vector<Bound> BoundsOfSizes(const TJobSizes& Sizes) {

@@ -7,6 +7,7 @@
 #include <random>
 
 #include "CircleFill.h"
+#include "CircleMix.h"
 #include "CirclePack.h"
 #include "CirclePattern.h"
 #include "CirclePlates.h"
@@ -155,6 +156,36 @@ TEST(FillPlates, KeepsWhatStandsOnceStopped) {
   };
   EXPECT_EQ(FillPlates(sizes, order, nest).size(), 3U);
   EXPECT_EQ(nested, 3);
+}
+
+// Against all mixes of three kinds, the first of them a remnant in half of the cases.
+TEST(CheapestMix, CostsNoMoreThanAnyOther) {
+  ForEachSeed(200, [](unsigned Seed) {
+    std::mt19937_64 random(Seed);
+    TCircleSizes sizes = SizesOf(1, 1, 0, {});
+    sizes.Plates.resize(3);
+    std::vector<int> each;
+    for (TCirclePlate& plate : sizes.Plates) {
+      plate.Count = static_cast<int>(random() % 6);
+      plate.Cost = static_cast<double>(random() % 9);
+      each.push_back(static_cast<int>(random() % 8));
+    }
+    sizes.Plates[0].Remnant = Seed % 2 == 0;
+    const int need = 1 + static_cast<int>(random() % 40);
+    const auto& [a, b, c] = std::tie(sizes.Plates[0], sizes.Plates[1], sizes.Plates[2]);
+    std::pair<double, int> best{1e9, 0};
+    for (int i = a.Remnant ? a.Count : 0; i <= a.Count; ++i)
+      for (int j = 0; j <= b.Count; ++j)
+        for (int k = 0; k <= c.Count; ++k)
+          if (i * each[0] + j * each[1] + k * each[2] >= need)
+            best = std::min(best, {i * a.Cost + j * b.Cost + k * c.Cost, i + j + k});
+    const std::vector<int> mix = CheapestMix(sizes, each, need);
+    const bool remnantsDo = a.Remnant && a.Count * each[0] >= need;
+    ASSERT_EQ(mix.empty(), remnantsDo || best.first == 1e9);
+    if (mix.empty()) return;
+    EXPECT_GE(std::inner_product(mix.begin(), mix.end(), each.begin(), 0), need);
+    EXPECT_EQ(best, std::pair(mix[0] * a.Cost + mix[1] * b.Cost + mix[2] * c.Cost, mix[0] + mix[1] + mix[2]));
+  });
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "CircleBounds.h"
 #include "CircleVerdict.h"
 #include "FaultText.h"
+#include "JobBounds.h"
 #include "platenest/job/Convert.h"
 #include "platenest/job/Result.h"
 #include "platenest/job/Run.h"
@@ -163,6 +164,7 @@ TEST(Circles, BoundsFollowStockAndDemand) {
   EXPECT_EQ(BoundsText(job), "area stock 2572, ");
   job.Parts.erase(job.Parts.begin(), job.Parts.begin() + 2);
   EXPECT_EQ(BoundsText(job), "plates area 0, ");
+  EXPECT_FALSE(std::signbit(NextSum(std::vector{0.0, 5.0}, 0)));  // not "at least -0"
 }
 
 TEST(Circles, StatusReasonsAndProofFollowFromLayouts) {

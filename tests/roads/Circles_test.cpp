@@ -182,5 +182,24 @@ TEST(Circles, RemnantsComeFirstAndTheLastPlateIsTheCheapestThatTakesTheRest) {
   EXPECT_LE(result.Total.Cost, 2'000'000);
 }
 
+// Fifteen lie on a large plate and six on a small one, so that one kind alone takes 20 or more.
+TEST(Circles, PlateKindsAreMixedWhereThatCostsLess) {
+  for (const auto& parts : {std::vector<std::pair<double, std::optional<int>>>{{10, 27}}, {{10, 20}, {9.9, 7}}}) {
+    Job job = JobOf(100, 60, std::nullopt, parts);
+    job.Plates[0].Cost = 10;
+    job.Plates.push_back({.Id = "small", .Width = 40, .Height = 60, .Count = std::nullopt, .Cost = 4.1});
+    job.Run.Deterministic = true;
+    job.Run.TimeLimit = 2;
+    const Result result = run(job);
+    EXPECT_TRUE(CheckResult(job, result).empty());
+    EXPECT_NEAR(result.Total.Cost, 18.2, 1e-9);
+  }
+}
+
+TEST(Circles, WordsTellWhyNoneOfACircleWithoutLimitIsLaid) {
+  const Result result = run(JobOf(100, 60, 1, {{31, std::nullopt}}));
+  EXPECT_EQ(result.Warnings, std::vector<std::string>{"\"0\" fits no plate"});
+}
+
 }  // namespace
 }  // namespace platenest::test
