@@ -99,20 +99,6 @@ TEST(Strip, IsNothingWithoutRoomTimeOrStartPair) {
   EXPECT_FALSE(kEndless.Packing().StripPacking(0, TStripMethod::Best));
 }
 
-// One start pair, which both stages run: three circles without look-ahead, four with it.
-TEST(Workers, MergeBothStagesAndRaiseNothingBelowTheResult) {
-  TRuleProbe packing = TRuleJob{4, 4, 0, {1}, {9}}.Packing();
-  packing.GenerateInitConfig();
-  packing.PackingMultiThread(kNoLookAhead, 1, 1);
-  EXPECT_THAT(packing.PackingResult(), SizeIs(3));
-  packing.PackingMultiThread(1.0, 1, 1);
-  EXPECT_THAT(packing.PackingResult(), SizeIs(4));
-  const TCircleNestRst best = packing.PackingResult();
-  packing.PackingMultiThread(kNoLookAhead, 3, 1);
-  packing.PackingMultiThread(1.0, 2, 2);  // strip workers offer no occupancy
-  ExpectSame(packing.PackingResult(), best);
-}
-
 TEST(Workers, GoOnFromTheSharedResult) {
   for (const int count : {20, 30}) {
     TRuleProbe packing = TRuleJob{10, 10, 0, {1}, {count}}.Packing();
@@ -145,7 +131,6 @@ TEST(Workers, ASuspendedOneWaitsForItsStart) {
   TRuleProbe::TMyPackingThread worker(true, packing, 0, kNoLookAhead, 1, TMainStrategy::InitConfig);
   worker.WaitFor();
   EXPECT_EQ(worker.OccuRate(), 0);
-  worker.Start();
   worker.Start();
   worker.WaitFor();
   EXPECT_GT(worker.OccuRate(), 0.6);
