@@ -257,33 +257,6 @@ TEST(MaxCirclePacking, HoldsNothingWithoutAUsableSizeAndRefusesHugePlates) {
   EXPECT_THROW(TMaxCirclePacking(TVRect2D::FromSize(1e5, 1e5), 1).TryMaxFill(), TRangeError);
 }
 
-TEST(DynamicSinglCircleNest, ReturnsTheDensityOfWhatItLaysOut) {
-  int shorter = 0;
-  ForEachSeed(150, [&shorter](unsigned Seed) {
-    SetSeed(Seed);
-    const double radius = RandomIn(0.5, 3);
-    const double gap = Seed % 2 == 0 ? 0 : RandomIn(0, 1);
-    const double pitch = 2 * radius + gap;
-    const double x = RandomExtent(3, 12);
-    const double y = RandomExtent(2, 8);
-    TVPoint2DList points{TPoint2D{-1, -1}};
-    const double density = DynamicSinglCircleNest(radius, y * pitch - gap, x * pitch - gap, gap, points);
-    double end = 0;
-    for (TPoint2D& point : points) {
-      point = (point + TPoint2D{gap / 2, gap / 2}) / pitch;
-      end = std::max(end, point.X + 0.5);
-    }
-    EXPECT_EQ(Fault(points, Size(points), x, y), "");
-    const auto densityOf = [y](int Count, double Length) { return Count * std::numbers::pi / 4 / y / Length; };
-    const bool whole = std::abs(density - densityOf(Size(points), x)) < 1e-9;
-    EXPECT_TRUE(whole || std::abs(density - densityOf(Size(points), end)) < 1e-9) << density;
-    EXPECT_GE(density, densityOf(CountOn(x, y), x) - 1e-9);
-    EXPECT_GT(end, x / 3);
-    if (!whole) ++shorter;
-  });
-  EXPECT_GT(shorter, 20);
-}
-
 TEST(DynamicSinglCircleNest, TakesExtentYFirstAndUsesTheDensestLength) {
   struct TCase {
     double Y, X, Gap;
@@ -298,14 +271,19 @@ TEST(DynamicSinglCircleNest, TakesExtentYFirstAndUsesTheDensestLength) {
       {2, 5.3, 0, 8, 3.5, std::numbers::pi / 4},   // all columns count for their length, half of them would be as dense
       {1, 20, 0, 0, 0, 0},                         // no pattern
   };
-  for (const TCase& c : cases) {
-    TVPoint2DList points{{}};
-    EXPECT_NEAR(DynamicSinglCircleNest(0.5, c.Y, c.X, c.Gap, points), c.Density, 1e-9) << c.Y << " x " << c.X;
-    EXPECT_EQ(Size(points), c.Count) << c.Y << " x " << c.X;
-    double largest = 0;
-    for (const TPoint2D& point : points) largest = std::max(largest, point.X);
-    EXPECT_NEAR(largest, c.LargestX, 1e-9) << c.Y << " x " << c.X;
-  }
+  for (const TCase& c : cases)
+    for (const double scale : {1.0, 7.0}) {
+      TVPoint2DList points{{}};
+      const double density = DynamicSinglCircleNest(scale / 2, scale * c.Y, scale * c.X, scale * c.Gap, points);
+      EXPECT_NEAR(density, c.Density, 1e-9) << c.Y << " x " << c.X;
+      double largest = 0;
+      for (TPoint2D& point : points) {
+        largest = std::max(largest, point.X / scale);
+        point = (point / scale + TPoint2D{c.Gap / 2, c.Gap / 2}) / (1 + c.Gap);
+      }
+      EXPECT_NEAR(largest, c.LargestX, 1e-9) << c.Y << " x " << c.X;
+      EXPECT_EQ(Fault(points, c.Count, (c.X + c.Gap) / (1 + c.Gap), (c.Y + c.Gap) / (1 + c.Gap)), "");
+    }
 }
 
 }  // namespace
