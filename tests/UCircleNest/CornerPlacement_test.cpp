@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <numbers>
 #include <random>
 
 #include "AllocationCounter.h"
@@ -11,7 +10,6 @@
 #include "ForEachSeed.h"
 #include "LiteralPacking.h"
 #include "platenest/foundation/Line2D.h"
-#include "platenest/layoutcheck/CircleCheck.h"
 
 namespace platenest {
 namespace {
@@ -20,67 +18,55 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-using TProbe = TRuleProbe;
-using TJob = TRuleJob;
-
-constexpr double kNoLookAhead = -4294967295.0;
-
-void ComparePacking(const TJob& Job, double Threshold) {
-  const TProbe packing = Job.Packing();
-  const TLiteral literal(Job);
-  TCircleNestRst expected;
-  std::vector<int> remaining = Job.Counts;
-  const auto candidates = literal.Generate(Job.Idx(), remaining, expected, true);
-  const double occu = literal.GreedyEx(Job.Idx(), remaining, expected, 0, Threshold, candidates);
+void ComparePacking(const TRuleJob& Job, bool LookAhead) {
+  TLiteral literal(Job);
+  literal.Fill({}, true, LookAhead);
+  const TRuleProbe packing = Job.Packing();
   TCircleNestRst rst;
-  auto own = packing.GeneratePosibleCP(Job.Idx(), remaining, rst, true);
-  EXPECT_EQ(packing.GreedyPackingEx(Job.Idx(), remaining, rst, 0, Threshold, own), occu);
-  ExpectSame(rst, expected);
+  std::vector<int> remaining = Job.Counts;
+  auto cps = packing.GeneratePosibleCP(Job.Idx(), remaining, rst, true);
+  EXPECT_EQ(packing.GreedyPackingEx(Job.Idx(), remaining, rst, 0, LookAhead ? 1 : -1e9, cps), literal.Occu);
+  ExpectSame(rst, literal.Result);
 }
 
-TEST(CornerPlacement, GreedyChoosesWhatTheRulesChoose) {
-  ForEachSeed(300, [](unsigned Seed) { ComparePacking(RandomJob(Seed, 60), kNoLookAhead); });
-}
-
-TEST(CornerPlacement, LookAheadChoosesWhatTheRulesChoose) {
-  ForEachSeed(100, [](unsigned Seed) { ComparePacking(RandomJob(Seed, 12), 1.0); });
+TEST(CornerPlacement, GreedyWithAndWithoutLookAheadChoosesWhatTheRulesChoose) {
+  ForEachSeed(300, [](unsigned Seed) { ComparePacking(RandomJob(Seed, 60), false); });
+  ForEachSeed(100, [](unsigned Seed) { ComparePacking(RandomJob(Seed, 12), true); });
 }
 
 // Lists that are updated step by step, as the bottom-left fill does, against those of the rules.
 TEST(CornerPlacement, UpdatedCandidatesAreThoseOfTheRules) {
-  ForEachSeed(60, [](unsigned Seed) {
-    const TJob job = RandomJob(Seed, 40);
-    const TProbe packing = job.Packing();
+  const auto valuesOf = [](const TPosibleCPList& CPs) {
+    std::vector<double> values;
+    for (const TPosibleCP& cp : CPs) values.push_back(cp.Value);
+    return values;
+  };
+  ForEachSeed(60, [&valuesOf](unsigned Seed) {
+    const TRuleJob job = RandomJob(Seed, 40);
+    const TRuleProbe packing = job.Packing();
     const TLiteral literal(job);
-    std::vector<int> remaining = job.Counts;
-    TCircleNestRst rst;
-    TPosibleCPList expected = literal.Generate(job.Idx(), remaining, rst, true);
-    TPosibleCPList own = expected;
-    while (!expected.empty()) {
-      literal.Place(expected[expected.size() / 2], remaining, rst, 0);
-      literal.Update(job.Idx(), remaining, rst, expected);
-      packing.UpdatePosibleCP(job.Idx(), remaining, rst, own);
-      ASSERT_EQ(own.size(), expected.size());
-      for (int i = 0; i < Size(own); ++i) ASSERT_EQ(own[i].Value, expected[i].Value);
+    auto state = literal.Begin({}, true);
+    TPosibleCPList own = state.CPs;
+    while (!state.CPs.empty()) {
+      literal.Place(state.CPs[state.CPs.size() / 2].CP, state);
+      packing.UpdatePosibleCP(job.Idx(), state.Left, state.Rst, own);
+      ASSERT_EQ(valuesOf(own), valuesOf(state.CPs));
     }
-    const auto all = literal.Generate(job.Idx(), job.Counts, rst, false);
-    const auto found = packing.GeneratePosibleCP(job.Idx(), job.Counts, rst, false);
-    ASSERT_EQ(found.size(), all.size());
-    for (int i = 0; i < Size(all); ++i) ASSERT_EQ(found[i].Value, all[i].Value);
+    const auto half = literal.Begin({state.Rst.begin(), state.Rst.begin() + Size(state.Rst) / 2}, false);
+    ASSERT_EQ(valuesOf(packing.GeneratePosibleCP(job.Idx(), half.Left, half.Rst, false)), valuesOf(half.CPs));
   });
 }
 
-std::vector<TPoint2D> CentersOf(double R, double R1, double R2, double Distance) {
-  TPoint2D points[2];
-  const int count = TProbe::GetCircleCenter(R, R1, R2, {0, 0}, {Distance, 0}, points[0], points[1]);
-  return {points, points + count};
-}
-
 TEST(CornerPlacement, CentersTouchBothCircles) {
-  EXPECT_THAT(CentersOf(1, 1, 1, 4.00001), IsEmpty());
-  EXPECT_THAT(CentersOf(1, 1, 1, 4), ElementsAre(TPoint2D{2, 0}));
-  EXPECT_THAT(CentersOf(1, 1, 1, 2), ElementsAre(TPoint2D{1, std::sqrt(3)}, TPoint2D{1, -std::sqrt(3)}));
-  EXPECT_THAT(CentersOf(1, 2, 1, 3), ElementsAre(TPoint2D{7.0 / 3, 1.885618}, TPoint2D{7.0 / 3, -1.885618}));
+  const auto centersOf = [](double R1, double Distance) {
+    TPoint2D points[2];
+    const int count = TRuleProbe::GetCircleCenter(1, R1, 1, {0, 0}, {Distance, 0}, points[0], points[1]);
+    return std::vector<TPoint2D>{points, points + count};
+  };
+  EXPECT_THAT(centersOf(1, 4.00001), IsEmpty());
+  EXPECT_THAT(centersOf(1, 4), ElementsAre(TPoint2D{2, 0}));
+  EXPECT_THAT(centersOf(1, 2), ElementsAre(TPoint2D{1, std::sqrt(3)}, TPoint2D{1, -std::sqrt(3)}));
+  EXPECT_THAT(centersOf(2, 3), ElementsAre(TPoint2D{7.0 / 3, 1.885618}, TPoint2D{7.0 / 3, -1.885618}));
 }
 
 TEST(CornerPlacement, CentersOnAnEdgeAreThoseOfTheLine) {
@@ -91,7 +77,7 @@ TEST(CornerPlacement, CentersOnAnEdgeAreThoseOfTheLine) {
     const double r = any(6);
     const TPoint2D center{any(10), any(10)};
     const double reach = Seed % 4 == 0 ? std::fabs(center.Y - (plate.Top - r)) : any(8);
-    const TPoint2D low{plate.Left + r, plate.Bottom + r};
+    const TPoint2D low{r, r};
     const TPoint2D high{plate.Right - r, plate.Top - r};
     const TLine2D lines[] = {
         {low, {high.X, low.Y}}, {low, {low.X, high.Y}}, {{high.X, low.Y}, high}, {{low.X, high.Y}, high}};
@@ -104,46 +90,28 @@ TEST(CornerPlacement, CentersOnAnEdgeAreThoseOfTheLine) {
   });
 }
 
-// A lone circle in the corner, and what stands beside it or across: the gaps to what is not touched tell.
+// A lone circle in the corner, and what stands beside it or across: the gaps to what is not touched tell. A position
+// that touches everything has no hole degree at all, but is chosen if it is the only one.
 TEST(CornerPlacement, HoleDegreeIsTheGapToTheNearestThingNotTouched) {
-  const TProbe packing(TVRect2D::FromSize(10, 10), 0, {1}, {9});
-  const TCircleNestRst rst = {{0, 1, 1}};
-  const auto cps = packing.GeneratePosibleCP({0}, {8}, rst, true);
-  const auto valueAt = [&cps](const TPoint2D& P) {
-    for (const TPosibleCP& cp : cps)
-      if (cp.CP.Center == P) return cp.Value;
-    return kInfinity;
-  };
-  EXPECT_THAT(cps, SizeIs(4));
-  EXPECT_DOUBLE_EQ(valueAt({3, 1}), -1);
-  EXPECT_DOUBLE_EQ(valueAt({1, 9}), -5);
-  EXPECT_DOUBLE_EQ(valueAt({9, 9}), -7);
-}
-
-// The only position touches all four edges and has no hole degree at all.
-TEST(CornerPlacement, APositionThatTouchesEverythingIsChosenIfItIsTheOnlyOne) {
-  const TProbe packing(TVRect2D::FromSize(2, 2), 0, {1}, {1});
-  TCircleNestRst rst;
-  std::vector<int> remaining = {1};
-  auto cps = packing.GeneratePosibleCP({0}, remaining, rst, true);
-  ASSERT_FALSE(cps.empty());
-  EXPECT_EQ(cps[0].Value, -kInfinity);
-  packing.GreedyPackingEx({0}, remaining, rst, 0, 1.0, cps);
-  EXPECT_THAT(rst, SizeIs(1));
-}
-
-detail::TCornerSearch SearchOf(const TLiteral& Literal, const TJob& Job, const std::vector<int>& Idx) {
-  detail::TCornerSearch search(Literal.Rect, Literal.Radii, Literal.Areas, Idx, Job.Counts, {});
-  search.Load(Literal.Generate(Idx, Job.Counts, {}, true));
-  return search;
+  using TFound = std::pair<TPoint2D, double>;
+  std::vector<TFound> found;
+  for (const TPosibleCP& cp : TRuleJob{10, 10, 0, {1}, {9}}.Packing().GeneratePosibleCP({0}, {8}, {{0, 1, 1}}, true))
+    found.emplace_back(cp.CP.Center, cp.Value);
+  EXPECT_THAT(found, testing::UnorderedElementsAre(TFound({3, 1}, -1), TFound({1, 3}, -1), TFound({1, 9}, -5),
+                                                   TFound({9, 9}, -7)));
+  TRuleProbe packing = TRuleJob{2, 2, 0, {1}, {1}}.Packing();
+  EXPECT_EQ(packing.GeneratePosibleCP({0}, {1}, {}, true)[0].Value, -kInfinity);
+  packing.TailRePack();
+  EXPECT_THAT(packing.PackingResult(), SizeIs(1));
 }
 
 // Asked to stop after so many candidates, the look-ahead places one of them, and nothing after it.
 TEST(CornerPlacement, AStopDuringLookAheadTakesTheBestSoFar) {
-  const TJob job{20, 30, 0, {1, 2, 2.5, 3}, {5, 5, 5, 5}};
+  const TRuleJob job{20, 30, 0, {1, 2, 2.5, 3}, {5, 5, 5, 5}};
   const TLiteral literal(job);
   for (const int polls : {0, 1, 3}) {
-    auto search = SearchOf(literal, job, job.Idx());
+    detail::TCornerSearch search(literal.Rect, literal.Radii, literal.Areas, literal.Idx, job.Counts, {});
+    search.Load(literal.Begin({}, true).CPs);
     int polled = 0;
     search.GreedyEx(0, 1.0, 1000, [&] { return ++polled > polls; });
     EXPECT_EQ(search.Field().Count(), 1);
@@ -152,76 +120,46 @@ TEST(CornerPlacement, AStopDuringLookAheadTakesTheBestSoFar) {
 }
 
 TEST(CornerPlacement, TriesPositionsWithoutAllocatingOnceWarm) {
-  const TJob job = RandomJob(11, 60);
-  const TLiteral literal(job);
-  TCircleNestRst rst;
-  literal.GreedyEx(job.Idx(), job.Counts, rst, 0, kNoLookAhead, literal.Generate(job.Idx(), job.Counts, rst, true));
-  detail::TCornerField field(literal.Rect, literal.Radii, rst);
+  TLiteral literal(RandomJob(11, 60));
+  literal.Fill({}, true, false);
+  detail::TCornerField field(literal.Rect, literal.Radii, literal.Result);
   std::vector<detail::TCandidate> found;
-  const std::vector<int> sizes = job.Idx();
   const auto tryAll = [&] {
     found.clear();
     for (int c = 0; c < field.Count(); ++c) {
-      field.Look(c, 5);
-      for (const int idx : sizes) field.TryAbout(idx, c, found);
+      field.Look(c, 60);
+      for (const int idx : literal.Idx) field.TryAbout(idx, c, found);
     }
   };
   tryAll();
+  EXPECT_GT(field.Count(), 10);
   const TAllocationCounter counter;
   tryAll();
   EXPECT_EQ(counter.Count(), 0);
 }
 
-std::string Fault(const TJob& Job, const TCircleNestRst& Rst) {
-  std::vector<TPlacedCircle> placed;
-  std::vector<TCircleDemand> demand;
-  for (const TCornerPlacement& p : Rst) placed.push_back({p.Center, Job.Radii[p.CircleIdx], p.CircleIdx});
-  for (int i = 0; i < Size(Job.Radii); ++i) demand.push_back({Job.Radii[i], Job.Counts[i]});
-  TPlacedBox plate{0, 0, Job.Width, Job.Height};
-  return CheckCircles(placed, plate, Job.Gap, demand);
-}
-
-// Few positions are allowed, so that equal jobs end at the same place whatever the machine does.
-TEST(CirclePacking, ResultsStandInTheCallersFrame) {
-  ForEachSeed(80, [](unsigned Seed) {
-    TJob job = RandomJob(Seed, 40);
-    const TPoint2D away{100, -50};
-    TCirclePacking packing(TVRect2D(away, away + TPoint2D{job.Width, job.Height}), job.Gap, job.Radii, job.Counts);
-    packing.SetStepLimit(3000);
-    packing.Packing(0, 60'000);
-    double area = 0;
-    for (const TCornerPlacement& p : packing.PackingResult())
-      area += std::numbers::pi * std::pow(job.Radii[p.CircleIdx], 2);
-    EXPECT_NEAR(packing.OccuRate() * (job.Width + job.Gap) * (job.Height + job.Gap), area, 1e-9 * (1 + area));
-    const TCircleNestRst once = packing.ResultTranslation();
-    ExpectSame(packing.ResultTranslation(), once);
-    EXPECT_EQ(Fault(job, once), "");
-  });
-}
-
 // Top corners on an empty plate, what is left alone below them, and a start pair of which one rides on the other.
 TEST(CirclePacking, RefillsTheTopAndKnowsStartPairsAndEstimates) {
-  const auto plate = TVRect2D::FromSize(10, 10);
   for (const double y : {6.99, 7.0}) {
-    TProbe packing(plate, 0, {1}, {30});
+    TRuleProbe packing = TRuleJob{10, 10, 0, {1}, {30}}.Packing();
     packing.UpdateResult(0.01, {{0, 1, y}});
     packing.TailRePack();
     EXPECT_THAT(packing.PackingResult(), SizeIs(testing::Gt(15)));
     EXPECT_NEAR(packing.PackingResult()[0].Center.Y, y < 7 ? y : 9, 1e-9);
   }
   TCircleNestRst rst = {{0, 1, 3}, {1, 2, 1}, {2, 0, 3}, {3, 5, 0}};
-  TProbe::SortByY(rst);
+  TRuleProbe::SortByY(rst);
   ExpectSame(rst, {{3, 5, 0}, {1, 2, 1}, {0, 1, 3}, {2, 0, 3}});
 
-  EXPECT_EQ(TProbe(TVRect2D::FromSize(100, 100), 0, {5}, {1000}).EstimateCount(), 101);
-  EXPECT_EQ(TProbe(TVRect2D::FromSize(100, 100), 0, {5, 10}, {200, 20}).EstimateCount(), 71);
+  EXPECT_EQ((TRuleJob{100, 100, 0, {5}, {1000}}.Packing().EstimateCount()), 101);
+  EXPECT_EQ((TRuleJob{100, 100, 0, {5, 10}, {200, 20}}.Packing().EstimateCount()), 71);
 
-  TProbe narrow(TVRect2D::FromSize(5, 4), 0, {1.3}, {3});
+  TRuleProbe narrow = TRuleJob{4, 5, 0, {1.3}, {3}}.Packing();
   narrow.Packing(0, 999);
   ASSERT_THAT(narrow.PackingResult(), SizeIs(2));
   EXPECT_NEAR(narrow.PackingResult()[0].Center.Y, 3.49089, 1e-5);
   EXPECT_NEAR(narrow.PackingResult()[1].Center.X, 2.7, 1e-9);
-  TProbe tooLow(TVRect2D::FromSize(4.78, 4), 0, {1.3}, {3});
+  TRuleProbe tooLow = TRuleJob{4, 4.78, 0, {1.3}, {3}}.Packing();
   tooLow.Packing(0, 60'000);
   EXPECT_THAT(tooLow.PackingResult(), IsEmpty());
 }
@@ -234,10 +172,9 @@ TEST(CirclePacking, SizesThatCannotStandAreLeftOut) {
     packing.Packing(0, 60'000);
     std::vector<int> placed;
     for (const TCornerPlacement& p : packing.ResultTranslation()) placed.push_back(p.CircleIdx);
-    std::sort(placed.begin(), placed.end());
     return placed;
   };
-  EXPECT_THAT(placedOf(20, 0, {5, 5.1, nan, -1, 0, 1}, {1, 1, 1, 1, 1, 1}), ElementsAre(0, 5));
+  EXPECT_THAT(placedOf(20, 0, {5, 5.1, nan, -1, 0, 1}, {1, 1, 1, 1, 1, 1}), testing::UnorderedElementsAre(0, 5));
   EXPECT_THAT(placedOf(20, 0, {2, 1, 1}, {2, -3}), ElementsAre(0, 0));
   EXPECT_THAT(placedOf(20, 0, {2, 1}, {0, 0}), IsEmpty());
   EXPECT_THAT(placedOf(20, 0, {2}, {1}), IsEmpty());    // no start pair

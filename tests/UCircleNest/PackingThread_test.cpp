@@ -1,22 +1,16 @@
+#include "PackingThread.h"
+
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
-#include <cmath>
 #include <future>
 #include <new>
-#include <numbers>
 #include <thread>
-#include <vector>
 
 #include "AllocationCounter.h"
 #include "ForEachSeed.h"
-#include "PackingThread.h"
-#include "platenest/UCircleNest/CirclePacking.h"
+#include "LiteralPacking.h"
 #include "platenest/foundation/EventTimer.h"
-#include "platenest/foundation/Random.h"
-#include "platenest/foundation/StopToken.h"
-#include "platenest/layoutcheck/CircleCheck.h"
 
 namespace platenest {
 namespace {
@@ -24,153 +18,126 @@ namespace {
 using namespace std::chrono_literals;
 using testing::SizeIs;
 
-struct TProbe : TCirclePacking {
-  using TCirclePacking::TCirclePacking, TCirclePacking::BinaryPacking, TCirclePacking::GenerateInitConfig,
-      TCirclePacking::GeneratePosibleCP, TCirclePacking::GreedyPacking, TCirclePacking::PackingMultiThread,
-      TCirclePacking::PackingWithY, TCirclePacking::TakeShortest, TCirclePacking::TMyPackingThread,
-      TCirclePacking::UpdateResult;
-};
+// Thirty circles of radius 1 on a square of side 10: one start pair, (1, 1) and (9, 1), and more circles than fit.
+const TRuleJob kThirty{10, 10, 0, {1}, {30}};
+// Far more look-ahead than a test may wait for.
+const TRuleJob kEndless{200, 200, 0, {12, 11, 10, 9, 8}, {40, 40, 40, 40, 40}};
+const TRuleJob kEndlessStrip{200, 5000, 0, kEndless.Radii, kEndless.Counts};
 
-using TWorker = TProbe::TMyPackingThread;
-
-struct TJob {
-  TVRect2D Plate;
-  double Gap = 0;
-  std::vector<double> Radii;
-  std::vector<int> Counts;
-
-  TProbe Make() const { return TProbe(Plate, Gap, Radii, Counts); }
-  int Amount() const {
-    int amount = 0;
-    for (const int count : Counts) amount += count;
-    return amount;
-  }
-};
-
-// A plate for about as many circles as there are, or for twice as many.
-TJob RandomJob(unsigned Seed, int Sizes, int MostOfASize) {
-  const TRandomScope random(Seed);
-  TJob job;
-  job.Gap = Random(2) * 0.5;
-  double area = 0;
-  for (int i = 0; i < Sizes; ++i) {
-    job.Radii.push_back(8 + Random(1000) / 50.0);
-    job.Counts.push_back(1 + Random(MostOfASize));
-    area += job.Counts[i] * std::numbers::pi * job.Radii[i] * job.Radii[i];
-  }
-  const double side = std::max(90.0, std::sqrt(area));
-  job.Plate = TVRect2D::FromSize(side * (1 + Random(2)), side);
-  return job;
-}
-
-// Circles of the working frame as a layout on the plate.
-std::string Fault(const TJob& Job, const TCircleNestRst& Result) {
-  std::vector<TPlacedCircle> layout;
-  for (const TCornerPlacement& circle : Result)
-    layout.push_back({circle.Center, Job.Radii[circle.CircleIdx], circle.CircleIdx});
-  std::vector<TCircleDemand> demand;
-  for (int i = 0; i < Size(Job.Radii); ++i) demand.push_back({Job.Radii[i], Job.Counts[i]});
-  return CheckCircles(layout, {0, 0, Job.Plate.Width(), Job.Plate.Height()}, Job.Gap, demand, {.Tol = 1e-5});
-}
-
-bool SameLayout(const TCircleNestRst& A, const TCircleNestRst& B) {
-  return std::equal(A.begin(), A.end(), B.begin(), B.end(), [](const TCornerPlacement& C, const TCornerPlacement& D) {
-    return C.CircleIdx == D.CircleIdx && C.Center.X == D.Center.X && C.Center.Y == D.Center.Y;
+TEST(CircleRuns, PlatesAreThoseOfTheRules) {
+  TTimerBoard noTime;
+  const TTimerScope scope(&noTime);
+  ForEachSeed(150, [](unsigned Seed) {
+    const TRuleJob job = RandomJob(Seed, 10);
+    double before = 0;
+    for (const int threads : {1, 4}) {
+      TLiteral literal(job, threads);
+      literal.Packing();
+      TRuleProbe packing = job.Packing();
+      packing.SetThreadLimit(threads);
+      packing.StopPacking();  // a run begins with the flag cleared
+      packing.Packing(0, 60000);
+      ExpectSame(packing.PackingResult(), literal.Result);
+      EXPECT_EQ(packing.OccuRate(), literal.Occu);
+      EXPECT_GE(packing.OccuRate(), before - 1e-12);
+      before = packing.OccuRate();
+      const TCircleNestRst once = packing.ResultTranslation();
+      ExpectSame(packing.ResultTranslation(), once);
+      EXPECT_EQ(job.Fault(once), "");
+    }
+    TLiteral literal(job);
+    if (literal.Pairs.empty()) return;
+    TCircleNestRst pair = literal.Pairs.back();
+    TRuleProbe own = job.Packing();
+    own.UpdateResult(own.Occupancy(pair), pair);
+    own.PackingMultiThread(kNoLookAhead, 1, 0);
+    literal.Fill(pair, false, false);
+    ExpectSame(own.PackingResult(), literal.Result);
+    own.FillRest(pair);
+    own.TailRePack();
+    literal.Fill(literal.Pairs.back(), false, true);
+    literal.RedoTop();
+    ExpectSame(own.PackingResult(), literal.Result);
   });
 }
 
-// Thirty circles of radius 1 on a square of side 10: one start pair, (1, 1) and (9, 1), and more circles than fit.
-const TJob kThirty{TVRect2D::FromSize(10, 10), 0, {1}, {30}};
-// Far more look-ahead than a test may wait for.
-const TJob kEndless{TVRect2D::FromSize(200, 200), 0, {12, 11, 10, 9, 8}, {40, 40, 40, 40, 40}};
-const TJob kEndlessStrip{TVRect2D::FromSize(5000, 200), 0, kEndless.Radii, kEndless.Counts};
-
-class FlagGuard {
- public:
-  FlagGuard() { FClassStop = true; }
-  ~FlagGuard() { FClassStop = false; }
-};
-
-TEST(Workers, FourFindWhatOneFindsAndAnyCountIsValid) {
+TEST(CircleRuns, StripsAreThoseOfTheRules) {
   TTimerBoard noTime;
   const TTimerScope scope(&noTime);
-  ForEachSeed(25, [](unsigned Seed) {
-    const TJob job = RandomJob(Seed, 3, 3);
-    double one = 0;
-    for (const int threads : {1, 2, 4}) {
-      TProbe packing = job.Make();
-      packing.SetThreadLimit(threads);
-      packing.Packing(0, 60000);
-      if (threads == 1) one = packing.OccuRate();
-      EXPECT_GE(packing.OccuRate(), one - 1e-12);
-      EXPECT_EQ(Fault(job, packing.ResultTranslation()), "");
+  ForEachSeed(150, [](unsigned Seed) {
+    const TRuleJob job = RandomJob(Seed, 10);
+    if (TLiteral(job).Pairs.empty()) return;
+    std::vector<double> lengths;
+    for (const int strategy : {2, 4}) {
+      TLiteral literal(job);
+      lengths.push_back(literal.Strip(strategy == 4));
+      TRuleProbe own = job.Packing();
+      own.GenerateInitConfig();
+      EXPECT_EQ(own.TakeShortest(literal.Workers, strategy, kNoLength), lengths.back()) << strategy;
+      ExpectSame(own.PackingResult(), literal.Result);
+    }
+    lengths.push_back(std::min(lengths[0], lengths[1]));
+    for (const int method : {0, 1, 2}) {
+      TRuleProbe packing = job.Packing();
+      const double plain = lengths[method] - job.Gap;
+      const double length = packing.StripPacking(60000, TStripMethod{method}).value_or(kNoLength - job.Gap);
+      EXPECT_TRUE(method == 0 ? length == plain : length <= plain) << "look-ahead follows the bisection";
+      const TCircleNestRst& rst = packing.ResultTranslation();
+      EXPECT_EQ(job.Fault(rst), "");
+      if (rst.empty()) continue;
+      double used = 0;
+      for (const TCornerPlacement& c : rst) used = std::max(used, c.Center.X + job.Radii[c.CircleIdx]);
+      EXPECT_NEAR(used, length, 1e-9);
+      EXPECT_THAT(rst, SizeIs(TLiteral(job).Amount));
     }
   });
 }
 
-TEST(Workers, MergeBothStagesAndRaiseNothingBelowTheResult) {
-  // One start pair, which both stages run: three circles without look-ahead, four with it.
-  const TJob job{TVRect2D::FromSize(4, 4), 0, {1}, {9}};
-  TProbe plain = job.Make();
-  plain.GenerateInitConfig();
-  plain.PackingMultiThread(kNoLookAhead, 1, 1);
-  EXPECT_THAT(plain.PackingResult(), SizeIs(3));
-  TProbe both = job.Make();
-  both.GenerateInitConfig();
-  both.PackingMultiThread(1.0, 1, 1);
-  EXPECT_THAT(both.PackingResult(), SizeIs(4));
-  const TCircleNestRst best = both.PackingResult();
-  both.PackingMultiThread(kNoLookAhead, 3, 1);
-  EXPECT_TRUE(SameLayout(both.PackingResult(), best)) << "only what is denser replaces the result";
-  both.PackingMultiThread(1.0, 2, 2);
-  EXPECT_TRUE(SameLayout(both.PackingResult(), best)) << "strip workers offer no occupancy";
+TEST(Strip, IsNothingWithoutRoomTimeOrStartPair) {
+  for (const TRuleJob& job : {kThirty, TRuleJob{10, 100, 0, {4}, {5}}, TRuleJob{10, 100, 0, {6}, {5}}})
+    EXPECT_FALSE(job.Packing().StripPacking(60000, TStripMethod::Best));
+  EXPECT_FALSE(kEndless.Packing().StripPacking(0, TStripMethod::Best));
 }
 
 TEST(Workers, GoOnFromTheSharedResult) {
-  TProbe packing = kThirty.Make();
-  packing.UpdateResult(2 * std::numbers::pi / 100, {{0, 1, 1}, {0, 9, 1}});
-  packing.PackingMultiThread(kNoLookAhead, 1, 0);
-  EXPECT_GT(packing.PackingResult().size(), 20u);
-  EXPECT_NEAR(packing.OccuRate(), Size(packing.PackingResult()) * std::numbers::pi / 100, 1e-9);
-  EXPECT_EQ(packing.TakeShortest(1, 3, 50.0), 50.0) << "a strip needs all circles";
-
-  const TJob fewer{kThirty.Plate, 0, {1}, {20}};
-  TProbe strip = fewer.Make();
-  strip.UpdateResult(0.01, {{0, 1, 1}, {0, 9, 1}});
-  EXPECT_LT(strip.TakeShortest(1, 3, 50.0), 10.0);
-  EXPECT_THAT(strip.PackingResult(), SizeIs(20));
+  for (const int count : {20, 30}) {
+    TRuleProbe packing = TRuleJob{10, 10, 0, {1}, {count}}.Packing();
+    packing.UpdateResult(0.01, {{0, 1, 1}, {0, 9, 1}});
+    const double length = packing.TakeShortest(1, 3, 50.0);
+    EXPECT_EQ(length < 10, count == 20) << "a strip needs all circles, and 23 fit";
+    EXPECT_THAT(packing.PackingResult(), SizeIs(count == 20 ? 20 : 2));
+  }
 }
 
-TEST(Workers, AStopSetBeforeTheStartLeavesTheStartPair) {
-  const auto pack = [] {
-    TProbe packing = kEndless.Make();
-    packing.Packing(0, 60000);
+TEST(Workers, AStopBeforeTheStartOrABudgetOfNoSecondLeavesTheStartPair) {
+  const auto pack = [](int Budget) {
+    TRuleProbe packing = kEndless.Packing();
+    packing.Packing(0, Budget);
     EXPECT_THAT(packing.PackingResult(), SizeIs(2));
   };
-  {
-    const FlagGuard flag;
-    pack();
-  }
+  pack(999);
+  FClassStop = true;
+  pack(60000);
+  FClassStop = false;
   TStopToken token;
   token.RequestStop();
   const TStopTokenScope scope(&token);
-  pack();
+  pack(60000);
 }
 
 TEST(Workers, ASuspendedOneWaitsForItsStart) {
-  TProbe packing = kThirty.Make();
+  TRuleProbe packing = kThirty.Packing();
   packing.GenerateInitConfig();
-  TWorker worker(true, packing, 0, kNoLookAhead, 1, TMainStrategy::InitConfig);
+  TRuleProbe::TMyPackingThread worker(true, packing, 0, kNoLookAhead, 1, TMainStrategy::InitConfig);
   worker.WaitFor();
   EXPECT_EQ(worker.OccuRate(), 0);
-  worker.Start();
   worker.Start();
   worker.WaitFor();
   EXPECT_GT(worker.OccuRate(), 0.6);
 }
 
 TEST(Workers, WhatOneRaisesArrivesOnTheCallersThreadAndLeavesTheResult) {
-  TProbe packing = kThirty.Make();
+  TRuleProbe packing = kThirty.Packing();
   packing.GenerateInitConfig();
   {
     const TAllocationsFailElsewhere noMemory;
@@ -181,42 +148,30 @@ TEST(Workers, WhatOneRaisesArrivesOnTheCallersThreadAndLeavesTheResult) {
   EXPECT_GT(packing.OccuRate(), 0.6);
 }
 
-TEST(Budget, EndsTheRunWhenItsWholeSecondsAreOver) {
-  TTimerBoard time;
-  TProbe packing = kEndless.Make();
+// Work that ends Seconds after so many timers have begun to run, and not before.
+template <class TWork>
+void ExpectEndAfter(double Seconds, int Timers, TTimerBoard& Time, TWork Work) {
   const auto run = std::async(std::launch::async, [&] {
-    const TTimerScope scope(&time);
-    packing.Packing(0, 5999);
+    const TTimerScope scope(&Time);
+    Work();
   });
-  while (time.Running() == 0) std::this_thread::sleep_for(1ms);
-  time.AdvanceSeconds(4.9);
+  while (Time.Running() < Timers) std::this_thread::sleep_for(1ms);
+  Time.AdvanceSeconds(Seconds - 0.1);
   EXPECT_EQ(run.wait_for(50ms), std::future_status::timeout);
-  time.AdvanceSeconds(0.1);
+  Time.AdvanceSeconds(0.1);
   ASSERT_EQ(run.wait_for(100s), std::future_status::ready);
-  EXPECT_EQ(Fault(kEndless, packing.ResultTranslation()), "");
-  EXPECT_GT(packing.OccuRate(), 0.7);
 }
 
-TEST(Budget, BelowOneSecondIsOverAtOnce) {
-  TProbe packing = kEndless.Make();
-  packing.Packing(0, 999);
-  EXPECT_THAT(packing.PackingResult(), SizeIs(2));
-}
-
-TEST(Budget, ABisectionHasTenSecondsOfItsOwn) {
+TEST(Budget, IsThatOfWholeSecondsAndABisectionHasTenOfItsOwn) {
   TTimerBoard time;
-  TProbe packing = kEndlessStrip.Make();
-  packing.GenerateInitConfig();
-  packing.StopPacking();
-  const auto run = std::async(std::launch::async, [&] {
-    const TTimerScope scope(&time);
-    return packing.TakeShortest(2, 4, kNoLength);
-  });
-  while (time.Running() < 2) std::this_thread::sleep_for(1ms);
-  time.AdvanceSeconds(9.9);
-  EXPECT_EQ(time.Running(), 2);
-  time.AdvanceSeconds(0.1);
-  ASSERT_EQ(run.wait_for(100s), std::future_status::ready);
+  TRuleProbe packing = kEndless.Packing();
+  ExpectEndAfter(5, 1, time, [&packing] { packing.Packing(0, 5999); });
+  EXPECT_EQ(kEndless.Fault(packing.ResultTranslation()), "");
+  EXPECT_GT(packing.OccuRate(), 0.7);
+  TRuleProbe strip = kEndlessStrip.Packing();
+  strip.GenerateInitConfig();
+  strip.StopPacking();
+  ExpectEndAfter(10, 2, time, [&strip] { strip.TakeShortest(2, 4, kNoLength); });
 }
 
 TEST(StepLimit, AnswersDependOnNeitherThreadsNorTime) {
@@ -225,37 +180,34 @@ TEST(StepLimit, AnswersDependOnNeitherThreadsNorTime) {
   for (const bool strip : {false, true}) {
     TCircleNestRst first;
     for (const int threads : {1, 2, 4}) {
-      TProbe packing = (strip ? kEndlessStrip : kEndless).Make();
+      TRuleProbe packing = (strip ? kEndlessStrip : kEndless).Packing();
       packing.SetThreadLimit(threads);
       packing.SetStepLimit(150000);
       if (strip)
         packing.StripPacking(0, TStripMethod::Best);
       else
         packing.Packing(0, 0);
-      if (first.empty()) first = packing.PackingResult();
+      if (threads == 1) first = packing.PackingResult();
       EXPECT_GT(packing.PackingResult().size(), 20u);
-      EXPECT_TRUE(SameLayout(packing.PackingResult(), first)) << threads << (strip ? " strip" : " plate");
+      ExpectSame(packing.PackingResult(), first);
     }
   }
 }
 
 // Rows of five, then five in the hollows and so on: no row of full width fits above the fifth.
 TEST(BottomLeft, LeavesOutWhatFindsNoPlace) {
-  TProbe packing = kThirty.Make();
+  const TRuleProbe packing = kThirty.Packing();
   TCircleNestRst result{{0, 1, 1}, {0, 9, 1}};
   EXPECT_NEAR(packing.PackingWithY({0}, {28}, result), 8.92820, 1e-5);
   EXPECT_THAT(result, SizeIs(23));
-  EXPECT_EQ(Fault(kThirty, result), "");
   TCircleNestRst nothing;
   EXPECT_EQ(packing.PackingWithY({0}, {30}, nothing), 0) << "without circles there is no corner";
 }
 
 TEST(Bisection, PutsThePlateBackAndKeepsThePairWhereNoHeightHoldsAll) {
-  const TJob job{TVRect2D::FromSize(200, 50), 0, {5}, {40}};
-  TProbe packing = job.Make();
-  const TCircleNestRst pair{{0, 5, 5}, {0, 45, 5}};
-  const auto candidates = packing.GeneratePosibleCP({0}, {38}, pair, false);
-  TCircleNestRst result = pair;
+  TRuleProbe packing = TRuleJob{50, 200, 0, {5}, {40}}.Packing();
+  TCircleNestRst result{{0, 5, 5}, {0, 45, 5}};
+  auto candidates = packing.GeneratePosibleCP({0}, {38}, result, false);
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, result, candidates, 0, 64, 63), 10) << "no round at a width of 1";
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, result, candidates, 0, 30, 20), 10) << "no height holds them all";
   EXPECT_THAT(result, SizeIs(2));
@@ -263,48 +215,8 @@ TEST(Bisection, PutsThePlateBackAndKeepsThePairWhereNoHeightHoldsAll) {
   EXPECT_EQ(packing.BinaryPacking({0}, {38}, nothing, {}, 0, 64, 63), -4294967295.0);
 
   std::vector<int> remaining{38};
-  auto copy = candidates;
-  packing.GreedyPacking({0}, remaining, result, 0, copy);
+  packing.GreedyPacking({0}, remaining, result, 0, candidates);
   EXPECT_THAT(result, SizeIs(40)) << "the plate has its height again";
-}
-
-TEST(Strip, HoldsAllCirclesOnALengthNoShorterThanTheirArea) {
-  TTimerBoard noTime;
-  const TTimerScope scope(&noTime);
-  ForEachSeed(15, [](unsigned Seed) {
-    TJob job = RandomJob(Seed, 5, 3);
-    job.Plate = TVRect2D::FromSize(3 * job.Plate.Width(), job.Plate.Height());
-    double shortest = HUGE_VAL;
-    for (const auto method : {TStripMethod::BottomLeft, TStripMethod::Bisection, TStripMethod::Best}) {
-      TProbe packing = job.Make();
-      const auto length = packing.StripPacking(60000, method);
-      ASSERT_TRUE(length || method == TStripMethod::Bisection);
-      if (!length) continue;  // no height below that of the bottom-left fill would do
-      const TCircleNestRst& result = packing.ResultTranslation();
-      EXPECT_EQ(Fault(job, result), "");
-      EXPECT_EQ(Size(result), job.Amount());
-      double used = 0;
-      double area = 0;
-      for (const TCornerPlacement& circle : result) {
-        const double r = job.Radii[circle.CircleIdx];
-        used = std::max(used, circle.Center.X + r);
-        area += std::numbers::pi * r * r;
-      }
-      EXPECT_NEAR(used, *length, 1e-9);
-      EXPECT_GT(*length, area / job.Plate.Height());
-      if (method == TStripMethod::Best)
-        EXPECT_LE(*length, shortest);
-      else
-        shortest = std::min(shortest, *length);
-    }
-  });
-}
-
-TEST(Strip, IsNothingWithoutRoomTimeOrStartPair) {
-  EXPECT_FALSE(kThirty.Make().StripPacking(60000, TStripMethod::Best)) << "too short for all";
-  EXPECT_FALSE(TProbe(TVRect2D::FromSize(100, 10), 0, {4}, {5}).StripPacking(60000, TStripMethod::Best));
-  EXPECT_FALSE(TProbe(TVRect2D::FromSize(100, 10), 0, {6}, {5}).StripPacking(60000, TStripMethod::Best));
-  EXPECT_FALSE(kEndless.Make().StripPacking(0, TStripMethod::Best));
 }
 
 }  // namespace

@@ -66,6 +66,12 @@ Int64 StaggeredCount(double W, double H, double D, double Gap) {
   return (rows + 1) / 2 * even + rows / 2 * odd;
 }
 
+// Circles that rows make on a room of W x H with the gap between them, upright or staggered, along either side.
+Int64 PlainCount(double W, double H, double D, double Gap) {
+  const Int64 grid = Whole((W + Gap) / (D + Gap)) * Whole((H + Gap) / (D + Gap));
+  return std::max({grid, StaggeredCount(W, H, D, Gap), StaggeredCount(H, W, D, Gap)});
+}
+
 class TCircleJudge : public TAnswerJudge {
  public:
   using TAnswerJudge::TAnswerJudge;
@@ -125,11 +131,6 @@ class TCircleJudge : public TAnswerJudge {
 };
 
 }  // namespace
-
-Int64 PlainCount(double W, double H, double D, double Gap) {
-  const Int64 grid = Whole((W + Gap) / (D + Gap)) * Whole((H + Gap) / (D + Gap));
-  return std::max({grid, StaggeredCount(W, H, D, Gap), StaggeredCount(H, W, D, Gap)});
-}
 
 std::string CircleFault(const Job& AJob, const Result& AResult) {
   return TCircleJudge(AJob, AResult).Fault();

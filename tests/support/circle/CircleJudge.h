@@ -19,8 +19,4 @@ std::string CircleFault(const Job& AJob, const Result& AResult);
 // The same, and no bound may rule the sample out.
 std::string CircleFault(const TJobCase& Case, const Result& AResult);
 
-// Circles of diameter D that rows make on a room of W x H with the gap between them, upright or staggered, along
-// either side.
-Int64 PlainCount(double W, double H, double D, double Gap);
-
 }  // namespace platenest::test
