@@ -7,6 +7,7 @@
 #include <limits>
 #include <numbers>
 
+#include "Contours.h"
 #include "InnerFit.h"
 #include "OverlapDepth.h"
 #include "platenest/foundation/Random.h"
@@ -15,6 +16,8 @@
 namespace platenest {
 
 namespace {
+
+using test::Uniform;
 
 constexpr double kSquareScale = kPathScale * kPathScale;
 
@@ -26,10 +29,6 @@ struct TProbe {
   std::function<bool(const TIntPoint&)> IsFree;
   std::function<double(const TIntPoint&)> Depth;
 };
-
-double Uniform() {
-  return Random(1 << 30) / static_cast<double>(1 << 30);
-}
 
 std::string TextOf(const TIntPoint& At, const char* What, double Distance) {
   char text[200];
@@ -44,17 +43,17 @@ TIntPoint NearEdge(const TPaths& Paths, double Span) {
   const std::size_t i = static_cast<std::size_t>(Random(Size(contour)));
   const TIntPoint& a = contour[i];
   const TIntPoint& b = Next(contour, i);
-  const double t = Uniform();
-  const double angle = 2 * std::numbers::pi * Uniform();
-  const double distance = std::pow(std::max(2.0, Span), Uniform());
+  const double t = Uniform(0, 1);
+  const double angle = 2 * std::numbers::pi * Uniform(0, 1);
+  const double distance = std::pow(std::max(2.0, Span), Uniform(0, 1));
   const double x = static_cast<double>(a.X) + t * static_cast<double>(b.X - a.X) + distance * std::cos(angle);
   const double y = static_cast<double>(a.Y) + t * static_cast<double>(b.Y - a.Y) + distance * std::sin(angle);
   return {Round(x), Round(y)};
 }
 
 TIntPoint InBox(const TIntRect& Box) {
-  const double x = static_cast<double>(Box.Left) + Uniform() * static_cast<double>(Box.Width());
-  const double y = static_cast<double>(Box.Bottom) + Uniform() * static_cast<double>(Box.Height());
+  const double x = static_cast<double>(Box.Left) + Uniform(0, 1) * static_cast<double>(Box.Width());
+  const double y = static_cast<double>(Box.Bottom) + Uniform(0, 1) * static_cast<double>(Box.Height());
   return {Round(x), Round(y)};
 }
 
@@ -97,10 +96,6 @@ TPath PlacesWithin(const TIntPoint& At, double Reach) {
 
 TPaths Without(const TPaths& A, const TPaths& B) {
   return Clipped(A, B, ClipperLib::ctDifference);
-}
-
-TPaths Moved(const TPaths& Polygon, const TIntPoint& At) {
-  return TPathUtils::Translate(Polygon, TPathUtils::CreatePointL2D(At));
 }
 
 // No free place in reach of the band, and of the overlap not only a sliver: between two borders that meet at a sharp

@@ -3,20 +3,20 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
+#include "Contours.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/Rounding.h"
-#include "platenest/foundation/Sort.h"
 
 namespace platenest {
 
 namespace {
 
+using test::Uniform;
+
 constexpr double kTurn = 2 * std::numbers::pi;
 
-double Uniform(double Low, double High) {
-  return Low + (High - Low) * Random(1 << 30) / static_cast<double>(1 << 30);
-}
 int Whole(int Low, int High) {
   return Low + Random(High - Low + 1);
 }
@@ -28,21 +28,17 @@ TIntPoint Polar(double Radius, double Angle) {
   return At(Radius * std::cos(Angle), Radius * std::sin(Angle));
 }
 
+// Points in the order of their directions from the middle.
 TPath HullOf(TPath Points) {
-  SortBy(Points, [](const TIntPoint& a, const TIntPoint& b) {
-    return a.X != b.X ? (a.X > b.X) - (a.X < b.X) : (a.Y > b.Y) - (a.Y < b.Y);
-  });
-  Points.erase(std::unique(Points.begin(), Points.end()), Points.end());
+  std::ranges::rotate(Points,
+                      std::ranges::min_element(Points, {}, [](const TIntPoint& p) { return std::pair(p.X, p.Y); }));
+  Points.push_back(Points.front());
   TPath hull;
-  for (int pass = 0; pass < 2; ++pass) {
-    const std::size_t base = hull.size();
-    for (const TIntPoint& p : Points) {
-      while (hull.size() >= base + 2 && Turn(hull[hull.size() - 2], hull.back(), p) <= 0) hull.pop_back();
-      hull.push_back(p);
-    }
-    hull.pop_back();
-    std::reverse(Points.begin(), Points.end());
+  for (const TIntPoint& p : Points) {
+    while (hull.size() > 1 && Turn(hull[hull.size() - 2], hull.back(), p) <= 0) hull.pop_back();
+    hull.push_back(p);
   }
+  hull.pop_back();
   return hull;
 }
 
@@ -213,7 +209,7 @@ TPaths Holed(int Edges, double Size) {
   for (int i = 0; i < 4; ++i) {
     TPath hole = Random(2) == 0 ? Star(perHole, cell * 0.9) : Convex(perHole, cell * 0.9);
     const TIntPoint centre = At((i % 2 - 0.5) * cell, (i / 2 - 0.5) * cell);
-    hole = TPathUtils::Translate(hole, TPathUtils::CreatePointL2D(centre));
+    hole = Moved({hole}, centre).front();
     std::reverse(hole.begin(), hole.end());
     if (hole.size() > 2 && (i == 0 || Random(3) > 0)) polygon.push_back(std::move(hole));
   }
@@ -307,7 +303,7 @@ TJigsaw MakeJigsaw(TShapeKind Kind, int Edges, double Size, double Grow, unsigne
   part.resize(1);
   const TRandomScope scope(Seed * 16ULL + 14);
   const TIntPoint place{Whole(-500, 500) * 100000LL, Whole(-500, 500) * 100000LL};
-  TPaths hole{TPathUtils::Translate(part.front(), TPathUtils::CreatePointL2D(place))};
+  TPaths hole = Moved(part, place);
   if (Grow > 0) {
     TClipperOffset offset;
     offset.AddPaths(hole, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
