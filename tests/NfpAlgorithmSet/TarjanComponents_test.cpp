@@ -36,7 +36,7 @@ TEST(TarjanComponents, AgreeWithReachabilityOnRandomGraphs) {
     graph.SetLowestId(static_cast<int>(random() % 3) % count);
     const auto reach = Reach(graph);
     const int minSize = static_cast<int>(random() % 4);
-    std::vector<std::vector<int>> expected;
+    TLists expected;
     for (int a = graph.LowestId(); a < count; ++a) {
       std::vector<int> component;
       for (int b = graph.LowestId(); b < count; ++b)
@@ -71,27 +71,19 @@ TEST(TarjanComponents, ListARingAlongItsEdgesAndTheFirstOfTheLongest) {
 }
 
 TEST(TarjanComponents, SoleCircuitAllowsNothingBesideIt) {
-  struct TRow {
-    const char* What;
-    int Ring;  // from vertex 2 on
-    std::vector<std::pair<int, int>> More;
-    int Lowest;
-    bool Sole;
+  // A ring from vertex 2 on, and more edges.
+  const auto isSole = [](int ring, const std::vector<std::pair<int, int>>& more, int lowest = 0) {
+    TIdGraph graph = GraphOf(9, more);
+    AddRing(graph, 2, ring);
+    graph.SetLowestId(lowest);
+    return TTarjanComponents(graph, 2).IsSoleCircuit();
   };
-  const TRow rows[] = {
-      {"vertices without edges do not count", 5, {}, 0, true},
-      {"a tail", 5, {{3, 8}}, 0, false},
-      {"nor do edges of dead vertices", 5, {{0, 3}, {4, 1}}, 2, true},
-      {"a chord", 5, {{3, 5}}, 0, false},
-      {"two rings", 3, {{5, 6}, {6, 7}, {7, 5}}, 0, false},
-      {"two vertices bound nothing", 2, {}, 0, false},
-  };
-  for (const TRow& row : rows) {
-    TIdGraph graph = GraphOf(9, row.More);
-    AddRing(graph, 2, row.Ring);
-    graph.SetLowestId(row.Lowest);
-    EXPECT_EQ(TTarjanComponents(graph, 2).IsSoleCircuit(), row.Sole) << row.What;
-  }
+  EXPECT_TRUE(isSole(5, {})) << "vertices without edges do not count";
+  EXPECT_TRUE(isSole(5, {{0, 3}, {4, 1}}, 2)) << "nor do edges of dead vertices";
+  EXPECT_FALSE(isSole(5, {{3, 8}})) << "a tail";
+  EXPECT_FALSE(isSole(5, {{3, 5}})) << "a chord";
+  EXPECT_FALSE(isSole(3, {{5, 6}, {6, 7}, {7, 5}})) << "two rings";
+  EXPECT_FALSE(isSole(2, {})) << "two vertices bound nothing";
 }
 
 }  // namespace

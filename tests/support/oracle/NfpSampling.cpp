@@ -24,8 +24,11 @@ constexpr double kSquareScale = kPathScale * kPathScale;
 // So many vertices of the paths are tried as they are, evenly spread if there are more.
 constexpr std::size_t kMostVertices = 100;
 
-// How the moving shape lies at a place: exactly free, and if not, the width of what it overlaps.
+// How the moving shape lies at a place: exactly free, and if not, the width of what it overlaps. And what to say where
+// it should not lie so.
 struct TProbe {
+  const char* NotTaken;
+  const char* NotFree;
   std::function<bool(const TIntPoint&)> IsFree;
   std::function<double(const TIntPoint&)> Depth;
 };
@@ -105,22 +108,17 @@ bool IsDeep(const TIntPoint& At, double Band, const TProbe& Probe) {
   return std::none_of(places.begin(), places.end(), Probe.IsFree) && Probe.Depth(At) > Band;
 }
 
-struct TWords {
-  const char* MustBeTaken;
-  const char* MustBeFree;
-};
-
 // FreePlace is where the paths promise a free position; the border always belongs to the free side.
 std::string Check(const TPaths& Paths, const TPath& Samples, TPlace FreePlace, const TSamplingOptions& Options,
-                  const TWords& Words, const TProbe& Probe) {
+                  const TProbe& Probe) {
   const double band = Options.Band * kPathScale;
   for (const TIntPoint& at : Samples) {
     const TPlace place = PlaceOf(at, Paths);
     const double distance = DistanceToBorder(at, Paths);
     if (place == FreePlace || place == TPlace::Border) {
-      if (IsDeep(at, Options.Band, Probe)) return TextOf(at, Words.MustBeFree, distance);
+      if (IsDeep(at, Options.Band, Probe)) return TextOf(at, Probe.NotFree, distance);
     } else if (!Options.SafeSideOnly && distance > band && Probe.IsFree(at)) {
-      return TextOf(at, Words.MustBeTaken, distance);
+      return TextOf(at, Probe.NotTaken, distance);
     }
   }
   return {};
@@ -149,8 +147,8 @@ std::string CheckNfpBySampling(const TPaths& Static, const TPaths& Dynamic, cons
   const TRandomScope scope(Seed);
   const TIntRect box = SumBox(TPathUtils::BoundBox(Static), TPathUtils::BoundBox(Dynamic));
   return Check(Paths, Samples(Paths, box, Options.Samples), TPlace::Outside, Options,
-               {"no overlap inside the paths", "overlap outside the paths"},
-               {[&](const TIntPoint& at) { return !OverlapsAt(Static, Dynamic, at); },
+               {"no overlap inside the paths", "overlap outside the paths",
+                [&](const TIntPoint& at) { return !OverlapsAt(Static, Dynamic, at); },
                 [&](const TIntPoint& at) { return OverlapDepth(Static, Moved(Dynamic, at)); }});
 }
 
@@ -168,8 +166,8 @@ std::string CheckInnerFitBySampling(const TPaths& Plate, const TPaths& Part, con
   const auto [bottom, top] = std::minmax({plate.Bottom - part.Bottom, plate.Top - part.Top});
   const TIntRect range{left, right, top, bottom};
   return Check(Paths, Samples(Paths, range, Options.Samples), TPlace::Inside, Options,
-               {"a fit outside the paths", "no fit inside the paths"},
-               {[&](const TIntPoint& at) { return FitsAt(Plate, Part, at); },
+               {"a fit outside the paths", "no fit inside the paths",
+                [&](const TIntPoint& at) { return FitsAt(Plate, Part, at); },
                 [&](const TIntPoint& at) { return InnerWidth(Without(Moved(Part, at), Plate)); }});
 }
 

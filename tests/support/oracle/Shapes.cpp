@@ -156,7 +156,7 @@ TPath Spiral(int Edges, double Size) {
   return outer;
 }
 
-TPath NearParallel(int Edges, double Size, unsigned Seed) {
+TPaths NearParallel(int Edges, double Size, unsigned Seed) {
   TPath base;
   {
     const TRandomScope shared(Seed / 2);
@@ -177,7 +177,7 @@ TPath NearParallel(int Edges, double Size, unsigned Seed) {
       points.push_back({Round(x * scale) + Whole(-2, 2), Round(y * scale) + Whole(-2, 2)});
     }
   }
-  return points;
+  return {points};
 }
 
 TPath Slit(int Edges, double Size) {
@@ -198,7 +198,7 @@ TPath Slit(int Edges, double Size) {
   return points;
 }
 
-TPaths Holed(int Edges, double Size) {
+TPaths Holed(int Edges, double Size, unsigned) {
   const int around = std::max(6, Edges / 3);
   TPaths polygon(1);
   for (int i = 0; i < around; ++i) {
@@ -216,12 +216,12 @@ TPaths Holed(int Edges, double Size) {
   return polygon;
 }
 
-TPath LShape(double Size) {
+TPath LShape(int, double Size) {
   const int w = Whole(2, 8), h = Whole(2, 8), a = Whole(1, w - 1), b = Whole(1, h - 1);
   return OnGrid({{0, 0}, {w, 0}, {w, b}, {a, b}, {a, h}, {0, h}}, GridUnit(Size, 8));
 }
 
-TPath UShape(double Size) {
+TPath UShape(int, double Size) {
   const int w = Whole(3, 9), h = Whole(2, 8), left = Whole(1, w - 2), gap = Whole(1, w - 1 - left);
   const int floor = Whole(1, h - 1), right = Whole(floor + 1, 9);
   return OnGrid(
@@ -237,21 +237,17 @@ struct TKind {
   TMaker Make;
 };
 
+template <TPath (*Make)(int Edges, double Size)>
+TPaths Outline(int Edges, double Size, unsigned) {
+  return {Make(Edges, Size)};
+}
+
 // In the order of TShapeKind.
 constexpr TKind kKinds[] = {
-    {"convex", false, [](int Edges, double Size, unsigned) { return TPaths{Convex(Edges, Size)}; }},
-    {"star", false, [](int Edges, double Size, unsigned) { return TPaths{Star(Edges, Size)}; }},
-    {"comb", true, [](int Edges, double Size, unsigned) { return TPaths{Comb(Edges, Size)}; }},
-    {"staircase", true, [](int Edges, double Size, unsigned) { return TPaths{Staircase(Edges, Size)}; }},
-    {"gear", false, [](int Edges, double Size, unsigned) { return TPaths{Gear(Edges, Size)}; }},
-    {"spiral", false, [](int Edges, double Size, unsigned) { return TPaths{Spiral(Edges, Size)}; }},
-    {"near-parallel", false,
-     [](int Edges, double Size, unsigned Seed) { return TPaths{NearParallel(Edges, Size, Seed)}; }},
-    {"slit", false, [](int Edges, double Size, unsigned) { return TPaths{Slit(Edges, Size)}; }},
-    {"holed", false, [](int Edges, double Size, unsigned) { return Holed(Edges, Size); }},
-    {"L shape", true, [](int, double Size, unsigned) { return TPaths{LShape(Size)}; }},
-    {"U shape", true, [](int, double Size, unsigned) { return TPaths{UShape(Size)}; }},
-};
+    {"convex", false, Outline<Convex>},      {"star", false, Outline<Star>},    {"comb", true, Outline<Comb>},
+    {"staircase", true, Outline<Staircase>}, {"gear", false, Outline<Gear>},    {"spiral", false, Outline<Spiral>},
+    {"near-parallel", false, NearParallel},  {"slit", false, Outline<Slit>},    {"holed", false, Holed},
+    {"L shape", true, Outline<LShape>},      {"U shape", true, Outline<UShape>}};
 
 const TKind& KindOf(TShapeKind Kind) {
   return kKinds[static_cast<std::size_t>(Kind)];
