@@ -56,8 +56,10 @@ TEST(PartNfpRects, InnerRegionStartsAtOneUnitAndEndsWhereThePartIsTooLarge) {
 TEST(PartNfpRects, TwoRectanglesNeedNoConvolution) {
   NfpStatistics = {};
   const TVHPolygon fixed{Box(0, 4, 0, 3)}, moving{Box(0, 2, 0, 1)};
-  EXPECT_EQ(TPathUtils::BoundBox(NfpOf(fixed, moving)), (TIntRect{-200'000, 400'000, 300'000, -100'000}));
-  EXPECT_EQ(TPathUtils::BoundBox(NfpOf(fixed, moving, true)), (TIntRect{0, 200'000, 200'000, 0}));
+  const TPath around{{-200'000, 300'000}, {-200'000, -100'000}, {400'000, -100'000}, {400'000, 300'000}};
+  const TPath inside{{0, 200'000}, {0, 0}, {200'000, 0}, {200'000, 200'000}};
+  EXPECT_EQ(NfpOf(fixed, moving), TPaths{around});
+  EXPECT_EQ(NfpOf(fixed, moving, true), TPaths{inside});
   EXPECT_EQ(NfpStatistics.Convolutions, 0);
 }
 

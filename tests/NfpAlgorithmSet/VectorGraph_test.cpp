@@ -67,9 +67,14 @@ TEST(PointCode, RoundsToElevenDecimalsAndCutsTowardZero) {
   }
 }
 
-TEST(VectorGraph, BoldFactorIsTakenBetweenItsBounds) {
+TEST(VectorGraph, StartsAnewWithTheBoldFactorBetweenItsBounds) {
+  TVectorGraph used(0);
   for (const auto& [bold, factor] : {std::pair{10, 100000}, {11, 11}, {99999, 99999}, {100001, 100000}}) {
     const TBoldPointPrecScope scope(bold);
+    used.Restart(Loop({{0, 0}, {1, 0}}), bold == 11);
+    EXPECT_EQ(used.VertexCount(), 2);
+    EXPECT_EQ(EdgeCount(used), bold == 11 ? 0 : 2) << "opposite chips cancel as asked for last";
+    EXPECT_EQ(used.PointFactor(), factor);
     EXPECT_EQ(TVectorGraph(0).PointFactor(), factor);
     EXPECT_EQ(TVectorGraph(TVLine2DList{}).PointFactor(), 10000) << "lines ignore it";
   }

@@ -306,9 +306,7 @@ TJigsaw MakeJigsaw(TShapeKind Kind, int Edges, double Size, double Grow, unsigne
     TPaths grown;
     offset.Execute(grown, Grow * kPathScale);
     // Where a slit closes there are islands in the hole; the hole is their outline, the contour of largest area.
-    hole = {*std::max_element(grown.begin(), grown.end(), [](const TPath& a, const TPath& b) {
-      return ClipperLib::Area(a) < ClipperLib::Area(b);
-    })};
+    hole = {*std::ranges::max_element(grown, {}, [](const TPath& path) { return ClipperLib::Area(path); })};
   }
   const TIntRect box = TPathUtils::BoundBox(hole);
   const Int64 rim = Round(Uniform(0.05, 0.3) * Size * kPathScale);
