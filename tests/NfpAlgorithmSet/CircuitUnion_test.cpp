@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <random>
-#include <string>
+#include <tuple>
 #include <vector>
 
 #include "Contours.h"
@@ -16,14 +16,12 @@
 namespace platenest {
 namespace {
 
-using TCircuits = std::vector<std::vector<int>>;
-
 // A search that has found the circuits given, all of one component unless told otherwise.
 struct TFound : TKineticCircuits {
   using TKineticCircuits::FCircuits, TKineticCircuits::FOuterCycleCounter, TKineticCircuits::FSccOutline;
   using TKineticCircuits::SpecCycles;
 
-  TFound(const TVectorGraph& Given, const TCircuits& Circuits) : TKineticCircuits(Given, 2) {
+  TFound(const TVectorGraph& Given, const TLists& Circuits) : TKineticCircuits(Given, 2) {
     DFSLoops(false, ntComplete, 0);
     FCircuits.clear();
     for (const auto& circuit : Circuits) FCircuits.push_back(circuit);
@@ -41,7 +39,7 @@ TVectorGraph GraphWith(std::vector<TPoint2D> Points) {
 // One circuit for each path, along it.
 struct TPathsAsCircuits {
   std::vector<TPoint2D> Points;
-  TCircuits Circuits;
+  TLists Circuits;
 
   void Add(const TPath& Path) {
     Circuits.emplace_back();
@@ -94,7 +92,7 @@ TEST(CircuitUnion, RunsAgainstTheEdgesUnlessTheLoopsRunOppositeWays) {
     EXPECT_TRUE(convolution.UnionCircuits(TFound(graph, {{3, 2, 1, 0}}), paths, false));
     EXPECT_EQ(TPathUtils::Area(paths), isCavity ? 9e10 : 0);
   }
-  TFound outlined(graph, TCircuits(90, {0, 1, 2}));
+  TFound outlined(graph, TLists(90, {0, 1, 2}));
   outlined.FSccOutline = Rect(0, 0, 5, 5);
   TPaths paths;
   TConvolutionProbe(square, square).UnionCircuits(outlined, paths, false);
@@ -102,12 +100,7 @@ TEST(CircuitUnion, RunsAgainstTheEdgesUnlessTheLoopsRunOppositeWays) {
 }
 
 TEST(CircuitUnion, StopsOnTooMuchWork) {
-  struct TRow {
-    TNFPType Required;
-    int Points, Outer, Rest;
-    bool Expected;
-  };
-  const TRow rows[] = {
+  const std::tuple<TNFPType, int, int, int, bool> rows[] = {
       {ntComplete, 16'600, 60, 0, true},    {ntComplete, 16'700, 60, 0, false},  // points times circuits
       {ntComplete, 18'000, 51, 0, true},    {ntComplete, 18'001, 51, 0, false},    {ntComplete, 18'001, 50, 0, true},
       {ntConcaveHull, 26'000, 30, 6, true}, {ntConcaveHull, 26'001, 30, 6, false}, {ntComplete, 26'001, 30, 6, true},
@@ -116,22 +109,20 @@ TEST(CircuitUnion, StopsOnTooMuchWork) {
       {ntComplete, 40'001, 3, 0, false},    {ntComplete, 40'001, 2, 0, true},      {ntExact, 18'001, 81, 0, false},
       {ntExact, 18'001, 80, 0, true},       {ntComplete, 18'001, 1, 10, false},    {ntComplete, 18'000, 1, 10, true},
   };
-  for (const TRow& row : rows) {
-    const int count = row.Outer + row.Rest;
+  for (const auto& [required, points, outer, rest, expected] : rows) {
+    const int fillers = outer + rest - 1;
     TPathsAsCircuits given;
     given.Add(PathOf(kHidesAll));
-    const int points = row.Points - 3;
-    for (int i = 0; i < count - 1; ++i)
-      given.Add(
-          CircleAt(3000.0 * (i % 9), 3000.0 * (i / 9), points / (count - 1) + (i < points % (count - 1) ? 1 : 0)));
+    for (int i = 0; i < fillers; ++i)
+      given.Add(CircleAt(3000.0 * (i % 9), 3000.0 * (i / 9), (points - 3 + i) / fillers));
     const TVectorGraph graph = GraphWith(given.Points);
     TFound found(graph, given.Circuits);
-    found.FOuterCycleCounter = row.Outer;
-    TCavityProbe convolution(row.Required);
+    found.FOuterCycleCounter = outer;
+    TCavityProbe convolution(required);
     TPaths paths;
-    EXPECT_EQ(convolution.UnionCircuits(found, paths, false), row.Expected)
-        << row.Points << " points, " << row.Outer << " + " << row.Rest << " circuits";
-    EXPECT_TRUE(row.Points > 17'000 || convolution.UnionCircuits(found, paths, true)) << "forced";
+    EXPECT_EQ(convolution.UnionCircuits(found, paths, false), expected)
+        << points << " points, " << outer << " + " << rest << " circuits";
+    EXPECT_TRUE(points > 17'000 || convolution.UnionCircuits(found, paths, true)) << "forced";
   }
 }
 
@@ -139,13 +130,7 @@ TEST(CircuitUnion, StopsOnTooMuchWork) {
 // own in its middle or outside of it.
 TEST(CircuitUnion, LeavesOutLongCircuitsThatAddNextToNothing) {
   constexpr int kLongest = 9000;
-  struct TRow {
-    int Length, Fresh;
-    bool Outside;
-    int Copies, Fillers;
-    bool Special, Expected;
-  };
-  const TRow rows[] = {
+  const std::tuple<int, int, bool, int, int, bool, bool> rows[] = {
       {3000, 0, false, 1, 80, false, false}, {3000, 0, false, 1, 80, true, true},
       {3000, 0, false, 1, 70, false, true},  {2499, 0, false, 7, 80, false, true},
       {2501, 1, false, 7, 80, false, false}, {2501, 1, false, 6, 80, false, true},
@@ -153,27 +138,27 @@ TEST(CircuitUnion, LeavesOutLongCircuitsThatAddNextToNothing) {
       {4499, 2, false, 7, 80, false, false}, {4000, 3, false, 7, 80, false, true},
       {8599, 4, false, 7, 80, false, false}, {6000, 5, false, 7, 80, false, true},
   };
-  for (const TRow& row : rows) {
+  for (const auto& [length, fresh, isOutside, copies, fillers, isSpecial, areTaken] : rows) {
     TPathsAsCircuits given;
     given.Add(CircleAt(0, 0, kLongest));
     given.Add(PathOf(kHidesAll));
-    for (int i = 1; i < row.Fillers; ++i) given.Add(CircleAt(3000, 10.0 * i, 3, 1));
-    for (int i = 0; i < row.Copies; ++i) {
+    for (int i = 1; i < fillers; ++i) given.Add(CircleAt(3000, 10.0 * i, 3, 1));
+    for (int i = 0; i < copies; ++i) {
       auto& circuit = given.Circuits.emplace_back();
-      for (int k = 0; k < row.Length; ++k) {
-        circuit.push_back(k < row.Length - row.Fresh ? k : Size(given.Points));
-        if (k >= row.Length - row.Fresh) given.Points.push_back({(row.Outside ? 1500.0 : 1.0) + i, 0.01 * k});
+      for (int k = 0; k < length - fresh; ++k) circuit.push_back(k);
+      for (int k = length - fresh; k < length; ++k) {
+        circuit.push_back(Size(given.Points));
+        given.Points.push_back({(isOutside ? 1500.0 : 1.0) + i, 0.01 * k});
       }
     }
     const TVectorGraph graph = GraphWith(given.Points);
     TFound found(graph, given.Circuits);
-    if (row.Special) found.SpecCycles.push_back(row.Fillers + 1);
+    if (isSpecial) found.SpecCycles.push_back(fillers + 1);
     TCavityProbe convolution;
     TPaths paths;
     convolution.UnionCircuits(found, paths, false);
-    const int taken = row.Expected ? row.Copies * row.Length : 0;
-    EXPECT_EQ(convolution._edgeCount, kLongest + 3 * row.Fillers + taken)
-        << row.Length << " vertices, " << row.Fresh << " of its own" << (row.Outside ? " outside" : "");
+    EXPECT_EQ(convolution._edgeCount, kLongest + 3 * fillers + (areTaken ? copies * length : 0))
+        << length << " vertices, " << fresh << " of its own" << (isOutside ? " outside" : "");
   }
 }
 

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <random>
+#include <set>
+#include <utility>
+#include <vector>
 
 #include "ConvexPair.h"
 #include "ForEachSeed.h"
@@ -28,25 +31,22 @@ TPaths UnionOf(const TPaths& Contours) {
   return paths;
 }
 
-TPath FromLeast(TPath Path) {
-  const auto before = [](const TIntPoint& a, const TIntPoint& b) { return a.X < b.X || (a.X == b.X && a.Y < b.Y); };
-  std::ranges::rotate(Path, std::ranges::min_element(Path, before));
-  return Path;
-}
-
 bool Unite(const TPaths& Contours, TPaths& Paths) {
   TContours contours;
   for (const TPath& contour : Contours) contours.Add(contour);
   return UniteContours(contours, Paths);
 }
 
-TPaths FromLeast(TPaths Paths) {
-  for (TPath& path : Paths) path = FromLeast(std::move(path));
-  const auto before = [](const TPath& a, const TPath& b) {
-    return a[0].X != b[0].X ? a[0].X < b[0].X : a[0].Y != b[0].Y ? a[0].Y < b[0].Y : a.size() < b.size();
-  };
-  std::ranges::sort(Paths, before);
-  return Paths;
+// The same for equal contours in any order, whatever their first points are.
+std::multiset<std::vector<std::pair<Int64, Int64>>> Plain(const TPaths& Paths) {
+  std::multiset<std::vector<std::pair<Int64, Int64>>> contours;
+  for (const TPath& path : Paths) {
+    std::vector<std::pair<Int64, Int64>> contour;
+    for (const TIntPoint& point : path) contour.emplace_back(point.X, point.Y);
+    std::ranges::rotate(contour, std::ranges::min_element(contour));
+    contours.insert(std::move(contour));
+  }
+  return contours;
 }
 
 TPath RandomContour(std::mt19937& Random, int Points, int Cells, int Cell) {
@@ -75,7 +75,7 @@ TEST(ContourUnion, IsThatOfClipper) {
     TPaths paths;
     if (!Unite(contours, paths)) return;
     ++united;
-    EXPECT_EQ(FromLeast(paths), FromLeast(UnionOf(contours)));
+    EXPECT_EQ(Plain(paths), Plain(UnionOf(contours)));
   });
   EXPECT_GT(united, 2000);
 }
@@ -109,7 +109,7 @@ TEST(ConvexPair, IsTheRingOfTheGraph) {
     ASSERT_EQ(circuits.CircuitCount(), 1);
     TPath path;
     circuits.TransCircuitToPath(0, path);
-    EXPECT_EQ(FromLeast(UnionOf({path})), FromLeast(TPaths{ring}));
+    EXPECT_EQ(Plain(UnionOf({path})), Plain({ring}));
   });
   EXPECT_GT(merged, 200);
 }

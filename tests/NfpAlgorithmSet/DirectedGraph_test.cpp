@@ -32,15 +32,11 @@ TEST(DirectedGraph, CheckedEdgesAreSimpleAndUncheckedOnesAreNot) {
   EXPECT_THAT([&] { graph.GetVertex(0); }, raises("Index out of range in GetVertex")) << "no payloads";
 }
 
-// 0 -> 1 -> 2 -> 3 -> 4 -> 2, 4 -> 0
-TEST(DirectedGraph, TakingTheUpperPartKillsTheLowerIdsOfTheSource) {
+TEST(DirectedGraph, LowIdsDieByThePartTakenAboveThem) {
   TIdGraph graph = GraphOf(5, {{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 2}, {4, 0}});
-  const TIdGraph sub = graph.SubGraphFrom(2);
-  EXPECT_EQ(graph.VertexCount(), 3);
-  EXPECT_EQ(graph.MaxVertexId(), 4) << "dead ids keep their place";
-  EXPECT_THAT(sub.Successors(1), IsEmpty());
-  EXPECT_THAT(sub.Successors(4), ElementsAre(2));
   graph.SubGraphFrom(3);
+  EXPECT_EQ(graph.VertexCount(), 2);
+  EXPECT_EQ(graph.MaxVertexId(), 4) << "dead ids keep their place";
   const TIdGraph clone = graph.CloneAdjcent();
   EXPECT_EQ(clone.MaxVertexId(), 1);
   EXPECT_THAT(clone.Successors(0), ElementsAre(1)) << "3 -> 4, counted from 3";
@@ -49,12 +45,11 @@ TEST(DirectedGraph, TakingTheUpperPartKillsTheLowerIdsOfTheSource) {
 
 TEST(BoolArray, StaysClearedWhenTheEpochsRunOut) {
   TBoolArray marks(2);
-  marks.Set(0);
   for (int i = 0; i < 1000; ++i) {
+    if (i % 300 == 0) marks.Set(0);
+    ASSERT_EQ(marks[0], i % 300 == 0);
     marks.Clear();
     ASSERT_FALSE(marks[0] || marks[1]) << i;
-    if (i % 100 == 0) marks.Set(i % 2);
-    ASSERT_EQ(marks[i % 2], i % 100 == 0);
   }
   marks.Set(1);
   marks.Set(1, false);

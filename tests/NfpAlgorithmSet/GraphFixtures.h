@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platenest/NfpAlgorithmSet/DirectedGraph.h"
+#include "platenest/NfpAlgorithmSet/JhonsonCircuits.h"
 #include "platenest/NfpAlgorithmSet/VectorGraph.h"
 
 namespace platenest {
@@ -47,10 +48,19 @@ inline std::vector<int> Ids(std::span<const int> List) {
   return {List.begin(), List.end()};
 }
 
-inline std::vector<std::vector<int>> Lists(const TVertexIdLists& All) {
-  std::vector<std::vector<int>> lists;
+using TLists = std::vector<std::vector<int>>;
+
+inline TLists Lists(const TVertexIdLists& All) {
+  TLists lists;
   for (int i = 0; i < All.Count(); ++i) lists.push_back(Ids(All[i]));
   return lists;
+}
+
+template <class T>
+TLists CircuitsOf(const TJhonsonCircuits<T>& Search) {
+  TLists circuits;
+  for (int i = 0; i < Search.CircuitCount(); ++i) circuits.push_back(Ids(Search.GetCircuit(i)));
+  return circuits;
 }
 
 }  // namespace platenest

@@ -10,18 +10,14 @@
 namespace platenest {
 namespace {
 
-using TCircuits = std::vector<std::vector<int>>;
-
-TCircuits CircuitsOf(const TIdGraph& Graph, int Filter) {
+TLists CircuitsOf(const TIdGraph& Graph, int Filter) {
   TJhonsonCircuits<int> search(Graph, Filter);
   search.FindCircuits();
-  TCircuits circuits;
-  for (int i = 0; i < search.CircuitCount(); ++i) circuits.push_back(Ids(search.GetCircuit(i)));
-  return circuits;
+  return CircuitsOf(search);
 }
 
 // Every simple way from Path's first vertex back to it over higher ids, in the order of the successor lists.
-void ExtendPath(const TIdGraph& Graph, std::vector<int>& Path, int Filter, TCircuits& Found) {
+void ExtendPath(const TIdGraph& Graph, std::vector<int>& Path, int Filter, TLists& Found) {
   for (const int next : Graph.Successors(Path.back())) {
     if (next == Path.front() && Size(Path) > Filter) Found.push_back(Path);
     if (next <= Path.front() || std::ranges::find(Path, next) != Path.end()) continue;
@@ -31,8 +27,8 @@ void ExtendPath(const TIdGraph& Graph, std::vector<int>& Path, int Filter, TCirc
   }
 }
 
-TCircuits CircuitsByTrial(const TIdGraph& Graph, int Filter) {
-  TCircuits found;
+TLists CircuitsByTrial(const TIdGraph& Graph, int Filter) {
+  TLists found;
   for (int start = Graph.LowestId(); start <= Graph.MaxVertexId(); ++start) {
     std::vector<int> path{start};
     ExtendPath(Graph, path, Filter, found);

@@ -25,7 +25,6 @@ namespace {
 using testing::ElementsAre;
 
 using TEdges = std::vector<std::pair<int, int>>;
-using TCircuits = std::vector<std::vector<int>>;
 
 struct TProbe : TKineticCircuits {
   using TKineticCircuits::blocked, TKineticCircuits::Stack, TKineticCircuits::curGraph, TKineticCircuits::EdgeVisited;
@@ -36,22 +35,13 @@ struct TProbe : TKineticCircuits {
 
 // Clockwise from the top, as the circuits of an outer convolution run.
 std::vector<TPoint2D> OnCircle(int Count, double Radius = 100) {
-  std::vector<TPoint2D> points;
-  for (int i = 0; i < Count; ++i) {
-    const double angle = 2 * std::numbers::pi * i / Count;
-    points.push_back({Radius * std::sin(angle), Radius * std::cos(angle)});
-  }
-  return points;
+  TVPolyline2D circle = test::Circle(Count, Radius);
+  for (TPoint2D& point : circle) point = {point.Y, point.X};
+  return {circle.begin(), circle.end()};
 }
 
 TVectorGraph OnCircleGraph(int Count, const TEdges& Edges) {
   return VectorGraphOf(OnCircle(Count), Edges);
-}
-
-TCircuits CircuitsOf(const TKineticCircuits& Search) {
-  TCircuits circuits;
-  for (int i = 0; i < Search.CircuitCount(); ++i) circuits.push_back(Ids(Search.GetCircuit(i)));
-  return circuits;
 }
 
 TEST(KineticCircuits, ListsSmallerComponentsAfterTheMainOne) {
@@ -61,12 +51,6 @@ TEST(KineticCircuits, ListsSmallerComponentsAfterTheMainOne) {
   EXPECT_THAT(CircuitsOf(search), ElementsAre(ElementsAre(3, 4, 5, 6, 7), ElementsAre(0, 1, 2)));
   EXPECT_EQ(search.OuterCycleCounter(), 1);
   EXPECT_EQ(search.TotalOuterCyclePoints(), 5);
-  TPath along, against;
-  search.TransCircuitToPath(1, along, false);
-  search.TransCircuitToPath(1, against);
-  EXPECT_EQ(along[1], TPathUtils::CreateIntPoint(graph.GetVertex(1), kPathScale));
-  std::ranges::reverse(along);
-  EXPECT_EQ(against, along);
 
   const TVectorGraph ring = OnCircleGraph(6, {{0, 3}, {3, 1}, {1, 4}, {4, 0}});
   TKineticCircuits sole(ring, 2);
@@ -113,23 +97,14 @@ TEST(KineticCircuits, APairOfOppositeEdgesCoversItsEndsButIsNoCircuit) {
 
 // Random graphs without opposite edges, some of them in several components.
 TVectorGraph RandomVectorGraph(std::mt19937& Random) {
-  const int count = 3 + static_cast<int>(Random() % 57);
-  const int parts = 1 + static_cast<int>(Random() % 3);
+  const auto below = [&](int count) { return static_cast<int>(Random() % static_cast<unsigned>(count)); };
+  const int count = 3 + below(57), parts = 1 + below(3);
   TVectorGraph graph = OnCircleGraph(count, {});
-  const int edges = count + static_cast<int>(Random() % static_cast<unsigned>(2 * count));
-  for (int i = 0; i < edges; ++i) {
-    const int start = static_cast<int>(Random() % static_cast<unsigned>(count));
-    const int dest = static_cast<int>(Random() % static_cast<unsigned>(count));
-    if (start % parts == dest % parts && !graph.HasEdge(dest, start)) graph.AddEdge(start, dest);
+  for (int i = count + below(2 * count); i > 0; --i) {
+    const int start = below(count), dest = below(count);
+    if ((start - dest) % parts == 0 && !graph.HasEdge(dest, start)) graph.AddEdge(start, dest);
   }
   return graph;
-}
-
-void CheckCircuit(const TVectorGraph& Graph, std::span<const int> Circuit) {
-  ASSERT_GE(Circuit.size(), 3u);
-  ASSERT_EQ(std::set<int>(Circuit.begin(), Circuit.end()).size(), Circuit.size()) << "a vertex comes twice";
-  for (std::size_t i = 0; i < Circuit.size(); ++i)
-    ASSERT_TRUE(Graph.HasEdge(Circuit[i], Circuit[(i + 1) % Circuit.size()]));
 }
 
 TEST(KineticCircuits, CoverEveryVertexThatIsOnACircuit) {
@@ -143,13 +118,15 @@ TEST(KineticCircuits, CoverEveryVertexThatIsOnACircuit) {
     TKineticCircuits search(graph, 2);
     ASSERT_TRUE(search.DFSLoops(seed % 2 == 0, ntComplete, static_cast<int>(seed % 5)));
     std::set<int> covered;
-    for (int i = 0; i < search.CircuitCount(); ++i) {
-      const std::span<const int> circuit = search.GetCircuit(i);
-      CheckCircuit(graph, circuit);
+    for (const std::vector<int>& circuit : CircuitsOf(search)) {
+      ASSERT_GE(circuit.size(), 3u);
+      ASSERT_EQ(std::set<int>(circuit.begin(), circuit.end()).size(), circuit.size()) << "a vertex comes twice";
+      for (std::size_t i = 0; i < circuit.size(); ++i)
+        ASSERT_TRUE(graph.HasEdge(circuit[i], circuit[(i + 1) % circuit.size()]));
       covered.insert(circuit.begin(), circuit.end());
     }
-    for (int i = 0; i < lists.Count(); ++i)
-      for (const int id : lists[i]) ASSERT_TRUE(covered.count(id)) << "component " << i << ", vertex " << id;
+    for (const std::vector<int>& component : Lists(lists))
+      for (const int id : component) ASSERT_TRUE(covered.count(id)) << "vertex " << id;
     EXPECT_EQ(search.LongestSccCount(), Size(lists[TTarjanComponents::GetLongestComponent(lists)]));
   });
 }
@@ -220,13 +197,10 @@ TEST(KineticCircuits, PrefersTheWiderOfTwoGiantsInALargeGraphOfManyComponents) {
 }
 
 TEST(KineticCircuits, GivesUpOnTooManyPoints) {
-  struct TRow {
-    int Ring, Ears, Circuits;
-  };
   for (const auto& [ring, ears, circuits] :
-       {TRow{1000, 60, 1 + 45},       // inside a plate the first walk does not count: 45 loops of 1001 pass 45000
-        TRow{400, 390, 1 + 68 + 82},  // 68 loops and 82 special cycles of 401 pass 60000
-        TRow{10000, 60, 1 + 4}}) {    // the fifth loop of 10001 is dropped, yet its points count and pass 45000
+       {std::tuple{1000, 60, 1 + 45},       // inside a plate the first walk does not count: 45 loops of 1001 pass 45000
+        std::tuple{400, 390, 1 + 68 + 82},  // 68 loops and 82 special cycles of 401 pass 60000
+        std::tuple{10000, 60, 1 + 4}}) {    // the fifth loop of 10001 is dropped, yet its points count and pass 45000
     const TVectorGraph graph = EaredRing(ring, ears);
     TKineticCircuits search(graph, 2);
     EXPECT_FALSE(search.DFSLoops(true, ntComplete, 0));
@@ -240,39 +214,37 @@ TEST(KineticCircuits, GivesUpOnTooManyPoints) {
 // Every Step-th point of a circle in turn, Count vertices that go round Step times; further vertices without edges
 // before and after them.
 TVectorGraph StarPolygon(int Count, int Step, int Before = 0, int After = 0, double Radius = 100) {
-  const TPoint2D lonely{7 * Radius, 7 * Radius};
-  std::vector<TPoint2D> points(static_cast<std::size_t>(Before), lonely);
-  for (const TPoint2D& point : OnCircle(Count, Radius)) points.push_back(point);
-  points.resize(points.size() + static_cast<std::size_t>(After), lonely);
+  std::vector<TPoint2D> points = OnCircle(Count, Radius);
+  points.insert(points.begin(), static_cast<std::size_t>(Before), {7 * Radius, 7 * Radius});
+  points.insert(points.end(), static_cast<std::size_t>(After), {7 * Radius, 7 * Radius});
   TVectorGraph graph = VectorGraphOf(points, {});
   for (int i = 0; i < Count; ++i) graph.AddEdge(Before + i, Before + (i + Step) % Count);
   return graph;
 }
 
-bool HasOutline(const TVectorGraph& Graph, TVPolyline2D* Outline = nullptr) {
+TVPolyline2D OutlineOf(const TVectorGraph& Graph) {
   std::vector<int> component;
   for (int id = 0; id <= Graph.MaxVertexId(); ++id)
     if (!Graph.Successors(id).empty()) component.push_back(id);
   TProbe search(Graph, 2);
   const bool made = search.TryCalcOutline(Graph.Construct(component));
-  if (Outline != nullptr) *Outline = search.SccOutline();
-  return made;
+  EXPECT_EQ(made, !search.SccOutline().empty());
+  return search.SccOutline();
 }
 
 TEST(CircuitOutline, IsTheBoundaryCounterClockwise) {
-  TVPolyline2D outline;
-  ASSERT_TRUE(HasOutline(StarPolygon(7, 3, 9), &outline));
+  const TVPolyline2D outline = OutlineOf(StarPolygon(7, 3, 9));
   EXPECT_EQ(outline.Count(), 14) << "tips and the outermost crossings";
   const double inner = 100 * std::cos(std::numbers::pi * 3 / 7) / std::cos(std::numbers::pi * 2 / 7);
   EXPECT_NEAR(outline.Area(), 7 * 100 * inner * std::sin(std::numbers::pi / 7), 1e-3);
 }
 
 TEST(CircuitOutline, NeedsAsManyCrossingsAsVerticesAndAThirdOfTheGraph) {
-  EXPECT_FALSE(HasOutline(StarPolygon(5, 1))) << "no crossing";
-  EXPECT_FALSE(HasOutline(VectorGraphOf({{0, 0}, {4, 3}, {4, 0}, {0, 3}}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}})))
+  EXPECT_TRUE(OutlineOf(StarPolygon(5, 1)).empty()) << "no crossing";
+  EXPECT_TRUE(OutlineOf(VectorGraphOf({{0, 0}, {4, 3}, {4, 0}, {0, 3}}, {{0, 1}, {1, 2}, {2, 3}, {3, 0}})).empty())
       << "one crossing, four vertices";
-  EXPECT_TRUE(HasOutline(StarPolygon(5, 2, 9, 12))) << "5 crossings, 0.32 * 17 rounds to 5";
-  EXPECT_FALSE(HasOutline(StarPolygon(5, 2, 0, 13))) << "0.32 * 18 rounds to 6";
+  EXPECT_FALSE(OutlineOf(StarPolygon(5, 2, 9, 12)).empty()) << "5 crossings, 0.32 * 17 rounds to 5";
+  EXPECT_TRUE(OutlineOf(StarPolygon(5, 2, 0, 13)).empty()) << "0.32 * 18 rounds to 6";
 }
 
 // Thirty thousand edges across one disc would cross some hundred million times.
@@ -293,30 +265,26 @@ TVectorGraph StarWithShortCuts(int Count, int Step, int ShortCuts, double Radius
 }
 
 TEST(CircuitOutline, IsTheLastResortForFewLongCircuitsOfSimilarOutlines) {
-  struct TRow {
-    bool Inside;
-    int Similar, ShortCuts;
-  };
-  for (const TRow& row : {TRow{false, 3, 13}, {false, 2, 13}, {true, 3, 13}, {false, 3, 10}}) {
-    const TVectorGraph graph = StarWithShortCuts(301, 3, row.ShortCuts);  // 11 circuits go round less than 12 times
+  const auto isTaken = [](bool inside, int similar, int shortCuts) {
+    const TVectorGraph graph = StarWithShortCuts(301, 3, shortCuts);
     TKineticCircuits search(graph, 2);
-    EXPECT_TRUE(search.DFSLoops(row.Inside, ntComplete, row.Similar));
-    EXPECT_EQ(search.SccOutline().empty(), row.Inside || row.Similar < 3 || row.ShortCuts < 13);
-  }
+    EXPECT_TRUE(search.DFSLoops(inside, ntComplete, similar));
+    return !search.SccOutline().empty();
+  };
+  EXPECT_TRUE(isTaken(false, 3, 13));
+  EXPECT_FALSE(isTaken(false, 2, 13));
+  EXPECT_FALSE(isTaken(true, 3, 13));
+  EXPECT_FALSE(isTaken(false, 3, 10)) << "11 circuits go round less than 12 times";
 }
 
 TEST(KineticCircuits, ErrorsHaveATextForTheirPlace) {
-  const auto textOf = [](const TVectorGraph& graph) -> std::string {
-    try {
-      TKineticCircuits(graph, 2).DFSLoops(false, ntComplete, 3);
-    } catch (const TNestError& error) {
-      return error.what();
-    }
-    return "";
-  };
-  EXPECT_EQ(textOf(TVectorGraph(0)), "Empty Sccs.");
-  EXPECT_EQ(textOf(OnCircleGraph(3, {{0, 1}, {1, 2}, {0, 2}})), "Empty Sccs.");
-  EXPECT_EQ(textOf(StarWithShortCuts(301, 3, 13, 1e17)), "Error in Circuit") << "coordinates that no cell can hold";
+  const std::pair<TVectorGraph, const char*> cases[] = {
+      {TVectorGraph(0), "Empty Sccs."},
+      {OnCircleGraph(3, {{0, 1}, {1, 2}, {0, 2}}), "Empty Sccs."},
+      {StarWithShortCuts(301, 3, 13, 1e17), "Error in Circuit"}};  // coordinates that no cell can hold
+  for (const auto& row : cases)
+    EXPECT_THAT([&] { TKineticCircuits(row.first, 2).DFSLoops(false, ntComplete, 3); },
+                testing::ThrowsMessage<TNestError>(row.second));
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "Contours.h"
@@ -18,9 +20,7 @@ namespace {
 
 using testing::ElementsAre;
 
-TVPolyline2D UnitSquare() {
-  return {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-}
+const TVPolyline2D kUnitSquare = Rect(0, 0, 1, 1);
 
 // Edges of one direction: the first along the contour leads, the others follow last to first.
 //    __    __    __
@@ -49,26 +49,20 @@ TEST(KineticLoop, ClosingPointMakesNoDifferenceAndIsDeletedFromTheInput) {
 }
 
 TEST(KineticLoop, CleaningDropsShortEdgesAndStraightVertices) {
-  const struct {
-    const char* Name;
-    TVPolyline2D Contour;
-    int Edges;
-  } cases[] = {
-      {"flat turn", {{0, 0}, {5, 3e-5}, {10, 0}, {10, 10}, {0, 10}}, 4},
-      {"turn beyond the limit", {{0, 0}, {5, 5e-5}, {10, 0}, {10, 10}, {0, 10}}, 5},
-      {"short edge", {{0, 0}, {10, 0}, {10, 10}, {9.9995, 10.0005}, {0, 10}}, 4},
-      {"edge of the limit", {{0, 0}, {10, 0}, {10, 10}, {9.999, 10.0002}, {0, 10}}, 5},
-      {"fold-back", {{0, 0}, {5, 0}, {15, 0}, {10, 0}, {10, 10}, {0, 10}}, 4},
-      {"last vertex straight, where the walk began", {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 5}}, 4},
-      {"first vertex straight", {{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}, 4},
-      {"fold-back over the start", {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, -5}}, 4},
-      {"closing edge of no length", {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {0, 0}}, 4},
-      {"short closing edge, spared", {{0, 0}, {10, 0}, {10, 10}, {0, 10}, {4e-4, 4e-4}, {2e-4, 1e-4}}, 5},
+  const auto edges = [](const TVPolyline2D& contour) {
+    EXPECT_NEAR(LoopOf(contour).GetPolyline().Area(), contour.Area(), 0.02);
+    return LoopOf(contour).FCount();
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(LoopOf(c.Contour).FCount(), c.Edges) << c.Name;
-    EXPECT_NEAR(LoopOf(c.Contour).GetPolyline().Area(), c.Contour.Area(), 0.02) << c.Name;
-  }
+  EXPECT_EQ(edges({{0, 0}, {5, 3e-5}, {10, 0}, {10, 10}, {0, 10}}), 4);
+  EXPECT_EQ(edges({{0, 0}, {5, 5e-5}, {10, 0}, {10, 10}, {0, 10}}), 5) << "turn beyond the limit";
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {9.9995, 10.0005}, {0, 10}}), 4);
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {9.999, 10.0002}, {0, 10}}), 5) << "edge of the limit";
+  EXPECT_EQ(edges({{0, 0}, {5, 0}, {15, 0}, {10, 0}, {10, 10}, {0, 10}}), 4) << "fold-back";
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 5}}), 4) << "last vertex straight, where the walk began";
+  EXPECT_EQ(edges({{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}), 4) << "first vertex straight";
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, -5}}), 4) << "fold-back over the start";
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {0, 0}}), 4) << "closing edge of no length";
+  EXPECT_EQ(edges({{0, 0}, {10, 0}, {10, 10}, {0, 10}, {4e-4, 4e-4}, {2e-4, 1e-4}}), 5) << "short closing edge, spared";
   // A removed vertex is the end of the edge looked at, so of a cluster the first one stays.
   const TKMPLoop cluster = LoopOf({{0, 0}, {10, 0}, {10.0006, 0.0001}, {10.0003, 0.0005}, {10, 10}, {0, 10}});
   EXPECT_EQ(cluster.GetPolyline().BoundBox().Right, 10);
@@ -107,7 +101,7 @@ TEST(KineticLoop, RandomLoopsHoldTheirContour) {
 
 TEST(KineticLoop, AGivenAreaIsKeptAndParallelsCountOnRequest) {
   for (const auto& [given, kept] : {std::pair{-7.0, -7.0}, {1e-12, 1.0}}) {
-    TVPolyline2D contour = UnitSquare();
+    TVPolyline2D contour = kUnitSquare;
     TKMPLoop loop;
     loop.SetArea(given);
     loop.Initialize(contour);
@@ -115,14 +109,14 @@ TEST(KineticLoop, AGivenAreaIsKeptAndParallelsCountOnRequest) {
     EXPECT_DOUBLE_EQ(loop.ToConvexLoop().Area(), 1) << "a stand-in has its own";
   }
   for (const double lift : {0.9e-9, -0.9e-9, 1.1e-9, -1.1e-9}) {
-    const bool isParallel = std::fabs(lift) < 1e-9;
     TKMPEdge edge, other;
     edge.FDirectionVector = {100, 0};
     other.FDirectionVector = {100, lift};
     double mul = 0;
     for (const bool withParallels : {false, true}) {
-      EXPECT_EQ(edge.IsLeft(other, withParallels, mul), isParallel ? withParallels : lift > 0) << lift;
-      EXPECT_EQ(edge.isRight(other, withParallels, mul), isParallel ? withParallels : lift < 0) << lift;
+      const bool counts = withParallels && std::fabs(lift) < 1e-9;
+      EXPECT_EQ(edge.IsLeft(other, withParallels, mul), counts || lift > 1e-9) << lift;
+      EXPECT_EQ(edge.isRight(other, withParallels, mul), counts || lift < -1e-9) << lift;
     }
   }
 }
@@ -141,21 +135,13 @@ TEST(KineticLoop, NeedleBecomesItsInflatedBox) {
 
 TEST(KineticLoop, WhatCannotBeRepairedRaisesTheText) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const TVPolyline2D hopeless[] = {{},
-                                   {{5, 5}},
-                                   {{0, 0}, {1000, 0.005}, {2000, 0}},
-                                   {{0, 0}, {10, 0}, {nan, 10}},
-                                   {{0, 0}, {1e300, 0}, {1e300, 1e300}, {0, -1e300}}};
-  for (TVPolyline2D contour : hopeless) {
-    TKMPLoop loop = LoopOf(UnitSquare());
-    try {
-      loop.Initialize(contour);
-      FAIL();
-    } catch (const TNestError& error) {
-      EXPECT_STREQ(error.what(),
-                   "\xE5\x9B\xBE\xE5\xBD\xA2\xE5\xAD\x98\xE5\x9C\xA8\xE9\x87\x8D\xE5\xA4\x8D"
-                   "\xE8\xBE\xB9\xE6\x88\x96\xE8\x80\x85\xE8\x87\xAA\xE4\xBA\xA4");
-    }
+  for (TVPolyline2D hopeless : {TVPolyline2D{},
+                                {{5, 5}},
+                                {{0, 0}, {1000, 0.005}, {2000, 0}},
+                                {{0, 0}, {10, 0}, {nan, 10}},
+                                {{0, 0}, {1e300, 0}, {1e300, 1e300}, {0, -1e300}}}) {
+    TKMPLoop loop = LoopOf(kUnitSquare);
+    EXPECT_THAT([&] { loop.Initialize(hopeless); }, testing::ThrowsMessage<TNestError>("图形存在重复边或者自交"));
     EXPECT_EQ(loop.FCount(), 4) << "the edges are as they were";
   }
 }
@@ -181,22 +167,20 @@ TEST(KineticLoop, BoxLoopIsSkewWhereItIsLargeEnough) {
     for (int k = 0; k < i; ++k)
       EXPECT_GT(std::abs(box[i].FAngle - box[k].FAngle) % HALF_TURN_ANGLE, 1000) << "no two edges are parallel";
   EXPECT_TRUE(LoopOf({{0, 0}, {5, 0}, {5, 0.05}, {0, 0.05}}).ToBoundBoxLoop().GetPolyline().IsRect(true));
-  EXPECT_GT(LoopOf(Clockwise(UnitSquare())).ToBoundBoxLoop().Area(), 0);
+  EXPECT_GT(LoopOf(Clockwise(kUnitSquare)).ToBoundBoxLoop().Area(), 0);
 }
 
 // A box of 0.2 by 0.1 with a low roof: too small for the disc to drop a point, so line simplification has to.
 TEST(KineticLoop, LineSimplificationFollowsTheDisc) {
-  const struct {
-    int Level;
-    TNFPType Type;
-    double Tol;  // the roof goes below it
-  } cases[] = {{1, ntExact, 0.005},      {3, ntExact, 0.005},       {4, ntExact, 0.008},   {5, ntExact, 0.01},
-               {6, ntExact, 0.012},      {1, ntComplete, 0.04},     {0, ntComplete, 0.04}, {0, ntConvexHull, 0.04},
-               {4, ntConcaveHull, 0.04}, {6, ntConcaveHull, 0.048}, {1, ntNone, 0.04}};
-  const auto house = [](double Roof) { return LoopOf({{0, 0}, {0.2, 0}, {0.2, 0.1}, {0.1, 0.1 + Roof}, {0, 0.1}}); };
-  for (const auto& c : cases) {
-    EXPECT_EQ(house(c.Tol - 2e-4).ToReducedLoop(c.Level, c.Type).FCount(), 4) << c.Level << " " << c.Tol;
-    EXPECT_EQ(house(c.Tol + 2e-4).ToReducedLoop(c.Level, c.Type).FCount(), 5) << c.Level << " " << c.Tol;
+  const auto house = [](double roof) { return LoopOf({{0, 0}, {0.2, 0}, {0.2, 0.1}, {0.1, 0.1 + roof}, {0, 0.1}}); };
+  // The roof goes below the tolerance.
+  const std::tuple<int, TNFPType, double> cases[] = {
+      {1, ntExact, 0.005}, {3, ntExact, 0.005},      {4, ntExact, 0.008},      {5, ntExact, 0.01},
+      {6, ntExact, 0.012}, {1, ntComplete, 0.04},    {0, ntComplete, 0.04},    {0, ntConvexHull, 0.04},
+      {1, ntNone, 0.04},   {4, ntConcaveHull, 0.04}, {6, ntConcaveHull, 0.048}};
+  for (const auto& [level, type, tol] : cases) {
+    EXPECT_EQ(house(tol - 2e-4).ToReducedLoop(level, type).FCount(), 4) << level << " " << tol;
+    EXPECT_EQ(house(tol + 2e-4).ToReducedLoop(level, type).FCount(), 5) << level << " " << tol;
   }
   EXPECT_EQ(house(1e-3).ToReducedLoop(0, ntExact).FCount(), 5) << "no line step at all";
   const TKMPLoop arrow = LoopOf({{0, 0}, {0.1, 0.05}, {0, 0.1}, {0.05, 0.05}});

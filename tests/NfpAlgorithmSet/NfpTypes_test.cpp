@@ -10,21 +10,16 @@ namespace {
 const TPaths kSquare{{{0, 0}, {10, 0}, {10, 10}, {0, 10}}};
 
 TEST(NfpTypes, CopiesShareTheirPathsAndClonesDoNot) {
-  TNFP nfp(kSquare, ntComplete);
-  const TNFP copy = nfp;
-  const TNFP clone = nfp.Clone();
+  const TNFP nfp(kSquare, ntComplete), copy = nfp, clone = nfp.Clone();
   EXPECT_EQ(copy, nfp);
   EXPECT_NE(clone, nfp) << "identity counts, not content";
   (*nfp.NFP)[0][2].X = 77;
   EXPECT_EQ((*copy.NFP)[0][2].X, 77);
   EXPECT_EQ(*clone.NFP, kSquare);
   EXPECT_NE(TNFP(nfp.NFP, ntConvexHull), nfp) << "same paths, other quality";
-}
-
-TEST(NfpTypes, ResultsWithoutPathsDifferInTypeOnly) {
-  EXPECT_EQ(TNFP(nullptr, ntComplete), TNFP(TPaths{}, ntComplete));
+  EXPECT_EQ(TNFP(nullptr, ntComplete), TNFP(TPaths{}, ntComplete)) << "none is none";
   EXPECT_NE(TNFP(nullptr, ntComplete), TNFP(nullptr, ntNone));
-  EXPECT_NE(TNFP(nullptr, ntComplete), TNFP(kSquare, ntComplete));
+  EXPECT_NE(TNFP(nullptr, ntComplete), nfp);
   EXPECT_TRUE(TNFP().Clone().IsEmpty());
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "GraphFixtures.h"
 
@@ -12,20 +13,10 @@ namespace {
 
 using testing::ElementsAre;
 
-// Reach[a][b]: there is a way from a to b, the empty one included (Warshall 1962).
-std::vector<std::vector<bool>> Reach(const TIdGraph& Graph) {
-  const int count = Graph.MaxVertexId() + 1;
-  std::vector<std::vector<bool>> reach(count, std::vector<bool>(count, false));
-  for (int a = Graph.LowestId(); a < count; ++a) {
-    reach[a][a] = true;
-    for (const int b : Graph.Successors(a))
-      if (b >= Graph.LowestId()) reach[a][b] = true;
-  }
-  for (int k = 0; k < count; ++k)
-    for (int a = 0; a < count; ++a)
-      for (int b = 0; b < count && reach[a][k]; ++b)
-        if (reach[k][b]) reach[a][b] = true;
-  return reach;
+// What can be reached from a vertex, itself included.
+void Reach(const TIdGraph& Graph, int Id, std::set<int>& Reached) {
+  if (Id < Graph.LowestId() || !Reached.insert(Id).second) return;
+  for (const int next : Graph.Successors(Id)) Reach(Graph, next, Reached);
 }
 
 TEST(TarjanComponents, AgreeWithReachabilityOnRandomGraphs) {
@@ -34,13 +25,14 @@ TEST(TarjanComponents, AgreeWithReachabilityOnRandomGraphs) {
     const int count = 1 + static_cast<int>(random() % 14);
     TIdGraph graph = RandomGraph(count, static_cast<int>(random() % 30), false, random);
     graph.SetLowestId(static_cast<int>(random() % 3) % count);
-    const auto reach = Reach(graph);
     const int minSize = static_cast<int>(random() % 4);
-    std::vector<std::vector<int>> expected;
+    std::vector<std::set<int>> reach(count);
+    for (int id = 0; id < count; ++id) Reach(graph, id, reach[id]);
+    TLists expected;
     for (int a = graph.LowestId(); a < count; ++a) {
       std::vector<int> component;
-      for (int b = graph.LowestId(); b < count; ++b)
-        if (reach[a][b] && reach[b][a]) component.push_back(b);
+      for (const int b : reach[a])
+        if (reach[b].count(a)) component.push_back(b);
       if (component.front() == a && Size(component) >= minSize) expected.push_back(component);
     }
 
@@ -71,27 +63,19 @@ TEST(TarjanComponents, ListARingAlongItsEdgesAndTheFirstOfTheLongest) {
 }
 
 TEST(TarjanComponents, SoleCircuitAllowsNothingBesideIt) {
-  struct TRow {
-    const char* What;
-    int Ring;  // from vertex 2 on
-    std::vector<std::pair<int, int>> More;
-    int Lowest;
-    bool Sole;
+  // A ring from vertex 2 on, and more edges.
+  const auto isSole = [](int ring, const std::vector<std::pair<int, int>>& more, int lowest = 0) {
+    TIdGraph graph = GraphOf(9, more);
+    AddRing(graph, 2, ring);
+    graph.SetLowestId(lowest);
+    return TTarjanComponents(graph, 2).IsSoleCircuit();
   };
-  const TRow rows[] = {
-      {"vertices without edges do not count", 5, {}, 0, true},
-      {"a tail", 5, {{3, 8}}, 0, false},
-      {"nor do edges of dead vertices", 5, {{0, 3}, {4, 1}}, 2, true},
-      {"a chord", 5, {{3, 5}}, 0, false},
-      {"two rings", 3, {{5, 6}, {6, 7}, {7, 5}}, 0, false},
-      {"two vertices bound nothing", 2, {}, 0, false},
-  };
-  for (const TRow& row : rows) {
-    TIdGraph graph = GraphOf(9, row.More);
-    AddRing(graph, 2, row.Ring);
-    graph.SetLowestId(row.Lowest);
-    EXPECT_EQ(TTarjanComponents(graph, 2).IsSoleCircuit(), row.Sole) << row.What;
-  }
+  EXPECT_TRUE(isSole(5, {})) << "vertices without edges do not count";
+  EXPECT_TRUE(isSole(5, {{0, 3}, {4, 1}}, 2)) << "nor do edges of dead vertices";
+  EXPECT_FALSE(isSole(5, {{3, 8}})) << "a tail";
+  EXPECT_FALSE(isSole(5, {{3, 5}})) << "a chord";
+  EXPECT_FALSE(isSole(3, {{5, 6}, {6, 7}, {7, 5}})) << "two rings";
+  EXPECT_FALSE(isSole(2, {})) << "two vertices bound nothing";
 }
 
 }  // namespace

@@ -14,20 +14,16 @@ namespace {
 struct TWalkResult {
   bool Found = false;
   std::vector<int> Cycle;
-  std::vector<std::string> Warnings;
+  std::string Warning;  // the last one
 };
 
-TWalkResult Walk(TVectorGraph& Graph) {
+TWalkResult Walk(TVectorGraph Graph) {
   TWalkResult result;
-  const TWarningScope scope([&](std::string_view line) { result.Warnings.emplace_back(line); });
+  const TWarningScope scope([&](std::string_view line) { result.Warning = line; });
   TVertexIdList cycle{99};
   result.Found = Graph.TryGetCcwCycle(cycle);
   result.Cycle = Ids(cycle);
   return result;
-}
-
-std::string Last(const std::vector<std::string>& Lines) {
-  return Lines.empty() ? "" : Lines.back();
 }
 
 //     6---7
@@ -40,11 +36,10 @@ const std::vector<TPoint2D> kTwice{{2, 8}, {5, 0}, {0, 0},   {0, -4},  {8, -4},
 
 void ExpectWalk(const std::vector<TPoint2D>& Points, const std::vector<std::pair<int, int>>& Edges, bool Found,
                 const std::vector<int>& Cycle, const std::string& Warning = "") {
-  TVectorGraph graph = VectorGraphOf(Points, Edges);
-  const TWalkResult result = Walk(graph);
+  const TWalkResult result = Walk(VectorGraphOf(Points, Edges));
   EXPECT_EQ(result.Found, Found);
   EXPECT_TRUE(Cycle.empty() || result.Cycle == Cycle);
-  EXPECT_EQ(Last(result.Warnings), Warning);
+  EXPECT_EQ(result.Warning, Warning);
 }
 
 TEST(OutlineWalk, KeepsToTheOutside) {
@@ -73,14 +68,14 @@ TEST(OutlineWalk, KeepsToTheOutside) {
 // From the top to far ends on one line, then all of them home over the last vertex.
 TEST(OutlineWalk, GivesUpOnTheFourthOverlapAtOneVertex) {
   for (const int along : {4, 5}) {
-    TVectorGraph graph(0);
-    for (int i = 0; i <= along; ++i) graph.AddVertex({1.0 * i, 10.0 - i});
-    graph.AddVertex({0, 0});
-    for (int i = 1; i <= along; ++i) graph.AddEdge(0, i), graph.AddEdge(i, along + 1);
-    graph.AddEdge(along + 1, 0);
-    const TWalkResult result = Walk(graph);
+    std::vector<TPoint2D> points;
+    std::vector<std::pair<int, int>> edges{{along + 1, 0}};
+    for (int i = 0; i <= along; ++i) points.push_back({1.0 * i, 10.0 - i});
+    points.push_back({0, 0});
+    for (int i = 1; i <= along; ++i) edges.insert(edges.end(), {{0, i}, {i, along + 1}});
+    const TWalkResult result = Walk(VectorGraphOf(points, edges));
     EXPECT_EQ(result.Found, along == 4);
-    EXPECT_EQ(Last(result.Warnings), along == 4 ? "" : "Something wrong in [TryCalcOutline]");
+    EXPECT_EQ(result.Warning, along == 4 ? "" : "Something wrong in [TryCalcOutline]");
   }
 }
 
@@ -96,10 +91,9 @@ TEST(OutlineWalk, GivesUpAtTheSixthPairOfEqualEdges) {
     }
     points.push_back({0, 0});
     edges.insert(edges.end(), {{last - 2, last}, {last - 1, last}, {last, 0}});
-    TVectorGraph graph = VectorGraphOf(points, edges);
-    const TWalkResult result = Walk(graph);
+    const TWalkResult result = Walk(VectorGraphOf(points, edges));
     EXPECT_EQ(result.Found, doubles == 5);
-    EXPECT_EQ(Last(result.Warnings) == "Something Error in [TryCalcOutline]", doubles == 6);
+    EXPECT_EQ(result.Warning == "Something Error in [TryCalcOutline]", doubles == 6);
   }
 }
 

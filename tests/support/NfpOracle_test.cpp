@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "ConvexPieces.h"
 #include "ExactMinkowski.h"
 #include "ForEachSeed.h"
 #include "InnerFit.h"
@@ -13,12 +12,8 @@
 namespace platenest {
 namespace {
 
-using TPoints = std::vector<std::array<double, 2>>;
-
-TPath PathOf(const TPoints& Points) {
-  TVPoint2DList list;
-  for (const auto& p : Points) list.push_back({p[0], p[1]});
-  return TPathUtils::CreatePath(list, kPathScale);
+TPath PathOf(const TVPoint2DList& Points) {
+  return TPathUtils::CreatePath(Points, kPathScale);
 }
 
 TPath Box(double Left, double Right, double Bottom, double Top) {
@@ -110,9 +105,8 @@ TEST(NfpOracle, OverlapIsDecidedExactly) {
 }
 
 TEST(NfpOracle, MeasuresOverlap) {
-  const TPaths moved = TPathUtils::Translate(kUnitSquare, {75000, 0});
-  EXPECT_NEAR(OverlapDepth(kUnitSquare, moved), 0.25, 2e-5);
-  EXPECT_EQ(OverlapDepth(kUnitSquare, TPathUtils::Translate(kUnitSquare, {100000, 0})), 0);
+  EXPECT_NEAR(OverlapDepth(kUnitSquare, Moved(kUnitSquare, {75000, 0})), 0.25, 2e-5);
+  EXPECT_EQ(OverlapDepth(kUnitSquare, Moved(kUnitSquare, {100000, 0})), 0);
   // Five drawing units long, a fiftieth of a path unit wide: alone, and beside a square of 500 units.
   TPaths region{{{482355, -1595341}, {-16805, -1585374}, {-16806, -1585374}, {482354, -1595341}}};
   EXPECT_LE(InnerWidth(region), 4e-5);
@@ -127,7 +121,7 @@ TEST(NfpOracle, NoticesWrongPaths) {
   const auto fault = [&](const TPaths& Paths, const TSamplingOptions& Options = {}) {
     return CheckNfpBySampling(kAngle, kUnitSquare, Paths, 1, Options);
   };
-  const auto moved = [&](Int64 By) { return TPathUtils::Translate(right, {By, 0}); };
+  const auto moved = [&](Int64 By) { return Moved(right, {By, 0}); };
   EXPECT_NE(fault({}).find("overlap outside the paths"), std::string::npos);
   EXPECT_NE(fault(full).find("no overlap inside the paths"), std::string::npos);
   EXPECT_EQ(fault(moved(-2)), "") << "in the band";
@@ -148,14 +142,6 @@ TEST(NfpOracle, NoticesWrongPaths) {
   EXPECT_EQ(CompareRegions(moved(-10), right, 6e-5).Relative(), 0) << "a sliver within the band";
   EXPECT_GT(CompareRegions(moved(-10), right, 4e-5).Relative(), 0);
   EXPECT_EQ(CompareRegions({Box(-1, 2, -1, 1)}, right, 2e-5, 2.01).Lost, 0);
-}
-
-TEST(ConvexPieces, TakePolygonsThatTouchOrCrossThemselves) {
-  const TPaths touching{Box(0, 4, 0, 4), Hole(PathOf({{0, 2}, {1, 1}, {1, 3}})), Hole(Box(1, 2, 1.5, 2.5))};
-  EXPECT_DOUBLE_EQ(TPathUtils::Area(ConvexPieces(touching)) / 1e10, 14);
-  const TPaths pentagram{PathOf({{0, 10}, {-6, -8}, {10, 3}, {-10, 3}, {6, -8}})};  // its middle is wound twice
-  EXPECT_NEAR(TPathUtils::Area(ConvexPieces(pentagram)) / 1e10, RegionArea(pentagram), 1e-3);
-  EXPECT_NEAR(CompareRegions(ConvexPieces(pentagram), pentagram).Relative(), 0, 1e-9);
 }
 
 }  // namespace

@@ -1,80 +1,53 @@
 #include "ExactMinkowski.h"
 
 #include <algorithm>
-
-#include "ConvexPieces.h"
+#include <vector>
 
 namespace platenest {
 
 namespace {
 
-// Contours of a first batch, and results that are united into one at each level above.
-constexpr std::size_t kFirstBatch = 16;
-constexpr std::size_t kFan = 4;
+constexpr Int64 kFine = 64;      // to the path unit, so that the rounding of each level does not add up to one
+constexpr std::size_t kFan = 4;  // so many results are united into one at each level
 
-std::size_t LowestOf(const TPath& Contour) {
-  const auto less = [](const TIntPoint& a, const TIntPoint& b) { return a.Y < b.Y || (a.Y == b.Y && a.X < b.X); };
-  return static_cast<std::size_t>(std::min_element(Contour.begin(), Contour.end(), less) - Contour.begin());
-}
-
-// United in small batches and their results level by level, which is faster than at once.
-TPaths UniteMany(std::vector<TPath> Contours) {
-  std::vector<TPaths> parts;
-  for (std::size_t begin = 0; begin < Contours.size(); begin += kFirstBatch) {
-    const std::size_t end = std::min(begin + kFirstBatch, Contours.size());
-    parts.push_back(Normalized(
-        {Contours.begin() + static_cast<std::ptrdiff_t>(begin), Contours.begin() + static_cast<std::ptrdiff_t>(end)}));
-  }
-  while (parts.size() > 1) {
-    std::vector<TPaths> larger;
-    for (std::size_t begin = 0; begin < parts.size(); begin += kFan) {
-      TPaths all;
-      for (std::size_t i = begin; i < std::min(begin + kFan, parts.size()); ++i)
-        TPathUtils::PathsAddRange(all, parts[i]);
-      larger.push_back(Normalized(all));
+// United level by level, which is faster than at once.
+TPaths UniteMany(std::vector<TPaths> Parts) {
+  for (std::size_t step = 1; step < Parts.size(); step *= kFan) {
+    for (std::size_t i = 0; i < Parts.size(); i += step * kFan) {
+      for (std::size_t k = i + step; k < std::min(i + step * kFan, Parts.size()); k += step)
+        TPathUtils::PathsAddRange(Parts[i], Parts[k]);
+      Parts[i] = Normalized(Parts[i]);
     }
-    parts = std::move(larger);
   }
-  return parts.empty() ? TPaths() : std::move(parts.front());
+  return std::move(Parts.front());
 }
 
-// Sum of two convex counter-clockwise contours, by merging their edges in the order of their directions. Exact.
-TPath ConvexSum(const TPath& A, const TPath& B) {
-  const std::size_t startA = LowestOf(A);
-  const std::size_t startB = LowestOf(B);
-  TPath sum;
-  std::size_t i = 0;
-  std::size_t j = 0;
-  while (i < A.size() || j < B.size()) {
-    const TIntPoint& a = A[(startA + i) % A.size()];
-    const TIntPoint& b = B[(startB + j) % B.size()];
-    sum.push_back(TPathUtils::CreateIntPoint(a.X + b.X, a.Y + b.Y));
-    const TIntPoint& nextA = A[(startA + i + 1) % A.size()];
-    const TIntPoint& nextB = B[(startB + j + 1) % B.size()];
-    const TIntPoint edgeA{nextA.X - a.X, nextA.Y - a.Y};
-    const TIntPoint edgeB{nextB.X - b.X, nextB.Y - b.Y};
-    TWide turn = Turn({0, 0}, edgeA, edgeB);
-    if (i == A.size()) turn = -1;
-    if (j == B.size()) turn = 1;
-    if (turn >= 0) ++i;
-    if (turn <= 0) ++j;
+// What the segment passes when it is moved along the border of a polygon: a parallelogram for each edge.
+TPaths Swept(const TIntPoint& A, const TIntPoint& B, const TPaths& Polygon) {
+  TPaths swept;
+  for (const TPath& contour : Polygon) {
+    for (std::size_t i = 0; i < contour.size(); ++i) {
+      const TIntPoint& c = contour[i];
+      const TIntPoint& d = Next(contour, i);
+      swept.push_back({{A.X + c.X, A.Y + c.Y}, {B.X + c.X, B.Y + c.Y}, {B.X + d.X, B.Y + d.Y}, {A.X + d.X, A.Y + d.Y}});
+      if (!ClipperLib::Orientation(swept.back())) ClipperLib::ReversePath(swept.back());
+    }
   }
-  return sum;
+  return Normalized(swept);
 }
 
 }  // namespace
 
-TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B) {
-  std::vector<TPath> sums;
-  sums.reserve(A.size() * B.size());
-  for (const TPath& a : A) {
-    for (const TPath& b : B) sums.push_back(ConvexSum(a, b));
-  }
-  return UniteMany(std::move(sums));
-}
-
+// Two shapes meet where their borders meet, or one holds a whole contour of the other.
 TPaths ForbiddenRegion(const TPaths& Static, const TPaths& Dynamic) {
-  return MinkowskiSumOfPieces(ConvexPieces(Static), ConvexPieces(Negated(Dynamic)));
+  if (Static.empty() || Dynamic.empty()) return {};
+  const TPaths fixed = Scaled(Static, kFine), mirrored = Scaled(Dynamic, -kFine);
+  std::vector<TPaths> parts;
+  for (const TPath& contour : mirrored) parts.push_back(Moved(fixed, contour.front()));
+  for (const TPath& contour : fixed) parts.push_back(Moved(mirrored, contour.front()));
+  for (const TPath& contour : fixed)
+    for (std::size_t i = 0; i < contour.size(); ++i) parts.push_back(Swept(contour[i], Next(contour, i), mirrored));
+  return Normalized(TPathUtils::Zoom(UniteMany(std::move(parts)), 1.0 / kFine));
 }
 
 TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic) {

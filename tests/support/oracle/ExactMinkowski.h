@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "Region.h"
 
 // The forbidden translations of one shape around another: those at which the moving one, from its own origin, overlaps
@@ -10,11 +8,8 @@
 // of a region and vanish in it; ask Overlaps() for such a place.
 namespace platenest {
 
-// Sum of two polygons, holes included: their convex pieces are summed pair by pair and united. Exact but for the
-// rounding of crossing points by the union, about one unit. Normalised.
-TPaths MinkowskiSumOfPieces(const std::vector<TPath>& A, const std::vector<TPath>& B);
-
-// Static and moving shape as polygons. Normalised; empty if one of them is.
+// Static and moving shape as connected polygons, holes included. Exact but for the rounding of crossing points by the
+// unions, about one unit. Normalised; empty if one of the shapes is. About the square of the product of edge counts.
 TPaths ForbiddenRegion(const TPaths& Static, const TPaths& Dynamic);
 TPaths ForbiddenRegion(const TVHPolygon& Static, const TVHPolygon& Dynamic);
 

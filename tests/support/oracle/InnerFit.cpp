@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "ConvexPieces.h"
 #include "ExactMinkowski.h"
 #include "OverlapDepth.h"
 #include "platenest/foundation/Rounding.h"
@@ -39,10 +38,9 @@ TPaths InnerFitRegion(const TPaths& Plate, const TPaths& Part) {
   if (Plate.empty() || Part.empty()) return {};
   const TIntRect range = BoxRange(TPathUtils::BoundBox(Plate), TPathUtils::BoundBox(Part));
   if (range.Width() <= 0 || range.Height() <= 0) return {};
-  const std::vector<TPath> moving = ConvexPieces(Negated(Part));
   TPaths taken;
   for (const TPaths& obstacle : PlateSurroundings(Plate))
-    TPathUtils::PathsAddRange(taken, MinkowskiSumOfPieces(ConvexPieces(obstacle), moving));
+    TPathUtils::PathsAddRange(taken, ForbiddenRegion(obstacle, Part));
   return Clipped({BoxPath(range)}, taken, ClipperLib::ctDifference);
 }
 
@@ -51,7 +49,7 @@ TPaths InnerFitRegion(const TVHPolygon& Plate, const TVHPolygon& Part) {
 }
 
 bool FitsAt(const TPaths& Plate, const TPaths& Part, const TIntPoint& At) {
-  const TPaths moved = TPathUtils::Translate(Part, TPathUtils::CreatePointL2D(At));
+  const TPaths moved = Moved(Part, At);
   const TIntRect plate = TPathUtils::BoundBox(Plate);
   const TIntRect part = TPathUtils::BoundBox(moved);
   if (part.Left < plate.Left || part.Right > plate.Right) return false;

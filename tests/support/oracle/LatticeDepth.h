@@ -18,7 +18,7 @@ inline TIntPoint UnitsOf(const TPoint2D& Vector) {
 }
 
 inline double DepthAt(const TPaths& Fixed, const TPaths& Moving, const TPoint2D& At) {
-  const TPaths moved = TPathUtils::Translate(Moving, TPathUtils::CreatePointL2D(UnitsOf(At)));
+  const TPaths moved = Moved(Moving, UnitsOf(At));
   const TIntRect a = TPathUtils::BoundBox(Fixed);
   const TIntRect b = TPathUtils::BoundBox(moved);
   if (a.Right <= b.Left || b.Right <= a.Left || a.Top <= b.Bottom || b.Top <= a.Bottom) return 0;

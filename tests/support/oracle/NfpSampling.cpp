@@ -7,6 +7,7 @@
 #include <limits>
 #include <numbers>
 
+#include "Contours.h"
 #include "InnerFit.h"
 #include "OverlapDepth.h"
 #include "platenest/foundation/Random.h"
@@ -16,20 +17,21 @@ namespace platenest {
 
 namespace {
 
+using test::Uniform;
+
 constexpr double kSquareScale = kPathScale * kPathScale;
 
 // So many vertices of the paths are tried as they are, evenly spread if there are more.
 constexpr std::size_t kMostVertices = 100;
 
-// How the moving shape lies at a place: exactly free, and if not, the width of what it overlaps.
+// How the moving shape lies at a place: exactly free, and if not, the width of what it overlaps. And what to say where
+// it should not lie so.
 struct TProbe {
+  const char* NotTaken;
+  const char* NotFree;
   std::function<bool(const TIntPoint&)> IsFree;
   std::function<double(const TIntPoint&)> Depth;
 };
-
-double Uniform() {
-  return Random(1 << 30) / static_cast<double>(1 << 30);
-}
 
 std::string TextOf(const TIntPoint& At, const char* What, double Distance) {
   char text[200];
@@ -44,17 +46,17 @@ TIntPoint NearEdge(const TPaths& Paths, double Span) {
   const std::size_t i = static_cast<std::size_t>(Random(Size(contour)));
   const TIntPoint& a = contour[i];
   const TIntPoint& b = Next(contour, i);
-  const double t = Uniform();
-  const double angle = 2 * std::numbers::pi * Uniform();
-  const double distance = std::pow(std::max(2.0, Span), Uniform());
+  const double t = Uniform(0, 1);
+  const double angle = 2 * std::numbers::pi * Uniform(0, 1);
+  const double distance = std::pow(std::max(2.0, Span), Uniform(0, 1));
   const double x = static_cast<double>(a.X) + t * static_cast<double>(b.X - a.X) + distance * std::cos(angle);
   const double y = static_cast<double>(a.Y) + t * static_cast<double>(b.Y - a.Y) + distance * std::sin(angle);
   return {Round(x), Round(y)};
 }
 
 TIntPoint InBox(const TIntRect& Box) {
-  const double x = static_cast<double>(Box.Left) + Uniform() * static_cast<double>(Box.Width());
-  const double y = static_cast<double>(Box.Bottom) + Uniform() * static_cast<double>(Box.Height());
+  const double x = static_cast<double>(Box.Left) + Uniform(0, 1) * static_cast<double>(Box.Width());
+  const double y = static_cast<double>(Box.Bottom) + Uniform(0, 1) * static_cast<double>(Box.Height());
   return {Round(x), Round(y)};
 }
 
@@ -99,10 +101,6 @@ TPaths Without(const TPaths& A, const TPaths& B) {
   return Clipped(A, B, ClipperLib::ctDifference);
 }
 
-TPaths Moved(const TPaths& Polygon, const TIntPoint& At) {
-  return TPathUtils::Translate(Polygon, TPathUtils::CreatePointL2D(At));
-}
-
 // No free place in reach of the band, and of the overlap not only a sliver: between two borders that meet at a sharp
 // angle there may be no free whole point near their rounded crossing.
 bool IsDeep(const TIntPoint& At, double Band, const TProbe& Probe) {
@@ -110,22 +108,17 @@ bool IsDeep(const TIntPoint& At, double Band, const TProbe& Probe) {
   return std::none_of(places.begin(), places.end(), Probe.IsFree) && Probe.Depth(At) > Band;
 }
 
-struct TWords {
-  const char* MustBeTaken;
-  const char* MustBeFree;
-};
-
 // FreePlace is where the paths promise a free position; the border always belongs to the free side.
 std::string Check(const TPaths& Paths, const TPath& Samples, TPlace FreePlace, const TSamplingOptions& Options,
-                  const TWords& Words, const TProbe& Probe) {
+                  const TProbe& Probe) {
   const double band = Options.Band * kPathScale;
   for (const TIntPoint& at : Samples) {
     const TPlace place = PlaceOf(at, Paths);
     const double distance = DistanceToBorder(at, Paths);
     if (place == FreePlace || place == TPlace::Border) {
-      if (IsDeep(at, Options.Band, Probe)) return TextOf(at, Words.MustBeFree, distance);
+      if (IsDeep(at, Options.Band, Probe)) return TextOf(at, Probe.NotFree, distance);
     } else if (!Options.SafeSideOnly && distance > band && Probe.IsFree(at)) {
-      return TextOf(at, Words.MustBeTaken, distance);
+      return TextOf(at, Probe.NotTaken, distance);
     }
   }
   return {};
@@ -154,8 +147,8 @@ std::string CheckNfpBySampling(const TPaths& Static, const TPaths& Dynamic, cons
   const TRandomScope scope(Seed);
   const TIntRect box = SumBox(TPathUtils::BoundBox(Static), TPathUtils::BoundBox(Dynamic));
   return Check(Paths, Samples(Paths, box, Options.Samples), TPlace::Outside, Options,
-               {"no overlap inside the paths", "overlap outside the paths"},
-               {[&](const TIntPoint& at) { return !OverlapsAt(Static, Dynamic, at); },
+               {"no overlap inside the paths", "overlap outside the paths",
+                [&](const TIntPoint& at) { return !OverlapsAt(Static, Dynamic, at); },
                 [&](const TIntPoint& at) { return OverlapDepth(Static, Moved(Dynamic, at)); }});
 }
 
@@ -173,8 +166,8 @@ std::string CheckInnerFitBySampling(const TPaths& Plate, const TPaths& Part, con
   const auto [bottom, top] = std::minmax({plate.Bottom - part.Bottom, plate.Top - part.Top});
   const TIntRect range{left, right, top, bottom};
   return Check(Paths, Samples(Paths, range, Options.Samples), TPlace::Inside, Options,
-               {"a fit outside the paths", "no fit inside the paths"},
-               {[&](const TIntPoint& at) { return FitsAt(Plate, Part, at); },
+               {"a fit outside the paths", "no fit inside the paths",
+                [&](const TIntPoint& at) { return FitsAt(Plate, Part, at); },
                 [&](const TIntPoint& at) { return InnerWidth(Without(Moved(Part, at), Plate)); }});
 }
 

@@ -31,13 +31,14 @@ std::vector<TSide> SidesIn(const TIntRect& Box, const TPaths& Polygon) {
   return sides;
 }
 
+// 1 to the left, -1 to the right.
+int SideOf(const TSide& Side, const TIntPoint& Point) {
+  const TWide turn = Turn(Side.A, Side.B, Point);
+  return (turn > 0) - (turn < 0);
+}
+
 bool CrossProperly(const TSide& S, const TSide& T) {
-  const TWide a = Turn(S.A, S.B, T.A);
-  const TWide b = Turn(S.A, S.B, T.B);
-  if (a == 0 || b == 0 || (a > 0) == (b > 0)) return false;
-  const TWide c = Turn(T.A, T.B, S.A);
-  const TWide d = Turn(T.A, T.B, S.B);
-  return c != 0 && d != 0 && (c > 0) != (d > 0);
+  return SideOf(S, T.A) * SideOf(S, T.B) < 0 && SideOf(T, S.A) * SideOf(T, S.B) < 0;
 }
 
 void AddCut(TSide& Side, const TIntPoint& Point) {
@@ -59,53 +60,31 @@ bool CutOrCross(std::vector<TSide>& First, std::vector<TSide>& Second) {
   return false;
 }
 
-TIntPoint Doubled(const TIntPoint& P) {
-  return {2 * P.X, 2 * P.Y};
-}
-
-// All of the other polygon and its sides at twice the size, where the middle of two vertices is a whole point.
-struct TDoubled {
-  TPaths Polygon;
-  std::vector<TSide> Sides;
-};
-
-TDoubled Double(const TPaths& Polygon, const std::vector<TSide>& Sides) {
-  TDoubled result{Polygon, {}};
-  for (TPath& contour : result.Polygon) std::transform(contour.begin(), contour.end(), contour.begin(), Doubled);
-  for (const TSide& side : Sides) result.Sides.push_back({Doubled(side.A), Doubled(side.B), {}});
-  return result;
-}
-
 // Whether the inside of the other polygon lies to the left of a stretch from A to B that no vertex of it interrupts.
-bool InsideIsLeft(const TIntPoint& A, const TIntPoint& B, const TDoubled& Other) {
-  const TIntPoint middle{A.X + B.X, A.Y + B.Y};
-  const TPlace place = PlaceOf(middle, Other.Polygon);
+bool InsideIsLeft(const TIntPoint& A, const TIntPoint& B, const TPaths& Other, const std::vector<TSide>& Sides) {
+  const TIntPoint middle{(A.X + B.X) / 2, (A.Y + B.Y) / 2};
+  const TPlace place = PlaceOf(middle, Other);
   if (place != TPlace::Border) return place == TPlace::Inside;
-  return std::any_of(Other.Sides.begin(), Other.Sides.end(), [&](const TSide& t) {
-    if (!IsOnSegment(middle, t.A, t.B)) return false;
+  return std::any_of(Sides.begin(), Sides.end(), [&](const TSide& t) {
     const TWide along =
         static_cast<TWide>(B.X - A.X) * (t.B.X - t.A.X) + static_cast<TWide>(B.Y - A.Y) * (t.B.Y - t.A.Y);
-    return along > 0;
+    return along > 0 && IsOnSegment(middle, t.A, t.B);
   });
 }
 
-bool AnyStretchInside(std::vector<TSide>& Sides, const TIntRect& Box, const TDoubled& Other) {
-  for (TSide& side : Sides) {
-    TPath stops = std::move(side.Cuts);
-    stops.push_back(side.A);
-    stops.push_back(side.B);
-    const TIntPoint start = side.A;
-    SortBy(stops, [&](const TIntPoint& p, const TIntPoint& q) {
-      const Int64 toP = std::abs(p.X - start.X) + std::abs(p.Y - start.Y);
-      const Int64 toQ = std::abs(q.X - start.X) + std::abs(q.Y - start.Y);
-      return (toP > toQ) - (toP < toQ);
-    });
-    stops.erase(std::unique(stops.begin(), stops.end()), stops.end());
+bool AnyStretchInside(const std::vector<TSide>& Sides, const TIntRect& Box, const TPaths& Other,
+                      const std::vector<TSide>& OtherSides) {
+  return std::any_of(Sides.begin(), Sides.end(), [&](const TSide& side) {
+    TPath stops = side.Cuts;
+    stops.insert(stops.end(), {side.A, side.B});
+    const auto way = [&](const TIntPoint& p) { return std::abs(p.X - side.A.X) + std::abs(p.Y - side.A.Y); };
+    SortBy(stops, [&](const TIntPoint& p, const TIntPoint& q) { return (way(p) > way(q)) - (way(p) < way(q)); });
     for (std::size_t i = 0; i + 1 < stops.size(); ++i) {
-      if (Reaches(Box, stops[i], stops[i + 1]) && InsideIsLeft(stops[i], stops[i + 1], Other)) return true;
+      if (stops[i] == stops[i + 1] || !Reaches(Box, stops[i], stops[i + 1])) continue;
+      if (InsideIsLeft(stops[i], stops[i + 1], Other, OtherSides)) return true;
     }
-  }
-  return false;
+    return false;
+  });
 }
 
 // Slivers below a path unit turn inside out in the offset; a true rest keeps its distance from the border.
@@ -124,21 +103,22 @@ bool Survives(const TPaths& Region, double Inset) {
 }  // namespace
 
 // Where no sides cross, the insides meet if and only if some stretch of one border, cut at all contacts, runs in the
-// other polygon or along its border in the same direction.
+// other polygon or along its border in the same direction. At twice the size the middle of a stretch is a whole point.
 bool Overlaps(const TPaths& A, const TPaths& B) {
-  const TIntRect a = TPathUtils::BoundBox(A);
-  const TIntRect b = TPathUtils::BoundBox(B);
+  const TPaths polygons[] = {Scaled(A, 2), Scaled(B, 2)};
+  const TIntRect a = TPathUtils::BoundBox(polygons[0]);
+  const TIntRect b = TPathUtils::BoundBox(polygons[1]);
   const TIntRect common{std::max(a.Left, b.Left), std::min(a.Right, b.Right), std::min(a.Top, b.Top),
                         std::max(a.Bottom, b.Bottom)};
   if (common.Left >= common.Right || common.Bottom >= common.Top) return false;
-  std::vector<TSide> first = SidesIn(common, A);
-  std::vector<TSide> second = SidesIn(common, B);
+  std::vector<TSide> first = SidesIn(common, polygons[0]);
+  std::vector<TSide> second = SidesIn(common, polygons[1]);
   if (CutOrCross(first, second)) return true;
-  return AnyStretchInside(first, common, Double(B, second)) || AnyStretchInside(second, common, Double(A, first));
+  return AnyStretchInside(first, common, polygons[1], second) || AnyStretchInside(second, common, polygons[0], first);
 }
 
 bool OverlapsAt(const TPaths& Static, const TPaths& Dynamic, const TIntPoint& At) {
-  return Overlaps(Static, TPathUtils::Translate(Dynamic, TPathUtils::CreatePointL2D(At)));
+  return Overlaps(Static, Moved(Dynamic, At));
 }
 
 double OverlapDepth(const TPaths& A, const TPaths& B) {

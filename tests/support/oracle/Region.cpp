@@ -34,13 +34,6 @@ bool NeighboursFold(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C) 
 
 }  // namespace
 
-bool IsConvex(const TPath& Contour) {
-  const std::size_t n = Contour.size();
-  for (std::size_t i = 0; i < n; ++i)
-    if (Turn(Contour[i], Contour[(i + 1) % n], Contour[(i + 2) % n]) < 0) return false;
-  return true;
-}
-
 bool IsOnSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B) {
   return BoxesMeet(Point, Point, A, B) && Turn(A, B, Point) == 0;
 }
@@ -86,12 +79,18 @@ TVHPolygon PartOf(const TPaths& Polygon) {
   return part;
 }
 
+TPaths Scaled(TPaths Polygon, Int64 Factor) {
+  for (TPath& contour : Polygon)
+    for (TIntPoint& point : contour) point = {Factor * point.X, Factor * point.Y};
+  return Polygon;
+}
+
 TPaths Negated(const TPaths& Polygon) {
-  TPaths result = Polygon;
-  for (TPath& contour : result) {
-    for (TIntPoint& point : contour) point = {-point.X, -point.Y};
-  }
-  return result;
+  return Scaled(Polygon, -1);
+}
+
+TPaths Moved(const TPaths& Polygon, const TIntPoint& By) {
+  return TPathUtils::Translate(Polygon, TPathUtils::CreatePointL2D(By));
 }
 
 TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type) {

@@ -29,9 +29,6 @@ inline bool BoxesMeet(const TIntPoint& A, const TIntPoint& B, const TIntPoint& C
          std::max(A.Y, B.Y) >= std::min(C.Y, D.Y) && std::min(A.Y, B.Y) <= std::max(C.Y, D.Y);
 }
 
-// No corner turns right.
-bool IsConvex(const TPath& Contour);
-
 // On the closed segment.
 bool IsOnSegment(const TIntPoint& Point, const TIntPoint& A, const TIntPoint& B);
 
@@ -44,8 +41,12 @@ double DistanceToBorder(const TIntPoint& Point, const TPaths& Region);
 TPaths PolygonOf(const TVHPolygon& Part);
 TVHPolygon PartOf(const TPaths& Polygon);
 
+TPaths Scaled(TPaths Polygon, Int64 Factor);
+
 // Rotated by half a turn: every point negated. Orientation stays.
 TPaths Negated(const TPaths& Polygon);
+
+TPaths Moved(const TPaths& Polygon, const TIntPoint& By);
 
 // One operation under non-zero fill for both, without contours of fewer than three points.
 TPaths Clipped(const TPaths& Subject, const TPaths& Clip, ClipperLib::ClipType Type);

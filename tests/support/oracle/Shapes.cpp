@@ -3,20 +3,20 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
+#include "Contours.h"
 #include "platenest/foundation/Random.h"
 #include "platenest/foundation/Rounding.h"
-#include "platenest/foundation/Sort.h"
 
 namespace platenest {
 
 namespace {
 
+using test::Uniform;
+
 constexpr double kTurn = 2 * std::numbers::pi;
 
-double Uniform(double Low, double High) {
-  return Low + (High - Low) * Random(1 << 30) / static_cast<double>(1 << 30);
-}
 int Whole(int Low, int High) {
   return Low + Random(High - Low + 1);
 }
@@ -28,21 +28,17 @@ TIntPoint Polar(double Radius, double Angle) {
   return At(Radius * std::cos(Angle), Radius * std::sin(Angle));
 }
 
+// Points in the order of their directions from the middle.
 TPath HullOf(TPath Points) {
-  SortBy(Points, [](const TIntPoint& a, const TIntPoint& b) {
-    return a.X != b.X ? (a.X > b.X) - (a.X < b.X) : (a.Y > b.Y) - (a.Y < b.Y);
-  });
-  Points.erase(std::unique(Points.begin(), Points.end()), Points.end());
+  std::ranges::rotate(Points,
+                      std::ranges::min_element(Points, {}, [](const TIntPoint& p) { return std::pair(p.X, p.Y); }));
+  Points.push_back(Points.front());
   TPath hull;
-  for (int pass = 0; pass < 2; ++pass) {
-    const std::size_t base = hull.size();
-    for (const TIntPoint& p : Points) {
-      while (hull.size() >= base + 2 && Turn(hull[hull.size() - 2], hull.back(), p) <= 0) hull.pop_back();
-      hull.push_back(p);
-    }
-    hull.pop_back();
-    std::reverse(Points.begin(), Points.end());
+  for (const TIntPoint& p : Points) {
+    while (hull.size() > 1 && Turn(hull[hull.size() - 2], hull.back(), p) <= 0) hull.pop_back();
+    hull.push_back(p);
   }
+  hull.pop_back();
   return hull;
 }
 
@@ -160,7 +156,7 @@ TPath Spiral(int Edges, double Size) {
   return outer;
 }
 
-TPath NearParallel(int Edges, double Size, unsigned Seed) {
+TPaths NearParallel(int Edges, double Size, unsigned Seed) {
   TPath base;
   {
     const TRandomScope shared(Seed / 2);
@@ -181,7 +177,7 @@ TPath NearParallel(int Edges, double Size, unsigned Seed) {
       points.push_back({Round(x * scale) + Whole(-2, 2), Round(y * scale) + Whole(-2, 2)});
     }
   }
-  return points;
+  return {points};
 }
 
 TPath Slit(int Edges, double Size) {
@@ -202,7 +198,7 @@ TPath Slit(int Edges, double Size) {
   return points;
 }
 
-TPaths Holed(int Edges, double Size) {
+TPaths Holed(int Edges, double Size, unsigned) {
   const int around = std::max(6, Edges / 3);
   TPaths polygon(1);
   for (int i = 0; i < around; ++i) {
@@ -213,19 +209,19 @@ TPaths Holed(int Edges, double Size) {
   for (int i = 0; i < 4; ++i) {
     TPath hole = Random(2) == 0 ? Star(perHole, cell * 0.9) : Convex(perHole, cell * 0.9);
     const TIntPoint centre = At((i % 2 - 0.5) * cell, (i / 2 - 0.5) * cell);
-    hole = TPathUtils::Translate(hole, TPathUtils::CreatePointL2D(centre));
+    hole = Moved({hole}, centre).front();
     std::reverse(hole.begin(), hole.end());
     if (hole.size() > 2 && (i == 0 || Random(3) > 0)) polygon.push_back(std::move(hole));
   }
   return polygon;
 }
 
-TPath LShape(double Size) {
+TPath LShape(int, double Size) {
   const int w = Whole(2, 8), h = Whole(2, 8), a = Whole(1, w - 1), b = Whole(1, h - 1);
   return OnGrid({{0, 0}, {w, 0}, {w, b}, {a, b}, {a, h}, {0, h}}, GridUnit(Size, 8));
 }
 
-TPath UShape(double Size) {
+TPath UShape(int, double Size) {
   const int w = Whole(3, 9), h = Whole(2, 8), left = Whole(1, w - 2), gap = Whole(1, w - 1 - left);
   const int floor = Whole(1, h - 1), right = Whole(floor + 1, 9);
   return OnGrid(
@@ -241,21 +237,17 @@ struct TKind {
   TMaker Make;
 };
 
+template <TPath (*Make)(int Edges, double Size)>
+TPaths Outline(int Edges, double Size, unsigned) {
+  return {Make(Edges, Size)};
+}
+
 // In the order of TShapeKind.
 constexpr TKind kKinds[] = {
-    {"convex", false, [](int Edges, double Size, unsigned) { return TPaths{Convex(Edges, Size)}; }},
-    {"star", false, [](int Edges, double Size, unsigned) { return TPaths{Star(Edges, Size)}; }},
-    {"comb", true, [](int Edges, double Size, unsigned) { return TPaths{Comb(Edges, Size)}; }},
-    {"staircase", true, [](int Edges, double Size, unsigned) { return TPaths{Staircase(Edges, Size)}; }},
-    {"gear", false, [](int Edges, double Size, unsigned) { return TPaths{Gear(Edges, Size)}; }},
-    {"spiral", false, [](int Edges, double Size, unsigned) { return TPaths{Spiral(Edges, Size)}; }},
-    {"near-parallel", false,
-     [](int Edges, double Size, unsigned Seed) { return TPaths{NearParallel(Edges, Size, Seed)}; }},
-    {"slit", false, [](int Edges, double Size, unsigned) { return TPaths{Slit(Edges, Size)}; }},
-    {"holed", false, [](int Edges, double Size, unsigned) { return Holed(Edges, Size); }},
-    {"L shape", true, [](int, double Size, unsigned) { return TPaths{LShape(Size)}; }},
-    {"U shape", true, [](int, double Size, unsigned) { return TPaths{UShape(Size)}; }},
-};
+    {"convex", false, Outline<Convex>},      {"star", false, Outline<Star>},    {"comb", true, Outline<Comb>},
+    {"staircase", true, Outline<Staircase>}, {"gear", false, Outline<Gear>},    {"spiral", false, Outline<Spiral>},
+    {"near-parallel", false, NearParallel},  {"slit", false, Outline<Slit>},    {"holed", false, Holed},
+    {"L shape", true, Outline<LShape>},      {"U shape", true, Outline<UShape>}};
 
 const TKind& KindOf(TShapeKind Kind) {
   return kKinds[static_cast<std::size_t>(Kind)];
@@ -307,16 +299,14 @@ TJigsaw MakeJigsaw(TShapeKind Kind, int Edges, double Size, double Grow, unsigne
   part.resize(1);
   const TRandomScope scope(Seed * 16ULL + 14);
   const TIntPoint place{Whole(-500, 500) * 100000LL, Whole(-500, 500) * 100000LL};
-  TPaths hole{TPathUtils::Translate(part.front(), TPathUtils::CreatePointL2D(place))};
+  TPaths hole = Moved(part, place);
   if (Grow > 0) {
     TClipperOffset offset;
     offset.AddPaths(hole, ClipperLib::jtMiter, ClipperLib::etClosedPolygon);
     TPaths grown;
     offset.Execute(grown, Grow * kPathScale);
     // Where a slit closes there are islands in the hole; the hole is their outline, the contour of largest area.
-    hole = {*std::max_element(grown.begin(), grown.end(), [](const TPath& a, const TPath& b) {
-      return ClipperLib::Area(a) < ClipperLib::Area(b);
-    })};
+    hole = {*std::ranges::max_element(grown, {}, [](const TPath& path) { return ClipperLib::Area(path); })};
   }
   const TIntRect box = TPathUtils::BoundBox(hole);
   const Int64 rim = Round(Uniform(0.05, 0.3) * Size * kPathScale);
