@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <memory>
-
-#include "platenest/URectNest/Strips.h"
 
 namespace platenest {
 namespace {
@@ -75,23 +72,6 @@ TEST(NestSpaceList, OrdersDescendByAreaTotalOrValue) {
   L list{small, large, Space(5, 6, 1)};
   list.SortByArea();
   EXPECT_TRUE(list[0].Space.Width() == 10 && list[1].Space.Width() == 6) << "equal areas keep their order";
-}
-
-TEST(Strips, SortDescendsAndOnlyAnOwningListKeepsItsStrips) {
-  TBasicStrips strips;
-  for (const double value : {1.0, 3.0, 2.0}) {
-    strips.push_back(std::make_shared<TBasicStrip>());
-    strips.back()->Value = value;
-  }
-  strips.SortByValue();
-  EXPECT_TRUE(strips[0]->Value == 3 && strips[2]->Value == 1);
-  for (const bool owns : {false, true}) {
-    auto strip = std::make_shared<TLocatedStrip>(*strips[0]);
-    const std::weak_ptr<TLocatedStrip> watch = strip;
-    TLocatedStripsWithNested list(owns);
-    list.Add(std::move(strip));
-    EXPECT_EQ(watch.expired(), !owns);
-  }
 }
 
 }  // namespace

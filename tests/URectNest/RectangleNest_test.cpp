@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <map>
+#include <optional>
 #include <random>
+#include <ranges>
 
 #include "Rects.h"
 #include "StripChoice.h"
@@ -35,55 +38,17 @@ int Count(double W, double H, double PartW, double PartH, double Gap = 0) {
   return Nest(W, H, Part(kMany, PartW, PartH), Gap).Count;
 }
 
-// Copies, and which strips lie along the bottom.
-using TStrips = std::pair<int, std::vector<bool>>;
-
-// The best of both strips from each rest of the plate on.
-TStrips StripsFrom(double W, double H, double X, double Y, std::map<std::pair<double, double>, TStrips>& Known) {
+// The most copies of X by Y, X not below Y, by the better of both strips from each rest of the plate on.
+int MostInStrips(double W, double H, double X, double Y, std::map<std::pair<double, double>, int>& Known) {
   const auto [known, isNew] = Known.try_emplace({W, H});
-  TStrips& best = known->second;
-  if (!isNew || std::max(W, H) < X || std::min(W, H) < Y) return best;
-  for (const bool bottom : {false, true}) {
-    if ((bottom ? H : W) < X) continue;
-    TStrips strips = bottom ? StripsFrom(W, H - X, X, Y, Known) : StripsFrom(W - X, H, X, Y, Known);
-    strips.first += Trunc<int>((bottom ? W : H) / Y);
-    strips.second.insert(strips.second.begin(), bottom);
-    if (strips.first > best.first) best = strips;
-  }
-  return best;
+  int& most = known->second;
+  if (!isNew || std::max(W, H) < X || std::min(W, H) < Y) return most;
+  if (W >= X) most = Trunc<int>(H / Y) + MostInStrips(W - X, H, X, Y, Known);
+  if (H >= X) most = std::max(most, Trunc<int>(W / Y) + MostInStrips(W, H - X, X, Y, Known));
+  return most;
 }
 
-// The strip nest with every copy laid, sorted, cut and moved one after the other.
-TNestedRects NestCopyByCopy(double W, double H, const TNestRect& PartRect, double Gap) {
-  const TVRect2D plate = TVRect2D::FromSize(W, H).Inflate(Gap / 2).Translate({Gap / 2, Gap / 2});
-  const double gap = Gap >= 1 ? Gap - 1e-9 : Gap;
-  const TVRect2D grown = PartRect.BoundBox.Inflate(gap / 2).Translate({gap / 2, gap / 2});
-  const bool isVertical = grown.Width() < grown.Height();
-  const auto [py, px] = std::minmax({grown.Width(), grown.Height()});
-  std::map<std::pair<double, double>, TStrips> known;
-  const auto [most, strips] = StripsFrom(plate.Width(), plate.Height(), px, py, known);
-  EXPECT_EQ(detail::BestStrips(plate.Width(), plate.Height(), px, py).Amt, most);
-  TNestedRects list;
-  double x = 0;
-  double y = 0;
-  for (const bool bottom : strips) {
-    const int n = Trunc<int>((bottom ? plate.Width() - x : plate.Height() - y) / py);
-    for (int k = 0; k < n; ++k)
-      list.emplace_back(PartRect, bottom != isVertical, bottom ? TPoint2D{x + k * py, y} : TPoint2D{x, y + k * py});
-    (bottom ? y : x) += px;
-  }
-  const auto width = [&](const TNestedRect& item) {
-    return item.IsRotate ? PartRect.BoundBox.Height() : PartRect.BoundBox.Width();
-  };
-  std::sort(list.begin(), list.end(), [&](const TNestedRect& A, const TNestedRect& B) {
-    return std::pair(A.Trans.X + width(A), A.Trans.Y) < std::pair(B.Trans.X + width(B), B.Trans.Y);
-  });
-  while (list.Count() > PartRect.Amount) list.pop_back();
-  for (TNestedRect& item : list) item.Trans.X += item.IsRotate ? PartRect.BoundBox.Height() : 0;
-  return list;
-}
-
-TEST(RectangleNest, EqualsTheRecursionOverAllStrips) {
+TEST(RectangleNest, HoldsWhatTheRecursionOverAllStripsHoldsByRightEdges) {
   std::mt19937 random(3);
   std::uniform_real_distribution<double> real(0, 1);
   for (int round = 0; round < 3000; ++round) {
@@ -92,21 +57,39 @@ TEST(RectangleNest, EqualsTheRecursionOverAllStrips) {
     const double w = size(60);
     const double h = size(60);
     const double gap = round % 4 == 0 ? size(3) : 0;
-    const TNestRect part(round % 3 == 0 ? 20 : kMany, 0, TVRect2D::FromSize(size(round % 5 == 0 ? 70 : 12), size(12)));
+    TNestRect part = Part(kMany, size(round % 5 == 0 ? 70 : 12), size(12));
     SCOPED_TRACE(testing::Message() << w << " x " << h << ", " << part.BoundBox.Width() << " x "
                                     << part.BoundBox.Height());
-    const TNestedRects expected = NestCopyByCopy(w, h, part, gap);
-    const TNestedRects list = Nest(w, h, part, gap).List;
-    const auto same = [](const TNestedRect& A, const TNestedRect& B) {
-      return A.Trans.X == B.Trans.X && A.Trans.Y == B.Trans.Y && A.IsRotate == B.IsRotate;
+    const auto right = [&](const TNestedRect& item) {
+      return item.Trans.X + (item.IsRotate ? 0 : part.BoundBox.Width());
     };
-    ASSERT_TRUE(std::equal(list.begin(), list.end(), expected.begin(), expected.end(), same));
-    ASSERT_EQ(CheckRectLayout(list, TVRect2D::FromSize(w, h), gap, {part}, {.Tol = 1e-8}), "");
+    const auto grown = [](const TVRect2D& box, double by) { return box.Inflate(by / 2).Translate({by / 2, by / 2}); };
+    const TVRect2D plate = grown(TVRect2D::FromSize(w, h), gap);
+    const TVRect2D cell = grown(part.BoundBox, gap >= 1 ? gap - 1e-9 : gap);
+    const auto [y, x] = std::minmax({cell.Width(), cell.Height()});
+    std::map<std::pair<double, double>, int> known;
+    const TNestedRects all = Nest(w, h, part, gap).List;
+    const int most = MostInStrips(plate.Width(), plate.Height(), x, y, known);
+    ASSERT_EQ(detail::BestStrips(plate.Width(), plate.Height(), x, y).Amt, most);
+    ASSERT_TRUE(scale < 1 || all.Count() == most) << "rounding may cost a copy";
+    ASSERT_EQ(CheckRectLayout(all, TVRect2D::FromSize(w, h), gap, {part}, {.Tol = 1e-8}), "");
+    const auto placeOf = [&](const TNestedRect& item) { return std::pair(right(item), item.Trans.Y); };
+    ASSERT_TRUE(std::ranges::is_sorted(all, {}, placeOf));
+    part.Amount = 20;
+    const TNestedRects some = Nest(w, h, part, gap).List;
+    ASSERT_EQ(some.Count(), std::min(20, all.Count()));
+    ASSERT_TRUE(std::ranges::equal(some, all | std::views::take(20), {}, placeOf, placeOf));
     const auto summary = TRectangleNest(TVRect2D::FromSize(w, h), part, gap).Summary();
-    ASSERT_EQ(summary.Count, list.Count());
-    if (list.empty()) continue;
-    ASSERT_EQ(summary.Right, list.Last().Trans.X + (list.Last().IsRotate ? 0 : part.BoundBox.Width()));
+    ASSERT_EQ(summary.Count, some.Count());
+    ASSERT_TRUE(some.empty() || summary.Right == right(some.Last()));
   }
+}
+
+TEST(RectangleNest, OfEqualStripsTheOneAtTheLeftIsLaid) {
+  const TNestedRects list = Nest(5, 5, Part(kMany, 3, 2)).List;
+  ASSERT_EQ(list.Count(), 3);
+  EXPECT_TRUE(list[0].Trans == TPoint2D(0, 0) && list[1].Trans == TPoint2D(0, 2));
+  EXPECT_TRUE(list[2].Trans == TPoint2D(5, 0) && list[2].IsRotate) << "the rest has one along its bottom";
 }
 
 TEST(RectangleNest, OnlyGapsFromOneOnForgiveAShortPlate) {
@@ -173,6 +156,77 @@ TEST(RectangleNest, UsageRatioCountsOneGapPerSide) {
   };
   EXPECT_NEAR(ratio(995, 495, 95, 5), 1, 1e-12);
   EXPECT_EQ(ratio(22, kNaN, 5, 0), 0);
+}
+
+// The search with every trial layout built.
+double SearchWithLists(const TNestRect& PartRect, double H, double W, double Gap, TNestedRects& List) {
+  const double width = PartRect.BoundBox.Width();
+  const double unitArea = (width + Gap) * (PartRect.BoundBox.Height() + Gap);
+  const auto right = [&](const TNestedRect& Item) { return Item.Trans.X + (Item.IsRotate ? 0 : width); };
+  TResult full = Nest(W, H, PartRect, Gap);
+  List = full.List;
+  double ratio = full.Count * unitArea / (H + Gap) / (W + Gap);
+  if (!full.IsFull) return ratio;
+  double lastX = right(List.Last()) - Gap;
+  double best = full.Count * unitArea / H / lastX;
+  while (lastX * 3.0 > W) {
+    full.List.pop_back();
+    const double x = right(full.List.Last()) - Gap;
+    if (fEqual(x, lastX)) continue;
+    if (x * 3.0 <= W) break;
+    const double kept = full.List.Count() * unitArea / H / x;
+    if (kept > best) List = full.List;
+    best = std::max(best, kept);
+    const TResult trial = Nest((x + lastX) / 2, H, PartRect, Gap);
+    ratio = trial.Count * unitArea / (H + Gap) / right(trial.List.Last());
+    if (ratio > best) List = trial.List;
+    best = std::max(best, ratio);
+    lastX = x;
+  }
+  return ratio;
+}
+
+TEST(DynamicSingleRectNest, EqualsTheSearchThatBuildsEveryTrial) {
+  std::mt19937 random(17);
+  std::uniform_real_distribution<double> real(0, 1);
+  int raised = 0;
+  int trimmed = 0;
+  for (int round = 0; round < 1000; ++round) {
+    const bool grid = round % 61 == 7;
+    const double h = grid ? 3 * real(random) : 5 + std::ceil(60 * real(random));
+    const double w = grid ? 700 + 300 * real(random) : 5 + std::ceil(60 * real(random));
+    const double gap = round % 3 * 0.6;
+    const auto side = [&] { return (grid ? 0.08 : 1) * std::ceil(16 * real(random)); };
+    const double width = side();
+    const TNestRect part = Part(round % 10 == 0 ? 0 : round % 4 == 0 ? 40 : kMany, width, side());
+    const auto ratioOf = [&](auto& search, TNestedRects& layout) -> std::optional<double> {
+      try {
+        return search(part, h, w, gap, layout);
+      } catch (const TRangeError&) {
+        ++raised;
+        return std::nullopt;
+      }
+    };
+    TNestedRects expected, list;
+    const auto expectedRatio = ratioOf(SearchWithLists, expected);
+    ASSERT_EQ(ratioOf(DynamicSingleRectNest, list), expectedRatio) << round;
+    if (!expectedRatio) expected.clear();
+    ASSERT_EQ(list.Count(), expected.Count()) << round;
+    for (int i = 0; i < list.Count(); ++i)
+      ASSERT_TRUE(list.At(i).Trans == expected.At(i).Trans && list.At(i).IsRotate == expected.At(i).IsRotate);
+    trimmed += !list.empty() && Nest(w, h, part, gap).List.Count() != list.Count();
+  }
+  EXPECT_GT(raised, 20);
+  EXPECT_GT(trimmed, 50);
+}
+
+TEST(DynamicSingleRectNest, AStopLeavesTheFullPlate) {
+  TStopToken stop;
+  stop.RequestStop();
+  const TStopTokenScope scope(&stop);
+  TNestedRects list;
+  DynamicSingleRectNest(Part(100, 3, 2), 5, 8, 0, list);
+  EXPECT_EQ(list.Count(), 6) << "untrimmed";
 }
 
 }  // namespace

@@ -95,7 +95,6 @@ TEST(RecursiveFiveblockNest, DepthLimitsTheLevelsOfCuts) {
   EXPECT_EQ(counts({106, 101, 19, 7}), (std::array{78, 79, 80, 80}));
   EXPECT_EQ(counts({137, 77, 16, 13}), (std::array{48, 49, 50, 50}));
   EXPECT_EQ(Count({10, 10, 3, 3}), 9);
-  EXPECT_EQ(Count({114, 120, 24, 18}), 31);
   EXPECT_EQ(Count({2.2, 1.6, 0.5, 0.3, 0, 1}), 23);
   for (const TNestedRect& placed : LayoutOf({6, 6, 3, 2})) EXPECT_TRUE(placed.IsRotate) << "of two equal grids";
   EXPECT_EQ(TRecursiveFiveblockNest::BarnesUpbound(10, 10, 3, 3), BarnesBound(1000, 1000, 300, 300));
