@@ -64,6 +64,7 @@ TEST(RectNestSmart, TurnsOnlyWhatMayBeTurned) {
   };
   EXPECT_THAT(placed({}), UnorderedElementsAre(std::pair(0, true), std::pair(1, true)));
   EXPECT_THAT(placed({true}), UnorderedElementsAre(std::pair(1, true)));
+  EXPECT_THAT(placed({true, false}), UnorderedElementsAre(std::pair(1, true)));
   EXPECT_THAT(placed({true, true, true}), UnorderedElementsAre());
 }
 
@@ -155,10 +156,24 @@ TEST(FreeRectangles, TellHowABoxThatEndsLevelWithThemLies) {
       {{{-1, 101}, {101, -1}}, vrFreeInside, 0}, {{{10, 20}, {20, 10}}, vrBoxInside, 0},
       {{{30, 100}, {60, 0}}, vrCross, 0},      // level at both ends: both sides are lost
       {{{-20, 30}, {100, -20}}, vrCorner, 0},  // all that is above is lost
+      {{{70, 100}, {120, -20}}, vrCorner, 1},  // all that is at the left is lost
   };
   for (const auto& [box, relation, corner] : cases) {
     const auto contact = detail::VecRelation(Plate(100, 100), box);
     EXPECT_TRUE(contact.Relation == relation && contact.Corner == corner) << box.Left << ' ' << box.Bottom;
+  }
+}
+
+TEST(FreeRectangles, KeepWhatABoxLeavesThatCoversAWholeSide) {
+  for (const double left : {0.0, 60.0}) {
+    detail::TFreeRectangles free;
+    free.Reset(Plate(100, 100));
+    free.Place(0, Plate(60, 50).Translate({left > 0 ? 0.0 : 40.0, 0}), left > 0 ? 2 : 3, 1);
+    ASSERT_EQ(free.Items().size(), 2u) << "above, and beside";
+    free.Place(1, Plate(40, 100).Translate({left, 0}), 2, 1);
+    ASSERT_EQ(free.Items().size(), 1u);
+    EXPECT_EQ(free.Items()[0].Box.GetBottomLeft(), TPoint2D(left > 0 ? 0 : 40, 50));
+    EXPECT_EQ(free.Items()[0].Area, 60 * 50);
   }
 }
 
