@@ -2,19 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include "Rects.h"
 #include "platenest/foundation/GeometryLog.h"
 
 namespace platenest {
 namespace {
 
-TNestedRect Placed(double Width, double Height, double X, double Y, bool Turned = false) {
-  return TNestedRect(TNestRect(1, 0, TVRect2D::FromSize(Width, Height)), Turned, {X, Y});
-}
-
 TEST(CalcCoedgeLength, EachPairCountsFromBothSidesWithItsOverlap) {
   const TNestedRect base = Placed(10, 10, 0, 0);
   EXPECT_NEAR(CalcCoedgeLength({base, Placed(10, 10, 10, 6)}), 8.04, 1e-9) << "four units shared";
-  EXPECT_NEAR(CalcCoedgeLength({base, Placed(10, 4, 14, 0, true)}), 20.04, 1e-9) << "turned: from x 10 to 14";
+  EXPECT_NEAR(CalcCoedgeLength({base, Placed(10, 4, 14, 0, 0, true)}), 20.04, 1e-9) << "turned: from x 10 to 14";
   EXPECT_EQ(CalcCoedgeLength({base, Placed(10, 10, 10.03, 0)}), 0);
 }
 
@@ -25,7 +22,7 @@ TEST(OutputNestedRects, GivesClosedContoursAndKeepsThePositionOfUnturnedParts) {
     shown = Geometry;
     name = Name;
   });
-  TNestedRects list{Placed(4, 3, 100, 200), Placed(4, 3, 100, 200, true)};
+  TNestedRects list{Placed(4, 3, 100, 200), Placed(4, 3, 100, 200, 0, true)};
   for (TNestedRect& item : list) item.Part.BoundBox = item.Part.BoundBox.Translate({10, 20});
   OutputNestedRects(list, "layout.xdr");
   EXPECT_EQ(name.rfind("layout_", 0), 0u);

@@ -5,11 +5,11 @@
 
 #include <algorithm>
 #include <limits>
-#include <random>
 #include <vector>
 
 #include "BlockValues.h"
 #include "ForEachSeed.h"
+#include "Rects.h"
 #include "ThreeBlockLayout.h"
 #include "ThreeBlockScan.h"
 #include "platenest/foundation/Errors.h"
@@ -25,22 +25,8 @@ using testing::ElementsAre;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-struct TDice {
-  explicit TDice(unsigned Seed) : Random(Seed) {}
-  int operator()(int Low, int High) { return std::uniform_int_distribution(Low, High)(Random); }
-
-  std::mt19937 Random;
-};
-
-TNestRect Part(double Width, double Height, int Amount, double Worth = 0) {
-  TNestRect part(Amount, -7, TVRect2D::FromSize(Width, Height));
-  part.Area = Worth;
-  return part;
-}
-
 struct TJob {
-  double Width;
-  double Height;
+  double Width, Height;
   TNestRectList Parts;
   double Gap = 0;
   double MinURate = 0.5;
@@ -62,11 +48,8 @@ TAnswer Nested(const TJob& Job, bool IsLimited = true) {
   answer.Usage =
       IsLimited ? nest.ShapeRectNestWithAmt(answer.List, answer.Status) : nest.ShapeRectNest(answer.List, success);
   EXPECT_EQ(success, !IsLimited && answer.Usage >= 0.88);
-  TNestRectList demand = Job.Parts;
-  for (int i = 0; i < Size(demand); ++i) {
-    demand[i].Idx = i;
-    if (!IsLimited) demand[i].Amount = std::numeric_limits<int>::max();
-  }
+  TNestRectList demand = Numbered(Job.Parts);
+  for (TNestRect& part : demand) part.Amount = IsLimited ? part.Amount : std::numeric_limits<int>::max();
   EXPECT_EQ(CheckRectLayout(answer.List, plate, Job.Gap, demand), "");
   for (const TNestedRect& item : answer.List) {
     const TVRect2D& box = item.Part.BoundBox;
@@ -100,21 +83,18 @@ TEST(MultiRectNest, CandidatesWithinTheToleranceOfABeatenOneAreLost) {
 TEST(BlockValues, HoldWholeStacksAndRememberBlocksWithoutTakingDemandAgain) {
   TBlockValues blocks({{3, 4, 12}, {2, 9, 18}});
   std::vector<int> used(2);
-  blocks.SetDemand({0, 1});
-  EXPECT_EQ(blocks.G(18, 4, used), 0) << "rows and columns would be of two";
   blocks.SetDemand({2, 0});
   EXPECT_EQ(blocks.G(8, 4, used), 24);
   EXPECT_FALSE(blocks.Find(8, 4)->Direct) << "columns win ties";
-  EXPECT_THAT(blocks.Find(8, 4)->Place, ElementsAre(0, 0));
   EXPECT_EQ(blocks.G(8, 4, used), 24) << "remembered, though no demand is left";
   EXPECT_THAT(used, ElementsAre(2, 0));
-  blocks.GiveBack(used);
-  EXPECT_EQ(blocks.G(7, 4, used), 24);
-  blocks.SetDemand({0, 5});
+  used = {0, 0};
+  blocks.SetDemand({0, 1});
+  EXPECT_EQ(blocks.G(18, 4, used), 0) << "rows and columns would be of two";
+  blocks.SetDemand({0, 4});
   EXPECT_EQ(blocks.G(9, 5, used), 36) << "fits turned only";
   EXPECT_THAT(blocks.Find(9, 5)->Place, ElementsAre(-2));
-  blocks.SetDemand({0, 4});
-  used = {0, 0};
+  blocks.GiveBack(used);
   EXPECT_EQ(blocks.G(17, 9, used), 8 * 18) << "both ways, each within the demand: more than the demand allows";
   EXPECT_THAT(used, ElementsAre(0, 4));
 }
@@ -135,7 +115,7 @@ TEST(ThreeBlockScan, GivesTheDemandBackBeforeTheNextCut) {
 //     | 0 |     |     |
 //     +---+-----+-----+
 TEST(ThreeBlockLayout, ShortStacksLoseTheirWorthAndTheNextBlockMovesUp) {
-  const TNestRectList parts{Part(4, 3, 0), Part(7, 6, 0)};
+  const TNestRectList parts{Part(0, 4, 3), Part(0, 7, 6)};
   TThreeBlockScan scan(19, 12, {5}, {6}, 0.1, TBlockValues({{4, 3, 12}, {7, 6, 30}}));
   EXPECT_EQ(scan.Calc({4, 2}), 168);
   const TRectInfo& best = scan.Candidates().front();
@@ -153,7 +133,7 @@ TEST(ThreeBlockLayout, AnotherBlockUnderTheSameCodeIsNotLaidOut) {
   TThreeBlockScan scan(3, 1'000'005, {1}, {5}, 0.1, TBlockValues({{1, 1000, 1}}));
   scan.Calc({9000});
   const TRectInfo info{true, 1, 5, 0};  // the second block is 2 by 5, the first one 1 by 1000005
-  const TTrial trial = TThreeBlockLayout(scan, {Part(1, 1000, 0)}, 0).AddParts(info, {9000});
+  const TTrial trial = TThreeBlockLayout(scan, {Part(0, 1, 1000)}, 0).AddParts(info, {9000});
   EXPECT_EQ(trial.List.Count(), 1000 + 2 * 1000);
   EXPECT_EQ(trial.Dec, -1000);
 }
@@ -174,16 +154,15 @@ int MostInThreeBlocks(int L, int W, int A, int B) {
 }
 
 TEST(MultiRectNest, UnlimitedLayoutsOfOneSizeEqualEveryCutAtEveryLength) {
-  EXPECT_NEAR(Nested({43, 26, {Part(7, 3, 1)}}, false).Usage, 1092.0 / (43 * 26), 1e-12);
-  EXPECT_NEAR(Nested({14, 14, {Part(7, 5, 0)}}, false).Usage, 140.0 / (14 * 14), 1e-12);
+  EXPECT_NEAR(Nested({43, 26, {Part(1, 7, 3)}}, false).Usage, 1092.0 / (43 * 26), 1e-12);
+  EXPECT_NEAR(Nested({14, 14, {Part(0, 7, 5)}}, false).Usage, 140.0 / (14 * 14), 1e-12);
   ForEachSeed(60, [](unsigned seed) {
     TDice from(seed);
     const int l = from(10, 34);
     const int w = from(5, l);
     const int a = from(2, 8);
     const int b = from(1, 5);
-    const TAnswer answer = Nested({1.0 * l, 1.0 * w, {Part(a, b, -5)}}, false);
-    EXPECT_EQ(answer.List.Count(), MostInThreeBlocks(l, w, a, b)) << l << 'x' << w << ' ' << a << 'x' << b;
+    EXPECT_EQ(Nested({1.0 * l, 1.0 * w, {Part(-5, a, b)}}, false).List.Count(), MostInThreeBlocks(l, w, a, b));
   });
 }
 
@@ -196,7 +175,7 @@ TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
     const double hair = job.Gap > 0 && seed % 5 == 0 ? 1.5e-6 : 0;  // the scan sees sizes that are 2e-6 too small
     for (int k = from(1, 9); k > 0; --k) {
       const double width = side(10, 80) + hair;
-      job.Parts.push_back(Part(width, from(0, 4) == 0 ? width : side(10, 80), from(0, 40), from(0, 9000)));
+      job.Parts.push_back(Part(from(0, 40), width, from(0, 4) == 0 ? width : side(10, 80), from(0, 9000)));
     }
     const double area = (job.Width + job.Gap) * (job.Height + job.Gap);
     const bool isWhole = job.ConstArea || (perUnit == 1 && job.Gap == 0);
@@ -210,48 +189,48 @@ TEST(MultiRectNest, RandomLayoutsAreValidAndWorthWhatTheUsageSays) {
 
 // The scan counts on nine of each, three by three.
 TEST(MultiRectNest, CopiesThatMissTheirRoomByMoreThanRoundingAreLeftOut) {
-  const auto placed = [](double side) { return Nested({299, 299, {Part(side, side, 10)}, 1}).List.Count(); };
+  const auto placed = [](double side) { return Nested({299, 299, {Part(10, side, side)}, 1}).List.Count(); };
   EXPECT_EQ(placed(99 + 0.5e-6), 9);
   EXPECT_EQ(placed(99 + 1.5e-6), 4);
 }
 
 // Under this demand the first and the last candidate are left with 28, one between them with 88.
 TEST(MultiRectNest, KeepsTheBestOfTheTrialsThatLackDemand) {
-  EXPECT_NEAR(Nested({12, 8, {Part(2, 2, 7), Part(5, 3, 9)}}).Usage, 88.0 / (12 * 8), 1e-12);
+  EXPECT_NEAR(Nested({12, 8, {Part(7, 2, 2), Part(9, 5, 3)}}).Usage, 88.0 / (12 * 8), 1e-12);
 }
 
 TEST(MultiRectNest, StatusTellsGoodFromPoorAndFromHopeless) {
-  const auto statusOf = [](int amount, double minURate) {
-    return Nested({100, 100, {Part(10, 10, amount)}, 0, minURate}).Status;
+  const auto statusOf = [](int amount, double minURate = 0.5, double side = 10) {
+    return Nested({100, 100, {Part(amount, side, side)}, 0, minURate}).Status;
   };
-  EXPECT_EQ(statusOf(89, 0.5), 2);
-  EXPECT_EQ(statusOf(100, 0.5), 0);
+  EXPECT_EQ(statusOf(89), 2);
+  EXPECT_EQ(statusOf(100), 0);
   EXPECT_EQ(statusOf(100, kNaN), 0);
   EXPECT_EQ(statusOf(100, 1.01), 1) << "no limit above";
-  EXPECT_EQ(Nested({20, 20, {Part(15, 15, 2)}}).Status, 1) << "0.5 acts as 0.88";
-  const TJob cheap{1000, 1000, {Part(500, 500, 4, 1)}, 0, 0.5, true};
+  EXPECT_EQ(statusOf(2, 0.5, 75), 1) << "0.5 acts as 0.88";
+  const TJob cheap{1000, 1000, {Part(4, 500, 500, 1)}, 0, 0.5, true};
   EXPECT_TRUE(Nested(cheap).List.empty()) << "worth less than the tolerance";
   TStopToken token;
   const TStopTokenScope scope(&token);
   token.RequestStop();
-  EXPECT_EQ(statusOf(100, 0.5), 1) << "stopped before the first block";
+  EXPECT_EQ(statusOf(100), 1) << "stopped before the first block";
 }
 
 TEST(MultiRectNest, UselessInputHoldsNothing) {
-  const TNestRect good = Part(10, 10, 100);
+  const TNestRect good = Part(100, 10, 10);
   for (const TJob& job :
        {TJob{100, 100, {}}, TJob{0, 100, {good}}, TJob{kNaN, 100, {good}}, TJob{100, kInfinity, {good}},
-        TJob{100, 100, {good}, kNaN}, TJob{100, 100, {good}, -100}, TJob{100, 100, {Part(-10, -10, 1000)}}}) {
+        TJob{100, 100, {good}, kNaN}, TJob{100, 100, {good}, -100}, TJob{100, 100, {Part(1000, -10, -10)}}}) {
     EXPECT_EQ(Nested(job).Status, 2);
     EXPECT_TRUE(Nested(job).List.empty() && Nested(job, false).List.empty());
   }
-  const TNestRectList mixed{Part(kInfinity, 1, 5), Part(kNaN, 1, 5), Part(1e300, 1e-300, 9), Part(10, 10, -3), good};
+  const TNestRectList mixed{Part(5, kInfinity, 1), Part(5, kNaN, 1), Part(9, 1e300, 1e-300), Part(-3, 10, 10), good};
   EXPECT_EQ(Nested({100, 100, mixed}).List.Count(), 100);
 }
 
 TEST(MultiRectNest, FailureOfATrialHasItsOwnTextAndKeepsTheArguments) {
   TAnswer answer;
-  TMultiRectNest nest(TVRect2D::FromSize(3200, 3200), {Part(1, 1, 10'240'000)}, 0, 0, false);
+  TMultiRectNest nest(TVRect2D::FromSize(3200, 3200), {Part(10'240'000, 1, 1)}, 0, 0, false);
   EXPECT_THAT([&] { nest.ShapeRectNestWithAmt(answer.List, answer.Status); },
               testing::ThrowsMessage<TNestError>("Error In FUNC[TMultiRectNest.ShapeRectNestWithAmt]"));
   EXPECT_EQ(answer.List.Count(), 1);

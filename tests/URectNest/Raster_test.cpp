@@ -3,75 +3,82 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
+
+#include "Rects.h"
 
 namespace platenest {
 namespace {
 
 using TInts = std::vector<int>;
+using TFlags = std::vector<bool>;  // one for each length
 
-// The sums by one pass over a flag per length and copy.
-class TFlagPass {
- public:
-  TFlagPass(int L, int W, const TIntBoxList& Boxes, bool AllowRotate) {
-    for (const TIntBox& box : Boxes) {
-      const int copies = std::min(L / std::min(box.A, box.B), box.Amount);
-      for (int k = 0; k < copies; ++k) FUnits.push_back(box);
-    }
-    Resize(L);
-    for (const TIntBox& unit : FUnits) {
-      for (int t = L; t >= 0; --t) {
-        Take(t, unit.A);
-        if (AllowRotate) Take(t, unit.B);
+// One pass for each copy: from 0 and what Flags hold above 3, each length below Size that a side more leads to.
+void AddSums(int Size, int L, const TIntBoxList& Boxes, int TIntBox::*Side, int TIntBox::*OtherSide, TFlags& Flags) {
+  Flags.resize(Size + 1);
+  std::fill_n(Flags.begin(), std::min(Size + 1, 4), false);
+  Flags[0] = true;
+  const auto take = [&](int t, int side) {
+    if (t >= side && Flags[t - side]) Flags[t] = true;
+  };
+  for (const TIntBox& box : Boxes) {
+    for (int k = std::min(L / std::min(box.A, box.B), box.Amount); k > 0; --k) {
+      for (int t = Size; t >= 0; --t) {
+        take(t, box.*Side);
+        take(t, box.*OtherSide);
       }
     }
-    Collect(ListL, L, L);
-    if (!AllowRotate) {
-      Resize(W);
-      for (const TIntBox& unit : FUnits)
-        for (int t = W; t >= unit.B; --t) Take(t, unit.B);
-    }
-    Collect(ListW, AllowRotate ? std::min(L, W) : W, W);
   }
+}
 
-  TInts ListL, ListW;
-
- private:
-  void Resize(int Size) {
-    FFlags.resize(static_cast<std::size_t>(Size) + 1);
-    std::fill_n(FFlags.begin(), std::min(Size + 1, 4), false);
-    FFlags[0] = true;
-  }
-  void Take(int T, int Side) {
-    if (T >= Side && FFlags[static_cast<std::size_t>(T - Side)]) FFlags[static_cast<std::size_t>(T)] = true;
-  }
-  void Collect(TInts& List, int Last, int End) {
-    for (int t = 0; t <= Last; ++t)
-      if (FFlags[static_cast<std::size_t>(t)]) List.push_back(t);
-    if (List.back() != End) List.push_back(End);
-  }
-
-  TIntBoxList FUnits;
-  std::vector<bool> FFlags;
-};
+TInts Members(const TFlags& Flags, int Size) {
+  TInts list;
+  for (int t = 0; t <= Size && t < std::ssize(Flags); ++t)
+    if (Flags[t]) list.push_back(t);
+  if (list.back() != Size) list.push_back(Size);
+  return list;
+}
 
 // Straight from the definition: each member's rest, replaced by the largest member that fits in it.
 TInts Reduced(int Size, const TInts& List) {
-  TInts points;
+  TInts points{0};
   for (const int member : List) points.push_back(*std::prev(std::upper_bound(List.begin(), List.end(), Size - member)));
-  points.push_back(0);
   std::sort(points.begin(), points.end());
   points.erase(std::unique(points.begin(), points.end()), points.end());
   return points;
 }
 
 void ExpectIndices(const TInts& Points, const TInts& Index, const TInts& Mirrored, int Size) {
-  ASSERT_EQ(Index.size(), static_cast<std::size_t>(Size) + 1);
+  ASSERT_EQ(std::ssize(Index), Size + 1);
   for (int x = 0; x <= Size; ++x)
-    ASSERT_EQ(Index[static_cast<std::size_t>(x)], std::lower_bound(Points.begin(), Points.end(), x) - Points.begin());
+    ASSERT_EQ(Index[x], std::lower_bound(Points.begin(), Points.end(), x) - Points.begin());
   ASSERT_EQ(Mirrored.size(), Points.size());
-  for (std::size_t i = 0; i < Points.size(); ++i)
-    ASSERT_EQ(Mirrored[i], Index[static_cast<std::size_t>(Size - Points[i])]);
+  for (int i = 0; i < std::ssize(Points); ++i) ASSERT_EQ(Mirrored[i], Index[Size - Points[i]]);
+}
+
+TEST(Raster, EqualsTheFlagPassOnAnyPlateAndAmount) {
+  TDice from(7);
+  for (int round = 0; round < 400; ++round) {
+    SCOPED_TRACE(round);
+    const int l = from(0, round % 4 == 0 ? 900 : 150);
+    const int w = from(0, round % 3 == 0 ? 200 : 100);
+    TIntBoxList boxes;
+    for (int k = from(0, 4); k > 0; --k) boxes.emplace_back(from(1, 60), from(1, 60), k, from(0, k % 2 ? 5 : 500), 0);
+    for (const bool rotate : {false, true}) {
+      TFlags flags;
+      AddSums(l, l, boxes, &TIntBox::A, rotate ? &TIntBox::B : &TIntBox::A, flags);
+      const TInts listL = Members(flags, l);
+      if (!rotate) AddSums(w, l, boxes, &TIntBox::B, &TIntBox::B, flags);
+      const TInts listW = Members(flags, w);
+      const TRaster normal(l, w, boxes, rotate, true);
+      ASSERT_EQ(normal.RasterL, listL);
+      ASSERT_EQ(normal.RasterW, listW);
+      ExpectIndices(normal.RasterL, normal.IndexL, normal.IndexInvL, l);
+      const TRaster reduced(l, w, boxes, rotate, false);
+      ASSERT_EQ(reduced.RasterL, Reduced(l, listL));
+      ASSERT_EQ(reduced.RasterW, Reduced(w, listW));
+      ExpectIndices(reduced.RasterW, reduced.IndexW, reduced.IndexInvW, w);
+    }
+  }
 }
 
 TEST(Raster, BoxesWithoutBothSidesAreNoSums) {
@@ -79,29 +86,6 @@ TEST(Raster, BoxesWithoutBothSidesAreNoSums) {
   EXPECT_EQ(TRaster(10, 7, boxes, true, true).RasterL, (TInts{0, 10}));
   EXPECT_THROW(TRaster(-1, 7, {}, true, true), TArgumentError);
   EXPECT_THROW(TRaster(2'000'000'000, 7, {}, true, true), TRangeError);
-}
-
-TEST(Raster, EqualsTheFlagPassOnAnyPlateAndAmount) {
-  std::mt19937 random(7);
-  const auto draw = [&](int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(random); };
-  for (int round = 0; round < 400; ++round) {
-    SCOPED_TRACE(round);
-    const int l = draw(0, round % 4 == 0 ? 900 : 150);
-    const int w = draw(0, round % 3 == 0 ? 200 : 100);
-    TIntBoxList boxes;
-    for (int k = draw(0, 4); k > 0; --k) boxes.emplace_back(draw(1, 60), draw(1, 60), k, draw(0, k % 2 ? 5 : 500), 0);
-    for (const bool rotate : {false, true}) {
-      const TFlagPass expected(l, w, boxes, rotate);
-      const TRaster normal(l, w, boxes, rotate, true);
-      ASSERT_EQ(normal.RasterL, expected.ListL);
-      ASSERT_EQ(normal.RasterW, expected.ListW);
-      ExpectIndices(normal.RasterL, normal.IndexL, normal.IndexInvL, l);
-      const TRaster reduced(l, w, boxes, rotate, false);
-      ASSERT_EQ(reduced.RasterL, Reduced(l, expected.ListL));
-      ASSERT_EQ(reduced.RasterW, Reduced(w, expected.ListW));
-      ExpectIndices(reduced.RasterW, reduced.IndexW, reduced.IndexInvW, w);
-    }
-  }
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "Rects.h"
+
 namespace platenest {
 namespace {
 
@@ -36,45 +38,27 @@ struct RectFile : ::testing::Test {
   }
 };
 
-TNestRect Rect(double Width, double Height, double Area, int Amount) {
-  TNestRect rect(Amount, 0, TVRect2D::FromSize(Width, Height).Translate({3, 4}));
-  rect.Area = Area;
-  return rect;
-}
-
-TEST_F(RectFile, WritesSixDecimalsOverWhateverWasThere) {
+TEST_F(RectFile, WritesSixDecimalsOverWhateverWasThereWhichDoNotReadBack) {
   std::ofstream(FileName) << std::string(1000, 'x');
-  WriteRectsToFile({Rect(30, 20, 600, 5), Rect(0.25, 1e22, -1.5, -1)}, TVRect2D::FromSize(1000.1234567, 500), FileName);
+  WriteRectsToFile({Part(5, 30, 20, 600), Part(-1, 0.25, 1e22, -1.5)}, TVRect2D::FromSize(1000.1234567, 500), FileName);
   EXPECT_EQ(Content(),
             "1000.123457 500.000000 1\n30.000000 20.000000 600.000000 5\n"
             "0.250000 10000000000000000000000.000000 -1.500000 -1\n");
-}
-
-TEST_F(RectFile, AWrittenFileDoesNotReadBack) {
-  WriteRectsToFile({Rect(30, 20, 600, 5)}, TVRect2D::FromSize(1000, 500), FileName);
   EXPECT_EQ(ErrorOf(Content()), "[Error] job.txt, line 2: expected a whole number for an amount, found \"600.000000\"");
   EXPECT_TRUE(List.empty() && Plate.Width() == 0);
   EXPECT_THROW(ReadFromFile(FileName, List, Plate), TInputError);
 }
 
-TEST_F(RectFile, ReadsTheTwoNumberFormAndAppends) {
-  std::ofstream(FileName) << "1000 500\r\n30 20 600.5 +5\n\t1e1 2.5 25 7\n\n";
-  List = {Rect(1, 1, 1, 1)};
+TEST_F(RectFile, ReadsTheTwoNumberFormWhereAZeroSideLosesTwoNumbersOnlyAndMissingOnesAreZero) {
+  std::ofstream(FileName) << "1000 500\r\n30 20 600.5 +5\n0 7\n\t1e1 2.5 25 7  4 0  1 2 3 4  8 9";
+  List = {Part(1, 1, 1, 1)};
   ReadFromFile(FileName, List, Plate);
   EXPECT_EQ(std::pair(Plate.Width(), Plate.Height()), std::pair(1000.0, 500.0));
-  ASSERT_EQ(List.size(), 3u);
-  EXPECT_EQ(std::pair(List[1].Area, List[1].Amount), std::pair(600.5, 5));
-  EXPECT_EQ(List[2].BoundBox.Width(), 10);
-}
-
-TEST_F(RectFile, AZeroSideLosesTwoNumbersOnlyAndNumbersMissingAtTheEndAreZero) {
-  ReadRectsFromText("9 9  0 7  30 20 600 5  4 0  1 2 3 4  8 9", "", List, Plate);
-  ASSERT_EQ(List.size(), 3u);
-  EXPECT_EQ(List[0].BoundBox.Width(), 30);
-  EXPECT_EQ(List[1].Amount, 4);
-  EXPECT_EQ(List[2].Amount, 0);
-  ReadRectsFromText("9 9 30", "", List, Plate);
-  EXPECT_EQ(List.size(), 3u);
+  for (const char* noMore : {"9 9\n", "9 9 30\n"}) ReadRectsFromText(noMore, "", List, Plate);
+  std::ostringstream read;
+  for (const TNestRect& rect : List)
+    read << rect.BoundBox.Width() << ' ' << rect.BoundBox.Height() << ' ' << rect.Area << ' ' << rect.Amount << ", ";
+  EXPECT_EQ(read.str(), "1 1 1 1, 30 20 600.5 5, 10 2.5 25 7, 1 2 3 4, 8 9 0 0, ");
 }
 
 TEST_F(RectFile, RefusesWhatIsNotWhollyANumber) {
@@ -94,15 +78,11 @@ TEST_F(RectFile, FilesThatCannotBeUsed) {
   EXPECT_EQ(Plate.Width(), 1) << "a missing file changes nothing";
   const std::string folder = std::filesystem::temp_directory_path().string();
   EXPECT_THROW(ReadFromFile(folder, List, Plate), TFileError);
-  EXPECT_THROW(WriteRectsToFile({}, Plate, folder), TFileError);
-  EXPECT_THROW(WriteRectsToFile({}, Plate, "/dev/full"), TFileError);
-  EXPECT_THROW(WriteRectsToFile({}, Plate, FileName + "/below"), TFileError);
-}
-
-TEST_F(RectFile, SizesThatAreNoneAreRefusedBeforeTheFileIsTouched) {
-  for (const TNestRect& bad : {Rect(std::nan(""), 1, 1, 1), Rect(1, -1, 1, 1), Rect(1, 1, std::nan(""), 1)})
-    EXPECT_THROW(WriteRectsToFile({bad}, TVRect2D::FromSize(1, 1), FileName), TArgumentError);
-  EXPECT_FALSE(std::filesystem::exists(FileName));
+  for (const std::string& file : {folder, std::string("/dev/full"), FileName + "/below"})
+    EXPECT_THROW(WriteRectsToFile({}, Plate, file), TFileError);
+  for (const TNestRect& bad : {Part(1, std::nan(""), 1, 1), Part(1, 1, -1, 1), Part(1, 1, 1, std::nan(""))})
+    EXPECT_THROW(WriteRectsToFile({bad}, Plate, FileName), TArgumentError);
+  EXPECT_FALSE(std::filesystem::exists(FileName)) << "refused before the file is touched";
 }
 
 }  // namespace

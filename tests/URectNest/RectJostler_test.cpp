@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <numeric>
-#include <random>
 
 #include "ForEachSeed.h"
+#include "Rects.h"
 #include "platenest/foundation/Errors.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
@@ -19,13 +19,9 @@ using TPlaces = std::vector<TPoint2D>;
 constexpr double kTol = 9.5e-5;  // no multiple of the 1e-5 that each gap is short by
 const TVRect2D kPlate = TVRect2D::FromSize(1000, 1000);
 
-TNestedRect Placed(double Width, double Height, double X, double Y, int Idx = 0, bool Turned = false) {
-  return TNestedRect(TNestRect(1, Idx, TVRect2D::FromSize(Width, Height)), Turned, {X, Y});
-}
-
-TNestedRects Jostled(const TNestedRects& List, double Gap = 0, bool Hor = true, bool Vert = true) {
+TNestedRects Jostled(const TNestedRects& List, double Gap = 0, bool Hor = true, bool Vert = true, double Tol = kTol) {
   TNestedRects result;
-  EXPECT_TRUE(TRectJostler::TryJostle(List, result, kPlate, Gap, Hor, Vert, kTol));
+  EXPECT_TRUE(TRectJostler::TryJostle(List, result, kPlate, Gap, Hor, Vert, Tol));
   return result;
 }
 
@@ -62,8 +58,7 @@ TEST(RectJostler, BlocksCloseToAGrid) {
   // Twelve of width 1 above eleven with holes of 0.1: equal sides, yet no grid.
   TNestedRects narrow;
   for (int i = 0; i < 23; ++i) narrow.push_back(i < 11 ? Placed(1, 1, i * 1.1, 0) : Placed(1, 1, i - 11, 1));
-  const TNestRect part(23, 0, TVRect2D::FromSize(1, 1));
-  EXPECT_EQ(CheckRectLayout(Jostled(narrow), TVRect2D::FromSize(12, 2), 0, {part}), "");
+  EXPECT_EQ(CheckRectLayout(Jostled(narrow), TVRect2D::FromSize(12, 2), 0, {Part(23, 1, 1)}), "");
 }
 
 // A row may drift: each neighbour is in line with the next. And the result is in order of bottom, then of left sides.
@@ -85,9 +80,7 @@ TEST(RectJostler, SidesWithinAMillionthAreInLine) {
 TEST(RectJostler, SidesWithinTheToleranceOfTheCallerPassEachOther) {
   const TNestedRects list{Placed(10, 10, 0, 0, 1), Placed(10 - 5e-5, 20, 0, 10, 2), Placed(10, 20, 10, 10, 3)};
   EXPECT_EQ(Places(Jostled(list)), (TPlaces{{0, 0}, {10, 0}, {0, 10}}));
-  TNestedRects exact;
-  EXPECT_TRUE(TRectJostler::TryJostle(list, exact, kPlate, 0, true, true, 4e-5));
-  EXPECT_EQ(Places(exact), (TPlaces{{0, 0}, {0, 10}, {10 - 5e-5, 10}}));
+  EXPECT_EQ(Places(Jostled(list, 0, true, true, 4e-5)), (TPlaces{{0, 0}, {0, 10}, {10 - 5e-5, 10}}));
 }
 
 TEST(RectJostler, DoorsAndOffThePlate) {
@@ -105,39 +98,37 @@ TEST(RectJostler, DoorsAndOffThePlate) {
 }
 
 // Columns of cells, each with a shifted grid of one kind that does not fill it. Demand gets the amounts.
-TNestedRects LooseLayout(std::mt19937& Random, double Gap, TNestRectList& Demand) {
-  const auto draw = [&](int Least, int Most) { return std::uniform_int_distribution<int>(Least, Most)(Random); };
+TNestedRects LooseLayout(TDice& From, double Gap, TNestRectList& Demand) {
   TNestedRects list;
   for (double x = 0, w = 0; x < kPlate.Right; x += w + Gap) {
-    w = std::min<double>(draw(60, 250), kPlate.Right - x);
+    w = std::min<double>(From(60, 250), kPlate.Right - x);
     for (double y = 0, h = 0; y < kPlate.Top; y += h + Gap) {
-      h = std::min<double>(draw(60, 250), kPlate.Top - y);
-      TNestRect& kind = Demand[draw(0, Size(Demand) - 1)];
-      const bool isTurned = draw(0, 1) == 1;
+      h = std::min<double>(From(60, 250), kPlate.Top - y);
+      TNestRect& kind = Demand[From(0, Size(Demand) - 1)];
+      const bool isTurned = From(0, 1) == 1;
       const TVRect2D box = TNestedRect(kind, isTurned, {}).BoundBox();
-      const double hole = Gap + 0.04 * draw(0, 3);
+      const double hole = Gap + 0.04 * From(0, 3);
       const TPoint2D pitch(box.Width() + hole, box.Height() + hole);
       const int columns = Trunc<int>((w + hole) / pitch.X);
       const int rows = Trunc<int>((h + hole) / pitch.Y);
-      const double left = x + draw(0, 4) / 4.0 * (w + hole - columns * pitch.X) - box.Left;
-      const double bottom = y + draw(0, 4) / 4.0 * (h + hole - rows * pitch.Y);
+      const double left = x + From(0, 4) / 4.0 * (w + hole - columns * pitch.X) - box.Left;
+      const double bottom = y + From(0, 4) / 4.0 * (h + hole - rows * pitch.Y);
       for (int k = 0; k < columns * rows; ++k, ++kind.Amount)
         list.emplace_back(kind, isTurned, TPoint2D{left + k % columns * pitch.X, bottom + k / columns * pitch.Y});
     }
   }
-  std::shuffle(list.begin(), list.end(), Random);
+  std::shuffle(list.begin(), list.end(), From.Random);
   return list;
 }
 
 TEST(RectJostler, KeepsEveryRectangleInsideApartAndNoFurtherOut) {
   const auto spread = [](double Sum, const TNestedRect& Item) { return Sum + Item.Trans.X + Item.Trans.Y; };
   ForEachSeed(2000, [&](unsigned Seed) {
-    std::mt19937 random(Seed);
+    TDice from(Seed);
     const double gap = Seed % 3 == 0 ? 0 : Seed % 7;
-    TNestRectList demand;
-    for (const auto& [w, h] : {std::pair(60, 40), {40, 40}, {90, 25}, {33, 17}, {12, 70}})
-      demand.emplace_back(0, Size(demand), TVRect2D::FromSize(w, h));
-    const TNestedRects list = LooseLayout(random, gap, demand);
+    TNestRectList demand =
+        Numbered({Part(0, 60, 40), Part(0, 40, 40), Part(0, 90, 25), Part(0, 33, 17), Part(0, 12, 70)});
+    const TNestedRects list = LooseLayout(from, gap, demand);
     ASSERT_EQ(CheckRectLayout(list, kPlate, gap, demand), "");
     const TNestedRects result = Jostled(list, gap, Seed % 4 != 0, Seed % 5 != 0);
     EXPECT_EQ(CheckRectLayout(result, kPlate, gap, demand, {.Tol = 1e-5 + 2 * kTol}), "");

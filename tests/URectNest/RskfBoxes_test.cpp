@@ -55,45 +55,34 @@ TEST(RskfBoxes, SidesAreRoundedUpWithBothHalvesOfTheGap) {
   EXPECT_EQ(Box(Part(9, 2, 3), 4, {.Gap = -2, .IntGap = -1}), std::nullopt) << "nothing is left of the part";
 }
 
-std::vector<int> GivenOut(TRasterBox Box) {
-  std::vector<int> given;
-  while (const auto piece = Box.PlaceOne()) given.push_back(piece->Rotate ? -piece->Idx : piece->Idx);
-  return given;
-}
-
-TIntBox IntBox(int A, int B, int Idx, int Amount, Int64 Value) {
-  TIntBox box(A, B, Idx, Amount, 1);
-  box.Area = Value;
-  return box;
-}
-
 TEST(RskfBoxes, BoxesOfOneSizeBecomeOneAndTheFirstInOrderIsGivenOutFirst) {
-  const TIntBoxList boxes{IntBox(5, 7, 1, 2, 30), IntBox(7, 5, 2, 1, 50), IntBox(7, 5, 3, 2, 30),
-                          IntBox(9, 1, 4, 1, 9),  IntBox(7, 4, 5, 1, 8),  IntBox(5, 7, 6, 1, 50)};
+  const TIntBoxList boxes{TIntBox(5, 7, 1, 2, 30), TIntBox(7, 5, 2, 1, 50), TIntBox(7, 5, 3, 2, 30),
+                          TIntBox(9, 1, 4, 1, 9),  TIntBox(7, 4, 5, 1, 8),  TIntBox(5, 7, 6, 1, 50)};
+  using V = std::vector<int>;  // of the pieces, -Idx for a turned one
   const auto merge = [&](bool weighted) {
     TIntBoxList merged = boxes;
     std::vector<TRasterBox> pieces;
     MergeCongruentBoxes(merged, pieces, true, weighted);
-    std::vector<std::tuple<int, int, Int64, std::vector<int>>> result;
+    std::vector<std::tuple<int, int, Int64, V>> result;
     for (int b = 0; b < Size(merged); ++b) {
-      const std::vector<int> given = GivenOut(pieces[b]);
+      V given;
+      while (const auto piece = pieces[b].PlaceOne()) given.push_back(piece->Rotate ? -piece->Idx : piece->Idx);
       EXPECT_EQ(merged[b].Amount, Size(given));
       result.emplace_back(merged[b].A, merged[b].B, merged[b].Area, given);
     }
     return result;
   };
-  using V = std::vector<int>;
-  EXPECT_THAT(merge(false), ElementsAre(std::tuple(7, 4, 8, V{5}), std::tuple(7, 5, 50, V{-1, -1, 3, 3, 2, -6}),
-                                        std::tuple(9, 1, 9, V{4})));
-  EXPECT_THAT(merge(true),
-              ElementsAre(std::tuple(7, 4, 8, V{5}), std::tuple(7, 5, 50, V{2, -6}), std::tuple(9, 1, 9, V{4})));
+  const std::tuple first(7, 4, Int64{8}, V{5});
+  const std::tuple last(9, 1, Int64{9}, V{4});
+  EXPECT_THAT(merge(false), ElementsAre(first, std::tuple(7, 5, 50, V{-1, -1, 3, 3, 2, -6}), last));
+  EXPECT_THAT(merge(true), ElementsAre(first, std::tuple(7, 5, 50, V{2, -6}), last));
 }
 
 TEST(RskfBoxes, TablesThatCouldOverflowAreRefused) {
   const TRaster raster(12, 10, {}, true, true);
-  EXPECT_THROW(PieceRowsOf({IntBox(1, 1, 0, 9, Int64{1} << 60)}, raster, true), TRangeError);
-  EXPECT_NO_THROW(PieceRowsOf({IntBox(1, 1, 0, 1, Int64{1} << 60)}, raster, true)) << "there is one copy only";
-  EXPECT_THROW(PieceRowsOf(TIntBoxList(65536, IntBox(3, 9, 0, 1, 1)), raster, true), TRangeError);
+  EXPECT_THROW(PieceRowsOf({TIntBox(1, 1, 0, 9, Int64{1} << 60)}, raster, true), TRangeError);
+  EXPECT_NO_THROW(PieceRowsOf({TIntBox(1, 1, 0, 1, Int64{1} << 60)}, raster, true)) << "there is one copy only";
+  EXPECT_THROW(PieceRowsOf(TIntBoxList(65536, TIntBox(3, 9, 0, 1, 1)), raster, true), TRangeError);
 }
 
 }  // namespace

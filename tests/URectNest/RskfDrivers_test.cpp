@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "FakeClock.h"
 #include "ForEachSeed.h"
+#include "RskfProbe.h"
 #include "RskfRasterRules.h"
-#include "RskfTables.h"
-#include "platenest/URectNest/RSKF.h"
 #include "platenest/foundation/Host.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
 
@@ -17,41 +14,16 @@ namespace {
 
 constexpr Int64 kPlenty = Int64{1} << 50;
 
-struct TJob {
-  double Width;
-  double Height;
-  TNestRectList Parts;
-  double Gap = 0;
-  int Digit = 0;
-  double TimeLimit = 0;
-  bool Weighted = false;
-};
-
-TNestRect Part(int Amount, double Width, double Height, double Area = 0) {
-  TNestRect part(Amount, 77, TVRect2D::FromSize(Width, Height));
-  part.Area = Area;
-  return part;
-}
-
-struct TProbe : TRSKF {
-  explicit TProbe(const TJob& Job)
-      : TRSKF(TVRect2D::FromSize(Job.Width, Job.Height).Translate({7, -3}), Job.Parts, Job.Gap, Job.TimeLimit,
-              Job.Digit, Job.Weighted) {}
-  using TRSKF::CheckResidual, TRSKF::PrepareRaster, TRSKF::RSkfCoreAlg;
-};
-
 // Takes what stood in the list before, a unit square, out of it.
-void ExpectValid(TNestedRects& List, const TJob& Job) {
+void ExpectValid(TNestedRects& List, const TRskfJob& Job) {
   List.erase(List.begin());
-  TNestRectList demand = Job.Parts;
-  for (int i = 0; i < Size(demand); ++i) demand[i].Idx = i;
-  EXPECT_EQ(CheckRectLayout(List, TVRect2D::FromSize(Job.Width, Job.Height), Job.Gap, demand), "");
+  EXPECT_EQ(CheckRectLayout(List, Job.Plate(), Job.Gap, Numbered(Job.Parts)), "");
 }
 
 // The boxes that a run places, in square plate units.
-double Nested(const TJob& Job, bool CanRotate = true, bool NormalPattern = false) {
-  TNestedRects list{TNestedRect(Part(1, 1, 1), false, {500, 500})};
-  const double usage = TProbe(Job).RunMultiRectNest(list, CanRotate, NormalPattern);
+double Nested(const TRskfJob& Job, bool NormalPattern = false) {
+  TNestedRects list{Placed(1, 1, 500, 500)};
+  const double usage = TRskfProbe(Job).RunMultiRectNest(list, Job.CanRotate, NormalPattern);
   const double area = detail::PlacedArea(list);
   EXPECT_NEAR(usage, area / ((Job.Width + Job.Gap) * (Job.Height + Job.Gap)), 1e-12) << "all that is in the list";
   ExpectValid(list, Job);
@@ -59,9 +31,9 @@ double Nested(const TJob& Job, bool CanRotate = true, bool NormalPattern = false
 }
 
 // The placements of a run of the block of the first rectangle and what is nested around it.
-TNestedRects BigFirst(const TJob& Job, bool CanRotate = true) {
-  TNestedRects list{TNestedRect(Part(1, 1, 1), false, {500, 500})};
-  const double area = TProbe(Job).RunBigFirstNest(list, 0, CanRotate, false);
+TNestedRects BigFirst(const TRskfJob& Job) {
+  TNestedRects list{Placed(1, 1, 500, 500)};
+  const double area = TRskfProbe(Job).RunBigFirstNest(list, 0, Job.CanRotate, false);
   EXPECT_NEAR(area, detail::PlacedArea(list) - 1, 1e-6) << "without what was in the list";
   ExpectValid(list, Job);
   return list;
@@ -86,12 +58,12 @@ TEST(RskfRaster, UnitsGetCoarserWhateverTheMemory) {
   std::vector<int> chain{100};
   while (chain.back() > -4) chain.push_back(detail::CoarserAmplification(chain.back()));
   EXPECT_EQ(chain, (std::vector{100, 50, 25, 12, 6, 3, 1, -2, -4}));
-  const auto lengthWith = [](Int64 memory, const TJob& job) {
+  const auto lengthWith = [](Int64 memory, const TRskfJob& job) {
     const TFreeMemoryScope scope([=] { return memory; });
-    TRaster raster;
-    return TProbe(job).PrepareRaster(raster, true, false) ? raster.RasterL.back() : 0;
+    TRskfProbe nester(job);
+    return nester.Prepare() ? nester.Raster.RasterL.back() : 0;
   };
-  const TJob job{100, 60, {Part(9999, 33, 21), Part(9999, 17, 12)}, 0, 2};
+  const TRskfJob job{100, 60, {Part(9999, 33, 21), Part(9999, 17, 12)}, 0, 2};
   EXPECT_EQ(lengthWith(0, job), 10000) << "not known";
   EXPECT_EQ(lengthWith(16 * 2 * 1500, job), 1200);
   EXPECT_EQ(lengthWith(1, {1.5e9, 1.5e9, {Part(4, 3e8, 1e8)}}), 0) << "down to the last unit";
@@ -102,18 +74,16 @@ TEST(RskfDrivers, KnownLayouts) {
   EXPECT_NEAR(Nested({100, 60, {Part(9999, 33, 21), Part(9999, 17, 12), Part(9999, 29, 8)}}), 5936, 1e-6);
   EXPECT_NEAR(Nested({14, 14, {Part(3, 7, 5)}}), 105, 1e-9) << "two by the pass, one by the filling";
   EXPECT_NEAR(Nested({10, 10, {Part(1, 10, 10), Part(1, 6, 6, 1000)}, 0, 0, 0, true}), 36, 1e-9) << "stated values";
-  EXPECT_NEAR(Nested({20, 30, {Part(3, 20, 10)}}, false), 400, 1e-9) << "unturned three would fit a tall plate";
+  EXPECT_NEAR(Nested({20, 30, {Part(3, 20, 10)}, 0, 0, 0, false, false}), 400, 1e-9)
+      << "unturned three would fit a tall plate";
 }
 
 TEST(RskfDrivers, ResidualStripsHoldABoxThatHasCopiesLeft) {
   for (const int amount : {4, 5}) {
-    TProbe nester({14, 14, {Part(amount, 7, 5)}});
-    TRaster raster;
-    detail::TRskfTables tables;
-    int column = 0, row = 0;
-    ASSERT_TRUE(nester.PrepareRaster(raster, true, true) && nester.RSkfCoreAlg(raster, column, row, tables));
+    TRskfProbe nester({14, 14, {Part(amount, 7, 5)}});
+    ASSERT_TRUE(nester.Prepare() && nester.Pass(true));
     const auto isLeftBy = [&](int l, int w) {
-      return nester.CheckResidual(raster, raster.IndexL[l], raster.IndexW[w]);
+      return nester.CheckResidual(nester.Raster, nester.Raster.IndexL[l], nester.Raster.IndexW[w]);
     };
     EXPECT_EQ(isLeftBy(7, 14) && isLeftBy(14, 7), amount == 5) << "of 4 all are placed";
     EXPECT_FALSE(isLeftBy(10, 14) || isLeftBy(14, 14)) << "strips of 4 and 0";
@@ -130,9 +100,8 @@ TEST(RskfBigFirst, BlocksAreTheLargestGridThatTheAmountAllows) {
   EXPECT_EQ(grid(4, 6, 11), std::pair(2, 5));
   EXPECT_EQ(grid(1 << 30, 1 << 30, 9), std::pair(9, 1));
   EXPECT_EQ(BigFirst({31, 19, {Part(7, 9, 5)}, 2})[5].Trans, TPoint2D(22, 7)) << "3 by 2, column by column";
-  const TNestedRects tied = BigFirst({31, 31, {Part(7, 9, 9)}, 2});
-  EXPECT_TRUE(tied[5].IsRotate);
-  EXPECT_EQ(tied[5].Trans, TPoint2D(20, 22)) << "2 by 3";
+  const TNestedRect tied = BigFirst({31, 31, {Part(7, 9, 9)}, 2})[5];
+  EXPECT_TRUE(tied.IsRotate && tied.Trans == TPoint2D(20, 22)) << "2 by 3";
 }
 
 TEST(RskfBigFirst, TheRestIsCutInTheBetterOfTwoWaysAndKnowsNoValues) {
@@ -140,28 +109,28 @@ TEST(RskfBigFirst, TheRestIsCutInTheBetterOfTwoWaysAndKnowsNoValues) {
   EXPECT_EQ(BigFirst({20, 30, {Part(1, 10, 10), Part(1, 20, 20)}}).Count(), 2) << "full width above";
   const TVRect2D tied = BigFirst({20, 20, {Part(1, 10, 10), Part(1, 10, 10)}})[1].BoundBox();
   EXPECT_NEAR(tied.Bottom, 0, 1e-9) << "beside first, not above first";
-  const TJob weighted{20, 10, {Part(1, 10, 10), Part(1, 9, 10), Part(1, 6, 6, 1e6)}, 0, 0, 0, true};
-  EXPECT_EQ(BigFirst(weighted)[1].Part.Idx, 1);
+  const TNestRectList weighted{Part(1, 10, 10), Part(1, 9, 10), Part(1, 6, 6, 1e6)};
+  EXPECT_EQ(BigFirst({20, 10, weighted, 0, 0, 0, true})[1].Part.Idx, 1);
   // A filling would find the place of the block free.
   EXPECT_EQ(BigFirst({20, 10, {Part(1, 10, 10), Part(4, 10, 5)}}).Count(), 3);
 }
 
 TEST(RskfDrivers, RandomLayoutsAreValidWithLittleMemoryAndTimeToo) {
   ForEachSeed(150, [](unsigned seed) {
-    std::mt19937 random(seed);
-    const auto whole = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
+    TDice from(seed);
     const int units = seed % 2 == 0 ? 10 : 1;
-    const auto length = [&](int low, int high) { return 1.0 * whole(low * units, high * units) / units; };
-    TJob job{length(30, 400), length(30, 400), {}, length(0, 5) * whole(0, 1), units / 10, seed % 5 == 0 ? 1.0 : 0};
-    job.Weighted = whole(0, 1) == 1;
-    for (int i = whole(1, 8); i > 0; --i) job.Parts.push_back(Part(whole(1, 200), length(3, 200), length(3, 200), i));
+    const auto length = [&](int low, int high) { return 1.0 * from(low * units, high * units) / units; };
+    TRskfJob job{length(30, 400), length(30, 400), {}, length(0, 5) * from(0, 1), units / 10, seed % 5 == 0 ? 1.0 : 0};
+    job.Weighted = from(0, 1) == 1;
+    job.CanRotate = seed % 4 != 0;
+    for (int i = from(1, 8); i > 0; --i) job.Parts.push_back(Part(from(1, 200), length(3, 200), length(3, 200), i));
     TFakeClock clock;
-    clock.AdvanceAtEachReading(seed % 5 == 0 ? whole(0, 300) : 0);
-    const TFreeMemoryScope scope([free = seed % 3 == 0 ? whole(1, 2'000'000) : kPlenty] { return free; });
-    Nested(job, seed % 4 != 0, seed % 7 == 0);
-    BigFirst(job, seed % 4 != 0);
+    clock.AdvanceAtEachReading(seed % 5 == 0 ? from(0, 300) : 0);
+    const TFreeMemoryScope scope([free = seed % 3 == 0 ? from(1, 2'000'000) : kPlenty] { return free; });
+    Nested(job, seed % 7 == 0);
+    BigFirst(job);
     if (seed % 5 == 0) return;
-    TProbe repeated(job);
+    TRskfProbe repeated(job);
     TNestedRects first, second;
     EXPECT_EQ(repeated.RunMultiRectNest(first, true, false), repeated.RunMultiRectNest(second, true, false));
   });

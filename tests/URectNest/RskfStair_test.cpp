@@ -2,21 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "Rects.h"
+
 namespace platenest {
 namespace {
 
 using TStair = TRSKF::TLStair;
 using TList = std::vector<double>;
-
-TNestedRect Placed(double Width, double Height, double X, double Y, bool Turned = false) {
-  return TNestedRect(TNestRect(1, 0, TVRect2D::FromSize(Width, Height)), Turned, {X, Y});
-}
-
-TNestRectList Parts(std::vector<std::pair<double, double>> Sizes) {
-  TNestRectList list;
-  for (const auto& [w, h] : Sizes) list.emplace_back(1, Size(list), TVRect2D::FromSize(w, h));
-  return list;
-}
 
 std::vector<TList> Areas(const TStair& Stair, const TNestRectList& List) {
   std::vector<TList> bounds;
@@ -31,7 +23,7 @@ std::vector<TList> Areas(const TStair& Stair, const TNestRectList& List) {
 //      |        |30x20|     |
 //      0       40    70   100
 const TVRect2D kPlate = TVRect2D::FromSize(100, 60);
-const TNestedRects kTwo{Placed(20, 30, 70, 0, true), Placed(40, 30, 0, 0)};
+const TNestedRects kTwo{Placed(20, 30, 70, 0, 0, true), Placed(40, 30, 0, 0)};
 
 TEST(RskfStair, FreeAreasReachOverRunsOfLowerSteps) {
   const TStair stair(kPlate, kTwo, 0);
@@ -42,16 +34,16 @@ TEST(RskfStair, FreeAreasReachOverRunsOfLowerSteps) {
   const TList above{0, 30, 100, 60};
   const TList middle{40, 20, 100, 60};
   const TList right{70, 0, 100, 60};
-  EXPECT_EQ(Areas(stair, Parts({{9, 9}})), (std::vector{above, middle, right, right, middle, above}));
-  EXPECT_EQ(Areas(stair, Parts({{30, 30}})), (std::vector{middle, middle})) << "areas of width 30 are refused";
-  EXPECT_EQ(Areas(stair, Parts({{9, 100}, {50, 50}})), (std::vector{above, above})) << "long side to long side";
-  EXPECT_TRUE(Areas(stair, Parts({{1, 101}})).empty());
+  EXPECT_EQ(Areas(stair, {Part(1, 9, 9)}), (std::vector{above, middle, right, right, middle, above}));
+  EXPECT_EQ(Areas(stair, {Part(1, 30, 30)}), (std::vector{middle, middle})) << "areas of width 30 are refused";
+  EXPECT_EQ(Areas(stair, {Part(1, 9, 100), Part(1, 50, 50)}), (std::vector{above, above})) << "long side to long side";
+  EXPECT_TRUE(Areas(stair, {Part(1, 1, 101)}).empty());
 }
 
 TEST(RskfStair, GapIsTakenOffAnAreaAndAskedForAgainAroundARectangle) {
   const TStair stair(TVRect2D::FromSize(60, 30).Inflate(2), {Placed(40, 30, 0, 0)}, 4);
-  EXPECT_EQ(Areas(stair, Parts({{12, 26}})), (std::vector(2, TList{44, 0, 60, 30})));
-  EXPECT_TRUE(Areas(stair, Parts({{13, 26}})).empty()) << "although it would fit";
+  EXPECT_EQ(Areas(stair, {Part(1, 12, 26)}), (std::vector(2, TList{44, 0, 60, 30})));
+  EXPECT_TRUE(Areas(stair, {Part(1, 13, 26)}).empty()) << "although it would fit";
 }
 
 TEST(RskfStair, EqualAndNarrowStepsAreJoined) {

@@ -9,6 +9,7 @@
 #include "platenest/URectNest/RSKF.h"
 #include "platenest/URectNest/RectNestSmart.h"
 #include "platenest/foundation/Clock.h"
+#include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Host.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/layoutcheck/LayoutCheck.h"
@@ -26,53 +27,28 @@ constexpr std::array kScales = {TScale{1000, 3}, TScale{1, 0}, TScale{10, 1}, TS
 using TPick = std::function<int(int)>;
 
 int PickSide(const TPick& Pick, int Long, int Short) {
-  switch (Pick(12)) {
-    case 0:
-      return Pick(2) == 0 ? Long : Short;
-    case 1:
-      return Long + 1 + Pick(Long);
-    case 2:
-      return std::max(2, Short / 25 + Pick(Short / 25 + 1));
-    default:
-      return std::max(1, Short / 16) + Pick(std::max(1, Long * 7 / 10));
-  }
+  const int kind = Pick(12);
+  if (kind == 0) return Pick(2) == 0 ? Long : Short;
+  if (kind == 1) return Long + 1 + Pick(Long);
+  if (kind == 2) return std::max(2, Short / 25 + Pick(Short / 25 + 1));
+  return std::max(1, Short / 16) + Pick(std::max(1, Long * 7 / 10));
 }
 
 int PickAmount(const TPick& Pick) {
-  switch (Pick(8)) {
-    case 0:
-      return 1;
-    case 1:
-      return 99 + Pick(4);
-    case 2:
-      return 1 + Pick(1000);
-    case 3:
-      return 65530 + Pick(4471);
-    default:
-      return 1 + Pick(12);
-  }
+  const int kind = Pick(8);
+  if (kind == 0) return 1;
+  if (kind == 1) return 99 + Pick(4);
+  if (kind == 2) return 1 + Pick(1000);
+  return kind == 3 ? 65530 + Pick(4471) : 1 + Pick(12);
 }
 
 // Worth that follows the area, that follows nothing, that is the same for all, and that truncates to 0.
 double PickWorth(const TPick& Pick, double Area) {
-  switch (Pick(8)) {
-    case 0:
-      return Pick(1000);
-    case 1:
-      return 250;
-    case 2:
-      return Pick(100) / 100.0;
-    default:
-      return std::floor(Area * (60 + Pick(80)) / 100);
-  }
+  const int kind = Pick(8);
+  if (kind == 0) return Pick(1000);
+  if (kind == 1) return 250;
+  return kind == 2 ? Pick(100) / 100.0 : std::floor(Area * (60 + Pick(80)) / 100);
 }
-
-// What counts for the bound of one part.
-struct TShare {
-  double Area;  // grown
-  double Worth;
-  double Copies;
-};
 
 bool Fits(const TNestRect& Part, const TFillCase& Case) {
   const double w = Part.BoundBox.Width(), h = Part.BoundBox.Height();
@@ -160,21 +136,19 @@ double WorthOf(const TNestedRects& Layout, const TFillCase& Case) {
 }
 
 double WorthBound(const TFillCase& Case) {
-  std::vector<TShare> shares;
+  const auto grown = [&](const TNestRect& part) {
+    return (part.BoundBox.Width() + Case.Gap) * (part.BoundBox.Height() + Case.Gap);
+  };
+  TNestRectList parts;
   for (const TNestRect& part : Case.Parts)
-    if (Fits(part, Case))
-      shares.push_back({(part.BoundBox.Width() + Case.Gap) * (part.BoundBox.Height() + Case.Gap), part.Area,
-                        static_cast<double>(part.Amount)});
-  SortBy(shares, [](const TShare& a, const TShare& b) {
-    const double left = a.Worth * b.Area, right = b.Worth * a.Area;
-    return left > right ? -1 : left < right;
-  });
+    if (Fits(part, Case)) parts.push_back(part);
+  SortBy(parts, [&](const TNestRect& a, const TNestRect& b) { return Sign(b.Area * grown(a), a.Area * grown(b)); });
   double room = (Case.Plate.Width() + Case.Gap) * (Case.Plate.Height() + Case.Gap);
   double worth = 0;
-  for (const TShare& share : shares) {
-    const double copies = std::min(share.Copies, room / share.Area);
-    worth += copies * share.Worth;
-    room -= copies * share.Area;
+  for (const TNestRect& part : parts) {
+    const double copies = std::min<double>(part.Amount, room / grown(part));
+    worth += copies * part.Area;
+    room -= copies * grown(part);
   }
   return worth;
 }
