@@ -1,21 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "BoxContour.h"
 #include "ForEachSeed.h"
-#include "platenest/foundation/Polyline.h"
+#include "Region.h"
 #include "platenest/foundation/Random.h"
 
 namespace platenest {
 namespace {
-
-double Area(const TVHPolygonList& Shapes) {
-  double sum = 0;
-  for (const TVHPolygon& shape : Shapes)
-    for (const TVPolyline2D& contour : shape) sum += contour.Area();
-  return sum;
-}
 
 const TVHPolygon kFrame{Box(0, 0, 10, 10), Box(2, 2, 8, 8)};
 
@@ -53,7 +44,9 @@ TEST(HPolygonList, AgreesWithCountedCells) {
       }
     }
     const TVHPolygonList united = list.IntersectSelf();
-    EXPECT_NEAR(Area(united), covered, 1e-9);
+    double area = 0;
+    for (const TVHPolygon& shape : united) area += RegionArea(PolygonOf(shape));
+    EXPECT_NEAR(area, covered, 1e-9);
     EXPECT_FALSE(united.MembersOverlap());
     EXPECT_EQ(list.MembersOverlap(), twice);
   });
