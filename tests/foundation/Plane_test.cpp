@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numbers>
 
 #include "platenest/foundation/Rect2D.h"
@@ -11,6 +12,7 @@ constexpr double kPi = std::numbers::pi;
 
 TEST(Point, AnglesStayInTheHalfOpenTurn) {
   EXPECT_EQ((TPoint2D{0, 0}.Angle()), 0);
+  EXPECT_NEAR((TPoint2D{2, 1}.Angle()), std::atan(0.5), 1e-15);
   EXPECT_EQ((TPoint2D{1, -1e-300}.Angle()), 0) << "a full turn counts as 0";
   EXPECT_NEAR((TPoint2D{1, 0}.AngleFrom({0, 1})), 1.5 * kPi, 1e-15);
 }
