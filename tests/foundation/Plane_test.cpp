@@ -23,11 +23,6 @@ TEST(Point, QuadrantNamesTheAxesWithNegativeNumbers) {
   for (const auto& [vector, quadrant] : cases) EXPECT_EQ(TPoint2DUtils::Quadrant(vector), quadrant);
 }
 
-TEST(Rect, EmptyBoxVanishesInAUnion) {
-  const TVRect2D box = TVRect2D::InvalidRect.Expand(TVRect2D(TPoint2D{2, 3})).Expand(TVRect2D::InvalidRect);
-  EXPECT_TRUE(box.IsValid() && box.Left == 2 && box.Top == 3);
-}
-
 TEST(Rect, HoldsBySizeAndPrefersTheUnturnedFit) {
   const TVRect2D plate = TVRect2D::FromSize(10, 5);
   EXPECT_EQ(plate.Holds90(TVRect2D::FromSize(5, 5).Translate({100, 100})), 0);
