@@ -45,14 +45,11 @@ std::vector<THit> AllPairs(const TVLine2DList& Lines, bool IncludeEndpoints) {
       const TPoint2D da = a.EndPoint - a.StartPoint;
       const TPoint2D db = b.EndPoint - b.StartPoint;
       if (da.Mag() == 0 || db.Mag() == 0) continue;
-      const auto split = [](const TVLine2D& L, const TVLine2D& M) {
-        return TPoint2DUtils::IsLeft(L.StartPoint, L.EndPoint, M.StartPoint) *
-                   TPoint2DUtils::IsLeft(L.StartPoint, L.EndPoint, M.EndPoint) <
-               0;
-      };
+      const TPoint2D between = b.StartPoint - a.StartPoint;
+      const double t = between.CrossMul(db) / da.CrossMul(db);  // of parallels not finite
+      const double s = between.CrossMul(da) / da.CrossMul(db);
       std::vector<TPoint2D> points;
-      if (split(a, b) && split(b, a))
-        points.push_back(a.EvalPoint((b.StartPoint - a.StartPoint).CrossMul(db) / da.CrossMul(db)));
+      if (t > 0 && t < 1 && s > 0 && s < 1) points.push_back(a.EvalPoint(t));
       for (const TPoint2D& end : {a.StartPoint, a.EndPoint, b.StartPoint, b.EndPoint})
         if (IncludeEndpoints && LiesOn(end, a) && LiesOn(end, b) && std::ranges::count(points, end) == 0)
           points.push_back(end);
