@@ -6,7 +6,7 @@
 
 #include "BoxContour.h"
 #include "ForEachSeed.h"
-#include "Region.h"
+#include "Shapes.h"
 #include "platenest/foundation/HostShapes.h"
 #include "platenest/foundation/Random.h"
 
@@ -48,6 +48,13 @@ TVPolyline2D GridStar(int Count, int Radius) {
   return star;
 }
 
+// On the integer grid, slanted or rectilinear.
+TVPolyline2D GridShape() {
+  constexpr TShapeKind kKinds[] = {TShapeKind::Comb, TShapeKind::Staircase, TShapeKind::UShape};
+  if (Random(2) == 0) return GridStar(3 + Random(9), 8);
+  return MakeShape(kKinds[Random(3)], 4 + Random(24), 8, Random(1000)).front();
+}
+
 TEST(Overlap, ContactWithinTheToleranceIsNone) {
   const TVPolyline2D box = Box(0, 0, 10, 10);
   const struct {
@@ -79,8 +86,8 @@ TEST(Overlap, FillsBaysAndCavitiesExactly) {
 TEST(Overlap, AgreesWithTheCommonArea) {
   ForEachSeed(1500, [](unsigned Seed) {
     const TRandomScope scope(Seed);
-    const TVPolyline2D a = GridStar(3 + Random(9), 8);
-    const TVPolyline2D b = Moved(GridStar(3 + Random(9), 8), Random(15) - 7, Random(15) - 7);
+    const TVPolyline2D a = GridShape();
+    const TVPolyline2D b = Moved(GridShape(), Random(15) - 7, Random(15) - 7);
     const double common = RegionArea(Clipped(PolygonOf({a}), PolygonOf({b}), ClipperLib::ctIntersection));
     EXPECT_EQ(Overlap(a, b), common > 1e-3) << common;
     EXPECT_EQ(InCavity(a, b), std::fabs(common - b.Area()) < 1e-3);
