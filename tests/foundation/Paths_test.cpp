@@ -44,6 +44,7 @@ TEST(Paths, DirectionsFollowTheFirstPathOrAreAllTheSame) {
   TPathUtils::SetIsClockwise(paths, true);
   EXPECT_EQ(areas(), -324 + 16000);
   EXPECT_EQ(TPathUtils::Area(paths, 1), 340) << "absolute";
+  EXPECT_EQ(TPathUtils::TotalLength({Square(9), Square(2)}), 72 + 16);
   TPathUtils::SetIsClockwise(paths, false, true);
   EXPECT_EQ(areas(), 324 + 16000);
 }

@@ -48,6 +48,7 @@ TEST(Circle, MeetsALineInNoneOneOrTwoPoints) {
   const TCircle2D circle{{3, 4}, 2};
   for (const auto& [height, count] : {std::pair{4.0, 2}, {6.0, 1}, {6 + 0.9e-6, 1}, {6 - 1e-13, 1}, {6 + 2e-6, 0}})
     EXPECT_EQ(circle.Intersect({{9, height}, {0, height}}).Count, count) << height;
+  EXPECT_EQ(circle.Intersect({{9, 4}, {0, 4}}).Points[0], (TPoint2D{5, 4})) << "in the direction of the line";
   EXPECT_EQ(circle.Intersect({{3, 4}, {3, 4}}).Count, 0) << "a line of one point has no direction";
 }
 

@@ -23,6 +23,7 @@ TVPoint2DList Wavy(int Count, double Noise) {
 TEST(Simplify, KeepsWhatExceedsTheTolerance) {
   const TVPoint2DList points{{0, 0}, {1, 0.1}, {2, -0.1}, {3, 5}, {4, 6}, {5, 7}};
   EXPECT_EQ(DPSimplify(TVPoint2DList{{0, 0}, {5, 0.5}, {10, 0}}, 0.5, false).size(), 2u) << "the bound itself may go";
+  EXPECT_EQ(DPSimplify(TVPoint2DList{{0, 0}, {10.5, 0}, {10, 0}}, 0.4, false).size(), 3u) << "beyond the end";
   EXPECT_EQ(DPSimplify(points, std::nan(""), false).size(), 5u);
 }
 
