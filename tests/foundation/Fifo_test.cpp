@@ -2,9 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
 #include <thread>
 #include <vector>
 
@@ -12,118 +9,78 @@ namespace platenest {
 namespace {
 
 // Remembers what Clear throws away.
-class TWitness : public TFifo<int*> {
+class TWitness : public TFifo<int> {
  public:
-  std::vector<int> Deleted;
+  std::vector<int> Cleared;  // guarded by the locks that Clear holds
 
  protected:
-  void NotifyDelete(int*& Item) override { Deleted.push_back(*Item); }
+  void NotifyDelete(int& Item) override { Cleared.push_back(Item); }
 };
 
-std::vector<int> Numbers(int Count) {
-  std::vector<int> result(Count);
-  for (int i = 0; i < Count; ++i) result[i] = i;
-  return result;
-}
-
-TEST(Fifo, ClearHandsEachItemOverInOrder) {
-  std::vector<int> numbers = Numbers(200);
-  TWitness fifo;
-  for (int& number : numbers) fifo.Enqueue(&number);
-  fifo.Clear(0);
-  EXPECT_EQ(fifo.Deleted, numbers);
-  int* item = nullptr;
-  fifo.Push(&numbers[5]);
-  EXPECT_TRUE(fifo.Pop(item) && item == &numbers[5] && fifo.Empty());
-}
-
 TEST(Fifo, DeliversInOrderButEnumeratesTheLastSlotOfABlockAsNothing) {
-  std::vector<int> numbers = Numbers(130);
-  TFifo<int*> fifo;
-  int* item = &numbers[7];
+  TWitness fifo;
+  int item = 7;
   EXPECT_FALSE(fifo.Pop(item) || fifo.Peek(item));
-  EXPECT_EQ(item, &numbers[7]) << "an empty queue leaves the argument alone";
-  for (int& number : numbers) fifo.Push(&number);
+  EXPECT_EQ(item, 7) << "an empty queue leaves the argument alone";
+  for (int i = 0; i <= 130; ++i) fifo.Enqueue(i);
   fifo.Pop(item);
   int place = 1;
-  for (int* const listed : fifo) {
-    EXPECT_EQ(listed, place == 63 || place == 127 ? nullptr : &numbers[place]) << place;
+  for (const int listed : fifo) {
+    EXPECT_EQ(listed, place == 63 || place == 127 ? 0 : place);
     ++place;
   }
-  EXPECT_EQ(place, 130);
-  for (int i = 1; i < 130; ++i) {
-    ASSERT_TRUE(fifo.Peek(item) && *item == i);
-    ASSERT_TRUE(fifo.Dequeue(item) && *item == i);
+  EXPECT_EQ(place, 131);
+  for (int i = 1; i < 129; ++i) {
+    ASSERT_TRUE(fifo.Peek(item) && item == i);
+    ASSERT_TRUE(fifo.Dequeue(item) && item == i);
   }
+  fifo.Clear(0);
   EXPECT_TRUE(fifo.Empty());
+  EXPECT_THAT(fifo.Cleared, testing::ElementsAre(129, 130));
 }
 
-struct TCounted {
-  TCounted() noexcept { ++Alive; }
-  TCounted(const TCounted&) noexcept { ++Alive; }
-  TCounted& operator=(const TCounted&) noexcept = default;
-  ~TCounted() { --Alive; }
-  static inline int Alive = 0;
+struct TMortal {
+  ~TMortal() { ++Deaths; }
+  static inline int Deaths = 0;
 };
 
 TEST(Fifo, ABlockDiesOneStepAfterItsLastItem) {
-  {
-    TFifo<TCounted> fifo;
-    TCounted item;
-    const auto slots = [] { return TCounted::Alive - 1; };
-    EXPECT_EQ(slots(), 0) << "no block before the first item";
-    for (int i = 0; i < 65; ++i) fifo.Push({});
-    EXPECT_EQ(slots(), 128);
-    for (int i = 0; i < 64; ++i) fifo.Pop(item);
-    EXPECT_EQ(slots(), 128) << "the spent node of slot 63 still stands at the head";
-    fifo.Pop(item);
-    EXPECT_EQ(slots(), 64);
-  }
-  EXPECT_EQ(TCounted::Alive, 0);
+  TFifo<TMortal> fifo;
+  TMortal item;
+  for (int i = 0; i < 65; ++i) fifo.Push({});
+  const int before = TMortal::Deaths;
+  for (int i = 0; i < 64; ++i) fifo.Pop(item);
+  EXPECT_EQ(TMortal::Deaths, before) << "the spent node of slot 63 still stands at the head";
+  fifo.Pop(item);
+  EXPECT_EQ(TMortal::Deaths, before + TFifo<TMortal>::kBlockSize);
 }
 
-// Two producers, two consumers, and a third party that clears: every item leaves exactly once.
-class TCountingFifo : public TFifo<std::intptr_t> {
- public:
-  std::vector<std::intptr_t> Cleared;  // guarded by the locks that Clear holds
-
- protected:
-  void NotifyDelete(std::intptr_t& Item) override { Cleared.push_back(Item); }
-};
-
+// Four threads push and pop, and a fifth clears: every item leaves exactly once.
 TEST(Fifo, EveryItemLeavesOnceUnderPushPopAndClear) {
-  constexpr int kItems = 20'000;
-  TCountingFifo fifo;
-  std::atomic<int> producing{2};
-  std::vector<std::intptr_t> taken[2];
+  constexpr int kSides = 4;
+  constexpr int kItems = 10'000;
+  TWitness fifo;
+  std::vector<int> taken[kSides + 1];
   std::vector<std::thread> threads;
-  for (int side = 0; side < 2; ++side) {
-    threads.emplace_back([&fifo, &producing, side] {
-      for (std::intptr_t i = 0; i < kItems; ++i) fifo.Push(2 * i + side);
-      --producing;
-    });
-    threads.emplace_back([&fifo, &producing, &mine = taken[side]] {
-      std::intptr_t item = 0;
-      for (bool last = false; !last;) {
-        last = producing == 0;
-        while (!fifo.Empty()) {  // asks while the other consumer frees nodes
-          if (fifo.Pop(item)) mine.push_back(item);
-        }
+  for (int side = 0; side < kSides; ++side)
+    threads.emplace_back([&fifo, side, &mine = taken[side]] {
+      int item = 0;
+      for (int i = 0; i < kItems; ++i) {
+        fifo.Push(kSides * i + side);
+        if (!fifo.Empty() && fifo.Pop(item)) mine.push_back(item);  // asks while others free nodes
       }
     });
-  }
-  while (producing > 0) {
-    fifo.Clear();
-    std::this_thread::yield();
-  }
+  for (int i = 0; i < 100; ++i) fifo.Clear();
   for (std::thread& thread : threads) thread.join();
-  std::vector<char> seen(2 * kItems);
-  for (const auto* list : {&taken[0], &taken[1], &fifo.Cleared}) {
-    std::intptr_t last[2] = {-1, -1};
-    for (const std::intptr_t item : *list) {
-      EXPECT_GT(item, last[item % 2]) << "items of one producer stay in order";
-      last[item % 2] = item;
-      ++seen[static_cast<std::size_t>(item)];
+  fifo.Clear();
+  taken[kSides] = fifo.Cleared;
+  std::vector<char> seen(kSides * kItems);
+  for (const auto& list : taken) {
+    std::vector<int> last(kSides, -1);
+    for (const int item : list) {
+      EXPECT_GT(item, last[item % kSides]) << "items of one producer stay in order";
+      last[item % kSides] = item;
+      ++seen[item];
     }
   }
   EXPECT_THAT(seen, testing::Each(1));

@@ -1,21 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "BoxContour.h"
 #include "ForEachSeed.h"
-#include "platenest/foundation/Polyline.h"
+#include "OverlapDepth.h"
 #include "platenest/foundation/Random.h"
 
 namespace platenest {
 namespace {
-
-double Area(const TVHPolygonList& Shapes) {
-  double sum = 0;
-  for (const TVHPolygon& shape : Shapes)
-    for (const TVPolyline2D& contour : shape) sum += contour.Area();
-  return sum;
-}
 
 const TVHPolygon kFrame{Box(0, 0, 10, 10), Box(2, 2, 8, 8)};
 
@@ -27,35 +18,31 @@ TEST(HPolygonList, PointIsInsideOnTheEdgeOrOutside) {
     EXPECT_EQ(list.RelationWithPoint(point, 1e-6), relation) << point.X << ", " << point.Y;
 }
 
-// Boxes on a grid: cells covered tell the area of the union, cells covered twice the overlap.
-TEST(HPolygonList, AgreesWithCountedCells) {
+TEST(HPolygonList, AgreesWithExactRegions) {
   ForEachSeed(300, [](unsigned Seed) {
     const TRandomScope scope(Seed);
     TVHPolygonList list;
-    int covers[12][12] = {};
+    TPaths all;
+    bool overlap = false;
     for (int i = 1 + Random(5); i > 0; --i) {
-      const int left = Random(9);
-      const int bottom = Random(9);
-      const int side = 1 + Random(3);
+      const int left = Random(9), bottom = Random(9), side = 1 + Random(3);
       TVHPolygon shape{Box(left, bottom, left + side, bottom + side)};
       if (side == 3) shape.push_back(Box(left + 1, bottom + 1, left + 2, bottom + 2));
-      for (int x = 0; x < side; ++x)
-        for (int y = 0; y < side; ++y) covers[left + x][bottom + y] += side < 3 || x != 1 || y != 1;
+      for (const TVHPolygon& other : list) overlap |= Overlaps(PolygonOf(other), PolygonOf(shape));
+      TPathUtils::PathsAddRange(all, PolygonOf(shape));
       list.push_back(shape);
     }
-    int covered = 0;
-    bool twice = false;
-    for (int x = 0; x < 12; ++x) {
-      for (int y = 0; y < 12; ++y) {
-        covered += covers[x][y] > 0;
-        twice |= covers[x][y] > 1;
-        EXPECT_EQ(list.RelationWithPoint({x + 0.5, y + 0.5}, 1e-6), covers[x][y] > 0 ? 1 : -1);
-      }
+    EXPECT_EQ(list.MembersOverlap(), overlap);
+    for (int i = 0; i < 144; ++i) {
+      const TPoint2D point{i / 12 + 0.5, i % 12 + 0.5};
+      const bool isInside = PlaceOf(TPathUtils::CreateIntPoint(point, kPathScale), all) == TPlace::Inside;
+      EXPECT_EQ(list.RelationWithPoint(point, 1e-6), isInside ? 1 : -1);
     }
     const TVHPolygonList united = list.IntersectSelf();
-    EXPECT_NEAR(Area(united), covered, 1e-9);
+    double area = 0;
+    for (const TVHPolygon& shape : united) area += RegionArea(PolygonOf(shape));
+    EXPECT_NEAR(area, RegionArea(all), 1e-9);
     EXPECT_FALSE(united.MembersOverlap());
-    EXPECT_EQ(list.MembersOverlap(), twice);
   });
 }
 

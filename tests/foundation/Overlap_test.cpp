@@ -6,8 +6,8 @@
 
 #include "BoxContour.h"
 #include "ForEachSeed.h"
+#include "Shapes.h"
 #include "platenest/foundation/HostShapes.h"
-#include "platenest/foundation/Paths.h"
 #include "platenest/foundation/Random.h"
 
 namespace platenest {
@@ -48,25 +48,11 @@ TVPolyline2D GridStar(int Count, int Radius) {
   return star;
 }
 
-// Rectilinear and simple: columns of random height on a common floor.
-TVPolyline2D Skyline(int Columns) {
-  TVPolyline2D line{{0, 0}};
-  line.push_back({double(Columns), 0});
-  for (int i = Columns; i > 0; --i) {
-    const double height = 1 + Random(4);
-    line.push_back({double(i), height});
-    line.push_back({double(i - 1), height});
-  }
-  return line;
-}
-
-double CommonArea(const TVPolyline2D& A, const TVPolyline2D& B) {
-  TClipper clipper;
-  clipper.AddPath(TPathUtils::CreatePath(A, 1000), ClipperLib::ptSubject, true);
-  clipper.AddPath(TPathUtils::CreatePath(B, 1000), ClipperLib::ptClip, true);
-  TPaths common;
-  clipper.Execute(ClipperLib::ctIntersection, common, ClipperLib::pftNonZero, ClipperLib::pftNonZero);
-  return TPathUtils::Area(common, 0) / 1e6;
+// On the integer grid, slanted or rectilinear.
+TVPolyline2D GridShape() {
+  constexpr TShapeKind kKinds[] = {TShapeKind::Comb, TShapeKind::Staircase, TShapeKind::UShape};
+  if (Random(2) == 0) return GridStar(3 + Random(9), 8);
+  return MakeShape(kKinds[Random(3)], 4 + Random(24), 8, Random(1000)).front();
 }
 
 TEST(Overlap, ContactWithinTheToleranceIsNone) {
@@ -100,13 +86,11 @@ TEST(Overlap, FillsBaysAndCavitiesExactly) {
 TEST(Overlap, AgreesWithTheCommonArea) {
   ForEachSeed(1500, [](unsigned Seed) {
     const TRandomScope scope(Seed);
-    const bool rectilinear = Random(2) == 0;
-    const TVPolyline2D a = rectilinear ? Skyline(1 + Random(6)) : GridStar(3 + Random(9), 8);
-    const TVPolyline2D b =
-        Moved(rectilinear ? Skyline(1 + Random(6)) : GridStar(3 + Random(9), 8), Random(15) - 7, Random(15) - 7);
-    const double common = CommonArea(a, b);
+    const TVPolyline2D a = GridShape();
+    const TVPolyline2D b = Moved(GridShape(), Random(15) - 7, Random(15) - 7);
+    const double common = RegionArea(Clipped(PolygonOf({a}), PolygonOf({b}), ClipperLib::ctIntersection));
     EXPECT_EQ(Overlap(a, b), common > 1e-3) << common;
-    EXPECT_EQ(InCavity(a, b), std::fabs(common - std::fabs(b.Area())) < 1e-3);
+    EXPECT_EQ(InCavity(a, b), std::fabs(common - b.Area()) < 1e-3);
   });
 }
 

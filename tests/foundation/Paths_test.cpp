@@ -1,13 +1,11 @@
 #include "platenest/foundation/Paths.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "platenest/foundation/Errors.h"
-#include "platenest/foundation/Random.h"
 
 namespace platenest {
 namespace {
@@ -46,6 +44,7 @@ TEST(Paths, DirectionsFollowTheFirstPathOrAreAllTheSame) {
   TPathUtils::SetIsClockwise(paths, true);
   EXPECT_EQ(areas(), -324 + 16000);
   EXPECT_EQ(TPathUtils::Area(paths, 1), 340) << "absolute";
+  EXPECT_EQ(TPathUtils::TotalLength({Square(9), Square(2)}), 72 + 16);
   TPathUtils::SetIsClockwise(paths, false, true);
   EXPECT_EQ(areas(), 324 + 16000);
 }
@@ -63,38 +62,34 @@ TEST(Paths, MovedTurnedAndScaledCopies) {
   EXPECT_EQ(TPathUtils::Zoom({{{250, 350}, {-150, 449}}}, 0.01), (TPaths{{{2, 4}, {-2, 4}}})) << "ties to even";
 }
 
+std::vector<Int64> Crossings(TPaths Contours, Int64 Level, bool Flag, Int64 Tol) {
+  const std::vector<Int64> found = TPathUtils::CalcXByY(Contours, Level, Flag, Tol);
+  for (TPath& path : Contours)
+    for (TIntPoint& point : path) std::swap(point.X, point.Y);
+  EXPECT_EQ(TPathUtils::CalcYByX(Contours, Level, Flag, Tol), found) << "the other axis";
+  return found;
+}
+
 TEST(PathCrossings, EdgesThatMeetTheBandGiveTheirNearestPoint) {
-  const TPaths square{Square(100000)};
-  EXPECT_THAT(TPathUtils::CalcXByY(square, 0, true, 0), ElementsAre(100000, -100000)) << "edge order";
-  EXPECT_THAT(TPathUtils::CalcXByY(square, 0, false, 0), ElementsAre(100000)) << "without the closing edge";
-  EXPECT_THAT(TPathUtils::CalcXByY(square, 100001, true, 20), ElementsAre(100000, 100000, -100000, -100000))
-      << "the end of a side, both ends of the upper edge, the end of the other side";
-  EXPECT_THAT(TPathUtils::CalcXByY(square, 100021, true, 20), IsEmpty());
-  EXPECT_THAT(TPathUtils::CalcXByY({{}, {{5, 0}}}, 0, true, 20), IsEmpty()) << "no edges";
-  EXPECT_THAT(TPathUtils::CalcXByY({{{0, -5}, {100, 5}, {100, -50}}}, 0, true, 5), ElementsAre(0, 100, 100, 0))
+  TPaths square{Square(100000)};
+  EXPECT_THAT(Crossings(square, 0, false, 0), ElementsAre(100000)) << "without the closing edge";
+  for (int repeats = 0; repeats < 2; ++repeats) {
+    EXPECT_THAT(Crossings(square, 0, true, 0), ElementsAre(100000, -100000)) << "edge order";
+    EXPECT_THAT(Crossings(square, 100001, true, 20), ElementsAre(100000, 100000, -100000, -100000))
+        << "the end of a side, both ends of the upper edge, the end of the other side";
+    TPathUtils::ConnectHeadTail(square);
+  }
+  EXPECT_THAT(Crossings(square, 100021, true, 20), IsEmpty());
+  EXPECT_THAT(Crossings({{}, {{5, 0}}}, 0, true, 20), IsEmpty()) << "no edges";
+  EXPECT_THAT(Crossings({{{0, -5}, {100, 5}, {100, -50}}}, 0, true, 5), ElementsAre(0, 100, 100, 0))
       << "an edge inside the band gives both ends, one that leaves it its crossing or nearest end";
 }
 
 TEST(PathCrossings, AreExactAndRoundTiesToEven) {
-  EXPECT_THAT(TPathUtils::CalcXByY({{{1, 0}, {2, 2}}, {{2, 2}, {3, 0}}, {{-2, 2}, {-1, 0}}}, 1, false, 0),
-              ElementsAre(2, 2, -2));
+  EXPECT_THAT(Crossings({{{1, 0}, {2, 2}}, {{2, 2}, {3, 0}}, {{-2, 2}, {-1, 0}}}, 1, false, 0), ElementsAre(2, 2, -2));
   const Int64 far = Int64{1} << 61;
-  EXPECT_THAT(TPathUtils::CalcXByY({{{-far, -far + 1}, {far, far + 1}}}, 1, false, 0), ElementsAre(0));
-  EXPECT_THAT(TPathUtils::CalcXByY({{{far, -far}, {far - 2, far}}}, 0, false, 0), ElementsAre(far - 1));
-}
-
-TEST(PathCrossings, BothAxesAgree) {
-  const TRandomScope seed(11);
-  for (int round = 0; round < 200; ++round) {
-    TPath path, turned;
-    for (int i = Random(8) + 3; i > 0; --i) path.emplace_back(Random(25) - 12, Random(25) - 12);
-    for (const TIntPoint& point : path) turned.emplace_back(point.Y, point.X);
-    const int level = Random(27) - 13;
-    const std::vector<Int64> found = TPathUtils::CalcXByY({path}, level, true, round % 3);
-    EXPECT_EQ(TPathUtils::CalcYByX({turned}, level, true, round % 3), found);
-    path.push_back(TIntPoint(path[0]));
-    EXPECT_EQ(TPathUtils::CalcXByY({path}, level, true, round % 3), found) << "a repeated point changes nothing";
-  }
+  EXPECT_THAT(Crossings({{{-far, -far + 1}, {far, far + 1}}}, 1, false, 0), ElementsAre(0));
+  EXPECT_THAT(Crossings({{{far, -far}, {far - 2, far}}}, 0, false, 0), ElementsAre(far - 1));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "AllocationCounter.h"
 
+#include <algorithm>
 #include <atomic>
-#include <cstddef>
 #include <cstdlib>
 #include <new>
 
@@ -11,68 +11,23 @@ thread_local platenest::Int64 allocationCount = 0;
 thread_local bool memoryIsHere = false;
 std::atomic<bool> memoryFailsElsewhere{false};
 
-void* Allocate(std::size_t Bytes, std::size_t Alignment) noexcept {
-  ++allocationCount;
-  if (memoryFailsElsewhere && !memoryIsHere) return nullptr;
-  if (Alignment <= alignof(std::max_align_t)) return std::malloc(Bytes > 0 ? Bytes : 1);
-  return std::aligned_alloc(Alignment, (Bytes + Alignment - 1) / Alignment * Alignment);
-}
-
-void* AllocateOrThrow(std::size_t Bytes, std::size_t Alignment) {
-  void* const memory = Allocate(Bytes, Alignment);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
 }  // namespace
 
-// All forms, because a sanitizer that keeps some of its own sees a mismatch when the others free their memory.
-void* operator new(std::size_t Bytes) {
-  return AllocateOrThrow(Bytes, 1);
-}
-void* operator new[](std::size_t Bytes) {
-  return AllocateOrThrow(Bytes, 1);
-}
+// All forms for single objects of usual alignment: a sanitizer that keeps one of them sees a mismatch when another
+// frees its memory. The forms for arrays call these, or stay with the sanitizer as a whole.
 void* operator new(std::size_t Bytes, const std::nothrow_t&) noexcept {
-  return Allocate(Bytes, 1);
+  ++allocationCount;
+  return memoryFailsElsewhere && !memoryIsHere ? nullptr : std::malloc(std::max<std::size_t>(Bytes, 1));
 }
-void* operator new[](std::size_t Bytes, const std::nothrow_t&) noexcept {
-  return Allocate(Bytes, 1);
-}
-void* operator new(std::size_t Bytes, std::align_val_t Alignment) {
-  return AllocateOrThrow(Bytes, static_cast<std::size_t>(Alignment));
-}
-void* operator new[](std::size_t Bytes, std::align_val_t Alignment) {
-  return AllocateOrThrow(Bytes, static_cast<std::size_t>(Alignment));
-}
-void* operator new(std::size_t Bytes, std::align_val_t Alignment, const std::nothrow_t&) noexcept {
-  return Allocate(Bytes, static_cast<std::size_t>(Alignment));
-}
-void* operator new[](std::size_t Bytes, std::align_val_t Alignment, const std::nothrow_t&) noexcept {
-  return Allocate(Bytes, static_cast<std::size_t>(Alignment));
+void* operator new(std::size_t Bytes) {
+  void* const memory = operator new(Bytes, std::nothrow);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
 }
 void operator delete(void* Memory) noexcept {
   std::free(Memory);
 }
-void operator delete[](void* Memory) noexcept {
-  std::free(Memory);
-}
 void operator delete(void* Memory, std::size_t) noexcept {
-  std::free(Memory);
-}
-void operator delete[](void* Memory, std::size_t) noexcept {
-  std::free(Memory);
-}
-void operator delete(void* Memory, std::align_val_t) noexcept {
-  std::free(Memory);
-}
-void operator delete[](void* Memory, std::align_val_t) noexcept {
-  std::free(Memory);
-}
-void operator delete(void* Memory, std::size_t, std::align_val_t) noexcept {
-  std::free(Memory);
-}
-void operator delete[](void* Memory, std::size_t, std::align_val_t) noexcept {
   std::free(Memory);
 }
 

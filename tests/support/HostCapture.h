@@ -1,44 +1,26 @@
 #pragma once
 
-#include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platenest/foundation/Host.h"
 
 namespace platenest {
 
-// Keeps what the library tells the host, from any thread, for its own lifetime.
+// Keeps what one thread of the library tells the host, for its own lifetime.
 class THostCapture {
  public:
-  struct TCall {
-    std::string Name;
-    std::string Text;
+  using TCall = std::pair<std::string, std::string>;  // name and text
 
-    friend bool operator==(const TCall&, const TCall&) = default;
-  };
-
-  std::vector<TCall> Calls() const {
-    const std::lock_guard lock(FMutex);
-    return FCalls;
-  }
-  std::vector<std::string> Warnings() const {
-    const std::lock_guard lock(FMutex);
-    return FWarnings;
-  }
+  const std::vector<TCall>& Calls() const { return FCalls; }
+  const std::vector<std::string>& Warnings() const { return FWarnings; }
 
  private:
-  mutable std::mutex FMutex;
   std::vector<TCall> FCalls;
   std::vector<std::string> FWarnings;
-  THostProcScope FProc{[this](std::string_view Name, std::string_view Text) {
-    const std::lock_guard lock(FMutex);
-    FCalls.push_back({std::string(Name), std::string(Text)});
-  }};
-  TWarningScope FSink{[this](std::string_view Line) {
-    const std::lock_guard lock(FMutex);
-    FWarnings.emplace_back(Line);
-  }};
+  THostProcScope FProc{[this](std::string_view Name, std::string_view Text) { FCalls.emplace_back(Name, Text); }};
+  TWarningScope FSink{[this](std::string_view Line) { FWarnings.emplace_back(Line); }};
 };
 
 }  // namespace platenest

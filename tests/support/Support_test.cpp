@@ -39,14 +39,11 @@ TEST(ForEachSeed, TakesItsFirstSeedAndItsRoundsFromTheEnvironmentAndNamesTheFail
 }
 
 TEST(AllocationCounter, CountsThisThreadOnly) {
-  struct alignas(64) TAligned {
-    int Value[16];
-  };
   const TAllocationCounter counter;
   const auto one = std::make_unique<int>(1);
-  const auto two = std::make_unique<TAligned>();
-  EXPECT_EQ(counter.Count(), 2);
+  const std::list<int> two(2);
   std::thread([] { const std::list<int> ten(10); }).join();
+  EXPECT_GE(counter.Count(), 3);
   EXPECT_LT(counter.Count(), 10);
 }
 
