@@ -17,13 +17,6 @@ TEST(Streams, ResultStandsAloneOnStandardOutput) {
   EXPECT_EQ(RunLine(kNineParts + " --quiet --json-progress").Err, "");
 }
 
-TEST(Streams, NumbersIgnoreTheLocale) {
-  Start start{.Line = kNineParts + " --margin 0.5 --quiet --deterministic"};
-  const std::string plain = Execute(start).Out;
-  start.Prepare = [] { ::setenv("LC_ALL", "de_DE.UTF-8", 1); };
-  EXPECT_EQ(Execute(start).Out, plain);
-}
-
 TEST(Streams, AClosedOrFullOutputIsAFileError) {
   Start start{.Line = kNineParts, .Prepare = [] { ::close(STDOUT_FILENO); }};
   EXPECT_EQ(Execute(start).Exit, 5);

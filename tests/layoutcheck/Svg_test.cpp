@@ -8,6 +8,8 @@
 
 #include "XmlText.h"
 #include "platenest/foundation/Errors.h"
+#include "platenest/layoutcheck/NfpSvg.h"
+#include "platenest/layoutcheck/PartSvg.h"
 
 namespace platenest {
 namespace {
@@ -105,6 +107,26 @@ TEST(CircleLayoutSvg, DrawsCirclesWithTextsThatStayInside) {
   EXPECT_EQ(texts, 2U);  // none in the smallest circle
   picture.Parts[0].Kind = 1;
   EXPECT_THROW(CircleLayoutSvg(picture), TRangeError);
+}
+
+TEST(ShapeSvg, HostileTextsStayTextAndWhatCannotBeDrawnIsRefused) {
+  const TPictureContours box{{{0, 0}, {4, 0}, {4, 2}, {0, 2}}};
+  TNfpPicture pair;
+  pair.FixedId = "<script>";
+  pair.Fixed = pair.Moving = pair.Region = box;
+  EXPECT_THAT(NfpSvg(pair),
+              AllOf(HasSubstr("data-part=\"&lt;script&gt;\""), HasSubstr("<g transform=\"matrix(1 0 0 -1 ")));
+  pair.Region = {{{0, 0}, {1e300, 0}, {1, 1}}};
+  EXPECT_THROW(NfpSvg(pair), TArgumentError);
+  TPartPicture part;
+  part.Title = "<t>";
+  part.PartId = "a\"b";
+  part.Remarks = {"x & y"};
+  EXPECT_THROW(PartSvg(part), TArgumentError) << "no extent";
+  part.Part = box;
+  EXPECT_THAT(PartSvg(part), AllOf(HasSubstr("<title>&lt;t&gt;: a&quot;b</title>"), HasSubstr("x &amp; y")));
+  part.Disc = {{INFINITY, 1}, 0.5};
+  EXPECT_THROW(PartSvg(part), TArgumentError);
 }
 
 }  // namespace
