@@ -125,6 +125,19 @@ TEST(ShapeSvg, HostileTextsStayTextAndWhatCannotBeDrawnIsRefused) {
   EXPECT_THROW(PartSvg(part), TArgumentError) << "no extent";
   part.Part = box;
   EXPECT_THAT(PartSvg(part), AllOf(HasSubstr("<title>&lt;t&gt;: a&quot;b</title>"), HasSubstr("x &amp; y")));
+  const auto marks = [&part] {
+    std::string found;
+    for (const char* mark : {"data-lines", "data-cell", "data-label", "data-sucker"})
+      found += PartSvg(part).find(mark) == std::string::npos ? '-' : 'x';
+    return found;
+  };
+  EXPECT_EQ(marks(), "----");
+  part.Lines = box;
+  part.Label = {{1, 1, 2, 2}, 0.5};
+  EXPECT_EQ(marks(), "x-x-");
+  part.Lattice = {{5, 0}, {0, 3}};
+  part.Disc = {{1, 1}, 0.5};
+  EXPECT_EQ(marks(), "xxxx");
   part.Disc = {{INFINITY, 1}, 0.5};
   EXPECT_THROW(PartSvg(part), TArgumentError);
 }
