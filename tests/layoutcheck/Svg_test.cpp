@@ -54,7 +54,9 @@ TEST(RectLayoutSvg, PictureHasTheSizeOfThePlate) {
   for (const auto& [units, head] : heads) {
     picture.Units = units;
     EXPECT_THAT(RectLayoutSvg(picture), HasSubstr(head + std::string(" viewBox=\"0 0 2440 1220\"")));
-    EXPECT_THAT(RectLayoutSvg(picture), HasSubstr("<g transform=\"matrix(1 0 0 -1 0 1220)\">"));
+    EXPECT_THAT(
+        RectLayoutSvg(picture),
+        HasSubstr("<g transform=\"matrix(1 0 0 -1 0 1220)\">\n<rect x=\"0\" y=\"0\" width=\"2440\" height=\"1220\""));
   }
 }
 
@@ -135,6 +137,7 @@ TEST(ShapeSvg, HostileTextsStayTextAndWhatCannotBeDrawnIsRefused) {
   part.Lines = box;
   part.Label = {{1, 1, 2, 2}, 0.5};
   EXPECT_EQ(marks(), "x-x-");
+  EXPECT_THAT(PartSvg(part), AllOf(HasSubstr("M1 1L2 1L2 2L1 2Z"), HasSubstr("M0.5 0.5L2.5 0.5L2.5 2.5L0.5 2.5Z")));
   part.Lattice = {{5, 0}, {0, 3}};
   part.Disc = {{1, 1}, 0.5};
   EXPECT_EQ(marks(), "xxxx");
