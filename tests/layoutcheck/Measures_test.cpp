@@ -115,6 +115,28 @@ TEST(IsEdgeToEdge, EqualsTheSearchOverAllCuts) {
   EXPECT_FALSE(IsEdgeToEdge(TBoxes{{0, 0, 2, 2}, {1, 1, 3, 3}}));
 }
 
+void Halve(const TPlacedBox& Box, int Times, TBoxes& Boxes) {
+  if (Times == 0) return Boxes.push_back(Box);
+  TPlacedBox first = Box, second = Box;
+  if (Times % 2 == 0)
+    first.Right = second.Left = Between(Box.Left, Box.Right);
+  else
+    first.Top = second.Bottom = Between(Box.Bottom, Box.Top);
+  Halve(first, Times - 1, Boxes);
+  Halve(second, Times - 1, Boxes);
+}
+
+// One strip within the other around a block cut in halves: more turns than are made across all pieces at once.
+TEST(IsEdgeToEdge, FollowsLongChainsOfCuts) {
+  SetSeed(1);
+  TBoxes boxes;
+  Halve({15, 15, 50, 50}, 6, boxes);
+  for (double at = 0; at < 15; ++at) boxes.insert(boxes.end(), {{at, at, at + 1, 100}, {at + 1, at, 100, at + 1}});
+  EXPECT_TRUE(IsEdgeToEdge(boxes));
+  boxes.insert(boxes.end(), {{50, 50, 52, 51}, {52, 50, 53, 52}, {51, 52, 53, 53}, {50, 51, 51, 53}});
+  EXPECT_FALSE(IsEdgeToEdge(boxes)) << "no cut parts a pinwheel";
+}
+
 // Every pair of vertical limits, and the highest gap between the obstacles in between.
 double NaiveFreeArea(TBoxes Boxes, const TPlacedBox& Area, double Clearance) {
   std::vector<double> lines = {Area.Left, Area.Right};
