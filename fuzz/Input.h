@@ -5,11 +5,27 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
 namespace platenest {
 
 inline void Require(bool Condition) {
   if (!Condition) std::abort();
+}
+
+// Whether the call ends without an error of this class, which it may raise; no other may come out.
+template <class TError, class F>
+bool Try(F Call) {
+  try {
+    Call();
+    return true;
+  } catch (const TError&) {
+    return false;
+  }
+}
+
+inline std::string_view TextOf(const std::uint8_t* Data, std::size_t Count) {
+  return {reinterpret_cast<const char*>(Data), Count};
 }
 
 // The bytes of a fuzz input one by one, zeros behind its end and behind the first Most.
@@ -19,6 +35,12 @@ class TInput {
       : FNext(Data), FEnd(Data + std::min(Count, Most)) {}
   bool Empty() const { return FNext == FEnd; }
   int Next() { return Empty() ? 0 : *FNext++; }
+
+  // From 0 to Count - 1, in the form that the makers of random cases ask for.
+  int operator()(int Count) {
+    const int high = Next();
+    return (Count > 256 ? high << 8 | Next() : high) % Count;
+  }
 
  private:
   const std::uint8_t* FNext;

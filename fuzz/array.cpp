@@ -131,18 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size
   constexpr std::size_t kMost = 400;
   if (Size > kMost) return 0;
   TInput input(Data, Size, kMost);
-  try {
-    switch (input.Next() % 4) {
-      case 0:
-        TryLabel(input);
-        break;
-      case 1:
-        TrySucker(input);
-        break;
-      default:
-        TryArray(input);
-    }
-  } catch (const TNestError&) {
-  }
+  const int kind = input.Next() % 4;
+  Try<TNestError>([&] { kind == 0 ? TryLabel(input) : kind == 1 ? TrySucker(input) : TryArray(input); });
   return 0;
 }

@@ -1,8 +1,9 @@
 // Asks the calculator for shapes read from the input: coordinates from tiny to huge and not finite at all, needles,
 // crossings, empty shapes and lists. Whatever comes, it answers or raises an error of the library, and leaves the state
 // of the thread and its arguments as they were.
+#include <cfloat>
+#include <cmath>
 #include <cstring>
-#include <limits>
 
 #include "Input.h"
 #include "platenest/NfpAlgorithmSet/VectorGraph.h"
@@ -18,23 +19,8 @@ constexpr std::size_t kMaxBytes = 768;
 constexpr int kMostPoints = 24;
 
 double OddCoordinate(int Which) {
-  using TLimits = std::numeric_limits<double>;
-  constexpr double kOdd[] = {TLimits::quiet_NaN(),
-                             TLimits::infinity(),
-                             -TLimits::infinity(),
-                             TLimits::max(),
-                             TLimits::denorm_min(),
-                             1e13,
-                             -1e13,
-                             1.0000001e13,
-                             4.6e13,
-                             9e12,
-                             -0.0,
-                             1e-12,
-                             1e-6,
-                             5e-6,
-                             1e-3,
-                             9.99e-4};
+  constexpr double kOdd[] = {NAN,    INFINITY, -INFINITY, DBL_MAX, DBL_TRUE_MIN, 1e13, -1e13, 1.0000001e13,
+                             4.6e13, 9e12,     -0.0,      1e-12,   1e-6,         5e-6, 1e-3,  9.99e-4};
   return kOdd[Which % std::size(kOdd)];
 }
 
@@ -82,13 +68,12 @@ bool AreSame(const TVHPolygonList& A, const TVHPolygonList& B) {
 void Ask(const TVHPolygonList& Sub, const TVHPolygonList& Obj, int Mode) {
   const bool isInside = Mode % 2 == 1;
   const auto type = static_cast<TNFPType>(Mode / 2 % 5);
-  try {
+  Try<TNestError>([&] {
     const TNFP nfp = Mode % 16 < 12 ? TNFPCalculator::CalcNFP(Sub, Obj, isInside, type, "", "")
                                     : TNFPCalculator::CalcNFPUI(Sub, Obj, isInside, type, "", "");
     Require(isInside || type == ntNone || !nfp.IsEmpty());
     for (const TPath& path : *nfp.NFP) Require(path.size() >= 3);
-  } catch (const TNestError&) {
-  }
+  });
 }
 
 }  // namespace

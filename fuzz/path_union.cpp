@@ -84,9 +84,6 @@ void UniteAndJudge(TInput In) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Count) {
-  try {
-    UniteAndJudge(TInput(Data, Count, kMaxBytes));
-  } catch (const TNestError&) {
-  }
+  Try<TNestError>([&] { UniteAndJudge(TInput(Data, Count, kMaxBytes)); });
   return 0;
 }

@@ -1,24 +1,16 @@
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
-
+#include "Input.h"
 #include "platenest/URectNest/RectFile.h"
 
 // Any text either reads or is refused with an input error; what was there before stays on a refusal.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Data, std::size_t Size) {
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace platenest;
-  const std::string_view text(reinterpret_cast<const char*>(Data), Size);
   TNestRectList list(1);
   TVRect2D plate = TVRect2D::FromSize(-1, -1);
-  try {
-    ReadRectsFromText(text, "fuzz.txt", list, plate);
-  } catch (const TInputError&) {
-    if (list.size() != 1 || plate.Width() != -1) std::abort();
-    return 0;
-  }
+  if (!Try<TInputError>([&] { ReadRectsFromText(TextOf(data, size), "fuzz.txt", list, plate); }))
+    Require(list.size() == 1 && plate.Width() == -1);
   for (std::size_t i = 1; i < list.size(); ++i) {
     const TVRect2D& box = list[i].BoundBox;
-    if (!(box.Width() < 0 || box.Width() > 0) || !(box.Height() < 0 || box.Height() > 0)) std::abort();
+    Require((box.Width() < 0 || box.Width() > 0) && (box.Height() < 0 || box.Height() > 0));
   }
   return 0;
 }

@@ -9,17 +9,13 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace platenest;
   TInput bytes(data, size, 200);
-  const test::TFillCase job = test::MakeFillCase([&bytes](int Count) {
-    const int high = bytes.Next();
-    return (Count > 256 ? high << 8 | bytes.Next() : high) % Count;
-  });
+  const test::TFillCase job = test::MakeFillCase(std::ref(bytes));
   for (const test::TFillMethod method : test::kFillMethods) {
-    try {
+    Try<TNestError>([&] {
       const std::string fault = test::FillFault(method, test::RunFillSmall(method, job), job);
       if (!fault.empty()) std::fprintf(stderr, "%s: %s: %s\n", NameOf(method), fault.c_str(), TextOf(job).c_str());
       Require(fault.empty());
-    } catch (const TNestError&) {
-    }
+    });
   }
   return 0;
 }

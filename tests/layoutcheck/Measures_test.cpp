@@ -1,13 +1,12 @@
 #include "platenest/layoutcheck/Measures.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <limits>
 #include <vector>
 
-#include "platenest/foundation/Errors.h"
+#include "ForEachSeed.h"
 #include "platenest/foundation/Random.h"
+#include "platenest/layoutcheck/LayoutCheck.h"
 
 namespace platenest {
 namespace {
@@ -18,26 +17,22 @@ double Between(double Low, double High) {
   return Low + (High - Low) * Random(1 << 30) / (1 << 30);
 }
 
-// Count boxes by Make(i).
-template <class Maker>
-TBoxes BoxesBy(int Count, Maker Make) {
-  TBoxes boxes;
-  for (int i = 0; i < Count; ++i) boxes.push_back(Make(i));
+TBoxes OnGrid(int Count, int Grid, int Largest) {
+  TBoxes boxes(Count);
+  for (TPlacedBox& box : boxes) {
+    const double x = Random(Grid), y = Random(Grid);
+    box = {x, y, x + 1 + Random(Largest), y + 1 + Random(Largest)};
+  }
   return boxes;
 }
 
-TBoxes OnGrid(int Count, int Grid, int Largest) {
-  return BoxesBy(Count, [&](int) {
-    const double x = Random(Grid), y = Random(Grid);
-    return TPlacedBox{x, y, x + 1 + Random(Largest), y + 1 + Random(Largest)};
-  });
-}
-
 TBoxes Anywhere(int Count, double Largest) {
-  return BoxesBy(Count, [&](int) {
+  TBoxes boxes(Count);
+  for (TPlacedBox& box : boxes) {
     const double x = Between(0, 100), y = Between(0, 100);
-    return TPlacedBox{x, y, x + Between(0, Largest), y + Between(0, Largest)};
-  });
+    box = {x, y, x + Between(0, Largest), y + Between(0, Largest)};
+  }
+  return boxes;
 }
 
 // As nesters list them: rows from below, or columns from the left, of one size or of several, here and there without a
@@ -56,19 +51,30 @@ TBoxes InRows(int Count, double Gap, bool IsAcross) {
   return boxes;
 }
 
-TEST(LeastClearance, EqualsAllPairsTested) {
-  for (int seed = 1; seed <= 1500; ++seed) {
-    SetSeed(seed);
+TEST(LeastClearance, EqualsAllPairsAsDoesTheFirstPairTooClose) {
+  ForEachSeed(2000, [](unsigned Seed) {
+    SetSeed(Seed);
     const int count = 2 + Random(30);
-    const TBoxes boxes = seed % 4 == 0   ? OnGrid(count, 60, 4)
-                         : seed % 4 == 1 ? InRows(2 * count, Between(0.1, 3), Random(2) == 1)
-                                         : Anywhere(count, seed % 4 == 2 ? 3 : 15);
+    TBoxes boxes = Seed % 8 == 0   ? OnGrid(count, 60, 4)
+                   : Seed % 8 == 4 ? OnGrid(2 + count / 3, 14, 4)
+                   : Seed % 4 == 1 ? InRows(2 * count, Between(0.1, 3), Random(2) == 1)
+                                   : Anywhere(count, Seed % 4 == 2 ? 3 : 15);
+    if (Seed % 8 == 4)
+      for (TPlacedBox& box : boxes) box.Right -= 1;  // down to no width at all
     double least = std::numeric_limits<double>::infinity();
     for (const TPlacedBox& a : boxes)
       for (const TPlacedBox& b : boxes)
-        if (&a < &b) least = std::min(least, std::max(0.0, Clearance(a, b)));
-    ASSERT_EQ(LeastClearance(boxes), least) << "seed " << seed;
-  }
+        if (&a < &b) least = std::min(least, Clearance(a, b));
+    EXPECT_EQ(LeastClearance(boxes), std::max(0.0, least));
+    for (const double gap : {-1.5, 0.0, 1.0, 3.3}) {
+      const std::optional<TBoxPair> pair = FirstTooClose(boxes, gap);
+      ASSERT_EQ(pair.has_value(), least < gap - 1e-6) << gap;
+      if (!pair) continue;
+      EXPECT_LT(pair->First, pair->Second);
+      EXPECT_EQ(pair->Clearance, Clearance(boxes[pair->First], boxes[pair->Second]));
+      EXPECT_LT(pair->Clearance, gap - 1e-6);
+    }
+  });
   EXPECT_EQ(LeastClearance(TBoxes{{0, 0, 1, 1}}), std::nullopt);
   EXPECT_EQ(LeastClearance(TBoxes{{0, 0, 1, 1}, {4, 5, 5, 6}}), 5) << "3 and 4 on the axes";
 }
@@ -100,13 +106,35 @@ TBoxes Disjoint(const TBoxes& Boxes) {
 }
 
 TEST(IsEdgeToEdge, EqualsTheSearchOverAllCuts) {
-  for (int seed = 1; seed <= 3000; ++seed) {
-    SetSeed(seed);
+  ForEachSeed(3000, [](unsigned Seed) {
+    SetSeed(Seed);
     const TBoxes boxes = Disjoint(OnGrid(40, 7, 4));
-    ASSERT_EQ(IsEdgeToEdge(boxes), NaiveEdgeToEdge(boxes)) << "seed " << seed;
-    ASSERT_TRUE(IsEdgeToEdge(InRows(60, seed % 2, seed % 3 == 0))) << "seed " << seed;
-  }
+    EXPECT_EQ(IsEdgeToEdge(boxes), NaiveEdgeToEdge(boxes));
+    EXPECT_TRUE(IsEdgeToEdge(InRows(60, Seed % 2, Seed % 3 == 0)));
+  });
   EXPECT_FALSE(IsEdgeToEdge(TBoxes{{0, 0, 2, 2}, {1, 1, 3, 3}}));
+}
+
+void Halve(const TPlacedBox& Box, int Times, TBoxes& Boxes) {
+  if (Times == 0) return Boxes.push_back(Box);
+  TPlacedBox first = Box, second = Box;
+  if (Times % 2 == 0)
+    first.Right = second.Left = Between(Box.Left, Box.Right);
+  else
+    first.Top = second.Bottom = Between(Box.Bottom, Box.Top);
+  Halve(first, Times - 1, Boxes);
+  Halve(second, Times - 1, Boxes);
+}
+
+// One strip within the other around a block cut in halves: more turns than are made across all pieces at once.
+TEST(IsEdgeToEdge, FollowsLongChainsOfCuts) {
+  SetSeed(1);
+  TBoxes boxes;
+  Halve({15, 15, 50, 50}, 6, boxes);
+  for (double at = 0; at < 15; ++at) boxes.insert(boxes.end(), {{at, at, at + 1, 100}, {at + 1, at, 100, at + 1}});
+  EXPECT_TRUE(IsEdgeToEdge(boxes));
+  boxes.insert(boxes.end(), {{50, 50, 52, 51}, {52, 50, 53, 52}, {51, 52, 53, 53}, {50, 51, 51, 53}});
+  EXPECT_FALSE(IsEdgeToEdge(boxes)) << "no cut parts a pinwheel";
 }
 
 // Every pair of vertical limits, and the highest gap between the obstacles in between.
@@ -132,32 +160,31 @@ double NaiveFreeArea(TBoxes Boxes, const TPlacedBox& Area, double Clearance) {
   return best;
 }
 
-void ExpectLargestFree(const TBoxes& Boxes, const TPlacedBox& Area, double Gap, int Seed) {
+void ExpectLargestFree(const TBoxes& Boxes, const TPlacedBox& Area, double Gap) {
   const double expected = NaiveFreeArea(Boxes, Area, Gap);
   const std::optional<TPlacedBox> free = LargestFreeBox(Boxes, Area, Gap);
-  ASSERT_EQ(free.has_value(), expected > 1e-6) << "seed " << Seed;
+  ASSERT_EQ(free.has_value(), expected > 1e-6);
   if (!free) return;
-  ASSERT_NEAR(free->Area(), expected, 1e-9 * expected) << "seed " << Seed;
+  EXPECT_NEAR(free->Area(), expected, 1e-9 * expected);
   EXPECT_TRUE(free->Left >= Area.Left && free->Bottom >= Area.Bottom);
   EXPECT_TRUE(free->Right <= Area.Right && free->Top <= Area.Top);
   for (const TPlacedBox& b : Boxes)
     EXPECT_TRUE(free->Left >= b.Right + Gap || free->Right <= b.Left - Gap || free->Bottom >= b.Top + Gap ||
-                free->Top <= b.Bottom - Gap)
-        << "seed " << Seed;
+                free->Top <= b.Bottom - Gap);
 }
 
 TEST(LargestFreeBox, EqualsTheSearchOverAllRectangles) {
-  for (int seed = 1; seed <= 1200; ++seed) {
-    SetSeed(seed);
+  ForEachSeed(1200, [](unsigned Seed) {
+    SetSeed(Seed);
     const int count = Random(40);
-    ExpectLargestFree(OnGrid(count, 12, 4), {1, 0, 12, 13}, seed % 3 == 0 ? 1 : 0, seed);
-    ExpectLargestFree(Anywhere(count, seed % 2 == 0 ? 10 : 2), {0, 0, 100, 100}, seed % 5, seed);
-    ExpectLargestFree(InRows(2 * count, seed % 3, seed % 2 == 0), {0, 0, 92, 97}, seed % 3, seed);
+    ExpectLargestFree(OnGrid(count, 12, 4), {1, 0, 12, 13}, Seed % 3 == 0 ? 1 : 0);
+    ExpectLargestFree(Anywhere(count, Seed % 2 == 0 ? 10 : 2), {0, 0, 100, 100}, Seed % 5);
+    ExpectLargestFree(InRows(2 * count, Seed % 3, Seed % 2 == 0), {0, 0, 92, 97}, Seed % 3);
     TBoxes bars = Anywhere(count, 3);
     for (std::size_t i = 0; i < bars.size(); i += 2) bars[i].Right = bars[i].Left + Between(20, 100);
     for (std::size_t i = 0; i < bars.size(); i += 5) bars[i].Top = bars[i].Bottom + Between(20, 100);
-    ExpectLargestFree(bars, {-5, -5, 110, 90}, 0, seed);
-  }
+    ExpectLargestFree(bars, {-5, -5, 110, 90}, 0);
+  });
 }
 
 TEST(LargestFreeBox, KeepsTheClearanceAndNamesTheOffcutExactly) {

@@ -8,6 +8,8 @@
 
 #include "XmlText.h"
 #include "platenest/foundation/Errors.h"
+#include "platenest/layoutcheck/NfpSvg.h"
+#include "platenest/layoutcheck/PartSvg.h"
 
 namespace platenest {
 namespace {
@@ -52,7 +54,9 @@ TEST(RectLayoutSvg, PictureHasTheSizeOfThePlate) {
   for (const auto& [units, head] : heads) {
     picture.Units = units;
     EXPECT_THAT(RectLayoutSvg(picture), HasSubstr(head + std::string(" viewBox=\"0 0 2440 1220\"")));
-    EXPECT_THAT(RectLayoutSvg(picture), HasSubstr("<g transform=\"matrix(1 0 0 -1 0 1220)\">"));
+    EXPECT_THAT(
+        RectLayoutSvg(picture),
+        HasSubstr("<g transform=\"matrix(1 0 0 -1 0 1220)\">\n<rect x=\"0\" y=\"0\" width=\"2440\" height=\"1220\""));
   }
 }
 
@@ -105,6 +109,40 @@ TEST(CircleLayoutSvg, DrawsCirclesWithTextsThatStayInside) {
   EXPECT_EQ(texts, 2U);  // none in the smallest circle
   picture.Parts[0].Kind = 1;
   EXPECT_THROW(CircleLayoutSvg(picture), TRangeError);
+}
+
+TEST(ShapeSvg, HostileTextsStayTextAndWhatCannotBeDrawnIsRefused) {
+  const TPictureContours box{{{0, 0}, {4, 0}, {4, 2}, {0, 2}}};
+  TNfpPicture pair;
+  pair.FixedId = "<script>";
+  pair.Fixed = pair.Moving = pair.Region = box;
+  EXPECT_THAT(NfpSvg(pair),
+              AllOf(HasSubstr("data-part=\"&lt;script&gt;\""), HasSubstr("<g transform=\"matrix(1 0 0 -1 ")));
+  pair.Region = {{{0, 0}, {1e300, 0}, {1, 1}}};
+  EXPECT_THROW(NfpSvg(pair), TArgumentError);
+  TPartPicture part;
+  part.Title = "<t>";
+  part.PartId = "a\"b";
+  part.Remarks = {"x & y"};
+  EXPECT_THROW(PartSvg(part), TArgumentError) << "no extent";
+  part.Part = box;
+  EXPECT_THAT(PartSvg(part), AllOf(HasSubstr("<title>&lt;t&gt;: a&quot;b</title>"), HasSubstr("x &amp; y")));
+  const auto marks = [&part] {
+    std::string found;
+    for (const char* mark : {"data-lines", "data-cell", "data-label", "data-sucker"})
+      found += PartSvg(part).find(mark) == std::string::npos ? '-' : 'x';
+    return found;
+  };
+  EXPECT_EQ(marks(), "----");
+  part.Lines = box;
+  part.Label = {{1, 1, 2, 2}, 0.5};
+  EXPECT_EQ(marks(), "x-x-");
+  EXPECT_THAT(PartSvg(part), AllOf(HasSubstr("M1 1L2 1L2 2L1 2Z"), HasSubstr("M0.5 0.5L2.5 0.5L2.5 2.5L0.5 2.5Z")));
+  part.Lattice = {{5, 0}, {0, 3}};
+  part.Disc = {{1, 1}, 0.5};
+  EXPECT_EQ(marks(), "xxxx");
+  part.Disc = {{INFINITY, 1}, 0.5};
+  EXPECT_THROW(PartSvg(part), TArgumentError);
 }
 
 }  // namespace

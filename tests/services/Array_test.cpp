@@ -11,7 +11,7 @@
 namespace platenest {
 namespace {
 
-using test::TArray;
+using TArray = TArrayInfoAlgo;
 using TLattice = TPair<TPoint2D, TPoint2D>;
 
 const TVHPolygonList kNoShape;
@@ -35,17 +35,17 @@ auto Raises(const std::string& Text) {
 }
 
 TEST(ArrayInfo, NearestOrOutermostCrossings) {
-  using testing::Pair;
-  const auto ways = [](std::vector<Int64> Crossings, bool Separate, double Ahead, double Back) {
-    EXPECT_THAT(TArray::CalcArrayTranss(Crossings, Separate), Pair(testing::DoubleEq(Ahead), testing::DoubleEq(Back)));
-  };
-  ways({-400000, -100000, 100000, 400000}, false, 1, 1);
-  ways({-400000, -100000, 100000, 400000}, true, 4, 4);
-  ways({-300000, 0}, false, 0, 3);
-  ways({-500000}, true, -5, 5);  // signed: the outermost crossing lies on the wrong side
-  ways({500000}, false, 5, 0);
-  ways({0}, false, 0, 8.5e302);  // without a positive one the other sentinel is left standing
-  ways({}, true, 0, 0);
+  const std::tuple<std::vector<Int64>, bool, double, double> cases[] = {
+      {{-400000, -100000, 100000, 400000}, false, 1, 1},
+      {{-400000, -100000, 100000, 400000}, true, 4, 4},
+      {{-300000, 0}, false, 0, 3},
+      {{-500000}, true, -5, 5},  // signed: the outermost crossing lies on the wrong side
+      {{500000}, false, 5, 0},
+      {{0}, false, 0, 8.5e302},  // without a positive one the other sentinel is left standing
+      {{}, true, 0, 0}};
+  for (const auto& [crossings, separate, ahead, back] : cases)
+    EXPECT_THAT(TArray::CalcArrayTranss(crossings, separate),
+                testing::Pair(testing::DoubleEq(ahead), testing::DoubleEq(back)));
 }
 
 TEST(ArrayInfo, ScansTheNfpThatIsGivenOrMade) {
@@ -108,6 +108,16 @@ TEST(ArrayInfo, KindsOfOneVector) {
   ExpectNear(TArray::CalcNearest1stArrayTrans(Box(-1, -9, 9, 9)), {-1, 0});  // on the closing edge
   EXPECT_THAT([&] { TArray::CalcArrayTrans(two, 4, false); },
               Raises("[Error] TArrayInfoAlgo.CalcArrayTrans: 类型参数错误"));
+}
+
+// Hollow corners and the nearest edges compete by what the two polygons share; the winner points up.
+TEST(ArrayInfo, FirstVector) {
+  ExpectNear(TArray::Calc1stArrayTrans(Box(-2, -1, 2, 1)), {0, 1});
+  TPath hollow = Box(-3, -3, 1, 3);
+  hollow.insert(hollow.begin() + 1, {{-200000, -300000}, {-100000, -250000}, {0, -300000}});
+  ExpectNear(TArray::Calc1stArrayTrans(hollow), {1, 0});
+  hollow[2] = {-70000, -50000};
+  ExpectNear(TArray::Calc1stArrayTrans(hollow), {0.7, 0.5});
 }
 
 TEST(ArrayInfo, ShortestRepresentative) {
@@ -198,7 +208,10 @@ TEST(ArrayInfo, CopiesOfRandomShapesKeepClear) {
     TArray::CalcNFP(shape, 0, nfp);
     for (int flags = 0; flags < 8; ++flags) {
       SCOPED_TRACE(flags);
-      expectClear(TArray::CalcArrayInfo(nfp, flags & 1, flags & 2, flags & 4, 1e-3));
+      const TLattice lattice = TArray::CalcArrayInfo(nfp, flags & 1, flags & 2, flags & 4, 1e-3);
+      expectClear(lattice);
+      EXPECT_TRUE(flags % 4 == 0 || (flags & 1 ? lattice.first.Y : lattice.first.X) == 0);
+      EXPECT_TRUE(flags % 4 < 3 || lattice.second.X == 0);
     }
     const TPoint2D first = TArray::Calc1stArrayTrans(nfp.front());
     for (const double angle : {0.3, 1.0, std::numbers::pi / 2, 3.6})

@@ -7,15 +7,12 @@
 namespace platenest::test {
 
 // The shape mirrored by the signs of Scale, about the centre of its box.
-inline TVHPolygonList AboutBoxCenter(const TVHPolygonList& Shape, const TPoint2D& Scale) {
-  TVRect2D box = TVRect2D::InvalidRect;
-  for (const TVPolyline2D& contour : Shape.front()) box.ExpandInPlace(contour.BoundBox());
-  const TPoint2D c = box.Center();
-  TVHPolygonList moved = Shape;
-  for (TVPolyline2D& contour : moved.front())
+inline TVHPolygonList AboutBoxCenter(TVHPolygonList Shape, const TPoint2D& Scale) {
+  const TPoint2D c = Shape.front().front().BoundBox().Center();
+  for (TVPolyline2D& contour : Shape.front())
     for (TPoint2D& point : contour) point = {c.X + Scale.X * (point.X - c.X), c.Y + Scale.Y * (point.Y - c.Y)};
-  moved.front().SetIsClockwise(false);
-  return moved;
+  Shape.front().SetIsClockwise(false);
+  return Shape;
 }
 
 inline TPaths PathsOf(const TVHPolygonList& Shape) {
@@ -40,37 +37,17 @@ struct TAxisForm {
   TPoint2D Copy;  // what the copy is to the shape, as signs about the centre of its box
 };
 
-using TArray = TArrayInfoAlgo;
-
 // The twelve operations along the axes, by pairs of first and second vector.
-inline const TAxisForm kAxisForms[] = {
-    {"X", TArray::CalcNFP, OneWay<TArray::CalcArrayTransX>, OneWay<TArray::Calc2ndArrayTransX>, {1, 0}, {1, 1}},
-    {"Y", TArray::CalcNFP, OneWay<TArray::CalcArrayTransY>, OneWay<TArray::Calc2ndArrayTransY>, {0, 1}, {1, 1}},
-    {"XRotate180",
-     TArray::CalcNFPWhenRotate180,
-     TArray::CalcArrayTransXRotate180,
-     TArray::Calc2ndArrayTransXRotate180,
-     {1, 0},
-     {-1, -1}},
-    {"YRotate180",
-     TArray::CalcNFPWhenRotate180,
-     TArray::CalcArrayTransYRotate180,
-     TArray::Calc2ndArrayTransYRotate180,
-     {0, 1},
-     {-1, -1}},
-    {"XMirror",
-     TArray::CalcNFPWhenMirrorY,
-     TArray::CalcArrayTransXMirror,
-     TArray::Calc2ndArrayTransXMirror,
-     {1, 0},
-     {-1, 1}},
-    {"YMirror",
-     TArray::CalcNFPWhenMirrorX,
-     TArray::CalcArrayTransYMirror,
-     TArray::Calc2ndArrayTransYMirror,
-     {0, 1},
-     {1, -1}},
-};
+inline const std::vector<TAxisForm> kAxisForms = [] {
+  using A = TArrayInfoAlgo;
+  return std::vector<TAxisForm>{
+      {"X", A::CalcNFP, OneWay<A::CalcArrayTransX>, OneWay<A::Calc2ndArrayTransX>, {1, 0}, {1, 1}},
+      {"Y", A::CalcNFP, OneWay<A::CalcArrayTransY>, OneWay<A::Calc2ndArrayTransY>, {0, 1}, {1, 1}},
+      {"X180", A::CalcNFPWhenRotate180, A::CalcArrayTransXRotate180, A::Calc2ndArrayTransXRotate180, {1, 0}, {-1, -1}},
+      {"Y180", A::CalcNFPWhenRotate180, A::CalcArrayTransYRotate180, A::Calc2ndArrayTransYRotate180, {0, 1}, {-1, -1}},
+      {"XMirror", A::CalcNFPWhenMirrorY, A::CalcArrayTransXMirror, A::Calc2ndArrayTransXMirror, {1, 0}, {-1, 1}},
+      {"YMirror", A::CalcNFPWhenMirrorX, A::CalcArrayTransYMirror, A::Calc2ndArrayTransYMirror, {0, 1}, {1, -1}}};
+}();
 
 // Deepest overlap of the copies that the form puts on its axis, beside the shape and beside a row of it.
 inline double AxisFormDepth(const TAxisForm& Form, const TVHPolygonList& Shape, bool Separate) {
@@ -79,12 +56,12 @@ inline double AxisFormDepth(const TAxisForm& Form, const TVHPolygonList& Shape, 
   TPaths nfp;
   Form.MakeNfp(Shape, 0, nfp);
   const auto [ahead, back] = Form.First({}, nfp, 0, Separate);
-  const TPoint2D row = Form.Axis.X == 0 ? TPoint2D{TArray::CalcArrayTransX(Shape, {}, 0, true), 0}
-                                        : TPoint2D{0, TArray::CalcArrayTransY(Shape, {}, 0, true)};
+  const TPoint2D row = Form.Axis.X == 0 ? TPoint2D{TArrayInfoAlgo::CalcArrayTransX(Shape, {}, 0, true), 0}
+                                        : TPoint2D{0, TArrayInfoAlgo::CalcArrayTransY(Shape, {}, 0, true)};
   const auto [aheadOfRow, backOfRow] = Form.Second({}, row, nfp, 0, Separate);
   const double depth =
       std::max(DepthAt(fixed, copy, ahead * Form.Axis), RowDepth(fixed, copy, row, aheadOfRow * Form.Axis));
-  if (Form.MakeNfp == TArray::CalcNFP) return depth;
+  if (Form.MakeNfp == TArrayInfoAlgo::CalcNFP) return depth;
   return std::max({depth, DepthAt(fixed, copy, -back * Form.Axis), RowDepth(fixed, copy, row, -backOfRow * Form.Axis)});
 }
 
