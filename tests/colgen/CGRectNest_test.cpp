@@ -8,8 +8,8 @@
 
 #include "FakeClock.h"
 #include "ForEachSeed.h"
+#include "RectCases.h"
 #include "platenest/foundation/Host.h"
-#include "platenest/layoutcheck/LayoutCheck.h"
 
 namespace platenest {
 namespace {
@@ -36,14 +36,6 @@ struct CGRectNest : testing::Test {
   void TearDown() override { ResetProcess(); }
 };
 
-TNestRect Part(double Width, double Height, int Amount) {
-  return TNestRect(Amount, 77, TVRect2D::FromSize(Width, Height));
-}
-
-TNestSpace Plate(double Width, double Height, int Ratio = 1000) {
-  return TNestSpace(TVRect2D::FromSize(Width, Height), Ratio, false);
-}
-
 // Items side by side from the left, by position in Parts.
 TRectPattern Row(const TNestRectList& Parts, const TNestSpace& On, const std::vector<int>& Items, double X = 0) {
   TNestedRects layout;
@@ -66,31 +58,13 @@ double FirstX(const TRectSolution& Solution, int Pair = 0) {
   return Solution.GetSubSolution(Pair).Key->NestedRects().At(0).Trans.X;
 }
 
-// Copies by position in Parts. Every layout is valid, and the stock of each plate, no two of one size, is kept.
-std::vector<int> CheckedCopies(const TRectSolution& Solution, TNestRectList Parts, const TNestSpaceList& Plates,
-                               double Gap = 0) {
-  for (int i = 0; i < Size(Parts); ++i) Parts[static_cast<std::size_t>(i)].Idx = i;
-  std::vector<int> copies(Parts.size()), used(Plates.size());
-  for (const auto& pair : Solution) {
-    EXPECT_EQ(CheckRectLayout(pair.Key->NestedRects(), pair.Key->Plate(), Gap, Parts), "");
-    for (const TNestedRect& item : pair.Key->NestedRects())
-      copies.at(static_cast<std::size_t>(item.Part.Idx)) += pair.Value;
-    for (std::size_t j = 0; j < used.size(); ++j)
-      if (pair.Key->Plate().SizeEquals(Plates[j].Space, 1e-9)) used[j] += pair.Value;
-  }
-  for (std::size_t j = 0; j < used.size(); ++j) EXPECT_LE(used[j], Plates[j].Ratio);
-  return copies;
-}
-
 TEST_F(CGRectNest, StockTakesTheEmptiestPlatesBack) {
   const TNestSpace plate = Plate(100, 1);
   const auto used = [&](double share) { return Row({Part(share, 1, 9)}, plate, {0}); };
   for (const int stock : {2, 4, 6}) {
     TRectSolution solution = SolutionOf({{used(40), 2}, {used(95), 2}, {used(70), 1}});
     TProbe::ReturnSpace(solution, stock);
-    std::vector<int> counts;
-    for (const auto& pair : solution) counts.push_back(pair.Value);
-    EXPECT_EQ(counts, stock == 2 ? std::vector{2} : std::vector({2, 1, std::min(stock - 3, 2)}));
+    EXPECT_EQ(Numbers(solution), stock == 2 ? std::vector{2} : std::vector({2, 1, std::min(stock - 3, 2)}));
   }
 }
 
@@ -141,7 +115,6 @@ TEST_F(CGRectNest, PartsSetAsideOnceArePlacedAgainOnEveryLaterPlate) {
   EXPECT_THAT(CheckedCopies(solution, parts, plates), ElementsAre(2, 4));
 }
 
-// Every look at the clock takes eleven seconds.
 // Every third run is fed by another thread, which ends it at a random moment.
 TEST_F(CGRectNest, RunsKeepStockAndAmountsAndReachThemUnlessStopped) {
   ForEachSeed(45, [](unsigned seed) {
@@ -253,9 +226,8 @@ TEST_F(CGRectNest, SolutionsFromOutsideAreReadByPositionAndLoseWhatIsLeftOut) {
     TBCPRectNest nest(parts, plate, 0, &fifo);
     if (way == 0) nest.AddColumnList(offered);
     if (way == 1) fifo.Push(offered.Clone());
-    int polls = 0;
-    nest.SetWatch([&](const auto&) {
-      if (++polls == 1 && way == 2) fifo.Push(offered.Clone());
+    nest.SetWatch([&, isDue = way == 2](const auto&) mutable {
+      if (std::exchange(isDue, false)) fifo.Push(offered.Clone());
       return false;
     });
     TRectSolution solution;

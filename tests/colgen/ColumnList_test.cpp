@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <tuple>
 #include <vector>
 
 #include "platenest/foundation/Errors.h"
@@ -67,20 +68,17 @@ TEST(ColumnList, SameColumnsAgreeInPlateAreaAndCopies) {
 }
 
 TEST(ColumnList, TheBetterListHasMorePartsOnItsPlates) {
-  struct {
-    TColumnList left, right;
-    int sign;
-  } const cases[] = {
-      {{Column(4000, 2)}, {Column(4000, 1), Column(2000, 2)}, -1},  // same parts on fewer plates
-      {{Column(4500, 2), Column(500, 1)}, {Column(3000, 3)}, -1},   // 9500 against 9000, both on two plates
-      {{Column(4000, 1)}, {Column(4500, 1)}, 0},                    // one plate each: no area is charged
-      {{Column(4000, 1)}, {Column(4000, 1)}, 0},                    // equal parts
-      {{Column(4500, 2)}, {Column(4000, 1)}, 1},                    // a single plate beats every ratio
-      {{}, {Column(4000, 1)}, 0},                                   // as good as a plate that is not charged
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(c.left.CompareTo(c.right), c.sign);
-    EXPECT_EQ(c.right.CompareTo(c.left), -c.sign);
+  using TCase = std::tuple<TColumnList, TColumnList, int>;
+  for (const auto& [left, right, sign] : {
+           TCase{{Column(4000, 2)}, {Column(4000, 1), Column(2000, 2)}, -1},  // same parts on fewer plates
+           TCase{{Column(4500, 2), Column(500, 1)}, {Column(3000, 3)}, -1},   // 9500 against 9000, both on two plates
+           TCase{{Column(4000, 1)}, {Column(4500, 1)}, 0},                    // one plate each: no area is charged
+           TCase{{Column(4000, 1)}, {Column(4000, 1)}, 0},                    // equal parts
+           TCase{{Column(4500, 2)}, {Column(4000, 1)}, 1},                    // a single plate beats every ratio
+           TCase{{}, {Column(4000, 1)}, 0}                                    // as good as a plate that is not charged
+       }) {
+    EXPECT_EQ(left.CompareTo(right), sign);
+    EXPECT_EQ(right.CompareTo(left), -sign);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "RectCases.h"
 #include "platenest/colgen/RectNestProblem.h"
 
 namespace platenest {
@@ -11,20 +12,12 @@ namespace {
 
 using testing::ElementsAre;
 
-// Items of 10 by 20 with the given indices, where they lie does not matter.
-TNestedRects Items(const std::vector<int>& Indices) {
+// Items of 10 by 20 with the given indices; where they lie does not matter.
+TRectPattern Pattern(const std::vector<int>& Indices, double Width = 100, double Height = 50) {
   TNestedRects layout;
   for (const int idx : Indices)
     layout.emplace_back(TNestRect(1, idx, TVRect2D::FromSize(10, 20)), false, TPoint2D(idx, 3));
-  return layout;
-}
-
-TRectPattern Pattern(const std::vector<int>& Indices, double Width = 100, double Height = 50) {
-  return TRectPattern(Items(Indices), TVRect2D::FromSize(Width, Height));
-}
-
-TNestRect Rect(double Width, double Height, int Amount) {
-  return TNestRect(Amount, 77, TVRect2D::FromSize(Width, Height));
+  return TRectPattern(layout, TVRect2D::FromSize(Width, Height));
 }
 
 TEST(RectPattern, ColumnAndUsageFollowTheLayout) {
@@ -56,19 +49,9 @@ TEST(RectPattern, SameAreCopiesAndPlateNotPlaces) {
   EXPECT_FALSE(pattern.IsSameWith(shrunk));
 }
 
-TEST(RectPattern, TheEmptiestPlateClosesASolution) {
-  TRectSolution solution;
-  solution.AddSubSolution(Pattern({0}), 1);
-  solution.AddSubSolution(Pattern({0, 1, 2}), 2);
-  solution.AddSubSolution(Pattern({1, 2, 0}), 1);
-  EXPECT_DOUBLE_EQ(solution.GetCSPCost(), 3 + 0.04);
-  EXPECT_EQ(solution.Count(), 2);
-  EXPECT_THAT(solution.GetColumn(3), ElementsAre(4, 3, 3));
-}
-
 TEST(RectNestProblem, KeepsOnlyWhatIsStrictlySmallerThanThePlate) {
-  const TNestRectList rects = {Rect(100, 20, 5), Rect(99.999999, 20, 5), Rect(99.9999, 20, 4), Rect(60, 50, 5),
-                               Rect(49, 99, 3),  Rect(60, 60, 1),        Rect(5, 5, 0),        Rect(49, 49, 2)};
+  const TNestRectList rects = {Part(100, 20, 5), Part(99.999999, 20, 5), Part(99.9999, 20, 4), Part(60, 50, 5),
+                               Part(49, 99, 3),  Part(60, 60, 1),        Part(5, 5, 0),        Part(49, 49, 2)};
   const TRectNestProblem problem(rects, TVRect2D::FromSize(100, 50), 1);
   std::vector<int> positions;
   for (const TNestRect& row : problem.Rects()) positions.push_back(row.Idx);
@@ -79,7 +62,7 @@ TEST(RectNestProblem, KeepsOnlyWhatIsStrictlySmallerThanThePlate) {
 }
 
 TEST(RectNestProblem, SubProblemsDropRowsWithoutDemandAndKeepIndices) {
-  const TNestRectList rects = {Rect(200, 20, 5), Rect(30, 20, 5), Rect(20, 20, 4), Rect(20, 10, 9)};
+  const TNestRectList rects = {Part(200, 20, 5), Part(30, 20, 5), Part(20, 20, 4), Part(20, 10, 9)};
   TRectNestProblem problem(rects, TVRect2D::FromSize(100, 50), 1);
   EXPECT_EQ(problem.GetDefaultDualCost(0), 600);
   const auto base = problem.GetSubBCPProblem({0, 1, 2}, TDoubleDynArray{1.9995, 0.998, 7});

@@ -7,60 +7,27 @@
 #include <numeric>
 #include <random>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "FakeClock.h"
 #include "ForEachSeed.h"
+#include "RectCases.h"
 #include "ValueCorrection.h"
 #include "platenest/colgen/SVCBPRGNestSingle.h"
-#include "platenest/layoutcheck/LayoutCheck.h"
 
 namespace platenest {
 namespace {
 
 using testing::ElementsAre;
 
-TNestRect Part(double Width, double Height, int Amount, double Value = 0) {
-  TNestRect part(Amount, 77, TVRect2D::FromSize(Width, Height));
-  part.Area = Value;
-  return part;
-}
-
-TNestRectList ByPosition(TNestRectList Parts) {
-  for (int i = 0; i < Size(Parts); ++i) Parts[static_cast<std::size_t>(i)].Idx = i;
-  return Parts;
-}
-
 // The copies of each part in a checked layout.
 std::vector<int> Fill(double Width, double Height, const TNestRectList& Parts, double Gap = 0, bool Values = false) {
   const TVRect2D plate = TVRect2D::FromSize(Width, Height);
   TNestedRects layout;
   TSVCBPRGNestSingle(plate, Parts, Gap, Values).NestSinglePlate(layout);
-  EXPECT_EQ(CheckRectLayout(layout, plate, Gap, ByPosition(Parts)), "");
-  std::vector<int> counts(Parts.size());
-  for (const TNestedRect& item : layout) ++counts[static_cast<std::size_t>(item.Part.Idx)];
-  return counts;
-}
-
-// Demand met exactly, stock kept, layouts valid.
-void Check(const TRectSolution& Solution, const TNestSpaceList& Plates, const TNestRectList& Parts, double Gap) {
-  std::vector<Int64> open;
-  for (const TNestRect& part : Parts) open.push_back(part.Amount);
-  Int64 used = 0;
-  for (const auto& pair : Solution) {
-    EXPECT_EQ(CheckRectLayout(pair.Key->NestedRects(), pair.Key->Plate(), Gap, ByPosition(Parts)), "");
-    for (const TNestedRect& item : pair.Key->NestedRects()) open[static_cast<std::size_t>(item.Part.Idx)] -= pair.Value;
-    used += pair.Value;
-  }
-  EXPECT_LE(used, Plates.TotalRatio());
-  EXPECT_THAT(open, testing::Each(0));
-}
-
-std::vector<int> PlateNumbers(const TRectSolution& Solution) {
-  std::vector<int> numbers;
-  for (const auto& pair : Solution) numbers.push_back(pair.Value);
-  return numbers;
+  return CheckedCopies(layout, plate, Parts, Gap);
 }
 
 TEST(SVCBPRGNestSingle, FillsKnownPlates) {
@@ -87,24 +54,17 @@ TEST(SVCBPRGNestSingle, ValuesDecideAndBelowOneNothingIsPlaced) {
 
 // A turned part ends at the right end of its slot, which is a whole number of tenths.
 TEST(SVCBPRGNestSingle, PlacementsAreThoseOfThePlateAsGiven) {
-  const struct {
-    double width, height;
-    TNestRect part;
-    double gap;
-    bool turned;
-    TPoint2D trans;
-  } cases[] = {
-      {10, 4, Part(9.95, 3.33, 1), 0, false, {0, 0}},      {10, 4, Part(3.33, 9.95, 1), 0, true, {10, 0}},
-      {10, 4, Part(3.33, 9.65, 1), 0.31, true, {9.69, 0}}, {4, 10, Part(9.95, 3.33, 1), 0, true, {3.33, 0}},
-      {4, 10, Part(3.33, 9.95, 1), 0, false, {0, 0.05}},
-  };
-  for (const auto& c : cases) {
+  using TCase = std::tuple<double, double, TNestRect, double, bool, TPoint2D>;
+  for (const auto& [width, height, part, gap, turned, trans] :
+       {TCase{10, 4, Part(9.95, 3.33, 1), 0, false, {0, 0}}, TCase{10, 4, Part(3.33, 9.95, 1), 0, true, {10, 0}},
+        TCase{10, 4, Part(3.33, 9.65, 1), 0.31, true, {9.69, 0}}, TCase{4, 10, Part(9.95, 3.33, 1), 0, true, {3.33, 0}},
+        TCase{4, 10, Part(3.33, 9.95, 1), 0, false, {0, 0.05}}}) {
     TNestedRects layout;
-    TSVCBPRGNestSingle(TVRect2D::FromSize(c.width, c.height), {c.part}, c.gap, false).NestSinglePlate(layout);
+    TSVCBPRGNestSingle(TVRect2D::FromSize(width, height), {part}, gap, false).NestSinglePlate(layout);
     ASSERT_EQ(layout.size(), 1U);
-    EXPECT_EQ(layout[0].IsRotate, c.turned);
-    EXPECT_NEAR(layout[0].Trans.X, c.trans.X, 1e-9);
-    EXPECT_NEAR(layout[0].Trans.Y, c.trans.Y, 1e-9);
+    EXPECT_EQ(layout[0].IsRotate, turned);
+    EXPECT_NEAR(layout[0].Trans.X, trans.X, 1e-9);
+    EXPECT_NEAR(layout[0].Trans.Y, trans.Y, 1e-9);
   }
 }
 
@@ -126,10 +86,9 @@ TEST(SVCBPRGNestSingle, OnlyStatesWorthMoreThanTheirNeighboursSpread) {
   TSVCBPRGNestSingle nest(TVRect2D::FromSize(10, 10), {Part(5, 5, 4), Part(11, 12, 4)}, 0, false);
   TNestedRects layout;
   nest.NestSinglePlate(layout);
-  EXPECT_EQ(nest.Counts().Passes, 1);
-  EXPECT_EQ(nest.Counts().Knapsacks, 1);
-  EXPECT_EQ(nest.Counts().Strips, 2);
-  EXPECT_EQ(nest.Counts().States, 6);
+  const auto& counts = nest.Counts();
+  EXPECT_THAT((std::vector<Int64>{counts.Passes, counts.Knapsacks, counts.Strips, counts.States}),
+              ElementsAre(1, 1, 2, 6));
 }
 
 TEST(SVCBPRGNestSingle, TheScaleFollowsTheRaster) {
@@ -152,80 +111,64 @@ TEST(SVCBPRGNestSingle, WhatCannotBePlacedHoldsNothing) {
   EXPECT_THAT(Fill(10, 10, part, -6), ElementsAre(0));
 }
 
-struct TJob {
-  double Width, Height, Gap;
-  TNestRectList Parts;
-};
-
 // Sizes of three decimals at most, some plates upright.
-TJob RandomJob(unsigned Seed) {
-  std::mt19937 random(Seed);
-  const auto draw = [&random](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
-  const double unit = Seed % 3 == 0 ? 1 : Seed % 3 == 1 ? 0.1 : 0.001;
-  const auto length = [&](int low, int high) {
-    return std::round(draw(low * 1000, high * 1000) / 1000.0 / unit) * unit;
-  };
-  TJob job{length(40, 120), length(40, 120), Seed % 2 == 0 ? 0 : draw(0, 2500) / 1000.0, {}};
-  for (int k = draw(1, 8); k > 0; --k)
-    job.Parts.push_back(Part(length(5, 60), length(5, 60), draw(0, 8), draw(0, 900)));
-  return job;
-}
-
-TEST(SVCBPRGNestSingle, RandomLayoutsAreValid) {
-  ForEachSeed(120, [](unsigned seed) {
-    const TJob job = RandomJob(seed);
-    Fill(job.Width, job.Height, job.Parts, job.Gap, false);
-    Fill(job.Width, job.Height, job.Parts, job.Gap, true);
-  });
-}
-
 TEST(SVCBPRGNest, RandomJobsMeetTheDemandOnTheirPlates) {
   ForEachSeed(25, [](unsigned seed) {
-    TJob job = RandomJob(seed);
-    const TNestSpaceList plates{TNestSpace(TVRect2D::FromSize(job.Height, job.Width), 2, false),
-                                TNestSpace(TVRect2D::FromSize(130, 65), 50, false),
-                                TNestSpace(TVRect2D::FromSize(job.Height, job.Width), 3, false)};
+    std::mt19937 random(seed);
+    const auto draw = [&random](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
+    const double unit = seed % 3 == 0 ? 1 : seed % 3 == 1 ? 0.1 : 0.001;
+    const auto length = [&](int low, int high) {
+      return std::round(draw(low * 1000, high * 1000) / 1000.0 / unit) * unit;
+    };
+    const TNestSpace plate = Plate(length(40, 120), length(40, 120), 2);
+    const TNestSpaceList plates{plate, Plate(130, 65, 50), TNestSpace(plate.Space, 3, false)};
+    const double gap = seed % 2 == 0 ? 0 : draw(0, 2500) / 1000.0;
+    TNestRectList parts;
+    std::vector<int> demand;
+    for (int k = draw(1, 8); k > 0; --k) {
+      demand.push_back(draw(0, 8));
+      parts.push_back(Part(length(5, 60), length(5, 60), demand.back()));
+    }
     std::vector<TRectSolution> all;
-    const TSVCBPRGNest nest(plates, job.Parts, job.Gap, 0, false, 3);
+    const TSVCBPRGNest nest(plates, parts, gap, 0, false, 3);
     nest.NestAllRes(all);
-    for (const TRectSolution& solution : all) Check(solution, plates, job.Parts, job.Gap);
     TRectSolution best;
     nest.Nest(best);
-    if (!all.empty()) Check(best, plates, job.Parts, job.Gap);
-    const auto rank = [&job](const TRectSolution& solution) {
-      const std::vector<int> numbers = PlateNumbers(solution);
+    const auto rank = [gap](const TRectSolution& solution) {
+      const std::vector<int> numbers = Numbers(solution);
       const TRectPattern& last = *solution.GetSubSolution(solution.Count() - 1).Key;
-      return std::pair(std::accumulate(numbers.begin(), numbers.end(), 0), detail::PatternUsedRate(last, job.Gap));
+      return std::pair(std::accumulate(numbers.begin(), numbers.end(), 0), detail::PatternUsedRate(last, gap));
     };
-    for (const TRectSolution& solution : all) EXPECT_LE(rank(best), rank(solution));
+    for (const TRectSolution& solution : all) {
+      EXPECT_EQ(CheckedCopies(solution, parts, plates, gap), demand);
+      EXPECT_LE(rank(best), rank(solution));
+    }
   });
 }
 
 TEST(SVCBPRGNest, CutsTwoLargeAndEightSmallFromThreePlates) {
-  const TNestSpaceList plates{TNestSpace(TVRect2D::FromSize(10, 10), 9, false)};
   const TNestRectList parts = {Part(6, 6, 2), Part(4, 4, 8)};
   TRectSolution best;
-  TSVCBPRGNest(plates, parts, 0, 0, false, 1).Nest(best);
-  Check(best, plates, parts, 0);
-  EXPECT_THAT(PlateNumbers(best), ElementsAre(2, 1));
+  TSVCBPRGNest({Plate(10, 10, 9)}, parts, 0, 0, false, 1).Nest(best);
+  EXPECT_THAT(CheckedCopies(best, parts, {Plate(10, 10, 9)}), ElementsAre(2, 8));
+  EXPECT_THAT(Numbers(best), ElementsAre(2, 1));
   EXPECT_DOUBLE_EQ(best.GetSubSolution(1).Key->Usage(), 0.32);
 }
 
 TEST(SVCBPRGNest, StockIsCountedForEachKindAndOpenDemandEndsTheRuns) {
   const TNestRectList parts = {Part(10, 10, 5)};
-  TNestSpaceList plates{TNestSpace(TVRect2D::FromSize(10, 10), 2, false),
-                        TNestSpace(TVRect2D::FromSize(20, 10), 1, false)};
+  TNestSpaceList plates{Plate(10, 10, 2), Plate(20, 10, 1)};
   std::vector<TRectSolution> all;
   TSVCBPRGNest(plates, parts, 0, 0, false, 4).NestAllRes(all);
   ASSERT_EQ(all.size(), 1U);
-  EXPECT_THAT(PlateNumbers(all[0]), ElementsAre(2, 1));
+  EXPECT_THAT(Numbers(all[0]), ElementsAre(2, 1));
   TRectSolution best;
   TSVCBPRGNest(plates, parts, 0, 0, false, 4).Nest(best);
   EXPECT_EQ(best.Count(), 0);
 
-  plates.push_back(TNestSpace(TVRect2D::FromSize(20, 10), 1, false));
+  plates.push_back(Plate(20, 10, 1));
   TSVCBPRGNest(plates, parts, 0, 0, false, 4).Nest(best);
-  EXPECT_THAT(PlateNumbers(best), ElementsAre(2, 1, 1)) << "the last one holds a single copy";
+  EXPECT_THAT(Numbers(best), ElementsAre(2, 1, 1)) << "the last one holds a single copy";
 }
 
 TEST(SVCBPRGNest, EachRunFillsByTheValuesThatTheOneBeforeHasCorrected) {
@@ -249,12 +192,10 @@ TEST(SVCBPRGNest, EachRunFillsByTheValuesThatTheOneBeforeHasCorrected) {
 TEST(SVCBPRGNest, TheClockEndsTheRunsBetweenPlates) {
   TFakeClock clock;
   clock.AdvanceAtEachReading(1000);
-  const TNestSpaceList plates{TNestSpace(TVRect2D::FromSize(10, 10), 9, false)};
-  const TNestRectList parts = {Part(6, 6, 2), Part(4, 4, 8)};
   std::vector<TRectSolution> all;
-  TSVCBPRGNest(plates, parts, 0, 2.5, false, 3).NestAllRes(all);
+  TSVCBPRGNest({Plate(10, 10, 9)}, {Part(6, 6, 2), Part(4, 4, 8)}, 0, 2.5, false, 3).NestAllRes(all);
   ASSERT_EQ(all.size(), 1U);
-  EXPECT_THAT(PlateNumbers(all[0]), ElementsAre(2));
+  EXPECT_THAT(Numbers(all[0]), ElementsAre(2));
 }
 
 TEST(SVCBPRGNest, StoppedAtAnyMomentTheLayoutIsValid) {
@@ -280,7 +221,8 @@ TEST(ValueCorrection, FirstValuesAndRates) {
   EXPECT_DOUBLE_EQ(detail::PatternUsedRate(TRectPattern(layout, TVRect2D::FromSize(9, 9)), 1), 0.32);
 }
 
-// Both patterns carry two of part 0, at rates of 0.5 and 0.25; the second also one of part 1.
+// Both patterns carry two of part 0, at rates of 0.5 and 0.25; the second also one of part 1. Values before the sum of
+// 16 is restored.
 TEST(ValueCorrection, BadPatternsRaiseTheShareThatTheyCarryAndTheSumStays) {
   const auto pattern = [](const std::vector<int>& indices, double area) {
     TNestedRects layout;
@@ -288,24 +230,20 @@ TEST(ValueCorrection, BadPatternsRaiseTheShareThatTheyCarryAndTheSumStays) {
     return TRectPattern(layout, TVRect2D::FromSize(area, 1));
   };
   const TNestRectList demand = {Part(1, 1, 8), Part(1, 1, 2), Part(1, 1, 0)};
-  const struct {
-    std::vector<TRectPattern> patterns;
-    double first, second, third;  // before the sum of 16 is restored
-  } cases[] = {
-      {{pattern({0, 0}, 4)}, 10, 4, 2},  // the last one is left out
-      {{pattern({0, 0}, 4), pattern({1}, 9)}, (6 * 10 + 2 * 10 / 0.5) / 8, 4, 2},
-      {{pattern({0, 1}, 8), pattern({1}, 9)}, (7 * 10 + 10 / 0.25) / 8, (4 + 4 / 0.25) / 2, 2},
-      {{pattern({0, 1}, 8), pattern({0, 0}, 4), pattern({1}, 9)}, (6 * 10 + 2 * 10 / 0.5) / 8, 4, 2},
-  };
-  for (const auto& c : cases) {
+  using TCase = std::tuple<std::vector<TRectPattern>, double, double>;
+  for (const auto& [patterns, first, second] :
+       {TCase{{pattern({0, 0}, 4)}, 10, 4},  // the last one is left out
+        TCase{{pattern({0, 0}, 4), pattern({1}, 9)}, (6 * 10 + 2 * 10 / 0.5) / 8, 4},
+        TCase{{pattern({0, 1}, 8), pattern({1}, 9)}, (7 * 10 + 10 / 0.25) / 8, (4 + 4 / 0.25) / 2},
+        TCase{{pattern({0, 1}, 8), pattern({0, 0}, 4), pattern({1}, 9)}, (6 * 10 + 2 * 10 / 0.5) / 8, 4}}) {
     TRectSolution solution;
-    for (const TRectPattern& p : c.patterns) solution.AddSubSolution(p, 3);
+    for (const TRectPattern& p : patterns) solution.AddSubSolution(p, 3);
     TNestRectList parts = {Part(1, 1, 0, 10), Part(1, 1, 1, 4), Part(1, 1, 5, 2)};
     detail::RectUpdate(solution, parts, demand, 0);
-    const double scale = 16 / (c.first + c.second + c.third);
-    EXPECT_NEAR(parts[0].Area, c.first * scale, 1e-12);
-    EXPECT_NEAR(parts[1].Area, c.second * scale, 1e-12);
-    EXPECT_NEAR(parts[2].Area, c.third * scale, 1e-12);
+    const double scale = 16 / (first + second + 2);
+    EXPECT_NEAR(parts[0].Area, first * scale, 1e-12);
+    EXPECT_NEAR(parts[1].Area, second * scale, 1e-12);
+    EXPECT_NEAR(parts[2].Area, 2 * scale, 1e-12);
     EXPECT_EQ(parts[0].Amount, 8);
     EXPECT_EQ(parts[2].Amount, 0);
   }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "ForEachSeed.h"
@@ -29,46 +30,34 @@ Int64 BestStrip(const TIntBoxList& Boxes, int Width, int Length) {
   return best.back();
 }
 
-struct TCase {
-  TIntBoxList Boxes;
-  TRaster Raster;
-  std::vector<int> Widths;
-};
-
-TCase RandomCase(unsigned Seed) {
-  std::mt19937 random(Seed);
-  const auto draw = [&random](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
-  TCase c;
-  for (int k = draw(1, 6); k > 0; --k) {
-    c.Boxes.emplace_back(draw(2, 30), draw(2, 30), k, draw(1, 9), 0);
-    c.Boxes.back().Area = draw(0, 400);
-    c.Widths.push_back(c.Boxes.back().A);
-    c.Widths.push_back(c.Boxes.back().B);
-  }
-  SortBy(c.Widths, [](int a, int b) { return a - b; });
-  c.Widths.erase(std::unique(c.Widths.begin(), c.Widths.end()), c.Widths.end());
-  c.Raster = TRaster(draw(40, 90), draw(20, 40), c.Boxes, true, true);
-  return c;
-}
-
 TEST(StripTable, HasTheBestStripOfEveryLengthAndWidthAndItsContent) {
   ForEachSeed(60, [](unsigned seed) {
-    const TCase c = RandomCase(seed);
-    const TStripTable table(c.Boxes, c.Raster, c.Widths);
-    for (int j = 0; j < c.Raster.SizeL; ++j) {
-      const int length = c.Raster.RasterL[static_cast<std::size_t>(j)];
+    std::mt19937 random(seed);
+    const auto draw = [&random](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
+    TIntBoxList boxes;
+    std::set<int> sides;
+    for (int k = draw(1, 6); k > 0; --k) {
+      boxes.emplace_back(draw(2, 30), draw(2, 30), k, draw(1, 9), 0);
+      boxes.back().Area = draw(0, 400);
+      sides.insert({boxes.back().A, boxes.back().B});
+    }
+    const std::vector<int> widths(sides.begin(), sides.end());
+    const TRaster raster(draw(40, 90), draw(20, 40), boxes, true, true);
+    const TStripTable table(boxes, raster, widths);
+    for (int j = 0; j < raster.SizeL; ++j) {
+      const int length = raster.RasterL[static_cast<std::size_t>(j)];
       int strip = table.First(j);
       Int64 value = 0;
-      for (const int width : c.Widths) {
+      for (const int width : widths) {
         if (strip < table.Past(j) && table[strip].Width == width) value = table[strip++].Value;
-        ASSERT_EQ(value, BestStrip(c.Boxes, width, length)) << "width " << width << ", length " << length;
+        ASSERT_EQ(value, BestStrip(boxes, width, length)) << "width " << width << ", length " << length;
       }
       ASSERT_EQ(strip, table.Past(j));
       for (strip = table.First(j); strip < table.Past(j); ++strip) {
         int used = 0;
         value = 0;
         for (const TStripPart& part : table.Parts(table[strip])) {
-          const TIntBox& box = c.Boxes[static_cast<std::size_t>(part.Box)];
+          const TIntBox& box = boxes[static_cast<std::size_t>(part.Box)];
           ASSERT_LE(part.Count, box.Amount);
           used += part.Count * LengthIn(box, table[strip].Width);
           value += part.Count * box.Area;

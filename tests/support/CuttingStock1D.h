@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <numeric>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -43,6 +44,19 @@ class TBarPattern : public TBCPVariable {
 };
 
 using TBarSolution = TBCPSolution<TBarPattern>;
+
+// Patterns by counts and usage, with how often they are used.
+inline TBarSolution BarSolution(const std::vector<std::tuple<TIntegerDynArray, double, int>>& Entries) {
+  TBarSolution solution;
+  for (const auto& [counts, usage, times] : Entries) solution.AddSubSolution(TBarPattern(counts, usage), times);
+  return solution;
+}
+
+inline int Bars(const TBarSolution& Solution) {
+  int bars = 0;
+  for (const auto& pair : Solution) bars += pair.Value;
+  return bars;
+}
 
 class TBarProblem : public TBCPProblem<TBarPattern> {
  public:
@@ -91,6 +105,16 @@ class TBarProblem : public TBCPProblem<TBarPattern> {
   TIntegerDynArray Lengths;  // by main row
 };
 
+// A problem with any senses and any demand.
+class TSenseProblem : public TBarProblem {
+ public:
+  TSenseProblem(const TDoubleDynArray& Demand, const TIntegerDynArray& Senses)
+      : TBarProblem(10, TIntegerDynArray(Demand.size(), 1), TIntegerDynArray(Demand.size())) {
+    FBVec = Demand;
+    FIneqVec = Senses;
+  }
+};
+
 // Pricing: the best pattern within the demand, by an exact knapsack over worths in a billionth of the largest one.
 inline std::unique_ptr<TBarPattern> PriceBar(const TBCPProblem<TBarPattern>& ASubProblem, bool& Status,
                                              double& CostValue) {
@@ -111,34 +135,33 @@ inline std::unique_ptr<TBarPattern> PriceBar(const TBCPProblem<TBarPattern>& ASu
   return problem.MakePattern(counts);
 }
 
-// First fit decreasing, each bar's pattern used as often as the demand allows. False if a piece is longer than a bar.
+// First fit decreasing, bar by bar.
 inline bool CutGreedily(const TBCPProblem<TBarPattern>& AProblem, TBarSolution& ASolution) {
   const auto& problem = dynamic_cast<const TBarProblem&>(AProblem);
   TIntegerDynArray rest, order(problem.BVec().size());
   for (const double demand : problem.BVec()) rest.push_back(Round<int>(demand));
   std::iota(order.begin(), order.end(), 0);
   SortBy(order, [&](int a, int b) { return Sign(problem.LengthOf(b), problem.LengthOf(a)); });
-  while (std::any_of(rest.begin(), rest.end(), [](int n) { return n > 0; })) {
+  for (;;) {
     TIntegerDynArray counts(rest.size());
     int space = problem.BarLength;
-    int repeats = 0;
     for (const int row : order) {
-      counts[row] = std::min(std::max(rest[row], 0), space / problem.LengthOf(row));
+      counts[row] = std::min(rest[row], space / problem.LengthOf(row));
+      rest[row] -= counts[row];
       space -= counts[row] * problem.LengthOf(row);
-      if (counts[row] == 0) continue;
-      const int possible = rest[row] / counts[row];
-      repeats = repeats == 0 ? possible : std::min(repeats, possible);
     }
-    if (repeats == 0) return false;
-    for (std::size_t row = 0; row < rest.size(); ++row) rest[row] -= repeats * counts[row];
-    ASolution.AddSubSolution(problem.MakePattern(counts), repeats);
+    if (space == problem.BarLength) return true;
+    ASolution.AddSubSolution(problem.MakePattern(counts), 1);
   }
-  return true;
 }
 
 inline bool CutResidual(const TBCPProblem<TBarPattern>& ASubProblem, const TBarSolution& /*ACurSolution*/,
                         TBarSolution& AResult) {
   return CutGreedily(ASubProblem, AResult);
+}
+
+inline bool Never() {
+  return false;
 }
 
 // AProblem outlives the manager.

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <random>
+#include <tuple>
 
 #include "CuttingStock1D.h"
 #include "FakeClock.h"
@@ -26,27 +28,16 @@ struct TProbe : TNode {
       TNode::SolveSubProblem, TNode::TNode;
 };
 
-bool Never() {
-  return false;
-}
-
-TBarSolution Single(const TIntegerDynArray& Column) {
-  TBarSolution solution;
-  solution.AddSubSolution(TBarPattern(Column, 1), 1);
-  return solution;
-}
-
-// A root over bars of length 1000 and pieces of length 1, so that only the patterns of the pool matter.
+// A root whose pool holds just the columns that are given.
 struct TBench {
-  TBarProblem Problem;
+  TSenseProblem Problem;
   TBCPSolverManager<TBarPattern> Manager{&Problem};
-  TVarPool<TBarPattern> Pool;
+  TVarPool<TBarPattern> Pool{Problem.BVec(), Problem.IneqVec()};
   TBCPStopWatch Watch{0};
   std::vector<TDoubleDynArray> Priced;  // worths at each call of a scripted heuristic
 
-  explicit TBench(const TIntegerDynArray& Demand, const std::vector<TIntegerDynArray>& Columns = {}, int Sense = 1)
-      : Problem(1000, TIntegerDynArray(Demand.size(), 1), Demand),
-        Pool(Problem.BVec(), TIntegerDynArray(Demand.size(), Sense)) {
+  explicit TBench(const TDoubleDynArray& Demand, const std::vector<TIntegerDynArray>& Columns = {}, int Sense = 1)
+      : Problem(Demand, TIntegerDynArray(Demand.size(), Sense)) {
     bool exists = false;
     for (const TIntegerDynArray& column : Columns) Pool.AddVar(TBarPattern(column, 1), exists);
   }
@@ -71,40 +62,39 @@ void ExpectOptimal(const TNode& Node, const TVarPool<TBarPattern>& Pool) {
   for (int k = 1; k < Size(Node.LPSolVec()); ++k)
     model.AddColumn(Pool.GetColumn(Node.ColDict()[k], Node.RowDict()), 1, 0, ub[Node.ColDict()[k]]);
   const TDoubleDynArray x(Node.LPSolVec().begin() + 1, Node.LPSolVec().end());
-  EXPECT_EQ(CheckLpOptimum(model, Node.LPSol(), x, Node.LPSolver()->GetRowPrice()), "");
+  EXPECT_TRUE(IsLpOptimum(model, Node.LPSol(), x, Node.LPSolver()->GetRowPrice()));
 }
 
 // What a child stands for: the main demand without its fixed columns, rows that are met left out.
 void ExpectDemandBalances(const TNode& Node, const TVarPool<TBarPattern>& Pool) {
-  TDoubleDynArray rest = Pool.BVec(), open;
+  const TBarSolution fixed = Pool.GetIntSolution(Node.ParentSolVec());
+  const TDoubleDynArray made = fixed.GetColumn(Size(Pool.BVec()));
+  TDoubleDynArray open;
   TIntegerDynArray openRows;
-  double fixed = 0;
-  for (int i = 0; i < Size(Node.ParentSolVec()); fixed += Node.ParentSolVec()[i++])
-    for (int row = 0; row < Size(rest); ++row) rest[row] -= Node.ParentSolVec()[i] * Pool[i].Counts[row];
-  for (int row = 0; row < Size(rest); ++row) {
-    if (rest[row] <= 0) continue;
+  for (int row = 0; row < Size(made); ++row) {
+    if (made[row] >= Pool.BVec()[row]) continue;
     openRows.push_back(row);
-    open.push_back(rest[row]);
+    open.push_back(Pool.BVec()[row] - made[row]);
   }
-  EXPECT_EQ(Node.BoundBase(), fixed);
+  EXPECT_EQ(Node.BoundBase(), Bars(fixed));
   EXPECT_EQ(Node.RowDict(), openRows);
   EXPECT_EQ(Node.BVec(), open);
 }
 
-// What an up-branch has fixed is taken off the bounds; no branch widens them.
+// How often a subtree may use the columns that branching has bounded, the fixed copies included, by pool index. An
+// up-branch leaves that as it is, a down-branch widens nothing.
 void ExpectBoundsPassedOn(const TNode& Node, const TNode& Child) {
-  TIntegerDynArray fixed = Child.ParentSolVec();
-  for (int i = 0; i < Size(Node.ParentSolVec()); ++i) fixed[i] -= Node.ParentSolVec()[i];
-  fixed.resize(1000);  // a bound may name a column that is in no LP any more
-  const bool isUp = std::count(fixed.begin(), fixed.end(), 0) < Size(fixed);
-  auto at = Child.IntConstraint().begin();
-  for (const auto& bound : Node.IntConstraint()) {
-    while (at->Idx < bound.Idx) ++at;
-    const int ub = bound.UB - (isUp ? fixed[bound.Idx] : 0);
-    EXPECT_TRUE(at->Idx == bound.Idx && (isUp ? at->UB == ub : at->UB <= ub));
-  }
-  EXPECT_TRUE(isUp || std::is_sorted(Child.IntConstraint().begin(), Child.IntConstraint().end(),
-                                     [](const auto& left, const auto& right) { return left.Idx < right.Idx; }));
+  const auto limits = [](const TNode& node) {
+    std::map<int, int> result;
+    for (const auto& bound : node.IntConstraint())
+      result[bound.Idx] = bound.UB + (bound.Idx < Size(node.ParentSolVec()) ? node.ParentSolVec()[bound.Idx] : 0);
+    return result;
+  };
+  std::map<int, int> before = limits(Node), after = limits(Child);
+  EXPECT_TRUE(Child.BoundBase() == Node.BoundBase() || after == before);
+  for (const auto& [idx, limit] : before) EXPECT_TRUE(after.contains(idx) && after[idx] <= limit);
+  EXPECT_TRUE(std::is_sorted(Child.IntConstraint().begin(), Child.IntConstraint().end(),
+                             [](const auto& left, const auto& right) { return left.Idx < right.Idx; }));
 }
 
 TEST(BCPNode, EachLPIsOptimalAndEachChildBalances) {
@@ -166,17 +156,12 @@ TEST(BCPNode, APricingPassSharesOneStatusAndKeepsRejectedColumns) {
 
 TEST(BCPNode, RowsWithoutColumnAreCountedOffFromTheFront) {
   TBench bench({4, 5, 6});
-  int calls = 0;
-  bench.Manager.AddSubProblemSolver([&](const TBCPProblem<TBarPattern>& Sub, bool& Usable, double&) {
-    bench.Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());
-    Usable = true;
-    return std::make_unique<TBarPattern>(TIntegerDynArray{0, 0, ++calls}, 1);
-  });
+  for (const int copies : {1, 2, 3}) bench.Script(true, {0, 0, copies});
   TProbe root = bench.Root();
   ASSERT_TRUE(root.InitLP());
   EXPECT_TRUE(root.CheckNoEmptyRow()) << "although rows 0 and 1 have no column";
-  EXPECT_THAT(bench.Priced,
-              ElementsAre(ElementsAre(1e4, 1e4, 1e4), ElementsAre(10, 1e4, 1e4), ElementsAre(10, 10, 1e4)));
+  const TDoubleDynArray first = {1e4, 1e4, 1e4}, second = {10, 1e4, 1e4}, third = {10, 10, 1e4};
+  EXPECT_THAT(bench.Priced, ElementsAre(first, second, second, third, third, third)) << "known columns do not count";
   EXPECT_FALSE(root.Solve(bench.Watch, Never));
   EXPECT_EQ(root.LLB, kBCPInfinity);
   TBench atMost({4}, {{1}}, -1);
@@ -200,25 +185,19 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
   EXPECT_FALSE(down.CGRequired());
   TNode::TSolutionFifo fifo;
   TNode::TSolutionList arrived;
-  fifo.Push(Single({0, 0, 0, 2}));
+  fifo.Push(BarSolution({{{0, 0, 0, 2}, 1, 1}}));
   EXPECT_TRUE(down.SolveWithFIFOSolutions(bench.Watch, Never, &fifo, arrived));
   EXPECT_EQ(Size(arrived), 1);
   EXPECT_THAT(down.ColDict(), ElementsAre(-1, 0, 2, 3, 4, 5)) << "column 1 is forbidden below";
   EXPECT_THAT(down.VarUB(), ElementsAre(kUnbounded, 1, 1, 1, 9)) << "not shifted, none for the new column";
   TBench tight({4, 1}, {{1, 0}, {0, 1}});
-  fifo.Push(Single({5, 0}));
+  fifo.Push(BarSolution({{{5, 0}, 1, 1}}));
   TProbe other = tight.Root();
   EXPECT_TRUE(other.SolveWithFIFOSolutions(tight.Watch, Never, &fifo, arrived));
   EXPECT_TRUE(other.Branch(false)) << "not on a column that the demand allows no time";
-  TBench thin({1, 1, 1, 1, 1, 1});
-  bool exists = false;
-  for (int left = 0; left < 6; ++left) {
-    TIntegerDynArray counts(6, 1);
-    counts[left] = 0;
-    thin.Pool.AddVar(TBarPattern(counts, 1), exists);
-  }
-  TProbe fifths = thin.Root();
-  EXPECT_TRUE(fifths.Solve(thin.Watch, Never) && fifths.Branch(false)) << "all columns score 1.1";
+  TBench thin({3, 3, 3, 3}, {{0, 1, 1, 1}, {1, 0, 1, 1}, {1, 1, 0, 1}, {1, 1, 1, 0}});
+  TProbe thirds = thin.Root();
+  EXPECT_TRUE(thirds.Solve(thin.Watch, Never) && thirds.Branch(false)) << "all columns score 7/6";
   TBench beyond({10}, {{3}, {1}}), late({5, 2}, {{2, 0}, {2, 2}});
   TProbe limited = beyond.Root(), reversed = late.Root();
   ASSERT_TRUE(limited.Solve(beyond.Watch, Never) && limited.Branch(true));
@@ -231,19 +210,14 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
 
 TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
   TBench bench({3, 9}, {{2, 0}, {0, 1}});  // x = 1.5, 9
-  const auto residual = [](double Usage, bool Answer, int Count = 1) {
-    return [=](const TBCPProblem<TBarPattern>& Sub, const TBarSolution& Partial, TBarSolution& Result) {
+  using TAnswer = std::tuple<double, int, bool>;
+  for (const auto& [usage, count, isGiven] : {TAnswer{0.9, 1, true}, {0.4, 1, true}, {0.4, 2, true}, {0.1, 1, false}})
+    bench.Manager.AddResidualSolver([=](const auto& Sub, const TBarSolution& Partial, TBarSolution& Result) {
       EXPECT_THAT(Sub.BVec(), ElementsAre(1));
       EXPECT_EQ(Partial.Count(), 2);
-      Result.AddSubSolution(TBarPattern({Count, 0}, Usage), 1);
-      return Answer;
-    };
-  };
-  bench.Manager.AddResidualSolver(residual(0.9, true));
-  bench.Manager.AddResidualSolver(residual(0.4, true));
-  bench.Manager.AddResidualSolver(residual(0.4, true, 2));
-  bench.Manager.AddResidualSolver(residual(0.1, false));
-  bench.Manager.AddResidualSolver(residual(0.5, true));
+      Result.AddSubSolution(TBarPattern({count, 0}, usage), 1);
+      return isGiven;
+    });
   TProbe root = bench.Root();
   ASSERT_TRUE(root.Solve(bench.Watch, Never));
   EXPECT_FALSE(root.Fathom(0.001));
@@ -273,7 +247,7 @@ TEST(BCPNode, OutsideSolutionsReachTheLPAndKeepPricingAlive) {
   TBench bench({4}, {{1}}), hopeless({4});
   TNode::TSolutionFifo fifo;
   TNode::TSolutionList arrived;
-  const auto push = [&fifo](int Count) { fifo.Push(Single({Count})); };
+  const auto push = [&fifo](int Count) { fifo.Push(BarSolution({{{Count}, 1, 1}})); };
   push(2);
   bench.Manager.AddSubProblemSolver([&](const auto& Sub, bool&, double&) -> std::unique_ptr<TBarPattern> {
     bench.Priced.push_back(dynamic_cast<const TBarProblem&>(Sub).Worths());

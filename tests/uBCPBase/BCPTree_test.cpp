@@ -4,6 +4,7 @@
 
 #include <random>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "CuttingStock1D.h"
@@ -20,16 +21,6 @@ struct TProbe : TTree {
   using TTree::Bound, TTree::BoundMeet, TTree::Branch, TTree::CompareNodes, TTree::DeleteSearch, TTree::GreedySolve,
       TTree::RootNode, TTree::Select, TTree::TTree;
 };
-
-bool Never() {
-  return false;
-}
-
-int Bars(const TBarSolution& Solution) {
-  int bars = 0;
-  for (const auto& pair : Solution) bars += pair.Value;
-  return bars;
-}
 
 // A poor start, each piece from a bar of its own, and no residual heuristic.
 TBCPSolverManager<TBarPattern> PoorSolvers(const TBarProblem& Problem, TSubProblemSolveFunc<TBarPattern> Price) {
@@ -49,24 +40,6 @@ TBCPSolverManager<TBarPattern> PoorSolvers(const TBarProblem& Problem, TSubProbl
 // From a poor start this takes some sixty nodes.
 const TBarProblem kDeep(245, {109, 164, 45, 74, 42, 71, 37}, {16, 4, 10, 9, 14, 15, 8});
 
-// Nodes whose LP was solved.
-int Walked(const TNode& Node) {
-  int count = int{Node.LPRounds() > 0};
-  for (const auto& child : Node.ChildNodes) count += Walked(*child);
-  return count;
-}
-
-// By trying each piece in each bar.
-bool AllFit(const TIntegerDynArray& Pieces, std::size_t Next, TIntegerDynArray& Spaces) {
-  if (Next == Pieces.size()) return true;
-  for (int& space : Spaces) {
-    space -= Pieces[Next];
-    if (space >= 0 && AllFit(Pieces, Next + 1, Spaces)) return true;
-    space += Pieces[Next];
-  }
-  return false;
-}
-
 TEST(BCPTree, RollsOfAHundredInches) {
   const TBarProblem rolls = ChvatalRolls();
   const auto manager = BarSolvers(rolls);
@@ -79,18 +52,21 @@ TEST(BCPTree, RollsOfAHundredInches) {
   EXPECT_EQ(tree.Status(), 0);
 }
 
+// Bars are cut up without waste, and then one piece may be missing: the optimum is their number.
 TEST(BCPTree, MetBoundsAreTheOptimumFromGoodAndPoorStarts) {
   ForEachSeed(60, [](unsigned Seed) {
     std::mt19937 random(Seed);
-    TIntegerDynArray lengths, demand, pieces;
-    for (auto most = 2 + random() % 8; pieces.size() < most;) {
-      lengths.push_back(20 + static_cast<int>(random() % 50));
-      demand.push_back(1 + static_cast<int>(random() % 3));
-      pieces.insert(pieces.end(), static_cast<std::size_t>(demand.back()), lengths.back());
-    }
+    TIntegerDynArray lengths, demand;
     int least = 0;
-    for (TIntegerDynArray spaces; !AllFit(pieces, 0, spaces); spaces.assign(static_cast<std::size_t>(least), 100))
-      ++least;
+    while (least < 6) {
+      const int times = 1 + static_cast<int>(random() % 3);
+      for (int space = 100; space > 0; space -= lengths.back()) {
+        lengths.push_back(space < 40 ? space : 20 + static_cast<int>(random() % 1000) % (space - 39));
+        demand.push_back(times);
+      }
+      least += times;
+    }
+    demand.back() -= int{Seed % 3 > 0 && demand.back() > 1};
     const TBarProblem problem(100, lengths, demand);
     for (const auto& manager : {BarSolvers(problem), PoorSolvers(problem, PriceBar)}) {
       TTree tree(&manager, nullptr, Seed % 2 == 0, 0);
@@ -125,8 +101,7 @@ TEST(BCPTree, BoundsMeetUnderOneCeilingOrWithinATenthOfAPerMille) {
   const TBarProblem problem(100, {40}, {4});
   TBCPSolverManager<TBarPattern> manager(&problem);
   TProbe tree(&manager, nullptr, true, 0);
-  TBarSolution best;
-  best.AddSubSolution(problem.MakePattern({2}), 2);
+  TBarSolution best = BarSolution({{{2}, 0.8, 2}});
   EXPECT_TRUE(tree.AddSolution(best, true));
   TNode other({0}, {4}, &manager, nullptr, nullptr, 0, false);
   tree.RootNode().LLB = tree.GUB();
@@ -146,18 +121,13 @@ TEST(BCPTree, AnOutsideSolutionReplacesTheStartHeuristicsAndStaysOutOfThePool) {
   TProbe tree(&manager, &fifo, true, 0);
   EXPECT_EQ(tree.Solve(Never).Count(), 0) << "no heuristic";
   EXPECT_EQ(tree.Status(), -1);
-  const auto solution = [&](int PerBar, int Bars) {
-    TBarSolution made;
-    made.AddSubSolution(problem.MakePattern({PerBar}), Bars);
-    return made;
-  };
-  fifo.Push(solution(2, 1));
+  fifo.Push(BarSolution({{{2}, 0.8, 1}}));
   EXPECT_FALSE(tree.GreedySolve()) << "it meets half of the demand";
-  fifo.Push(solution(2, 2));
+  fifo.Push(BarSolution({{{2}, 0.8, 2}}));
   EXPECT_TRUE(tree.GreedySolve());
   EXPECT_EQ(tree.VarPool().Count(), 0);
   EXPECT_DOUBLE_EQ(tree.GUB(), 1.8);
-  TBarSolution same = solution(2, 2), tooFew = solution(1, 3);
+  TBarSolution same = BarSolution({{{2}, 0.8, 2}}), tooFew = BarSolution({{{1}, 0.4, 3}});
   EXPECT_FALSE(tree.AddSolution(same, true)) << "as good is no better";
   EXPECT_FALSE(tree.AddSolution(tooFew, false)) << "checked all the same";
   EXPECT_EQ(tree.VarPool().Count(), 2);
@@ -167,50 +137,38 @@ TEST(BCPTree, AnOutsideSolutionReplacesTheStartHeuristicsAndStaysOutOfThePool) {
   EXPECT_EQ(tree.VarPool().Count(), 3) << "none behind the known one";
 }
 
-TEST(BCPTree, ARootThatCannotImproveIsNotRounded) {
-  const TBarProblem problem(100, {40}, {5});
-  TBCPSolverManager<TBarPattern> manager(&problem);
-  manager.AddSubProblemSolver(PriceBar);
-  manager.AddGreedySolver(CutGreedily);  // 2.4, where the LP needs 2.5
-  manager.AddResidualSolver([](const auto&, const auto&, auto&) {
-    ADD_FAILURE();
-    return false;
-  });
-  TTree tree(&manager, nullptr, true, 0);
-  EXPECT_EQ(Bars(tree.Solve(Never)), 3);
-  EXPECT_EQ(tree.Status(), 0);
+// A start of 2.4 where the LP needs 2.5, and a whole LP.
+TEST(BCPTree, ARootThatCannotImproveOrIsWholeIsNeitherRoundedNorBranched) {
+  for (const bool isWhole : {false, true}) {
+    const TBarProblem problem(100, {40}, {isWhole ? 4 : 5});
+    auto manager = isWhole ? PoorSolvers(problem, PriceBar) : BarSolvers(problem);
+    manager.AddResidualSolver([](const auto&, const auto&, auto&) {
+      ADD_FAILURE();
+      return false;
+    });
+    TTree tree(&manager, nullptr, true, 0);
+    EXPECT_EQ(Bars(tree.Solve(Never)), isWhole ? 2 : 3);
+    EXPECT_EQ(tree.Status(), 0);
+    EXPECT_TRUE(tree.Root().ChildNodes.empty());
+  }
 }
 
-TEST(BCPTree, ARootThatIsWholeIsNotBranched) {
-  const TBarProblem problem(100, {40}, {4});
-  auto manager = PoorSolvers(problem, PriceBar);
-  TTree tree(&manager, nullptr, true, 0);
-  EXPECT_EQ(Bars(tree.Solve(Never)), 2);
-  EXPECT_EQ(tree.Status(), 0);
-  EXPECT_TRUE(tree.Root().ChildNodes.empty());
-}
-
+// The first start is refused, two are too small, and the last one is not asked any more.
 TEST(BCPTree, ColumnsOfARefusedStartEnterThePoolAndArrivalsCountEvenWhenTheRootFails) {
   const TBarProblem problem(100, {40}, {4});
   TBCPSolverManager<TBarPattern> manager(&problem);
   TTree::TSolutionFifo fifo;
-  const auto start = [&manager](bool Answer, int PerBar, double Usage, int Bars) {
+  using TStart = std::tuple<int, double, int, bool>;
+  for (const auto& [perBar, usage, bars, isGiven] :
+       {TStart{5, 0.1, 9, false}, {3, 0.1, 1, true}, {2, 0.8, 1, true}, {1, 0.4, 4, true}, {4, 0.1, 1, true}})
     manager.AddGreedySolver([=](const auto&, TBarSolution& Solution) {
-      Solution.AddSubSolution(TBarPattern({PerBar}, Usage), Bars);
-      return Answer;
+      Solution = BarSolution({{{perBar}, usage, bars}});
+      return isGiven;
     });
-  };
-  start(false, 5, 0.1, 9);
-  start(true, 3, 0.1, 1);
-  start(true, 2, 0.8, 1);
-  start(true, 1, 0.4, 4);
-  start(true, 4, 0.1, 1);  // not asked any more
   int calls = 0;
   manager.AddSubProblemSolver([&](const auto&, bool&, double&) -> std::unique_ptr<TBarPattern> {
     if (++calls == 2) throw TNestError("pricing");
-    TBarSolution solution;
-    solution.AddSubSolution(TBarPattern({2}, 0.5), 2);  // known to the pool with another usage
-    fifo.Push(std::move(solution));
+    fifo.Push(BarSolution({{{2}, 0.5, 2}}));  // known to the pool with another usage
     return nullptr;
   });
   TTree tree(&manager, &fifo, true, 0);
@@ -238,56 +196,39 @@ TEST(BCPTree, ErrorsEndTheSearchWithTheBestSolutionButLeaveTheStart) {
   EXPECT_THROW(TTree(&manager, nullptr, true, 0).Solve(Never), TNestError);
 }
 
-TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpen) {
-  // One column at its bound is chosen again and again.
+// The time is up before the first LP, after some, or never. One column at its bound is chosen again and again.
+TEST(BCPTree, TheLimitsOfTimeAndNodesLeaveTheStatusOpenUnlessTheRootHasNoLP) {
   const TBarProblem stuck(147, {19, 36, 24}, {5, 20, 16});
-  for (const bool isLate : {false, true}) {
+  using TCase = std::tuple<int, int, int, int>;
+  for (const auto& [lastPoll, status, residuals, nodes] : {TCase{1, 2, 0, 1}, {50, -1, 1, 15}, {0, -1, 34, 1007}}) {
     auto manager = PoorSolvers(stuck, PriceBar);
-    int residuals = 0;
-    manager.AddResidualSolver([&residuals](const auto&, const auto&, auto&) { return ++residuals < 0; });
+    int polled = 0, rounded = 0;
+    manager.AddResidualSolver([&rounded](const auto&, const auto&, auto&) { return ++rounded < 0; });
     TFakeClock clock;
     TTree tree(&manager, nullptr, true, 1);
-    int polled = 0;
     EXPECT_TRUE(stuck.CheckSolution(tree.Solve([&] {
-      if (++polled == 50 && isLate) clock.AdvanceMs(2000);
+      if (++polled == lastPoll) clock.AdvanceMs(2000);
       return false;
     })));
-    EXPECT_EQ(tree.Status(), -1);
-    EXPECT_EQ(residuals, isLate ? 1 : 34) << "the root and each thirtieth iteration";
-    EXPECT_EQ(Walked(tree.Root()), isLate ? 9 : 1001) << "the root and those of the limit";
+    EXPECT_EQ(tree.Status(), status);
+    EXPECT_EQ(rounded, residuals) << "the root and each thirtieth iteration";
+    EXPECT_EQ(tree.Counts().Nodes, nodes);
   }
-  TBCPSolverManager<TBarPattern> manager(&stuck);
-  TFakeClock clock;
-  manager.AddGreedySolver([&](const auto& Problem, TBarSolution& Solution) {
-    clock.AdvanceMs(2000);
-    return CutGreedily(Problem, Solution);
-  });
-  TTree tree(&manager, nullptr, true, 1);
-  EXPECT_TRUE(stuck.CheckSolution(tree.Solve(Never)));
-  EXPECT_EQ(tree.Status(), 2) << "without an LP the root counts as closed";
 }
 
-// Rows that a whole number of columns cannot meet: exactly one and a half.
-struct TUnwhole : TBarProblem {
-  TUnwhole() : TBarProblem(100, {40}, {2}) {
-    FBVec = {1.5};
-    FIneqVec = {0};
-  }
-};
-
+// One and a half columns, exactly.
 TEST(BCPTree, ANodeWithoutFeasibleBranchesIsClosed) {
-  const TUnwhole problem;
-  auto manager = PoorSolvers(problem, [](const auto&, bool& Usable, double& Value) {
+  const TSenseProblem problem({1.5}, {0});
+  TBCPSolverManager<TBarPattern> manager(&problem);
+  manager.AddSubProblemSolver([](const auto&, bool& Usable, double&) {
     Usable = true;
-    Value = 1;
     return std::make_unique<TBarPattern>(TIntegerDynArray{1}, 0.4);
   });
   TProbe tree(&manager, nullptr, true, 0);
   ASSERT_TRUE(tree.RootNode().Solve(TBCPStopWatch(0), Never));
   EXPECT_TRUE(tree.RootNode().Branch(true)) << "the up-branch was tried";
-  EXPECT_TRUE(tree.Root().ChildNodes.empty());
   EXPECT_EQ(tree.Branch(tree.RootNode()), nullptr);
-  EXPECT_TRUE(tree.Root().Calced);
+  EXPECT_TRUE(tree.Root().ChildNodes.empty() && tree.Root().Calced);
 }
 
 TEST(BCPTree, ClosingANodeJumpsToTheOpenLeafOfTheLowestParentBound) {

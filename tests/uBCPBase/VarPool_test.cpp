@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "CuttingStock1D.h"
 #include "ForEachSeed.h"
@@ -54,32 +55,27 @@ TEST(VarPool, FindsTheSameColumnAsAWalkOverThePool) {
 TEST(VarPool, AColumnEntersWhereItFitsTheOpenDemand) {
   constexpr int kRefused = -9;
   constexpr int kUnbounded = std::numeric_limits<int>::max();
-  const struct {
-    TIntegerDynArray Column;  // main rows 0 to 3
-    TDoubleDynArray Demand;   // rows 0, 2, 3; row 1 is closed
-    int MaxAmount;
-  } kCases[] = {
-      {{1, 0, 0, 0}, {3.9, 0, 0}, 3},
-      {{2, 0, 3, 0}, {5, 4, 1}, 1},
-      {{2, 0, 5, 0}, {5, 4.9, 1}, kRefused},
-      {{1, 1, 0, 0}, {5, 4, 1}, kRefused},
-      {{1, -1, 0, 0}, {5, 4, 1}, 5},
-      {{0, 0, 0, 0}, {5, 4, 1}, kUnbounded},
-      {{1, 0, 0, 0}, {1e12, 4, 1}, kUnbounded},
-      {{1, 0, 0, 0}, {1e300, 4, 1}, kRefused},  // no whole number
-      {{0, 0, -2, 0}, {5, 5, 1}, -2},
-      {{1, 0, 0, 0}, {5, -1, 1}, kRefused},  // its 0 is above that demand
-      {{1, 0, -9, 0}, {5, -4, 1}, 0},
-  };
-  for (const auto& c : kCases) {
+  // Columns have main rows 0 to 3, demands rows 0, 2 and 3: row 1 is closed.
+  using TCase = std::tuple<TIntegerDynArray, TDoubleDynArray, int>;
+  for (const auto& [column, demand, maxAmount] : {TCase{{1, 0, 0, 0}, {3.9, 0, 0}, 3},
+                                                  {{2, 0, 3, 0}, {5, 4, 1}, 1},
+                                                  {{2, 0, 5, 0}, {5, 4.9, 1}, kRefused},
+                                                  {{1, 1, 0, 0}, {5, 4, 1}, kRefused},
+                                                  {{1, -1, 0, 0}, {5, 4, 1}, 5},
+                                                  {{0, 0, 0, 0}, {5, 4, 1}, kUnbounded},
+                                                  {{1, 0, 0, 0}, {1e12, 4, 1}, kUnbounded},
+                                                  {{1, 0, 0, 0}, {1e300, 4, 1}, kRefused},  // no whole number
+                                                  {{0, 0, -2, 0}, {5, 5, 1}, -2},
+                                                  {{1, 0, 0, 0}, {5, -1, 1}, kRefused},  // its 0 is above that demand
+                                                  {{1, 0, -9, 0}, {5, -4, 1}, 0}}) {
     TVarPool<TBarPattern> pool({1, 1, 1, 1}, {1, 1, 1, 1});
     bool exists = false;
-    pool.AddVar(TBarPattern(c.Column, 0), exists);
+    pool.AddVar(TBarPattern(column, 0), exists);
     TDoubleDynArray local;
     int amount = kRefused;
-    const bool fits = pool.GetSatisfiedColumn({0, 2, 3}, c.Demand, 0, amount, local);
-    SCOPED_TRACE(testing::PrintToString(c.Column) + testing::PrintToString(c.Demand));
-    EXPECT_EQ(fits ? amount : kRefused, c.MaxAmount);
+    const bool fits = pool.GetSatisfiedColumn({0, 2, 3}, demand, 0, amount, local);
+    SCOPED_TRACE(testing::PrintToString(column) + testing::PrintToString(demand));
+    EXPECT_EQ(fits ? amount : kRefused, maxAmount);
     EXPECT_EQ(local, fits ? pool.GetColumn(0, {0, 2, 3}) : TDoubleDynArray());
   }
 }
