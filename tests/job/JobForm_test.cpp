@@ -107,7 +107,6 @@ TEST(JobForm, WhatIsNoJsonIsToldByLineAndColumn) {
     EXPECT_THAT(ParseText(json), AllOf(StartsWith("is not "), HasSubstr(text)));
     EXPECT_LT(ParseText(json).size(), 200u);
   }
-  EXPECT_EQ(ParseText("{\n\"name\":\"ab\xE9 c\"}"), "is not UTF-8 at line 2, column 11");
 }
 
 TEST(JobForm, AtMostTwentyFaultsWithLimitsLast) {
@@ -124,27 +123,25 @@ TEST(JobForm, AtMostTwentyFaultsWithLimitsLast) {
 
 // Each pair: at the limit, one beyond it.
 TEST(JobForm, LimitsHoldExactly) {
-  const auto parts = [](int count, const std::string& more) {
-    std::string text = R"("width":3,"height":2)" + more;
-    for (int i = 1; i < count; ++i) text += R"(},{"width":3,"height":2)" + more;
-    return WithPart(text);
+  const std::string size = R"("width":3,"height":2)";
+  const auto times = [](int count, const std::string& text) {
+    std::string all;
+    while (count-- > 0) all += text;
+    return all;
   };
-  const auto nested = [](int depth) { return WithPart(R"("x":)" + std::string(depth, '[') + std::string(depth, ']')); };
-  const auto padded = [](Int64 bytes) {
-    std::string text = WithPart(R"("width":3,"height":2)");
-    return text + std::string(static_cast<std::size_t>(bytes) - text.size(), ' ');
-  };
-  const auto plates = [](int count) {
-    std::string text = WithPart(R"("width":3,"height":2)");
-    while (--count > 0) text.insert(text.find(R"({"width":1000)"), R"({"width":9,"height":9},)");
-    return text;
+  const auto parts = [&](int count) { return WithPart(size + times(count - 1, "},{" + size)); };
+  const auto part = [&](const std::string& more) { return WithPart(size + more); };
+  const auto nested = [&](int depth) { return WithPart(R"("x":)" + times(depth, "[") + times(depth, "]")); };
+  const auto padded = [&](Int64 bytes) { return parts(1) + std::string(bytes - parts(1).size(), ' '); };
+  const auto plates = [&](int count) {
+    return parts(1).insert(parts(1).find(R"({"width":1000)"), times(count - 1, R"({"width":9,"height":9},)"));
   };
   const std::string id(limits::kIdCharacters - 1, 'x');
 
   const std::tuple<std::string, std::string, std::string> cases[] = {
-      {parts(10000, ""), parts(10001, ""), "/parts"},
-      {parts(1, R"(,"amount":1000000)"), parts(1, R"(,"amount":1000001)"), "/parts/0/amount"},
-      {parts(1, R"(,"id":"é)" + id + "\""), parts(1, R"(,"id":"é)" + id + "x\""), "/parts/0/id"},
+      {parts(10000), parts(10001), "/parts"},
+      {part(R"(,"amount":1000000)"), part(R"(,"amount":1000001)"), "/parts/0/amount"},
+      {part(R"(,"id":"é)" + id + "\""), part(R"(,"id":"é)" + id + "x\""), "/parts/0/id"},
       {plates(limits::kPlateKinds), plates(limits::kPlateKinds + 1), "/plates"},
       {WithPart(R"("width":0.001,"height":1000)"), WithPart(R"("width":0.0009999,"height":1)"), "/parts/0/width"},
       {WithPart(R"("width":1,"height":1e6)"), WithPart(R"("width":1,"height":1000000.1)"), "/parts/0/height"},
@@ -189,7 +186,7 @@ TEST(JobForm, KindsAndMethodsSayWhatTheyTake) {
     job.Plates.resize(item.Plates);
     job.Parts.resize(item.Parts);
     for (int i = 0; i < item.Locked; ++i) job.Parts[i].Turn = Rotate::None;
-    EXPECT_EQ(FaultsOf([&] { CheckJob(job); }), item.Expected) << &item - cases;
+    EXPECT_EQ(CheckFaults(job), item.Expected) << &item - cases;
   }
 }
 
@@ -208,7 +205,7 @@ TEST(JobForm, JobsBuiltInCodePassTheSameChecks) {
   for (const auto& [spoil, expected, isWritten] : cases) {
     Job job = SmallJob();
     spoil(job);
-    EXPECT_EQ(FaultsOf([&] { CheckJob(job); }), expected);
+    EXPECT_EQ(CheckFaults(job), expected);
     EXPECT_EQ(FaultsOf([&] { JobToJson(job); }), isWritten ? "none" : expected);
   }
 }
