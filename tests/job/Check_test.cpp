@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 namespace platenest {
 namespace {
 
+using testing::HasSubstr;
 using TPlace = nlohmann::json::json_pointer;
 
 Job OneJob() {
@@ -90,6 +92,81 @@ TEST(CheckResult, FindsEachValueThatIsWrong) {
   }
 }
 
+// Each value of a job is replaced by what it can never be.
+TEST(ParseJob, RefusesEachValueThatIsWrongWhereItStands) {
+  for (const Job& job : {OneJob(), FillJob(), WholeJob(), CirclesJob(), ShapeJob(JobKind::Nfp),
+                         ShapeJob(JobKind::Array), ShapeJob(JobKind::Label), ShapeJob(JobKind::Sucker)}) {
+    const nlohmann::json good = nlohmann::json::parse(JobToJson(job)), values = good.flatten();
+    for (const auto& [place, value] : values.items())
+      for (const nlohmann::json& wrong :
+           {nlohmann::json::object(), nlohmann::json(-1e9), nlohmann::json(1e300), nlohmann::json("?")}) {
+        if (value.is_string() && wrong.is_string() && (place == "/name" || place.ends_with("/id"))) continue;
+        nlohmann::json bad = good;
+        bad[TPlace(place)] = wrong;
+        EXPECT_THAT(FaultsOf([&] { ParseJob(bad.dump()); }), HasSubstr(" " + place)) << wrong;
+      }
+  }
+}
+
+TEST(CheckJob, TellsWhatIsWrongAndWhere) {
+  const std::tuple<Job, std::vector<std::pair<void (*)(Job&), std::string>>> cases[] = {
+      {CirclesJob(),
+       {{[](Job& j) { j.Parts[0].Radius = 5.1e5; }, "LimitError: limit /parts/0/radius"},
+        {[](Job& j) { j.Parts[0].Radius = 4.9e-4; }, "LimitError: limit /parts/0/radius"},
+        {[](Job& j) { j.Plates[0].Width = 1e6, j.Parts[0].Radius = 0.49; }, "LimitError: limit /parts/0/radius"},
+        {[](Job& j) { j.Parts[0].Height = 20; }, "InputError: conflict /parts/0/height"},
+        {[](Job& j) { j.Parts[0].Turn = Rotate::None; }, "InputError: conflict /parts/0/rotate"},
+        {[](Job& j) { j.Parts[0].Value = 2; }, "InputError: conflict /parts/0/value"},
+        {[](Job& j) { j.Parts[0].Outline = kL; }, "InputError: conflict /parts/0/outline"},
+        {[](Job& j) { j.Parts[0] = SmallJob().Parts[0]; },
+         "InputError: range /parts/0/radius, conflict /parts/0/width, conflict /parts/0/height"},
+        {[](Job& j) { j.Parts.push_back({.Id = "b", .Radius = 4}); }, "InputError: conflict /options/method"},
+        {[](Job& j) { j.Parts[0].Amount = j.Plates[0].Count = {}; }, "InputError: conflict /parts/0/amount"}}},
+      {SmallJob(),
+       {{[](Job& j) { j.Parts[0].Radius = 3; }, "InputError: conflict /parts/0/radius"},
+        {[](Job& j) { j.Inside = true, j.Moving = {"a"}; }, "InputError: conflict /moving, conflict /inside"}}},
+      {ShapeJob(JobKind::Nfp),
+       {{[](Job& j) {
+           j.Fixed.insert(j.Fixed.end(), {"c", "l"});
+         },
+         "InputError: choice /fixed/1, duplicate-id /fixed/2"},
+        {[](Job& j) { j.Moving = {"c"}; }, "InputError: choice /moving"},
+        {[](Job& j) { j.Gap = 1; }, "InputError: conflict /gap"},
+        {[](Job& j) { j.Plates = SmallJob().Plates; }, "InputError: entries /plates"},
+        {[](Job& j) { j.Quality = static_cast<NfpQuality>(4); }, "InputError: choice /quality"},
+        {[](Job& j) { j.Run.Method = "strip"; }, "InputError: choice /options/method"},
+        {[](Job& j) { j.Parts.resize(1), j.Inside = true, j.Moving = {}; }, "InputError: entries /parts"},
+        {[](Job& j) { j.Parts[0].Outline = j.Parts[1].Outline = Disc(2001); }, "LimitError: limit /parts/1"},
+        {[](Job& j) {
+           j.Parts.assign(400, j.Parts[1]);
+           for (Part& part : j.Parts) part.Id = std::to_string(&part - j.Parts.data());
+           j.Fixed = j.Moving = {};
+         },
+         "LimitError: limit /parts"}}},
+      {ShapeJob(JobKind::Array),
+       {{[](Job& j) { j.PartId = "another part"; }, "InputError: choice /part"},
+        {[](Job& j) { j.PartId.clear(); }, "InputError: missing /part"},
+        {[](Job& j) { j.Direction = static_cast<Along>(4); }, "InputError: choice /along"},
+        {[](Job& j) { j.Direction = Along::Free, j.Separate = true; }, "InputError: conflict /separate"},
+        {[](Job& j) { j.Parts[0].Outline = Disc(2001); }, "LimitError: limit /parts/0"}}},
+      {ShapeJob(JobKind::Label),
+       {{[](Job& j) { j.Offset = std::nan(""); }, "InputError: range /offset"},
+        {[](Job& j) { j.InnerLines.assign(1, kL), j.InnerLines[0][2][1] = INFINITY; },
+         "InputError: range /inner_lines/0/2/1"},
+        {[](Job& j) { j.InnerLines.assign(10001, kL); }, "LimitError: limit /inner_lines"}}},
+      {ShapeJob(JobKind::Sucker),
+       {{[](Job& j) { j.Radius = 2e6; }, "LimitError: limit /radius"},
+        {[](Job& j) { j.Gap = j.Offset = 1; }, "InputError: conflict /gap, conflict /offset"}}}};
+  for (const auto& [good, changes] : cases) {
+    EXPECT_EQ(CheckFaults(good), "none");
+    for (const auto& [change, faults] : changes) {
+      Job bad = good;
+      change(bad);
+      EXPECT_EQ(CheckFaults(bad), faults);
+    }
+  }
+}
+
 void MovePart(Result& AResult, double By) {
   Placement& place = AResult.Layouts[0].Placements[0];
   for (double* x : {&place.Trans[0], &place.Bounds[0], &place.Bounds[2]}) *x += By;
@@ -105,6 +182,8 @@ TEST(CheckResult, TellsWhatIsWrongAndWhere) {
   using TChange = std::function<void(Job&, Result&)>;
   const Box corner = {0, 0, 1, 1};
   const Bound tooLow = {"count", "stock", 7};
+  Job half = OneJob();
+  half.Parts[0].Amount = 2;
   const std::tuple<Job, std::vector<std::pair<const char*, TChange>>> cases[] = {
       {OneJob(),
        {{"/kind", [](Job&, Result& r) { r.Kind = JobKind::Job; }},
@@ -116,6 +195,13 @@ TEST(CheckResult, TellsWhatIsWrongAndWhere) {
         {"/layouts/0: ", [](Job&, Result& r) { MovePart(r, 0.001); }},
         {"/bounds: ", [=](Job&, Result& r) { r.Proved = (r.Bounds.push_back(tooLow), true); }},
         {"/status: should be ", [](Job&, Result& r) { r.Status = ResultStatus::Partial; }}}},
+      {half,  // is not taken for complete
+       {{"/bounds: ", [](Job& j, Result& r) { j.Parts[0].Amount = r.Parts[0].Amount = {}; }},
+        {"/status: ",
+         [](Job& j, Result& r) {
+           j.Parts[0].Amount = r.Parts[0].Amount = {};
+           r.Proved = (r.Bounds.pop_back(), false);
+         }}}},
       {FillJob(),
        {{"/summary/value: is missing", [](Job&, Result& r) { r.Total.Value.reset(); }},
         {"/summary/value: states ", [](Job& j, Result&) { j.Parts[0].Value = 1; }},

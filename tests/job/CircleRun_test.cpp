@@ -42,11 +42,6 @@ TEST(RunCircles, FewCirclesAndThinPlatesAreLaidToo) {
   EXPECT_EQ(PlacedIn(JobOf(202, 100, 1, {{50, 2}, {9, 20}}, 2)), 4);    // one above and one below where the large meet
 }
 
-// A million in a square grid, 1154000 in a lattice: no answer that is cut to the limit in silence.
-TEST(RunCircles, MoreCopiesThanAllowedAreRefused) {
-  EXPECT_THROW(run(JobOf(1000, 1000, 1, {{0.5, std::nullopt}})), LimitError);
-}
-
 // The pattern is the first answer of each method but pack, and a search beside it loses nothing.
 TEST(RunCircles, EqualCirclesAreNeverFewerThanInAPattern) {
   TRandom random(1);

@@ -6,7 +6,6 @@
 #include "CircleBounds.h"
 #include "CircleVerdict.h"
 #include "PlateJobs.h"
-#include "ShapeJobs.h"
 #include "platenest/job/Convert.h"
 
 namespace platenest {
@@ -51,43 +50,6 @@ std::string BoundsText(const Job& AJob) {
   for (const Bound& bound : CircleBoundsOf(AJob))
     text += bound.What + " " + bound.Kind + " " + std::to_string(static_cast<Int64>(bound.Value)) + ", ";
   return text;
-}
-
-TEST(Circles, JobsSayRadiiAndNothingElse) {
-  const std::tuple<void (*)(Job&), std::string> cases[] = {
-      {[](Job&) {}, "none"},
-      {[](Job& job) { job.Parts[0].Radius = 0; }, "InputError: range /parts/0/radius"},
-      {[](Job& job) { job.Parts[0].Radius = -3; }, "InputError: range /parts/0/radius"},
-      {[](Job& job) { job.Parts[0].Radius = 5.1e5; }, "LimitError: limit /parts/0/radius"},
-      {[](Job& job) { job.Parts[0].Radius = 4.9e-4; }, "LimitError: limit /parts/0/radius"},
-      {[](Job& job) { job.Plates[0].Width = 1e6, job.Parts[0].Radius = 0.49; }, "LimitError: limit /parts/0/radius"},
-      {[](Job& job) { job.Parts[0].Height = 20; }, "InputError: conflict /parts/0/height"},
-      {[](Job& job) { job.Parts[0].Turn = Rotate::None; }, "InputError: conflict /parts/0/rotate"},
-      {[](Job& job) { job.Parts[0].Value = 2; }, "InputError: conflict /parts/0/value"},
-      {[](Job& job) { job.Parts[0].Outline = kL; }, "InputError: conflict /parts/0/outline"},
-      {[](Job& job) { job.Kind = JobKind::Fill, job.Plates[0].Count = 1; }, "InputError: conflict /parts/0/radius"},
-      {[](Job& job) { job.Run.Method = "special"; }, "InputError: choice /options/method"},
-      {[](Job& job) { job.Run.Method = "pattern"; }, "none"},
-      {[](Job& job) { job.Run.Method = "pattern", job.Parts.push_back({.Id = "b", .Radius = 4}); },
-       "InputError: conflict /options/method"},
-      {[](Job& job) { job.Parts[0].Amount = job.Plates[0].Count = {}; }, "InputError: conflict /parts/0/amount"},
-  };
-  for (const auto& [spoil, expected] : cases) {
-    Job job = Discs();
-    spoil(job);
-    EXPECT_EQ(CheckFaults(job), expected) << &spoil - &std::get<0>(cases[0]);
-  }
-  const std::string head = R"({"schema":"platenest-job/1","plates":[{"width":90,"height":50}],"kind":")";
-  const std::pair<std::string, std::string> texts[] = {
-      {R"(circles","parts":[{"width":3,"height":4}])",
-       "InputError: missing /parts/0, conflict /parts/0/width, "
-       "conflict /parts/0/height"},
-      {R"(job","parts":[{"radius":3}])", "InputError: conflict /parts/0/radius"},
-      {R"(circles","parts":[{"radius":"3"}])", "InputError: type /parts/0/radius"},
-      {R"(circle","parts":[{"radius":3}])", "InputError: choice /kind"},
-  };
-  for (const auto& [text, expected] : texts)
-    EXPECT_EQ(FaultsOf([&] { ParseJob(head + text + "}"); }), expected) << text;
 }
 
 TEST(Circles, TablesHoldRadiiOrSides) {

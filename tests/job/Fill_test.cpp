@@ -26,17 +26,13 @@ Job Locked(Job AJob) {
   return AJob;
 }
 
-std::string RunFaults(const Job& AJob) {
-  return FaultsOf([&] { run(AJob); });
-}
-
 // A job that no bound settles.
 Job LongJob() {
   return FillJob(1000, 700, {Rect(313, 207, 5), Rect(171, 133, 9), Rect(97, 83, 14), Rect(223, 61, 11)}, 3);
 }
 
 // A plate that is higher than wide is where nesters exchange axes.
-TEST(RunFill, LocksLeaveThePlateFullAndMethodsThatTurnAreRefused) {
+TEST(RunFill, LocksLeaveThePlateFull) {
   const std::vector<Part> parts = {Rect(400, 260, 9), Rect(300, 120, 20), Rect(90, 70, 30)};
   for (const auto& [width, height] : {std::pair(1400, 900), std::pair(900, 1400)}) {
     Job job = FillJob(width, height, parts, 3);
@@ -45,9 +41,6 @@ TEST(RunFill, LocksLeaveThePlateFullAndMethodsThatTurnAreRefused) {
       EXPECT_GT(Answer(With(Locked(job), method)).Total.Usage, 0.85) << method;
     job.Parts[1].Turn = Rotate::None;
     EXPECT_GT(Answer(job).Total.Usage, 0.85);
-    for (const Job& refused :
-         {With(job, "raster"), With(job, "rskf"), With(job, "bigfirst"), With(Locked(job), "bigfirst")})
-      EXPECT_EQ(RunFaults(refused), "InputError: conflict /options/method") << refused.Run.Method;
   }
   const Result result = Answer(Locked(FillJob(100, 50, {Rect(20, 80, 1), Rect(80, 20, 1)})));
   EXPECT_THAT(Placed(result), ElementsAre(0, 1));
@@ -162,11 +155,6 @@ TEST(RunFill, StopAndTimeKeepTheBestAnswerSoFar) {
   EXPECT_EQ(Answer(job).Status, ResultStatus::TimeLimit);
   job.Run.TimeLimit = 0;
   EXPECT_EQ(Answer(job).Status, ResultStatus::Partial);
-
-  StopToken stop;
-  stop.RequestStop();
-  EXPECT_THROW(run(LongJob(), {.OnProgress = {}, .Stop = &stop}), StoppedError);
-  EXPECT_EQ(CurrentStopToken(), nullptr);
 }
 
 // Best fit would place a few of them only.
@@ -183,14 +171,6 @@ TEST(RunFill, ManySizesHaveAnAnswerHoweverShortTheTimeIs) {
     EXPECT_EQ(std::tuple(result.Status, result.Run.Method), std::tuple(ResultStatus::TimeLimit, "rows"));
     EXPECT_GT(*result.Total.Value, 0.9 * result.Bounds[0].Value) << locked;
   }
-}
-
-TEST(RunFill, RefusesWhatItCannotAnswerWithThePlace) {
-  EXPECT_EQ(RunFaults(With(LongJob(), "strips")), "InputError: choice /options/method");
-  Job job = LongJob();
-  job.Margin = {600, 0, 400, 0};
-  EXPECT_EQ(RunFaults(job), "InputError: range /margin");
-  EXPECT_EQ(RunFaults(FillJob(1e5, 1e5, {Rect(5e4, 5e4, 1), Rect(1, 1)})), "LimitError: limit /parts/1/amount");
 }
 
 }  // namespace

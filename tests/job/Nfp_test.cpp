@@ -71,40 +71,6 @@ const Job kAllPairs = [] {
   return job;
 }();
 
-TEST(NfpJob, PairsAreOfKnownPartsAndWithinTheLimits) {
-  const std::pair<void (*)(Job&), std::string> cases[] = {
-      {[](Job&) {}, "none"},
-      {[](Job& j) {
-         j.Fixed = std::vector<std::string>{"l", "c", "l"};
-       },
-       "InputError: choice /fixed/1, duplicate-id /fixed/2"},
-      {[](Job& j) { j.Moving = {"c"}; }, "InputError: choice /moving"},
-      {[](Job& j) { j.Gap = 1; }, "InputError: conflict /gap"},
-      {[](Job& j) { j.Plates = SmallJob().Plates; }, "InputError: entries /plates"},
-      {[](Job& j) { j.Quality = static_cast<NfpQuality>(4); }, "InputError: choice /quality"},
-      {[](Job& j) { j.Run.Method = "strip"; }, "InputError: choice /options/method"},
-      {[](Job& j) { j.Inside = (j.Parts.resize(1), true); }, "InputError: entries /parts"},
-      {[](Job& j) { j.Parts[0].Outline = (j.Parts[1] = Polygon("b", Disc(2001))).Outline; },
-       "LimitError: limit /parts/0"},
-      {[](Job& j) {
-         j.Parts.assign(400, j.Parts[1]);
-         for (int i = 0; i < Size(j.Parts); ++i) j.Parts[i].Id = std::to_string(i);
-       },
-       "LimitError: limit /parts"},
-      {[](Job& j) {
-         j = SmallJob();
-         j.Inside = true;
-         j.Moving = {"a"};
-       },
-       "InputError: conflict /moving, conflict /inside"},
-  };
-  for (const auto& [spoil, faults] : cases) {
-    Job job = kAllPairs;
-    spoil(job);
-    EXPECT_EQ(CheckFaults(job), faults);
-  }
-}
-
 // Areas that can be told by hand: of an L, half its way round and a unit; of a frame of 10 with a hole of 6 that leaves
 // 4 by 4 free; of the places in a plate with a hole, of none, and of the one place of a part that just fits.
 TEST(NfpRun, AnswersHaveTheirAreaPassTheCheckAndSurviveTheirForm) {
