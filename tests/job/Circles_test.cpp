@@ -59,16 +59,6 @@ TEST(Circles, TablesHoldRadiiOrSides) {
             std::tuple(JobKind::Circles, 60.5, std::nullopt, "part-2"));
   EXPECT_EQ(PartsToCsv(job.Parts), "id,radius,amount,label\npart-1,60.5,4,Lid\npart-2,12,null,\n");
   EXPECT_EQ(FaultsOf([&] { JobToRectText(job); }), "InputError: conflict /kind");
-  const std::tuple<std::string, JobKind, std::string> cases[] = {
-      {"id,radius\na,3\n", JobKind::Fill, "InputError: missing t.csv:1:width, missing t.csv:1:height"},
-      {"id,width\na,3\n", JobKind::Circles, "InputError: missing t.csv:1:radius"},
-      {"radius,width\n3,\n3,2\n", JobKind::Circles, "InputError: conflict t.csv:3:width"},
-      {"radius,value\n,2\n-1,\n", JobKind::Circles,
-       "InputError: missing t.csv:2:radius, range t.csv:3:radius, conflict t.csv:2:value"},
-      {"width,height,radius\n3,4,\n3,4,5\n", JobKind::Job, "InputError: conflict t.csv:3:radius"},
-  };
-  for (const auto& [text, kind, expected] : cases)
-    EXPECT_EQ(FaultsOf([&] { PartsFromCsv(text, "t.csv", kind); }), expected) << text;
 }
 
 // Exact rows and columns, hexagonal rows, and a plate that is one circle high.
