@@ -45,13 +45,6 @@ Result ResultOf(const Job& AJob, std::vector<Layout> Layouts) {
   return result;
 }
 
-std::string BoundsText(const Job& AJob) {
-  std::string text;
-  for (const Bound& bound : CircleBoundsOf(AJob))
-    text += bound.What + " " + bound.Kind + " " + std::to_string(static_cast<Int64>(bound.Value)) + ", ";
-  return text;
-}
-
 TEST(Circles, TablesHoldRadiiOrSides) {
   const std::string table = "label;radius;amount\nLid;60,5;4\n;12;null\n";
   const Job job = JobFromCsv(table, "discs.csv", Discs().Plates);
@@ -77,25 +70,26 @@ TEST(Circles, OlerBoundIsMetBySmallLayoutsAndForgivesWhatTheCheckForgives) {
 TEST(Circles, BoundsFollowStockAndDemand) {
   Job job = Discs();
   // a = b = 2, 1 pitches of 22: 2.309 + 3 + 1 = 6.3 circles on a sheet.
-  EXPECT_EQ(BoundsText(job), "count demand 7, count oler 12, plates area 1, plates oler 2, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count demand 7, count oler 12, plates area 1, plates oler 2, ");
   job.Parts[0].Amount = 13;  // more than the stock holds
-  EXPECT_EQ(BoundsText(job), "count demand 13, count oler 12, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count demand 13, count oler 12, ");
   job.Parts[0].Amount = {};
-  EXPECT_EQ(BoundsText(job), "count oler 12, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count oler 12, ");
   job.Parts[0].Amount = 40;
   job.Plates[0].Count = {};
-  EXPECT_EQ(BoundsText(job), "count demand 40, plates area 6, plates oler 7, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count demand 40, plates area 6, plates oler 7, ");
   job.Plates.push_back(Sheet(52, 52, 3, 1000, true));
-  EXPECT_EQ(BoundsText(job), "count demand 40, plates area 6, plates oler 7, cost area 15456, cost oler 20960, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)),
+            "count demand 40, plates area 6, plates oler 7, cost area 15456, cost oler 20960, ");
   job.Parts = {
       {.Id = "a", .Amount = 3, .Radius = 10}, {.Id = "b", .Amount = 9, .Radius = 16}, {.Id = "c", .Radius = 99}};
   job.Plates.pop_back();
-  EXPECT_EQ(BoundsText(job), "count demand 12, plates area 4, plates oler 5, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count demand 12, plates area 4, plates oler 5, ");
   job.Plates[0].Count = 1;
   job.Parts[0].Amount = {};
-  EXPECT_EQ(BoundsText(job), "area stock 2572, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "area stock 2572, ");
   job.Parts.erase(job.Parts.begin(), job.Parts.begin() + 2);
-  EXPECT_EQ(BoundsText(job), "plates area 0, ");
+  EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "plates area 0, ");
 }
 
 TEST(Circles, StatusReasonsAndProofFollowFromLayouts) {

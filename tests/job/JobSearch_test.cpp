@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "ForEachSeed.h"
+#include "JobCase.h"
 #include "JobExchange.h"
 #include "JobFill.h"
 #include "JobSearch.h"
@@ -19,27 +20,6 @@ namespace platenest {
 namespace {
 
 using namespace detail;
-
-// Up to three kinds of plates, parts up to as long as a plate, some locked; lengths of one decimal or of none that they
-// have in common.
-TJobSizes RandomSizes(TRandom& Random) {
-  const double unit = Random.Chance(70) ? 0.1 : 1.0 / 7;
-  Job job = PlateJob(JobKind::Job, {}, {}, Random.Chance(50) ? Random.Pick(1, 9) * unit : 0);
-  for (int i = Random.Pick(1, 3); i > 0; --i) {
-    job.Plates.push_back(Sheet(Random.Pick(60, 200) * unit, Random.Pick(60, 200) * unit, Random.Pick(1, 12)));
-    job.Plates.back().Remnant = Random.Chance(20);
-    if (Random.Chance(30)) job.Plates.back().Cost = Random.Pick(0, 5);
-  }
-  for (int i = Random.Pick(1, 10); i > 0; --i) {
-    Part part = Rect(Random.Pick(8, 90) * unit, Random.Pick(8, 90) * unit, Random.Pick(1, 20));
-    if (Random.Chance(15)) part.Width = job.Plates[0].Width;
-    if (Random.Chance(20)) part.Turn = Rotate::None;
-    if (Random.Chance(10)) part.Amount = std::nullopt;
-    job.Parts.push_back(part);
-  }
-  GiveIds(job);
-  return JobSizesOf(job);
-}
 
 std::string FaultOf(const TJobSizes& Sizes, const TJobLayouts& Layouts) {
   TNestRectList demand;
@@ -74,10 +54,9 @@ struct TSearch {
 template <class Function>
 void ForEachSearch(unsigned Count, Function Try) {
   ForEachSeed(Count, [&](unsigned seed) {
-    TRandom random(seed);
-    const TJobSizes sizes = RandomSizes(random);
+    const TJobSizes sizes = JobSizesOf(test::MakeJobCase(seed).AJob);
     const TRandomScope scope(seed);
-    TSearch search{random, sizes, TSkyTrials(sizes)};
+    TSearch search{TRandom(seed), sizes, TSkyTrials(sizes)};
     if (!sizes.Parts.empty()) Try(search);
   });
 }

@@ -190,6 +190,19 @@ TEST(WholeJob, BoundsHoldForEveryAnswerAndWhatIsProvedIsBest) {
   EXPECT_GT(proved, jobs / 3);
 }
 
+// No two of the large squares fit a plate together. Costs are sums of those of plates: 249.75 is 250 where all are
+// multiples of 50.
+TEST(WholeJob, BoundsFollowStockAndDemand) {
+  Job job = PlateJob(JobKind::Job, {Sheet(10, 10, std::nullopt)}, {Rect(6, 6, 4), Rect(4, 4, 4)});
+  EXPECT_EQ(BoundsText(JobBoundsOf(job)), "plates area 3, plates fekete 4, ");
+  job = PlateJob(JobKind::Job, {job.Plates[0], Sheet(20, 10, 2, 150)}, {Rect(7, 3, 9), Rect(4, 4, 9)});
+  EXPECT_EQ(BoundsText(JobBoundsOf(job)), "plates area 2, cost area 250, ");
+  std::tie(job.Plates[0].Count, job.Plates[0].Cost, job.Gap) = std::tuple(1, 60, 1);
+  EXPECT_EQ(BoundsText(JobBoundsOf(job)), "plates area 3, cost area 330, cost plates 360, ");
+  std::tie(job.Plates[0].Count, job.Parts[1].Amount) = std::tuple(2, std::nullopt);
+  EXPECT_EQ(BoundsText(JobBoundsOf(job)), "plates area 2, cost area 150, area stock 455, ");
+}
+
 // Layouts of which only the counts matter.
 TJobLayouts AnyLayouts(TRandom& Random, const TJobSizes& Sizes) {
   TJobLayouts layouts(Random.Pick(0, 12));

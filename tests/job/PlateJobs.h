@@ -68,4 +68,12 @@ inline std::vector<int> Placed(const Result& AResult) {
   return counts;
 }
 
+// With whole values.
+inline std::string BoundsText(const std::vector<Bound>& Bounds) {
+  std::string text;
+  for (const Bound& bound : Bounds)
+    text += bound.What + " " + bound.Kind + " " + std::to_string(static_cast<Int64>(bound.Value)) + ", ";
+  return text;
+}
+
 }  // namespace platenest
