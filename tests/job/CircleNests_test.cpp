@@ -4,8 +4,8 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
-#include <random>
 
+#include "CircleCase.h"
 #include "CircleFill.h"
 #include "CirclePack.h"
 #include "CirclePattern.h"
@@ -27,15 +27,13 @@ TCircleSizes SizesOf(double Width, double Height, double Gap, std::vector<std::p
   return sizes;
 }
 
-TCircleSizes RandomSizes(unsigned Seed, int MostSizes) {
-  std::mt19937_64 random(Seed);
-  std::vector<std::pair<double, int>> parts;
-  const int count = 1 + static_cast<int>(random() % MostSizes);
-  for (int i = 0; i < count; ++i)
-    parts.emplace_back(500 * std::pow(40, static_cast<double>(random() % 1000) / 1000), 1 + random() % 12);
-  std::ranges::sort(parts, std::greater<>());
-  return SizesOf(40'000 + static_cast<double>(random() % 60'000), 30'000 + static_cast<double>(random() % 30'000),
-                 static_cast<double>(random() % 3) * 100, parts);
+// For random jobs of which some circle fits.
+template <class Function>
+void ForEachSizes(unsigned Count, Function Try) {
+  ForEachSeed(Count, [&](unsigned seed) {
+    const TCircleSizes sizes = CircleSizesOf(test::MakeCircleCase(seed).AJob);
+    if (!sizes.Parts.empty()) Try(seed, sizes);
+  });
 }
 
 std::vector<int> AmountsOf(const TCircleSizes& Sizes) {
@@ -55,8 +53,7 @@ std::string FaultOf(const TCircleSizes& Sizes, int Plate, const TCircleSpots& Sp
 }
 
 TEST(FillPlate, LeavesNoRoomAtACornerPosition) {
-  ForEachSeed(40, [](unsigned Seed) {
-    const TCircleSizes sizes = RandomSizes(Seed, Seed % 2 == 0 ? 8 : 60);  // beyond forty sizes it looks less often
+  ForEachSizes(40, [](unsigned Seed, const TCircleSizes& sizes) {
     const std::vector<int> left = AmountsOf(sizes);
     const TFillSide side = Seed % 3 == 0 ? TFillSide::Bottom : TFillSide::Left;
     TCircleSpots spots, none;
@@ -66,7 +63,7 @@ TEST(FillPlate, LeavesNoRoomAtACornerPosition) {
     const std::size_t placed = spots.size();
     FillPlate(sizes, 0, rest, side, spots);
     EXPECT_EQ(FaultOf(sizes, 0, spots, left), "");
-    EXPECT_TRUE(spots.size() == placed || Size(sizes.Parts) > 40);
+    EXPECT_TRUE(spots.size() == placed || Size(sizes.Parts) > 40) << "beyond forty sizes it looks less often";
     TStopToken stopped;
     stopped.RequestStop();
     const TStopTokenScope scope(&stopped);
@@ -99,8 +96,7 @@ TEST(NestPattern, TakesAllThatAreLeftOnAShorterPiece) {
 }
 
 TEST(NestBlocksAndPackPlate, KeepGapAndAmounts) {
-  ForEachSeed(20, [](unsigned Seed) {
-    TCircleSizes sizes = RandomSizes(Seed, 6);
+  ForEachSizes(20, [](unsigned Seed, TCircleSizes sizes) {
     const std::vector<int> left = AmountsOf(sizes);
     EXPECT_EQ(FaultOf(sizes, 0, PackPlate(sizes, 0, left, {0.05, 0, 2, Seed % 2 == 0}), left), "");
     if (Seed % 2 == 0) std::swap(sizes.Plates[0].Width, sizes.Plates[0].Height);
