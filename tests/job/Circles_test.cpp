@@ -97,19 +97,19 @@ TEST(Circles, StatusReasonsAndProofFollowFromLayouts) {
   const auto verdict = [&](std::vector<Layout> layouts) {
     const Result result = ResultOf(job, std::move(layouts));
     EXPECT_EQ(Verdict(job, result), "");
-    return std::string(StatusName(result.Status)) + (result.Proved ? " proved " : " ") + result.Parts[0].Reason;
+    return Told(result);
   };
-  EXPECT_EQ(verdict({Grid(job, 3, 2), Grid(job, 1, 1)}), "complete proved ");
-  EXPECT_EQ(verdict({Grid(job, 3, 2)}), "partial left_by_method");
-  EXPECT_EQ(verdict({Grid(job, 3, 1, 2)}), "partial no_stock");
+  EXPECT_EQ(verdict({Grid(job, 3, 2), Grid(job, 1, 1)}), "7 complete proved");
+  EXPECT_EQ(verdict({Grid(job, 3, 2)}), "6 partial left_by_method");
+  EXPECT_EQ(verdict({Grid(job, 3, 1, 2)}), "6 partial no_stock");
   job.Parts[0].Amount = 20;
-  EXPECT_EQ(verdict({Grid(job, 3, 2, 2)}), "partial proved no_stock");
+  EXPECT_EQ(verdict({Grid(job, 3, 2, 2)}), "12 partial no_stock proved");
   job.Parts[0].Amount = {};
-  EXPECT_EQ(verdict({Grid(job, 3, 2, 2)}), "complete proved ");
-  EXPECT_EQ(verdict({Grid(job, 3, 2)}), "partial ");
-  EXPECT_EQ(verdict({Grid(job, 2, 2, 2)}), "partial ");
+  EXPECT_EQ(verdict({Grid(job, 3, 2, 2)}), "12 complete proved");
+  EXPECT_EQ(verdict({Grid(job, 3, 2)}), "6 partial");
+  EXPECT_EQ(verdict({Grid(job, 2, 2, 2)}), "8 partial");
   job.Parts[0] = {.Id = "disc", .Amount = 2, .Radius = 21.1};
-  EXPECT_EQ(verdict({}), "partial proved too_large");
+  EXPECT_EQ(verdict({}), "0 partial too_large proved");
 }
 
 TEST(Circles, MeasuresAreThoseOfTheCircles) {

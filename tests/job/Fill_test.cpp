@@ -86,44 +86,28 @@ TEST(RunFill, PlacesWhatFitsAndSaysWhyTheRestIsLeft) {
   const Job inches = FillJob(95.9375, 47.9375, {Rect(11.9375, 7.9375, 24), Rect(5.9375, 3.9375, 96)}, 0.0625);
   // Tiny parts of which many are asked for, which one method leaves out and others bundle.
   const Job tiny = FillJob(1000, 1000, {Rect(600, 1000, 1), Rect(20, 20, 900)});
-  const Job loose = FillJob(100, 50, {Rect(60, 50, 2), Rect(7, 9, 60)});
-  const std::tuple<Job, const char*, std::vector<int>, ResultStatus, const char*> cases[] = {
-      {margin, "auto", {25, 5, 20}, ResultStatus::Complete, "proved"},
-      {FillJob(0.3, 0.1, {Rect(0.1, 0.1, 5)}), "auto", {3}, ResultStatus::Partial, "no_stock proved"},
-      {FillJob(0.3, 0.1, {Rect(0.1, 0.1)}), "auto", {3}, ResultStatus::Complete, "proved"},
-      {FillJob(800, 600, {Rect(800, 600, 1), Rect(10, 10, 1)}),
-       "auto",
-       {1, 0},
-       ResultStatus::Partial,
-       "no_stock proved"},
-      {FillJob(800, 600, {Rect(600, 800, 1)}, 7), "auto", {1}, ResultStatus::Complete, "proved"},
-      {Locked(FillJob(100, 50, {Rect(20, 80, 1), Rect(80, 20, 1)})),
-       "auto",
-       {0, 1},
-       ResultStatus::Partial,
-       "too_large proved"},
-      {FillJob(100, 50, {Rect(10, 10, 51), Rect(101, 10, 1)}),
-       "auto",
-       {50, 0},
-       ResultStatus::Partial,
-       "no_stock too_large proved"},
-      {loose, "smart", {1, 30}, ResultStatus::Partial, "left_by_method left_by_method "},
-      {inches, "raster", {24, 96}, ResultStatus::Complete, "proved"},
-      {inches, "rskf", {24, 96}, ResultStatus::Complete, "proved"},
-      {tiny, "smart", {1, 900}, ResultStatus::Complete, "proved"},
-      {tiny, "rskf", {1, 900}, ResultStatus::Complete, "proved"},
-      {tiny, "auto", {1, 900}, ResultStatus::Complete, "proved"},
+  const std::tuple<Job, const char*, const char*> cases[] = {
+      {margin, "auto", "25 5 20 complete proved"},
+      {FillJob(0.3, 0.1, {Rect(0.1, 0.1, 5)}), "auto", "3 partial no_stock proved"},
+      {FillJob(0.3, 0.1, {Rect(0.1, 0.1)}), "auto", "3 complete proved"},
+      {FillJob(800, 600, {Rect(800, 600, 1), Rect(10, 10, 1)}), "auto", "1 0 partial no_stock proved"},
+      {FillJob(800, 600, {Rect(600, 800, 1)}, 7), "auto", "1 complete proved"},
+      {Locked(FillJob(100, 50, {Rect(20, 80, 1), Rect(80, 20, 1)})), "auto", "0 1 partial too_large proved"},
+      {FillJob(100, 50, {Rect(10, 10, 51), Rect(101, 10, 1)}), "auto", "50 0 partial no_stock too_large proved"},
+      {FillJob(100, 50, {Rect(60, 50, 2), Rect(7, 9, 60)}), "smart", "1 30 partial left_by_method left_by_method"},
+      {inches, "raster", "24 96 complete proved"},
+      {inches, "rskf", "24 96 complete proved"},
+      {tiny, "smart", "1 900 complete proved"},
+      {tiny, "rskf", "1 900 complete proved"},
+      {tiny, "auto", "1 900 complete proved"},
       // Too little for a nest that wants a full plate.
-      {FillJob(1000, 1000, {Rect(300, 200, 4)}), "raster", {4}, ResultStatus::Complete, "proved warned smart"},
+      {FillJob(1000, 1000, {Rect(300, 200, 4)}), "raster",
+       "4 complete proved, raster placed nothing; the layout of smart stands"},
   };
-  for (const auto& [job, method, placed, status, said] : cases) {
+  for (const auto& [job, method, told] : cases) {
     const Result result = Answer(With(job, method));
-    std::string text;
-    for (const PartUse& part : result.Parts) text += part.Reason + (part.Reason.empty() ? "" : " ");
-    text += result.Proved ? "proved" : "";
-    if (!result.Warnings.empty()) text += " warned " + result.Run.Method;
-    EXPECT_EQ(std::tuple(Placed(result), result.Status, text), std::tuple(placed, status, said)) << JobToJson(job);
-    EXPECT_TRUE(method == std::string("auto") || result.Run.Method == method || !result.Warnings.empty());
+    EXPECT_EQ(Told(result), told) << method << JobToJson(job);
+    EXPECT_TRUE(method == std::string("auto") || (result.Run.Method == method) == result.Warnings.empty());
   }
 }
 

@@ -68,6 +68,17 @@ inline std::vector<int> Placed(const Result& AResult) {
   return counts;
 }
 
+// Copies placed, status, reasons and warnings, as "8 0 partial too_large proved".
+inline std::string Told(const Result& AResult) {
+  std::string text;
+  for (const PartUse& part : AResult.Parts) text += std::to_string(part.Placed) + " ";
+  text += StatusName(AResult.Status);
+  for (const PartUse& part : AResult.Parts) text += (part.Reason.empty() ? "" : " ") + part.Reason;
+  text += AResult.Proved ? " proved" : "";
+  for (const std::string& warning : AResult.Warnings) text += ", " + warning;
+  return text;
+}
+
 // With whole values.
 inline std::string BoundsText(const std::vector<Bound>& Bounds) {
   std::string text;
