@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "FaultText.h"
+#include "PlateJobs.h"
 
 namespace platenest {
 namespace {
@@ -159,12 +159,7 @@ TEST(JobForm, LimitsHoldExactly) {
 TEST(JobForm, KindsAndMethodsSayWhatTheyTake) {
   const std::string refused = "InputError: conflict /options/method";
   const std::string entries = "InputError: entries /plates, entries /parts";
-  struct Case {
-    JobKind Kind;
-    int Plates, Parts, Locked;
-    std::string Method, Expected;
-  };
-  const Case cases[] = {
+  const std::tuple<JobKind, int, int, int, const char*, std::string> cases[] = {
       {JobKind::One, 1, 1, 1, "auto", "none"},       {JobKind::One, 2, 2, 0, "auto", entries},
       {JobKind::One, 1, 1, 1, "trim", refused},      {JobKind::Fill, 1, 2, 1, "smart", "none"},
       {JobKind::Fill, 2, 0, 0, "auto", entries},     {JobKind::Fill, 1, 2, 2, "rskf", "none"},
@@ -172,14 +167,13 @@ TEST(JobForm, KindsAndMethodsSayWhatTheyTake) {
       {JobKind::Fill, 1, 2, 2, "bigfirst", refused}, {JobKind::Fill, 1, 2, 0, "bigfirst", "none"},
       {JobKind::Job, 2, 2, 0, "auto", "none"},       {JobKind::Job, 0, 0, 0, "auto", entries},
   };
-  for (const Case& item : cases) {
-    Job job = SmallJob();
-    job.Kind = item.Kind;
-    job.Run.Method = item.Method;
-    job.Plates.resize(item.Plates);
-    job.Parts.resize(item.Parts);
-    for (int i = 0; i < item.Locked; ++i) job.Parts[i].Turn = Rotate::None;
-    EXPECT_EQ(CheckFaults(job), item.Expected) << &item - cases;
+  for (const auto& [kind, plates, parts, locked, method, expected] : cases) {
+    Job job = With(SmallJob(), method);
+    job.Kind = kind;
+    job.Plates.resize(plates);
+    job.Parts.resize(parts);
+    for (int i = 0; i < locked; ++i) job.Parts[i].Turn = Rotate::None;
+    EXPECT_EQ(CheckFaults(job), expected) << JobToJson(job);
   }
 }
 
