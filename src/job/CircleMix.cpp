@@ -149,6 +149,7 @@ void MixPatterns(TCircleSearch& Search) {
   if (most > kMostCounted) return;
   Int64 need = 0;
   for (const TCirclePart& part : sizes.Parts) need += part.Amount;
+  if (static_cast<double>(need) > kMostSteps) return;
   std::vector<int> each;
   for (const TCirclePlate& plate : sizes.Plates)
     each.push_back(Size(PatternPoints(plate.Width, plate.Height, radius, sizes.Gap)));

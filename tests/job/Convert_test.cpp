@@ -16,8 +16,8 @@ std::string RectFaults(const std::string& Text) {
   return FaultsOf([&] { JobFromRectText(Text, "d.txt"); });
 }
 
-std::string PartFaults(const std::string& Text) {
-  return FaultsOf([&] { PartsFromCsv(Text, "d.csv", JobKind::Job); });
+std::string PartFaults(const std::string& Text, JobKind Kind = JobKind::Job) {
+  return FaultsOf([&] { PartsFromCsv(Text, "d.csv", Kind); });
 }
 
 // A line whose width or height is 0 loses only these two numbers, and the rest is read as a new line. Sizes with six
@@ -110,8 +110,16 @@ TEST(Csv, FaultsNameLineAndColumn) {
       {head + "\"a,1,2,3,any\n", "InputError: syntax d.csv:2"},
       {head + "\xE9,1,2,3,any\n", "InputError: encoding d.csv"},
       {"width,height" + std::string(200, ','), "InputError: syntax d.csv:1"},
+      {"width,height,radius\n3,4,\n3,4,5\n", "InputError: conflict d.csv:3:radius"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(PartFaults(text), expected) << text;
+  EXPECT_EQ(PartFaults("id,radius\na,3\n", JobKind::Fill), "InputError: missing d.csv:1:width, missing d.csv:1:height");
+  const std::pair<std::string, std::string> circles[] = {
+      {"id,width\na,3\n", "InputError: missing d.csv:1:radius"},
+      {"radius,width\n3,\n3,2\n", "InputError: conflict d.csv:3:width"},
+      {"radius,value\n,2\n-1,\n", "InputError: missing d.csv:2:radius, range d.csv:3:radius, conflict d.csv:2:value"},
+  };
+  for (const auto& [text, expected] : circles) EXPECT_EQ(PartFaults(text, JobKind::Circles), expected) << text;
   std::string many = "width,height\n";
   for (int i = 0; i < limits::kPartKinds; ++i) many += "2,3\n";
   EXPECT_EQ(PartFaults(many), "none");

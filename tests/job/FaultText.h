@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platenest/job/Job.h"
 #include "platenest/job/JobErrors.h"
+#include "platenest/job/Run.h"
 
 namespace platenest {
 
@@ -36,6 +36,16 @@ std::string FirstText(Function Read) {
   } catch (const JobError& error) {
     return error.Faults().front().Text;
   }
+}
+
+inline std::string CheckFaults(const Job& AJob) {
+  return FaultsOf([&] { CheckJob(AJob); });
+}
+
+// The first fault that the checker finds, with its place; empty if there is none.
+inline std::string Verdict(const Job& AJob, const Result& AResult) {
+  const std::vector<Fault> faults = CheckResult(AJob, AResult);
+  return faults.empty() ? "" : faults[0].Place + ": " + faults[0].Text;
 }
 
 inline std::string FileText(const std::filesystem::path& Path) {

@@ -2,14 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "FaultText.h"
 #include "ForEachSeed.h"
-#include "platenest/job/Run.h"
+#include "PlateJobs.h"
 
 namespace platenest {
 namespace {
@@ -19,38 +17,13 @@ using testing::ElementsAre;
 constexpr const char* kMethods[] = {"repeat", "svc", "cg", "auto"};
 
 Job WholeJob(std::vector<Plate> Plates, std::vector<Part> Parts, double Gap = 0) {
-  Job job;
-  job.Kind = JobKind::Job;
-  job.Gap = Gap;
-  job.Plates = std::move(Plates);
-  job.Parts = std::move(Parts);
-  job.Run.Deterministic = true;
-  job.Run.TimeLimit = 2;
-  GiveIds(job);
+  Job job = PlateJob(JobKind::Job, std::move(Plates), std::move(Parts), Gap);
+  job.Run = {.TimeLimit = 2, .Deterministic = true};
   return job;
 }
 
-Plate Sheet(double Width, double Height, std::optional<int> Count = std::nullopt, std::optional<double> Cost = {},
-            bool Remnant = false) {
-  return {.Id = "", .Width = Width, .Height = Height, .Count = Count, .Cost = Cost, .Remnant = Remnant};
-}
-
-Part Rect(double Width, double Height, std::optional<int> Amount, Rotate Turn = Rotate::Any) {
-  return {.Id = "", .Width = Width, .Height = Height, .Amount = Amount, .Turn = Turn};
-}
-
-Result Answer(Job AJob, const std::string& Method, const RunHooks& Hooks = {}) {
-  AJob.Run.Method = Method;
-  Result result = run(AJob, Hooks);
-  const std::vector<Fault> faults = CheckResult(AJob, result);
-  EXPECT_TRUE(faults.empty()) << faults[0].Place << ": " << faults[0].Text << '\n' << JobToJson(AJob);
-  return result;
-}
-
-std::vector<int> Placed(const Result& AResult) {
-  std::vector<int> counts;
-  for (const PartUse& part : AResult.Parts) counts.push_back(part.Placed);
-  return counts;
+Plate Endless(double Width, double Height, std::optional<double> Cost = {}) {
+  return Sheet(Width, Height, std::nullopt, Cost);
 }
 
 std::vector<int> Used(const Result& AResult) {
@@ -59,42 +32,32 @@ std::vector<int> Used(const Result& AResult) {
   return counts;
 }
 
-// Plates of 24 by 16 units cut from edge to edge, so that no answer needs fewer of them.
-struct TCutUp {
-  explicit TCutUp(unsigned Seed) : FEngine(Seed) {}
+void Cut(TRandom& Random, int Width, int Height, int Depth, std::vector<std::pair<int, int>>& Pieces) {
+  const bool isUpright = Width > Height;
+  const int side = std::max(Width, Height);
+  if (Depth == 0 || side < 4) return Pieces.push_back({Width, Height});
+  const int at = Random.Pick(2, side - 2);
+  Cut(Random, isUpright ? at : Width, isUpright ? Height : at, Depth - 1, Pieces);
+  Cut(Random, isUpright ? side - at : Width, isUpright ? Height : side - at, Depth - 1, Pieces);
+}
 
-  int Pick(int Low, int High) { return std::uniform_int_distribution(Low, High)(FEngine); }
-  void Cut(int Width, int Height, int Depth) {
-    const bool isUpright = Width > Height;
-    const int side = std::max(Width, Height);
-    if (Depth == 0 || side < 4) return Pieces.push_back({Width, Height});
-    const int at = Pick(2, side - 2);
-    Cut(isUpright ? at : Width, isUpright ? Height : at, Depth - 1);
-    Cut(isUpright ? side - at : Width, isUpright ? Height : side - at, Depth - 1);
-  }
-  // A gap of a whole unit is cut off the pieces and the plate.
-  Job Make(int Plates, double Unit, bool HasGap) {
-    for (int i = 0; i < Plates; ++i) Cut(24, 16, Pick(1, 3));
-    const auto length = [&](int units) { return (units - (HasGap ? 1 : 0)) * Unit; };
-    Job job = WholeJob({Sheet(length(24), length(16))}, {}, HasGap ? Unit : 0);
-    for (const auto& [width, height] : Pieces) job.Parts.push_back(Rect(length(width), length(height), 1));
-    GiveIds(job);
-    return job;
-  }
-
-  std::vector<std::pair<int, int>> Pieces;
-  std::mt19937 FEngine;
-};
-
+// Cut from edge to edge, so that no answer needs fewer plates. A gap of a whole unit is cut off the pieces and the
+// plate.
 TEST(RunJob, PlatesThatWereCutUpAreFoundAgainInEveryUnit) {
   ForEachSeed(12, [](unsigned seed) {
-    TCutUp cut(seed);
+    TRandom random(seed);
     const int plates = 1 + static_cast<int>(seed % 4);
-    const Job job = cut.Make(plates, std::vector{1.0, 0.1, 30.0, 0.0625}[seed % 4], seed % 3 == 0);
-    const Result result = Answer(job, "auto");
+    const double unit = std::vector{1.0, 0.1, 30.0, 0.0625}[seed % 4];
+    std::vector<std::pair<int, int>> pieces;
+    for (int i = 0; i < plates; ++i) Cut(random, 24, 16, random.Pick(1, 3), pieces);
+    const auto length = [&](int units) { return (units - (seed % 3 == 0 ? 1 : 0)) * unit; };
+    std::vector<Part> parts;
+    for (const auto& [width, height] : pieces) parts.push_back(Rect(length(width), length(height), 1));
+    const Job job = WholeJob({Endless(length(24), length(16))}, parts, seed % 3 == 0 ? unit : 0);
+    const Result result = Answer(job);
     EXPECT_EQ(result.Total.Plates, plates);
     EXPECT_TRUE(result.Proved);
-    for (const char* method : {"svc", "cg"}) EXPECT_LE(Answer(job, method).Total.Plates, plates + 1) << method;
+    for (const char* method : {"svc", "cg"}) EXPECT_LE(Answer(With(job, method)).Total.Plates, plates + 1) << method;
   });
 }
 
@@ -102,56 +65,46 @@ TEST(RunJob, PlatesThatWereCutUpAreFoundAgainInEveryUnit) {
 TEST(RunJob, EachMethodRepeatsAPatternAndPlacesWhatIsAsLongAsThePlate) {
   for (const char* method : kMethods) {
     SCOPED_TRACE(method);
-    const Result full = Answer(
-        WholeJob({Sheet(100, 60)}, {Rect(100, 60, 2), Rect(60, 30, 3), Rect(100, 20, 3), Rect(40, 60, 2)}), method);
+    const std::vector<Part> parts = {Rect(100, 60, 2), Rect(60, 30, 3), Rect(100, 20, 3), Rect(40, 60, 2)};
+    const Result full = Answer(With(WholeJob({Endless(100, 60)}, parts), method));
     EXPECT_EQ(full.Status, ResultStatus::Complete);
     EXPECT_LE(full.Total.Plates, 6);
-    const Result many = Answer(WholeJob({Sheet(1, 1)}, {Rect(1.0 / 3, 2.0 / 3, 299), Rect(0.3, 0.3, 299)}), method);
+    const Result many =
+        Answer(With(WholeJob({Endless(1, 1)}, {Rect(1.0 / 3, 2.0 / 3, 299), Rect(0.3, 0.3, 299)}), method));
     EXPECT_EQ(many.Status, ResultStatus::Complete);
     EXPECT_LE(many.Total.Plates, 101);
     EXPECT_LE(many.Layouts.size(), 8U);
   }
 }
 
-TEST(RunJob, LockedPartsNeverTurnAndMethodsThatTurnAreRefused) {
-  Job job = WholeJob({Sheet(900, 1400)}, {Rect(400, 260, 19, Rotate::None), Rect(300, 120, 40), Rect(90, 90, 30)}, 3);
-  for (const char* method : {"auto", "repeat"}) {
-    const Result result = Answer(job, method);
-    EXPECT_EQ(result.Status, ResultStatus::Complete);
+// Turning a square changes nothing, so that methods that turn take it.
+TEST(RunJob, LocksLeavePlatesFull) {
+  const std::pair<const char*, double> cases[] = {{"auto", 400}, {"repeat", 400}, {"svc", 260}, {"cg", 260}};
+  for (const auto& [method, width] : cases) {
+    const std::vector<Part> parts = {Rect(width, 260, 19, Rotate::None), Rect(300, 120, 40), Rect(90, 90, 30)};
+    const Result result = Answer(With(WholeJob({Endless(900, 1400)}, parts, 3), method));
+    EXPECT_EQ(result.Status, ResultStatus::Complete) << method;
     EXPECT_LE(result.Total.Plates, 4) << method;
-    for (const Layout& layout : result.Layouts)
-      for (const Placement& place : layout.Placements) EXPECT_FALSE(place.Part == "part-1" && place.Rotated) << method;
-  }
-  for (const char* method : {"svc", "cg"}) {
-    job.Run.Method = method;
-    EXPECT_EQ(FaultsOf([&] { run(job); }), "InputError: conflict /options/method");
-    const Job square = WholeJob({Sheet(900, 1400)}, {Rect(90, 90, 500, Rotate::None), Rect(300, 120, 40)}, 3);
-    EXPECT_EQ(Answer(square, method).Status, ResultStatus::Complete);
   }
 }
 
 TEST(RunJob, KindsOfPlatesAreChosenByStockRemnantsAndCost) {
   const std::vector<Part> parts = {Rect(50, 50, 9)};
   const std::tuple<const char*, std::vector<Plate>, std::vector<int>> cases[] = {
-      {"remnants first", {Sheet(100, 100), Sheet(100, 50, 1, 0, true)}, {2, 1}},
-      {"the last plate is the cheapest that holds the rest", {Sheet(100, 100), Sheet(60, 60, 1)}, {2, 1}},
+      {"remnants first", {Endless(100, 100), Sheet(100, 50, 1, 0, true)}, {2, 1}},
+      {"the last plate is the cheapest that holds the rest", {Endless(100, 100), Sheet(60, 60)}, {2, 1}},
       {"dear plates stay", {Sheet(100, 100, 9, 5), Sheet(100, 100, 2, 1), Sheet(50, 50, 9, 1)}, {0, 2, 1}},
-      {"stock ends", {Sheet(100, 50, 1), Sheet(50, 50, 2)}, {1, 2}},
+      {"stock ends", {Sheet(100, 50), Sheet(50, 50, 2)}, {1, 2}},
   };
-  for (const auto& [what, plates, used] : cases) {
-    for (const char* method : {"repeat", "auto"}) {
-      const Result result = Answer(WholeJob(plates, parts), method);
-      EXPECT_EQ(Used(result), used) << what << ' ' << method;
-    }
-  }
-  const Result stock = Answer(WholeJob(std::get<1>(cases[3]), parts), "auto");
-  EXPECT_EQ(std::pair(stock.Parts[0].Placed, stock.Parts[0].Reason), std::pair(4, std::string("no_stock")));
+  for (const auto& [what, plates, used] : cases)
+    for (const char* method : {"repeat", "auto"})
+      EXPECT_EQ(Used(Answer(With(WholeJob(plates, parts), method))), used) << what << ' ' << method;
 }
 
 TEST(RunJob, CopiesWithoutLimitTakeWhatTheDemandLeavesOfTheStock) {
-  const Job job = WholeJob({Sheet(100, 100, 3)}, {Rect(60, 100, 2), Rect(20, 20, std::nullopt), Rect(300, 5, 1)});
+  const Job job = WholeJob({Sheet(100, 100, 3)}, {Rect(60, 100, 2), Rect(20, 20), Rect(300, 5, 1)});
   for (const char* method : kMethods) {
-    const Result result = Answer(job, method);
+    const Result result = Answer(With(job, method));
     EXPECT_THAT(Placed(result), ElementsAre(2, 25 + 2 * 10, 0)) << method;
     EXPECT_EQ(result.Parts[2].Reason, "too_large");
   }
@@ -159,29 +112,24 @@ TEST(RunJob, CopiesWithoutLimitTakeWhatTheDemandLeavesOfTheStock) {
 
 // However short the time is, the quick answer stands; rows take the part of quick fills where sizes are many.
 TEST(RunJob, GreatJobsAreAnsweredInNoTime) {
-  Job job = WholeJob({Sheet(3000, 1500)}, {});
-  std::mt19937 engine(1);
-  for (int i = 0; i < 600; ++i)
-    job.Parts.push_back(Rect(20 + static_cast<double>(engine() % 900), 20 + static_cast<double>(engine() % 500), 300));
+  Job job = WholeJob({Endless(3000, 1500)}, {});
+  TRandom random(1);
+  for (int i = 0; i < 600; ++i) job.Parts.push_back(Rect(random.Pick(20, 919), random.Pick(20, 519), 300));
   GiveIds(job);
   job.Run = {.TimeLimit = 1e-3};
-  const Result result = Answer(job, "auto");
+  const Result result = Answer(job);
   EXPECT_EQ(result.Status, ResultStatus::Complete);
   EXPECT_GT(result.Total.Usage, 0.75);
 }
 
 TEST(RunJob, ColumnGenerationTellsItsLpValueAndAnEstimateThatIsNoBound) {
-  Job job = WholeJob({Sheet(250, 250)}, {Rect(167, 184, 90), Rect(114, 118, 75), Rect(167, 152, 71), Rect(83, 140, 13),
-                                         Rect(70, 86, 39), Rect(143, 166, 79), Rect(120, 160, 63), Rect(66, 148, 93)});
+  Job job =
+      WholeJob({Endless(250, 250)}, {Rect(167, 184, 90), Rect(114, 118, 75), Rect(167, 152, 71), Rect(83, 140, 13),
+                                     Rect(70, 86, 39), Rect(143, 166, 79), Rect(120, 160, 63), Rect(66, 148, 93)});
   job.Run = {.TimeLimit = 20};
   std::set<std::string> phases;
-  int lpValues = 0;
-  const auto onProgress = [&](const Progress& now) {
-    phases.insert(now.Phase);
-    lpValues += now.LpValue ? 1 : 0;
-    return true;
-  };
-  const Result result = Answer(job, "cg", {.OnProgress = onProgress, .Stop = nullptr});
+  const auto onProgress = [&](const Progress& now) { return phases.insert(now.Phase), true; };
+  const Result result = Answer(With(job, "cg"), {.OnProgress = onProgress, .Stop = nullptr});
   EXPECT_TRUE(phases.contains("repeat"));
   ASSERT_TRUE(result.Estimate);
   EXPECT_EQ(result.Total.Plates, result.Estimate->Value) << "rounds up to the optimum";

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "NfpShapes.h"
+#include "PlateJobs.h"
 #include "ShapeJobs.h"
 #include "platenest/NfpAlgorithmSet/NfpTypes.h"
-#include "platenest/job/Run.h"
 
 namespace platenest {
 namespace {
@@ -15,9 +15,7 @@ using testing::HasSubstr;
 using testing::SizeIs;
 
 Job NfpJob(std::vector<Part> Parts, bool IsInside = false) {
-  Job job;
-  job.Kind = JobKind::Nfp;
-  job.Parts = std::move(Parts);
+  Job job = PlateJob(JobKind::Nfp, {}, std::move(Parts));
   job.Fixed = {job.Parts.front().Id};
   job.Moving = {job.Parts.back().Id};
   job.Inside = IsInside;
@@ -73,42 +71,6 @@ const Job kAllPairs = [] {
   return job;
 }();
 
-TEST(NfpJob, PairsAreOfKnownPartsAndWithinTheLimits) {
-  const std::pair<void (*)(Job&), std::string> cases[] = {
-      {[](Job&) {}, "none"},
-      {[](Job& j) {
-         j.Fixed = {"l", "c", "l"};
-       },
-       "InputError: choice /fixed/1, duplicate-id /fixed/2"},
-      {[](Job& j) { j.Moving = {"c"}; }, "InputError: choice /moving"},
-      {[](Job& j) { j.Gap = 1; }, "InputError: conflict /gap"},
-      {[](Job& j) { j.Plates = SmallJob().Plates; }, "InputError: entries /plates"},
-      {[](Job& j) { j.Quality = static_cast<NfpQuality>(4); }, "InputError: choice /quality"},
-      {[](Job& j) { j.Run.Method = "strip"; }, "InputError: choice /options/method"},
-      {[](Job& j) { j.Inside = (j.Parts.resize(1), true); }, "InputError: entries /parts"},
-      {[](Job& j) {
-         j.Parts = {Polygon("a", Disc(2001)), Polygon("b", Disc(2001))};
-       },
-       "LimitError: limit /parts/0"},
-      {[](Job& j) {
-         j.Parts.assign(400, j.Parts[1]);
-         for (int i = 0; i < Size(j.Parts); ++i) j.Parts[i].Id = std::to_string(i);
-       },
-       "LimitError: limit /parts"},
-      {[](Job& j) {
-         j = SmallJob();
-         j.Inside = true;
-         j.Moving = {"a"};
-       },
-       "InputError: conflict /moving, conflict /inside"},
-  };
-  for (const auto& [spoil, faults] : cases) {
-    Job job = kAllPairs;
-    spoil(job);
-    EXPECT_EQ(CheckFaults(job), faults);
-  }
-}
-
 // Areas that can be told by hand: of an L, half its way round and a unit; of a frame of 10 with a hole of 6 that leaves
 // 4 by 4 free; of the places in a plate with a hole, of none, and of the one place of a part that just fits.
 TEST(NfpRun, AnswersHaveTheirAreaPassTheCheckAndSurviveTheirForm) {
@@ -121,13 +83,11 @@ TEST(NfpRun, AnswersHaveTheirAreaPassTheCheckAndSurviveTheirForm) {
       {NfpJob({Polygon("plate", Square(0, 0, 10)), Polygon("s", Square(0, 0, 10))}, true), 1, 0},
   };
   for (const auto& [job, paths, area] : cases) {
-    const Result result = run(job);
+    const Result result = Answer(job);
     EXPECT_EQ(result.Status, ResultStatus::Complete);
     EXPECT_THAT(result.Pairs.at(0).Paths, SizeIs(paths));
     EXPECT_NEAR(AreaOf(result.Pairs[0]), area, 1e-3);
-    const Result read = ParseResult(ResultToJson(result));
-    EXPECT_EQ(read, result);
-    EXPECT_EQ(Verdict(job, read), "");
+    EXPECT_EQ(ParseResult(ResultToJson(result)), result);
   }
 }
 
@@ -150,11 +110,10 @@ TEST(NfpRun, AnswersAllOrderedPairsInTheirOrderUntilItIsStopped) {
 // A part a thousand times longer than wide, which the kernel cannot tell from a line.
 TEST(NfpRun, KeepsPartsApartByTheirBoxesWhereTheKernelGivesUp) {
   const Job job = NfpJob({Polygon("needle", {{0, 0}, {1000, 0.01}, {1000, 0.02}}), Polygon("s", Square(0, 0, 10))});
-  const Result result = run(job);
+  const Result result = Answer(job);
   EXPECT_EQ(result.Pairs[0].Quality, NfpQuality::Convex);
   EXPECT_NEAR(AreaOf(result.Pairs[0]), 1010 * 10.02, 1);
   EXPECT_THAT(result.Warnings, testing::ElementsAre(HasSubstr("lower quality")));
-  EXPECT_EQ(Verdict(job, result), "");
 }
 
 // The ceiling belongs to the host: a run leaves it alone and says what it could not deliver.
@@ -170,41 +129,6 @@ TEST(NfpRun, ExactNeedsTheHostsCeiling) {
   HighestNFPType = ntComplete;
   EXPECT_EQ(exact.Pairs[0].Quality, NfpQuality::Exact);
   EXPECT_THAT(exact.Warnings, SizeIs(0));
-}
-
-TEST(NfpCheck, FindsWhatAResultGetsWrong) {
-  const Job job = NfpJob({Polygon("l", kL), Polygon("s", Square(0, 0, 1))});
-  const Result good = run(job);
-  const std::pair<std::string, void (*)(Result&)> cases[] = {
-      {"/status: ", [](Result& r) { r.Status = ResultStatus::TimeLimit; }},
-      {"/status: ", [](Result& r) { r.Pairs.clear(); }},
-      {"/nfp: ", [](Result& r) { std::swap(r.Pairs[0].Fixed, r.Pairs[0].Moving); }},
-      {"/nfp/paths: has a coordinate", [](Result& r) { r.Pairs[0].Paths[0][0][0] += 3e-6; }},
-      {"/nfp/paths: has a coordinate", [](Result& r) { r.Pairs[0].Paths[0][0][0] = 1e300; }},
-      {"/nfp/paths: there is no polygon", [](Result& r) { r.Pairs[0].Paths.clear(); }},
-      {"/nfp/paths: the paths overlap", [](Result& r) { std::ranges::reverse(r.Pairs[0].Paths[0]); }},
-      {"/nfp/paths: the parts overlap",
-       [](Result& r) {
-         for (PolygonPoint& p : r.Pairs[0].Paths[0]) p[0] += 0.01;
-       }},
-      {"/nfp/quality: ", [](Result& r) { r.Pairs[0].Quality = NfpQuality::Exact; }},
-      {"/margin: ", [](Result& r) { r.Margin[0] = 1; }},
-      {"/nfp/paths: the moving part would fit", [](Result& r) { r.Pairs[0].Paths[0][0][0] += 0.01; }},
-      {"/nfp/paths: the moving part would fit", [](Result& r) { r.Pairs[0].Paths = {Square(-5, -5, 20)}; }},
-      {"/layouts: ", [](Result& r) { r.Layouts.resize(1); }},
-  };
-  for (const auto& [message, spoil] : cases) {
-    Result bad = good;
-    spoil(bad);
-    EXPECT_THAT(Verdict(job, bad), HasSubstr(message));
-  }
-  Result loose = good;
-  loose.Pairs[0].Paths = {Square(-5, -5, 20)};
-  loose.Pairs[0].Quality = NfpQuality::Convex;
-  EXPECT_EQ(Verdict(job, loose), "") << "a reduced polygon may lose places";
-  Job inside = job;
-  inside.Inside = true;
-  EXPECT_THAT(Verdict(inside, good), HasSubstr("sticks out"));
 }
 
 }  // namespace

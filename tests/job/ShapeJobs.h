@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "FaultText.h"
-#include "platenest/job/Run.h"
 
-// Parts for jobs about shapes, and what is said about such jobs and their results.
+// Parts for jobs about shapes.
 namespace platenest {
 
 inline const PolygonRing kL = {{0, 0}, {4, 0}, {4, 1}, {1, 1}, {1, 3}, {0, 3}};
@@ -36,15 +35,6 @@ PolygonRing Round(int Count, Function RadiusAt) {
 
 inline PolygonRing Disc(int Count) {
   return Round(Count, [](int) { return 1000; });
-}
-
-inline std::string CheckFaults(const Job& AJob) {
-  return FaultsOf([&] { CheckJob(AJob); });
-}
-
-inline std::string Verdict(const Job& AJob, const Result& AResult) {
-  const std::vector<Fault> faults = CheckResult(AJob, AResult);
-  return faults.empty() ? "" : faults[0].Place + ": " + faults[0].Text;
 }
 
 }  // namespace platenest

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numbers>
 
 #include "platenest/foundation/Rounding.h"
@@ -13,10 +14,15 @@ namespace {
 
 constexpr double kRelative = 1e-9;  // of sums
 
+// -1 if there is none.
 template <class TEntry>
-int PositionIn(const std::vector<TEntry>& Entries, const std::string& Id) {
+int PositionOf(const std::vector<TEntry>& Entries, const std::string& Id) {
   const auto found = std::ranges::find(Entries, Id, &TEntry::Id);
   return found == Entries.end() ? -1 : static_cast<int>(found - Entries.begin());
+}
+
+double AreaOf(const Plate& APlate) {
+  return APlate.Width * APlate.Height;
 }
 
 }  // namespace
@@ -24,20 +30,8 @@ int PositionIn(const std::vector<TEntry>& Entries, const std::string& Id) {
 double AreaOf(const Part& APart) {
   return APart.Radius > 0 ? std::numbers::pi * APart.Radius * APart.Radius : APart.Width * APart.Height;
 }
-double AreaOf(const Plate& APlate) {
-  return APlate.Width * APlate.Height;
-}
-double CostOf(const Plate& APlate) {
-  return APlate.Cost.value_or(AreaOf(APlate));
-}
 bool AreClose(double A, double B) {
   return std::fabs(A - B) <= kRelative * std::max({1e-3, std::fabs(A), std::fabs(B)});
-}
-int PositionOf(const std::vector<Part>& Parts, const std::string& Id) {
-  return PositionIn(Parts, Id);
-}
-int PositionOf(const std::vector<Plate>& Plates, const std::string& Id) {
-  return PositionIn(Plates, Id);
 }
 
 TAnswerJudge::TAnswerJudge(const Job& AJob, const Result& AResult)
@@ -104,7 +98,7 @@ void TAnswerJudge::JudgeLayout(const Layout& ALayout) {
     return;
   FUsed[static_cast<std::size_t>(position)] += ALayout.Copies;
   FPlateArea += AreaOf(plate) * ALayout.Copies;
-  FCost += CostOf(plate) * ALayout.Copies;
+  FCost += plate.Cost.value_or(AreaOf(plate)) * ALayout.Copies;
   const double area = JudgeItems(ALayout);
   FPartArea += area * ALayout.Copies;
   Holds(AreClose(ALayout.Usage, area / AreaOf(plate)), "usage of ", ALayout.Usage, ", it is ", area / AreaOf(plate));
@@ -128,7 +122,11 @@ void TAnswerJudge::JudgeSummary() {
         "the summary's areas are wrong");
   Holds(AreClose(stated.Usage, FPlateArea > 0 ? FPartArea / FPlateArea : 0), "the summary's usage is wrong");
   Holds(AreClose(stated.Cost, FCost), "the summary says a cost of ", stated.Cost, ", it is ", FCost);
-  Holds(!stated.Value, "a value in a job that has none");
+  Holds(stated.Value.has_value() == IsFill(), "a value in a job that has none, or none in a job that has");
+  for (std::size_t i = 0; i < FPlaced.size(); ++i)
+    FWorth += static_cast<double>(FPlaced[i]) * FJob.Parts[i].Value.value_or(AreaOf(FJob.Parts[i]));
+  Holds(!stated.Value || AreClose(*stated.Value, FWorth), "the summary says a value of ", stated.Value.value_or(0),
+        ", it is ", FWorth);
 }
 
 void TAnswerJudge::JudgeDemand() {
@@ -174,7 +172,8 @@ void TAnswerJudge::JudgeReason(const PartUse& Use, double Least, bool HoldsSpare
   Holds(reason == "too_large" || Least <= kJudgeTol, Use.Id, ": fits no plate, the reason is ", reason);
   Holds(reason != "no_stock" || !HoldsSpare, Use.Id, ": an unused plate holds it, the reason is no_stock");
   Holds(reason != "time" || WasCut(), Use.Id, ": left for time, but nothing cut the run short");
-  Holds(WasCut() || (!HoldsSpare && reason != "left_by_method"), Use.Id, ": left although an unused plate holds it");
+  Holds(WasCut() || !HoldsSpare, Use.Id, ": left although an unused plate holds it");
+  Holds(WasCut() || IsFill() || reason != "left_by_method", Use.Id, ": left by a search that ended by itself");
   Holds(reason == "too_large" || reason == "no_stock" || reason == "time" || reason == "left_by_method", Use.Id,
         ": unknown reason ", reason);
 }
@@ -192,11 +191,12 @@ void TAnswerJudge::JudgeVerdict() {
 bool TAnswerJudge::JudgeBound(const Bound& ABound) {
   double placed = 0;
   for (const Int64 copies : FPlaced) placed += static_cast<double>(copies);
-  const bool isArea = ABound.What == "area", isCount = ABound.What == "count", isCost = ABound.What == "cost";
-  Holds(isArea || isCount || isCost || ABound.What == "plates", "a bound on ", ABound.What);
-  const double reached = isArea ? FPartArea : isCount ? placed : isCost ? FCost : FResult.Total.Plates;
+  const std::map<std::string, double> known = {
+      {"area", FPartArea}, {"cost", FCost}, {"count", placed}, {"plates", FResult.Total.Plates}, {"value", FWorth}};
+  if (!Holds(known.contains(ABound.What), "a bound on ", ABound.What)) return false;
+  const double reached = known.at(ABound.What);
   const double slack = kRelative * std::max(reached, ABound.Value);
-  const bool isMost = isArea || isCount;
+  const bool isMost = ABound.What != "cost" && ABound.What != "plates";
   const double room = isMost ? ABound.Value - reached : reached - ABound.Value;
   Holds(room >= -slack || (!isMost && FIsShort), ABound.What, " of ", reached, " beat the bound ", ABound.Kind, " of ",
         ABound.Value);

@@ -13,13 +13,8 @@ namespace platenest::test {
 inline constexpr double kJudgeTol = 1e-6;  // of lengths, as promised
 
 double AreaOf(const Part& APart);
-double AreaOf(const Plate& APlate);
-double CostOf(const Plate& APlate);
 // Up to what sums of doubles may be off.
 bool AreClose(double A, double B);
-// The position of the entry of that id, -1 if there is none.
-int PositionOf(const std::vector<Part>& Parts, const std::string& Id);
-int PositionOf(const std::vector<Plate>& Plates, const std::string& Id);
 
 // Goes through an answer in one pass; the first fault found is kept. Derived judges know the shape of the parts.
 class TAnswerJudge {
@@ -69,8 +64,9 @@ class TAnswerJudge {
   void JudgeVerdict();
   bool JudgeBound(const Bound& ABound);
   bool IsSpare(std::size_t Plate) const;
+  bool IsFill() const { return FJob.Kind == JobKind::Fill; }
 
-  double FPartArea = 0, FPlateArea = 0, FCost = 0;
+  double FPartArea = 0, FPlateArea = 0, FCost = 0, FWorth = 0;
   bool FIsLeft = false;
   bool FIsShort = false;  // something is left that a plate may hold
   std::ostringstream FFault;

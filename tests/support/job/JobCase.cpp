@@ -58,37 +58,17 @@ class TMaker : TJobFrame {
     const bool across = OneIn(2);
     const int side = across ? sheet.H : sheet.W, room = across ? RoomH(sheet) : RoomW(sheet);
     const int shorter = std::min(RoomW(sheet), RoomH(sheet)), longer = std::max(RoomW(sheet), RoomH(sheet));
-    switch (FPick(14)) {
-      case 0:
-        return room;
-      case 1:
-        return side;
-      case 2:
-        return (room - FGap) / 2;
-      case 3:
-        return (room - 2 * FGap) / 3;
-      case 4:
-        return OneIn(6) ? longer + 1 + FPick(longer) : shorter;
-      case 5:
-        return std::max(2, shorter / 25 + FPick(shorter / 25 + 1));
-      default:
-        return std::max(2, shorter / 12) + FPick(longer / 2);
-    }
+    const int choice = FPick(14), fits[] = {room, side, (room - FGap) / 2, (room - 2 * FGap) / 3};
+    if (choice < 4) return fits[choice];
+    if (choice == 4) return OneIn(6) ? longer + 1 + FPick(longer) : shorter;
+    if (choice == 5) return std::max(2, shorter / 25 + FPick(shorter / 25 + 1));
+    return std::max(2, shorter / 12) + FPick(longer / 2);
   }
 
-  std::optional<int> PickAmount() {
-    switch (FPick(10)) {
-      case 0:
-      case 1:
-        return 1;
-      case 2:
-      case 3:
-        return Between(1, 200);
-      case 4:
-        return 200;
-      default:
-        return Between(1, 12);
-    }
+  int PickAmount() {
+    const int choice = FPick(10);
+    if (choice == 4) return 200;
+    return choice < 2 ? 1 : Between(1, choice < 4 ? 200 : 12);
   }
 
   double AreaOf(const TPiece& Piece) const { return (1.0 * Piece.W + FGap) * (Piece.H + FGap); }
@@ -189,37 +169,6 @@ class TMaker : TJobFrame {
   std::vector<int> FCut;  // plates of each kind that were cut up
 };
 
-bool Lessen(Job& AJob, const std::function<bool(const Job&)>& Fails, const std::function<bool(Job&)>& Change) {
-  Job less = AJob;
-  if (!Change(less) || !Fails(less)) return false;
-  AJob = std::move(less);
-  return true;
-}
-
-template <class TList>
-bool DropEntries(Job& AJob, const std::function<bool(const Job&)>& Fails, TList Job::*List) {
-  bool isLess = false;
-  for (int i = Size(AJob.*List) - 1; i >= 0 && Size(AJob.*List) > 1; --i)
-    isLess |= Lessen(AJob, Fails, [List, i](Job& less) {
-      (less.*List).erase((less.*List).begin() + i);
-      return true;
-    });
-  return isLess;
-}
-
-bool LessenAmounts(Job& AJob, const std::function<bool(const Job&)>& Fails) {
-  bool isLess = false;
-  for (std::size_t i = 0; i < AJob.Parts.size(); ++i)
-    for (const auto& next : {+[](int) { return 1; }, +[](int n) { return n / 2; }, +[](int n) { return n - 1; }})
-      isLess |= Lessen(AJob, Fails, [i, next](Job& less) {
-        std::optional<int>& amount = less.Parts[i].Amount;
-        if (!amount || *amount <= 1) return false;
-        amount = next(*amount);
-        return true;
-      });
-  return isLess;
-}
-
 }  // namespace
 
 TJobCase MakeJobCase(const TJobFrame::TPick& Pick) {
@@ -238,12 +187,28 @@ void AskFor(Job& AJob, const std::string& Method) {
 
 Job Shrunk(Job AJob, const std::function<bool(const Job&)>& Fails) {
   bool isLess = true;
-  while (isLess) {
-    isLess = DropEntries(AJob, Fails, &Job::Parts);
-    isLess |= DropEntries(AJob, Fails, &Job::Plates);
-    isLess |= LessenAmounts(AJob, Fails);
-    isLess |= Lessen(AJob, Fails, [](Job& less) { return std::exchange(less.Margin, {}) != less.Margin; });
-    isLess |= Lessen(AJob, Fails, [](Job& less) { return std::exchange(less.Gap, 0) != 0; });
+  const auto attempt = [&](const auto& change) {
+    Job less = AJob;
+    change(less);
+    if (less == AJob || !Fails(less)) return;
+    AJob = std::move(less);
+    isLess = true;
+  };
+  const auto dropEntries = [&](auto list) {
+    for (int i = Size(AJob.*list) - 1; i >= 0 && Size(AJob.*list) > 1; --i)
+      attempt([list, i](Job& less) { (less.*list).erase((less.*list).begin() + i); });
+  };
+  while (std::exchange(isLess, false)) {
+    dropEntries(&Job::Parts);
+    dropEntries(&Job::Plates);
+    for (std::size_t i = 0; i < AJob.Parts.size(); ++i)
+      for (const auto& next : {+[](int) { return 1; }, +[](int n) { return n / 2; }, +[](int n) { return n - 1; }})
+        attempt([i, next](Job& less) {
+          std::optional<int>& amount = less.Parts[i].Amount;
+          if (amount && *amount > 1) amount = next(*amount);
+        });
+    attempt([](Job& less) { less.Margin = {}; });
+    attempt([](Job& less) { less.Gap = 0; });
   }
   return AJob;
 }

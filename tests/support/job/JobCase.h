@@ -22,8 +22,8 @@ struct TJobCase {
 // A whole job out of whole numbers: Pick(n) gives one from 0 to n - 1. Lengths are whole thousandths (metres), units,
 // tenths, or whole millimetres in inches. One to four plate kinds, some equal or equal when turned, with stock that is
 // unlimited, ample, too small or one of each; remnants, stated costs and costs of 0; gaps, margins that differ from
-// edge to edge. Mostly up to twelve part kinds with 1 to 200 copies, some without limit, some locked, some of one size, some
-// as long as the plate with or without its margin, some that fit nowhere. A quarter of the jobs is made by cutting
+// edge to edge. Mostly up to twelve part kinds with 1 to 200 copies, some without limit, some locked, some of one size,
+// some as long as the plate with or without its margin, some that fit nowhere. A quarter of the jobs is made by cutting
 // plates up. Parts never need more than about 400 plates, mostly up to 40.
 TJobCase MakeJobCase(const std::function<int(int)>& Pick);
 TJobCase MakeJobCase(unsigned Seed);

@@ -89,11 +89,11 @@ std::string JobFault(const TJobCase& Case, const Result& AResult) {
 }
 
 TJobWorth JobWorthOf(const Job& AJob, const Result& AResult) {
-  TJobWorth worth;
-  for (std::size_t i = 0; i < AResult.Parts.size(); ++i)
+  TJobWorth worth{.Value = AResult.Total.Value};
+  for (std::size_t i = 0; i < AResult.Parts.size(); ++i) {
     worth.UnplacedArea += AResult.Parts[i].Unplaced * AreaOf(AJob.Parts[i]);
-  for (std::size_t i = 0; i < AResult.Parts.size(); ++i)
     if (!AJob.Parts[i].Amount) worth.UnlimitedArea += AResult.Parts[i].Placed * AreaOf(AJob.Parts[i]);
+  }
   worth.Cost = AResult.Total.Cost;
   worth.Plates = AResult.Total.Plates;
   worth.LastUsage = AResult.Layouts.empty() ? 0 : 1;
@@ -102,6 +102,7 @@ TJobWorth JobWorthOf(const Job& AJob, const Result& AResult) {
 }
 
 bool IsWorse(const TJobWorth& A, const TJobWorth& B) {
+  if (A.Value && B.Value) return !AreClose(*A.Value, *B.Value) && *A.Value < *B.Value;
   if (!AreClose(A.UnplacedArea, B.UnplacedArea)) return A.UnplacedArea > B.UnplacedArea;
   if (!AreClose(A.UnlimitedArea, B.UnlimitedArea)) return A.UnlimitedArea < B.UnlimitedArea;
   if (!AreClose(A.Cost, B.Cost)) return A.Cost > B.Cost;

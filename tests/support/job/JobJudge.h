@@ -1,11 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "JobCase.h"
 #include "platenest/job/Result.h"
 
-// Judges answers to whole jobs by arithmetic of its own: nothing is taken from the facade's checker.
+// Judges answers to whole jobs and to fills of one plate by arithmetic of its own: nothing is taken from the facade's
+// checker.
 namespace platenest::test {
 
 // What is wrong with an answer as one sentence, empty if nothing: every copy within its plate less margin, clear of the
@@ -19,6 +21,7 @@ std::string JobFault(const TJobCase& Case, const Result& AResult);
 
 // What answers are compared by, in this order.
 struct TJobWorth {
+  std::optional<double> Value;  // of a fill, where nothing else counts; more is better
   double UnplacedArea = 0;
   double UnlimitedArea = 0;  // placed of parts without limit; more is better
   double Cost = 0;
