@@ -209,7 +209,7 @@ TEST(BCPNode, ABranchFixesCopiesAboveAndBoundsThemBelow) {
 }
 
 TEST(BCPNode, WholeValuesAreRoundedFirstAndTheCheapestResidualIsTaken) {
-  TBench bench({3, 9}, {{2, 0}, {0, 1}});  // x = 1.5, 9
+  TBench bench({3, 9}, {{0, 1}, {2, 0}});  // x = 9, 1.5
   using TAnswer = std::tuple<double, int, bool>;
   for (const auto& [usage, count, isGiven] : {TAnswer{0.9, 1, true}, {0.4, 1, true}, {0.4, 2, true}, {0.1, 1, false}})
     bench.Manager.AddResidualSolver([=](const auto& Sub, const TBarSolution& Partial, TBarSolution& Result) {

@@ -66,6 +66,7 @@ TEST(VarPool, AColumnEntersWhereItFitsTheOpenDemand) {
                                                   {{1, 0, 0, 0}, {1e12, 4, 1}, kUnbounded},
                                                   {{1, 0, 0, 0}, {1e300, 4, 1}, kRefused},  // no whole number
                                                   {{0, 0, -2, 0}, {5, 5, 1}, -2},
+                                                  {{0, 0, -2, 0}, {5, 0.5, 1}, 0},
                                                   {{1, 0, 0, 0}, {5, -1, 1}, kRefused},  // its 0 is above that demand
                                                   {{1, 0, -9, 0}, {5, -4, 1}, 0}}) {
     TVarPool<TBarPattern> pool({1, 1, 1, 1}, {1, 1, 1, 1});
