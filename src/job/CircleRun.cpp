@@ -115,7 +115,10 @@ void AnswerQuickly(TCircleSearch& Search, const std::string& Method) {
   const TStopTokenScope scope(isSmall ? Search.Control().CallersToken() : CurrentStopToken());
   if (Method != kPack) LayPatterns(Search);
   if (Method != kPack && Search.Sizes().HasOneSize()) MixPatterns(Search);
-  if (Method == kPattern) return;
+  if (Method == kPattern) {
+    if (!isSmall) Search.EndWith(share);
+    return;
+  }
   FillQuickly(Search, TFillSide::Left);
   LayBlocks(Search);
   FillQuickly(Search, TFillSide::Bottom);

@@ -142,6 +142,7 @@ void NestByColumns(TJobSearch& Search, TSkyTrials& Trials, double Share, const s
       const TTimeShare share(Search.SecondsOf(Share));
       for (const std::vector<int>& order : PlateOrders(sizes))
         if (!RectNestStopped() && !Search.IsOver()) answers.push_back(columns.Run(order));
+      if (Share >= 1) Search.EndWith(share);
     }
     for (TJobLayouts& layouts : answers) {
       TidyAnswer(sizes, layouts);

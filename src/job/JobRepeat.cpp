@@ -140,8 +140,9 @@ void RepeatQuickly(TJobSearch& Search, TSkyTrials& Trials) {
   Search.Control().Affords(1);
 }
 
-void RepeatNested(TJobSearch& Search, TSkyTrials& Trials, double Share) {
-  const TTimeShare share(Search.SecondsOf(Share));
+namespace {
+
+void RepeatOrders(TJobSearch& Search, TSkyTrials& Trials) {
   const TJobSizes& sizes = Search.Sizes();
   // No clock would end the program in a deterministic run.
   for (const bool asksProgram : {false, true}) {
@@ -152,6 +153,14 @@ void RepeatNested(TJobSearch& Search, TSkyTrials& Trials, double Share) {
       Search.Control().Affords(Trials.TakeWork() / kTrialWorkPerMs);
     }
   }
+}
+
+}  // namespace
+
+void RepeatNested(TJobSearch& Search, TSkyTrials& Trials, double Share) {
+  const TTimeShare share(Search.SecondsOf(Share));
+  RepeatOrders(Search, Trials);
+  if (Share >= 1) Search.EndWith(share);
 }
 
 }  // namespace platenest::detail

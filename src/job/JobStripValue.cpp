@@ -114,6 +114,7 @@ void NestByStripValues(TJobSearch& Search, TSkyTrials& Trials, double Share, boo
       const TSVCBPRGNest nest(StockOf(sizes, units), units.Rects(asked), units.Gap(), seconds.value_or(0),
                               /*SpecificValue=*/false, seconds ? kMostRuns : kRuns);
       nest.NestAllRes(solutions);
+      if (Share >= 1) Search.EndWith(share);
     }
     for (const TRectSolution& solution : solutions) {
       TJobLayouts layouts = LayoutsOf(sizes, units, solution);

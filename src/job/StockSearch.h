@@ -42,6 +42,12 @@ class TStockSearch {
   TRunControl& Control() { return FControl; }
   bool IsTimed() const { return FJob.Run.TimeLimit > 0 && !FJob.Run.Deterministic; }
 
+  // A search that was given all time that was left has come to the limit where that ran out, even if the clock says so
+  // a moment later.
+  void EndWith(const TTimeShare& AllThatWasLeft) {
+    if (AllThatWasLeft.IsOver()) FControl.EndForTime();
+  }
+
   // Runs what may fail: a nester's error loses what it would have found, and is kept in case nothing is found at all.
   void Try(const std::function<void()>& Step) { FTrouble.Try(Step); }
   void RaiseTrouble() const { FTrouble.Raise(); }

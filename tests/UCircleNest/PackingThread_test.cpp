@@ -168,7 +168,8 @@ TEST(Budget, IsThatOfWholeSecondsAndABisectionHasTenOfItsOwn) {
   ExpectEndAfter(5, 1, time, [&packing] { packing.Packing(0, 5999); });
   EXPECT_EQ(kEndless.Fault(packing.ResultTranslation()), "");
   EXPECT_GT(packing.OccuRate(), 0.7);
-  TRuleProbe strip = kEndlessStrip.Packing();
+  const TRuleJob longer{200, 40000, 0, kEndless.Radii, {300, 300, 300, 300, 300}};
+  TRuleProbe strip = longer.Packing();
   strip.GenerateInitConfig();
   strip.StopPacking();
   ExpectEndAfter(10, 2, time, [&strip] { strip.TakeShortest(2, 4, kNoLength); });

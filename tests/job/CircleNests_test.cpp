@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <random>
 
 #include "CircleCase.h"
 #include "CircleFill.h"

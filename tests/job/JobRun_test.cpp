@@ -2,12 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "ForEachSeed.h"
 #include "PlateJobs.h"
+#include "platenest/foundation/EventTimer.h"
 
 namespace platenest {
 namespace {
@@ -120,6 +123,24 @@ TEST(RunJob, GreatJobsAreAnsweredInNoTime) {
   const Result result = Answer(job);
   EXPECT_EQ(result.Status, ResultStatus::Complete);
   EXPECT_GT(result.Total.Usage, 0.75);
+}
+
+// The watch of the one method goes off a moment before that of the run.
+TEST(RunJob, AMethodThatHadAllTheTimeEndsForTimeWhenThatIsOver) {
+  TRandom random(1);
+  std::vector<Part> parts;
+  for (int i = 0; i < 60; ++i) parts.push_back(Rect(random.Pick(20, 200), random.Pick(20, 200), 9));
+  Job job = WholeJob({Sheet(1000, 700, 3)}, parts);
+  job.Run = {.TimeLimit = 1000};
+  for (const char* method : {"repeat", "svc", "cg"}) {
+    TTimerBoard board;
+    const std::jthread mover([&board](const std::stop_token& end) {
+      while (board.Running() < 2 && !end.stop_requested()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      board.AdvanceSeconds(999.9999);
+    });
+    const TTimerScope scope(&board);
+    EXPECT_EQ(Answer(With(job, method)).Status, ResultStatus::TimeLimit) << method;
+  }
 }
 
 TEST(RunJob, ColumnGenerationTellsItsLpValueAndAnEstimateThatIsNoBound) {
