@@ -8,6 +8,7 @@
 #include <span>
 
 #include "JobBounds.h"
+#include "PlateCover.h"
 #include "Scale.h"
 #include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Sort.h"
@@ -19,6 +20,8 @@ namespace {
 // Each number of a layout may be off by this where it passes the check.
 constexpr double kTol = kDefaultTol;
 constexpr int kMostRadii = 100;
+// Of all covers by whole plates.
+constexpr double kMostSteps = 2e6;
 
 // How much each plate of one kind holds of something, by its count in stock.
 struct TRoom {
@@ -58,6 +61,21 @@ long double LeastCost(TRooms Rooms, long double Need) {
     cost += held / room.Each * room.Cost;
     Need -= held;
   }
+  return cost;
+}
+
+// With whole plates, as far as that takes no time; Each are whole numbers.
+long double LeastCostOfWhole(const TRooms& Rooms, Int64 Need, double MostSteps) {
+  std::vector<TCoverKind> kinds;
+  if (static_cast<double>(Need) > MostSteps) return LeastCost(Rooms, static_cast<long double>(Need));
+  const int need = static_cast<int>(Need);
+  for (const TRoom& room : Rooms)
+    kinds.push_back({static_cast<int>(std::min<long double>(room.Each, need)),
+                     static_cast<int>(std::min<Int64>(room.Count, need)), static_cast<double>(room.Cost)});
+  const std::vector<int> cover = CheapestCover(kinds, need, MostSteps);
+  if (cover.empty()) return LeastCost(Rooms, static_cast<long double>(Need));
+  long double cost = 0;
+  for (int i = 0; i < Size(cover); ++i) cost += cover[i] * Rooms[i].Cost;
   return cost;
 }
 
@@ -156,14 +174,16 @@ struct TLeast {
   long double Cost = 0;
 };
 
-std::optional<TLeast> LeastByOler(const TCircleSums& Sums) {
+// The cost only where asked for.
+std::optional<TLeast> LeastByOler(const TCircleSums& Sums, bool AsksCost) {
   TLeast least;
-  for (const double radius : Sums.Radii()) {
+  const std::vector<double> radii = Sums.Radii();
+  for (const double radius : radii) {
     const TRooms rooms = Sums.RoomsFor(radius);
-    const auto need = static_cast<long double>(Sums.CopiesFrom(radius));
-    if (need > TotalOf(rooms)) return std::nullopt;
-    least.Plates = std::max(least.Plates, LeastPlates(rooms, need));
-    least.Cost = std::max(least.Cost, LeastCost(rooms, need));
+    const Int64 need = Sums.CopiesFrom(radius);
+    if (static_cast<long double>(need) > TotalOf(rooms)) return std::nullopt;
+    least.Plates = std::max(least.Plates, LeastPlates(rooms, static_cast<long double>(need)));
+    if (AsksCost) least.Cost = std::max(least.Cost, LeastCostOfWhole(rooms, need, kMostSteps / Size(radii)));
   }
   return least;
 }
@@ -175,7 +195,7 @@ long double CostOfCheapest(TRooms Rooms, Int64 Plates) {
 
 void AddPlatesAndCost(const TCircleSizes& Sizes, const TCircleSums& Sums, std::vector<Bound>& Bounds) {
   if (Sums.NeededArea() > TotalOf(Sums.Areas())) return;
-  const std::optional<TLeast> byOler = LeastByOler(Sums);
+  const std::optional<TLeast> byOler = LeastByOler(Sums, !HasOneCost(Sizes));
   if (!byOler) return;
   const Int64 byArea = LeastPlates(Sums.Areas(), Sums.NeededArea());
   const Int64 plates = std::max(byArea, byOler->Plates);

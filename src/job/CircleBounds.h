@@ -27,9 +27,10 @@ double OlerBound(double Width, double Height, double Radius, double Gap);
 //                   of circles that are no smaller; a circle of that radius lies in each of them
 //   cost, area      where plates differ in cost: whole and broken plates, cheapest for their area first, up to the next
 //                   sum that costs can make
-//   cost, oler      where it is more: the same by OlerBound in place of the area
+//   cost, oler      where it is more: the cheapest whole plates that by OlerBound hold the circles, for some radius; of
+//                   great numbers of circles broken plates
 //   cost, plates    where it is more: the cheapest plates, as many as the bounds on plates say
-// Cost: a hundred times plate kinds, and part kinds.
+// Cost: a hundred times plate kinds, and part kinds; some milliseconds for whole plates that differ in cost.
 std::vector<Bound> BoundsOfCircles(const Job& AJob, const TCircleSizes& Sizes);
 
 bool HasOneCost(const TCircleSizes& Sizes);

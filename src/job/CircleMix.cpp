@@ -9,6 +9,7 @@
 #include "CircleFill.h"
 #include "CirclePattern.h"
 #include "CirclePlates.h"
+#include "PlateCover.h"
 #include "platenest/foundation/Compare.h"
 #include "platenest/foundation/Rounding.h"
 #include "platenest/foundation/Sort.h"
@@ -18,7 +19,7 @@ namespace platenest::detail {
 
 namespace {
 
-// Steps of the search for a mix, a few nanoseconds each.
+// Of the search for a mix.
 constexpr double kMostSteps = 1e7;
 // Circles on one plate of each kind, up to which patterns are counted.
 constexpr double kMostCounted = 5e5;
@@ -33,13 +34,6 @@ constexpr int kMostUnits = 1000000;
 constexpr double kMostWork = 2e5;
 constexpr double kMsAWork = 2e-3;
 
-// So many plates of one kind, taken or left as a whole.
-struct TBundle {
-  int Kind = 0;
-  int Plates = 0;
-  int Holds = 0;
-};
-
 struct TWorth {
   double Cost = 0;
   Int64 Plates = 0;
@@ -47,22 +41,6 @@ struct TWorth {
     return A.Cost != B.Cost ? A.Cost < B.Cost : A.Plates < B.Plates;
   }
 };
-
-// Bundles of 1, 2, 4... plates, whose sums are all numbers up to the stock, or what Need takes of it.
-std::vector<TBundle> BundlesOf(const TCircleSizes& Sizes, std::span<const int> Each, int Need) {
-  std::vector<TBundle> bundles;
-  for (int kind = 0; kind < Size(Sizes.Plates); ++kind) {
-    const TCirclePlate& plate = Sizes.Plates[kind];
-    if (plate.Remnant || Each[kind] <= 0) continue;
-    int left = std::min(plate.Count, (Need - 1) / Each[kind] + 1);
-    for (int some = 1; left > 0; some *= 2) {
-      const int plates = std::min(some, left);
-      bundles.push_back({kind, plates, static_cast<int>(std::min<Int64>(Int64{plates} * Each[kind], Need))});
-      left -= plates;
-    }
-  }
-  return bundles;
-}
 
 bool HasChoice(const TCircleSearch& Search) {
   const TCircleSizes& sizes = Search.Sizes();
@@ -104,39 +82,18 @@ std::pair<double, TCircleLayouts> FillMix(const TCircleSizes& Sizes, std::span<c
 }  // namespace
 
 std::vector<int> CheapestMix(const TCircleSizes& Sizes, std::span<const int> Each, int Need) {
-  std::vector<int> mix(Sizes.Plates.size());
+  std::vector<int> remnants(Sizes.Plates.size());
+  std::vector<TCoverKind> kinds;
   Int64 need = Need;
-  for (int kind = 0; kind < Size(mix); ++kind) {
-    if (!Sizes.Plates[kind].Remnant) continue;
-    mix[kind] = Sizes.Plates[kind].Count;
-    need -= Int64{mix[kind]} * Each[kind];
+  for (int kind = 0; kind < Size(remnants); ++kind) {
+    const TCirclePlate& plate = Sizes.Plates[kind];
+    if (plate.Remnant) remnants[kind] = plate.Count;
+    need -= Int64{remnants[kind]} * Each[kind];
+    kinds.push_back({Each[kind], plate.Remnant ? 0 : plate.Count, plate.Cost});
   }
   if (need <= 0) return {};
-  const auto rest = static_cast<int>(need);
-  const std::vector<TBundle> bundles = BundlesOf(Sizes, Each, rest);
-  const std::size_t width = static_cast<std::size_t>(rest) + 1;
-  if (static_cast<double>(bundles.size()) * static_cast<double>(width) > kMostSteps) return {};
-  constexpr double kNever = std::numeric_limits<double>::infinity();
-  std::vector<TWorth> best(width, {kNever, 0});
-  best[0] = {};
-  std::vector<bool> isTaken(bundles.size() * width);
-  for (std::size_t i = 0; i < bundles.size(); ++i) {
-    const TBundle& bundle = bundles[i];
-    for (int held = rest; held > 0; --held) {
-      const TWorth& before = best[std::max(0, held - bundle.Holds)];
-      const TWorth now{before.Cost + Sizes.Plates[bundle.Kind].Cost * bundle.Plates, before.Plates + bundle.Plates};
-      if (!(now < best[held])) continue;
-      best[held] = now;
-      isTaken[i * width + held] = true;
-    }
-  }
-  if (best[rest].Cost == kNever) return {};
-  int held = rest;
-  for (std::size_t i = bundles.size(); i-- > 0;) {
-    if (!isTaken[i * width + held]) continue;
-    mix[bundles[i].Kind] += bundles[i].Plates;
-    held = std::max(0, held - bundles[i].Holds);
-  }
+  std::vector<int> mix = CheapestCover(kinds, static_cast<int>(need), kMostSteps);
+  for (int kind = 0; kind < Size(mix); ++kind) mix[kind] += remnants[kind];
   return mix;
 }
 

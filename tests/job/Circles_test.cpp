@@ -79,9 +79,9 @@ TEST(Circles, BoundsFollowStockAndDemand) {
   job.Parts[0].Amount = 40;
   job.Plates[0].Count = {};
   EXPECT_EQ(BoundsText(CircleBoundsOf(job)), "count demand 40, plates area 6, plates oler 7, ");
-  job.Plates.push_back(Sheet(52, 52, 3, 1000, true));
+  job.Plates.push_back(Sheet(52, 52, 3, 1000, true));  // four circles each, so that 28 are left for five sheets
   EXPECT_EQ(BoundsText(CircleBoundsOf(job)),
-            "count demand 40, plates area 6, plates oler 7, cost area 15456, cost oler 20960, ");
+            "count demand 40, plates area 6, plates oler 7, cost area 15456, cost oler 22240, ");
   job.Parts = {
       {.Id = "a", .Amount = 3, .Radius = 10}, {.Id = "b", .Amount = 9, .Radius = 16}, {.Id = "c", .Radius = 99}};
   job.Plates.pop_back();
