@@ -91,7 +91,7 @@ TEST(CheckCircles, AgreesWithAllPairs) {
       TCircles circles = made;
       TPlacedCircle& moved = circles[random() % circles.size()];
       const double step = i == 0 ? 0 : std::pow(10, -static_cast<double>(random() % 8));
-      moved.Radius *= 1 + step;
+      moved.Radius = std::min(moved.Radius * (1 + step), 500.0);
       moved.Center = {std::clamp(moved.Center.X - step, moved.Radius, 1000 - moved.Radius),
                       std::clamp(moved.Center.Y + step, moved.Radius, 1000 - moved.Radius)};
       std::vector<TCircleDemand> demand;
