@@ -1,7 +1,6 @@
 #include "CircleMix.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <numbers>
 #include <utility>
@@ -34,14 +33,6 @@ constexpr int kMostUnits = 1000000;
 constexpr double kMostWork = 2e5;
 constexpr double kMsAWork = 2e-3;
 
-struct TWorth {
-  double Cost = 0;
-  Int64 Plates = 0;
-  friend bool operator<(const TWorth& A, const TWorth& B) {
-    return A.Cost != B.Cost ? A.Cost < B.Cost : A.Plates < B.Plates;
-  }
-};
-
 bool HasChoice(const TCircleSearch& Search) {
   const TCircleSizes& sizes = Search.Sizes();
   return Search.PlacesAll() && std::ranges::none_of(sizes.Parts, &TCirclePart::IsUnlimited) &&
@@ -53,8 +44,8 @@ TCircleSizes WithStock(TCircleSizes Sizes, std::span<const int> Mix) {
   return Sizes;
 }
 
-TWorth WorthOf(const TCircleSizes& Sizes, std::span<const int> Mix) {
-  TWorth worth;
+TCoverWorth WorthOf(const TCircleSizes& Sizes, std::span<const int> Mix) {
+  TCoverWorth worth;
   for (int i = 0; i < Size(Mix); ++i) {
     worth.Cost += Sizes.Plates[i].Cost * Mix[i];
     worth.Plates += Mix[i];
@@ -141,7 +132,7 @@ std::vector<TCircleLayouts> MixFills(TCircleSearch& Search) {
   double need = kUnits;
   while (Size(tried) < kMostMixes && !Search.IsOver() && !RunStopRequested()) {
     const std::vector<int> mix = CheapestMix(sizes, each, Ceil<int>(need));
-    if (mix.empty() || !(WorthOf(sizes, mix) < TWorth{Search.Merit().Cost, Search.Merit().Plates})) break;
+    if (mix.empty() || !(WorthOf(sizes, mix) < TCoverWorth{Search.Merit().Cost, Search.Merit().Plates})) break;
     if (!Search.Control().Affords(kMsAWork * work)) break;
     tried.push_back(FillMix(sizes, mix));
     if (tried.back().first <= 0) {

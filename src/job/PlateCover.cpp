@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <limits>
 
-#include "platenest/foundation/Types.h"
-
 namespace platenest::detail {
 
 namespace {
@@ -16,14 +14,6 @@ struct TBundle {
   int Plates = 0;
   int Holds = 0;
   double Cost = 0;
-};
-
-struct TWorth {
-  double Cost = 0;
-  Int64 Plates = 0;
-  friend bool operator<(const TWorth& A, const TWorth& B) {
-    return A.Cost != B.Cost ? A.Cost < B.Cost : A.Plates < B.Plates;
-  }
 };
 
 // Bundles of 1, 2, 4... plates, whose sums are all numbers up to the stock, or what Need takes of it.
@@ -51,14 +41,14 @@ std::vector<int> CheapestCover(std::span<const TCoverKind> Kinds, int Need, doub
   const std::size_t width = static_cast<std::size_t>(Need) + 1;
   if (static_cast<double>(bundles.size()) * static_cast<double>(width) > MostSteps) return {};
   constexpr double kNever = std::numeric_limits<double>::infinity();
-  std::vector<TWorth> best(width, {kNever, 0});
+  std::vector<TCoverWorth> best(width, {kNever, 0});
   best[0] = {};
   std::vector<bool> isTaken(bundles.size() * width);
   for (std::size_t i = 0; i < bundles.size(); ++i) {
     const TBundle& bundle = bundles[i];
     for (int held = Need; held > 0; --held) {
-      const TWorth& before = best[std::max(0, held - bundle.Holds)];
-      const TWorth now{before.Cost + bundle.Cost, before.Plates + bundle.Plates};
+      const TCoverWorth& before = best[std::max(0, held - bundle.Holds)];
+      const TCoverWorth now{before.Cost + bundle.Cost, before.Plates + bundle.Plates};
       if (!(now < best[held])) continue;
       best[held] = now;
       isTaken[i * width + held] = true;

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <compare>
 #include <span>
 #include <vector>
+
+#include "platenest/foundation/Types.h"
 
 namespace platenest::detail {
 
@@ -10,6 +13,13 @@ struct TCoverKind {
   int Each = 0;
   int Count = 0;
   double Cost = 0;
+};
+
+// What covers are compared by: cost, then plates; less is better.
+struct TCoverWorth {
+  double Cost = 0;
+  Int64 Plates = 0;
+  auto operator<=>(const TCoverWorth&) const = default;
 };
 
 // How many plates of each kind hold Need together at least cost, of equal ones the fewest: a covering knapsack. Empty
